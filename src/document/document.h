@@ -1,0 +1,258 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The in-memory form of one open KEL document. Filled once by the reader,
+// read by every other subsystem. Only the flex-total index fields and the
+// user-defined blocks appended to `blocks`/`blockItems` change while open.
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <array>
+#include <cstdint>
+#include <vector>
+
+namespace kel {
+
+/// Width of one answer cell as stored in the file. `None` = no answer matrix.
+enum class CellType : int { None = -1, U8 = 1, I16 = 2, I32 = 3 };
+
+/// One answer alternative. The alternatives of all questions form one list; a
+/// question owns the run [firstAlternative, firstAlternative + alternativeCount).
+struct Alternative {
+    QString label;
+    QString text;      ///< shown in lists and graph legends
+    QString shortText; ///< used in selection texts and as short category name
+    qint32 sheetColour = -1; ///< 0x00BBGGRR; -1 = no colour
+    qint32 kept16 = 0;       ///< file value with no settled use
+    qint32 graphColour = -1; ///< revision < 7: = sheetColour
+    qint32 points = -1;      ///< -1 = no points: left out of every index
+    bool complementCheck = false;
+    bool countsForPrivacy = false;
+    qint32 graphAttribute = 0; ///< revision < 3: 0
+    qint32 sortValue = 0;      ///< revision < 3: = points; negative sorts last
+};
+
+struct Question {
+    QString code;
+    QString heading; ///< short heading, shown in lists and menus
+    QString text;    ///< full question text
+    QString selectionLabel;
+    bool isCategory = false;
+    bool inOverview = false;
+    bool isFlexCategory = false;
+    qint32 sheetColour = -1; ///< fill of the question's cell in the code line
+    qint32 kept20 = 0;
+    qint32 block = -1;    ///< index into Document::blocks; not range-checked by the reader
+    qint32 subBlock = -1; ///< -1 = none; not range-checked by the reader
+    double totalIndex = -1.0;     ///< over all rows, from the file; -1 = none
+    double flexTotalIndex = -1.0; ///< over the flex total; starts as totalIndex
+    qint32 graphFlags = 3;
+    bool inTotalIndex = false;
+    qint32 rankingWeight = 1;
+    qint32 firstAlternative = 0;
+    qint32 alternativeCount = 0;
+};
+
+struct Block {
+    QString code;
+    QString name;
+    QString text;
+    qint32 kept12 = 0;
+    qint32 kept16 = 0;
+    qint16 kept20 = 0;
+    bool memberRule = false; ///< selects how member questions are found (rule vs. item list)
+    qint32 linkedBlock = -1; ///< -1 = none; otherwise this block is a sub-block of that one
+    double totalIndex = -1.0;
+    double flexTotalIndex = -1.0;
+    qint32 graphFlags = 3;
+    bool fromDocument = true; ///< false for user-defined blocks
+    bool includeInCopy = true;
+};
+
+struct BlockItem {
+    qint32 block = 0;
+    qint32 question = 0;
+};
+
+struct RowComment {
+    qint32 comment = -1; ///< text index; -1 = none
+    qint32 kept4 = -1;
+};
+
+/// Document-wide scalars of the payload header, revision replacements applied.
+/// Text fields are text-pool indexes (resolve with Document::text()).
+struct DocumentProperties {
+    std::array<quint8, 16> fileGuid{}; ///< Windows GUID memory layout
+    qint32 projectNumber = -1;
+    qint32 projectName = -1;
+    qint32 copyright = -1;
+    qint32 comment = -1; ///< an RTF fragment
+    qint32 versionMajor = 0;
+    qint32 versionMinor = 0;
+    qint32 versionBuild = 0;
+    double created = 0.0; ///< OLE automation date, UTC
+    qint32 unused140 = 0;
+    qint32 unused144 = 0;
+    qint32 language = -1;
+    QString languageCode; ///< "sv", "en", ... (derived)
+    bool allowCopy = false;
+    bool allowPrint = false; ///< the document's own flag
+    bool allowSavePicture = false;
+    bool allowCopyData = false;
+    qint32 rowOrder = -1; ///< -1 user selectable, 0 original, 1 random, 2 random per column
+    qint32 rowOrderThreshold = -1; ///< rowOrder applies below this many rows; -1 = always
+    qint32 pointsScale = 0;        ///< > 0: the document has indexes
+    qint32 maxPoints = -1;
+    qint32 indexDecimals = 0; ///< derived from pointsScale
+    qint32 indexName = -1;
+    std::array<qint32, 5> indexLineTexts{-1, -1, -1, -1, -1};
+    qint32 statusPanel2Tip = -1;
+    qint32 statusPanel3Tip = -1;
+    qint32 totalText = -1;
+    qint32 selectionTooSmallText = -1;
+    double totalIndex = -1.0;
+    double flexTotalIndex = -1.0;
+    qint32 indexFlags = 0; ///< bit 0x100: the total-index graph is offered
+    qint32 minimumSelection = 0;
+    qint32 minimumComplementSelection = 0;
+    qint32 minimumGraphSelection = 0;
+    bool hasRowComments = false;
+    bool firstAlternativeIsNoAnswer = false;
+    qint32 sheetColourA = -1;
+    qint32 sheetColourB = -1;
+    std::array<qint32, 4> sheetColours{-1, -1, -1, -1};
+};
+
+/// The answer matrix, kept exactly as the file stores it: column after column,
+/// one cell of `cellType` width each. Values were checked on load to lie in
+/// 0 .. alternativeCount-1 of their question.
+class AnswerMatrix
+{
+public:
+    AnswerMatrix() = default;
+    AnswerMatrix(CellType type, qint32 rows, qint32 columns, std::vector<quint8> bytes)
+        : mType(type), mRows(rows), mColumns(columns), mBytes(std::move(bytes)) {}
+
+    CellType cellType() const { return mType; }
+    qint32 rowCount() const { return mRows; }
+    qint32 columnCount() const { return mColumns; }
+    bool isEmpty() const { return mType == CellType::None; }
+
+    /// One cell as i32: u8 zero-extended, i16 sign-extended.
+    qint32 at(qint32 row, qint32 column) const
+    {
+        const std::size_t i = std::size_t(column) * std::size_t(mRows) + std::size_t(row);
+        switch (mType) {
+        case CellType::U8: return mBytes[i];
+        case CellType::I16: return column16(column)[row];
+        case CellType::I32: return column32(column)[row];
+        case CellType::None: break;
+        }
+        return 0;
+    }
+
+    /// Direct column access for tight loops; valid only for the matching type.
+    const quint8 *column8(qint32 column) const
+    {
+        return mBytes.data() + std::size_t(column) * std::size_t(mRows);
+    }
+    const qint16 *column16(qint32 column) const
+    {
+        return reinterpret_cast<const qint16 *>(mBytes.data()) + std::size_t(column) * std::size_t(mRows);
+    }
+    const qint32 *column32(qint32 column) const
+    {
+        return reinterpret_cast<const qint32 *>(mBytes.data()) + std::size_t(column) * std::size_t(mRows);
+    }
+
+    /// Calls f(const T *column) with the column typed by the cell width, so that
+    /// hot loops are instantiated once per width instead of switching per cell.
+    template<typename F>
+    void visitColumn(qint32 column, F &&f) const
+    {
+        switch (mType) {
+        case CellType::U8: f(column8(column)); break;
+        case CellType::I16: f(column16(column)); break;
+        case CellType::I32: f(column32(column)); break;
+        case CellType::None: break;
+        }
+    }
+
+private:
+    CellType mType = CellType::None;
+    qint32 mRows = 0;
+    qint32 mColumns = 0;
+    // std::vector<quint8> storage is allocated with operator new, which is
+    // aligned for any fundamental type, so the typed views above are safe.
+    std::vector<quint8> mBytes;
+};
+
+/// The open document. A default-constructed Document is the "no document" state.
+struct Document {
+    qint32 revision = 0;
+    qint32 compatibleRevision = 0;
+    /// Set by the reader when revision > 9: the caller shows the upgrade warning.
+    bool upgradeWarning = false;
+
+    QStringList textPool;
+    AnswerMatrix answers;
+    std::vector<Alternative> alternatives;
+    std::vector<Question> questions;
+    std::vector<RowComment> rowComments;
+    std::vector<Block> blocks;
+    std::vector<BlockItem> blockItems;
+    /// Text index per answer cell, same column-major shape as `answers`;
+    /// empty when the file has none (`hasCellComments` false).
+    std::vector<qint32> cellComments;
+    bool hasCellComments = false;
+
+    // Derived on load.
+    std::vector<qint32> categories;      ///< questions with isCategory, in order
+    std::vector<qint32> overviewColumns; ///< questions with inOverview, in order
+    qint32 flexCategory = -1;            ///< first question with isFlexCategory
+    qint32 maxCategoryAlternatives = 0;
+
+    DocumentProperties properties;
+
+    // Where the document came from; empty currentFileName = no document.
+    QString currentFile;
+    QString currentFolder;
+    QString currentFileName;
+    QString currentFileTitle;
+
+    qint32 rowCount() const { return answers.rowCount(); }
+    qint32 columnCount() const { return answers.columnCount(); }
+    bool isOpen() const { return !currentFileName.isEmpty(); }
+
+    /// Entry `index` of the text pool; empty for -1 or any index out of range.
+    QString text(qint32 index) const
+    {
+        return (index >= 0 && index < textPool.size()) ? textPool.at(index) : QString();
+    }
+    /// One answer cell as i32 (u8 zero-extended, i16 sign-extended).
+    qint32 getData(qint32 row, qint32 column) const { return answers.at(row, column); }
+
+    /// Comment text index of cell (row, column); -1 when there is none.
+    qint32 cellComment(qint32 row, qint32 column) const
+    {
+        if (!hasCellComments)
+            return -1;
+        return cellComments[std::size_t(column) * std::size_t(rowCount()) + std::size_t(row)];
+    }
+
+    /// Points of the alternative chosen by `answer` in `question`.
+    qint32 pointsOf(qint32 question, qint32 answer) const
+    {
+        return alternatives[std::size_t(questions[std::size_t(question)].firstAlternative + answer)].points;
+    }
+
+    /// The GUID as "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}", upper-case.
+    QString guidText() const;
+};
+
+/// Number of decimals of index texts for a points scale.
+qint32 indexDecimalsFor(qint32 pointsScale);
+/// The language code of a document language text ("Sv" -> "sv", "e" -> "e").
+QString languageCodeFor(const QString &language);
+
+} // namespace kel
