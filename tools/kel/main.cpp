@@ -1,1 +1,45 @@
-int main(){return 0;}
+// SPDX-License-Identifier: GPL-3.0-or-later
+// kel: reads, checks and exports KEL documents from a shell.
+#include "commands.h"
+
+#include <QCoreApplication>
+
+#include <cstring>
+
+namespace {
+
+struct Command {
+    const char *name;
+    int (*run)(const QStringList &args);
+    const char *synopsis;
+};
+
+const Command Commands[] = {
+    {"check", kel::cli::runCheck, "check FILE [--lang en|sv]"},
+    {"dump", kel::cli::runDump, "dump FILE"},
+};
+
+int usage()
+{
+    QString text = QStringLiteral("usage:\n");
+    for (const Command &c : Commands)
+        text += QStringLiteral("  kel %1\n").arg(QLatin1String(c.synopsis));
+    kel::cli::printErr(text);
+    return kel::cli::UsageError;
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    QCoreApplication app(argc, argv);
+    QStringList args = QCoreApplication::arguments().mid(1);
+    if (args.isEmpty())
+        return usage();
+    const QString name = args.takeFirst();
+    for (const Command &c : Commands)
+        if (name == QLatin1String(c.name))
+            return c.run(args);
+    kel::cli::printErr(QStringLiteral("kel: unknown command '%1'\n").arg(name));
+    return usage();
+}
