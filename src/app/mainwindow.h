@@ -1,21 +1,146 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+// The viewer's main window: menus, status bar, the central view, opening and
+// closing documents, and the tables of graph windows it owns. Commands whose
+// work belongs to windows not built yet exist in the menus with their
+// enabling rules but do nothing when chosen.
 #pragma once
 
+#include "app/mainmenus.h"
+#include "app/settingsstore.h"
+
+#include <QDateTime>
 #include <QMainWindow>
+#include <QMessageBox>
+#include <QPointer>
+#include <QTimer>
+
+#include <array>
+#include <functional>
+
+class QLabel;
 
 namespace kel {
 
-/// The viewer's main window. For now it shows what the reader found in the
-/// document named on the command line.
+class DocumentSession;
+class DocumentSummaryWidget;
+class HelpWindow;
+class StatusLine;
+struct Document;
+
+/// What the window finds out about the machine when it is created; tests
+/// pass their own.
+struct MainWindowEnvironment {
+    bool printerInstalled = false;
+    bool mouseWheel = false;
+    static MainWindowEnvironment detect();
+};
+
+/// One slot of a graph-window table: the window, whether it is handed out,
+/// and when it was last handed out (the oldest is reused first).
+struct WindowSlot {
+    QPointer<QWidget> window;
+    bool inUse = false;
+    QDateTime lastHandedOut;
+};
+inline constexpr int WindowSlotCount = 10;
+using WindowSlotTable = std::array<WindowSlot, WindowSlotCount>;
+enum class SlotTable { MiniOverviews, BasicGraphs, ChartGraphs };
+
 class MainWindow : public QMainWindow
 {
     Q_OBJECT
 public:
-    explicit MainWindow(bool isSwedish, QWidget *parent = nullptr);
-    void openFile(const QString &path);
+    /// `settings` must outlive the window.
+    MainWindow(SettingsStore &settings, bool isSwedish, const MainWindowEnvironment &environment,
+               QWidget *parent = nullptr);
+    ~MainWindow() override;
+
+    /// After the window is shown: welcomes the user, or schedules opening the
+    /// file named first on the command line (empty: none).
+    void startUp(const QString &firstArgument);
+
+    /// Loads `path`; returns the message for the user, empty on success. A
+    /// failure leaves the open document and the menus as they were.
+    QString loadDocument(const QString &path, bool rememberFolder);
+    /// Loads `path` as a user command does: hourglass, status texts, and a
+    /// critical message box titled `messageTitle` on failure.
+    bool openDocument(const QString &path, bool rememberFolder, const QString &messageTitle);
+    void closeDocument();
+
+    const Document *document() const;
+    DocumentSession &session() { return *mSession; }
+    StatusLine &statusLine() { return *mStatus; }
+    const MainMenus &menus() const { return mMenus; }
+    QLabel *statusPanel(int number) const; ///< 1..3
+    DocumentSummaryWidget *summaryWidget() const { return mSummary; }
+    const LastSettings &lastSettings() const { return mLastSettings; }
+    const UserOptions &options() const { return mOptions; }
+    bool isSwedish() const { return mIsSwedish; }
+
+    /// The three tables of graph windows; the graph and mini-overview windows
+    /// put themselves here.
+    WindowSlotTable &windowSlots(SlotTable table);
+    /// Closes every in-use window of the three tables.
+    void closeAllGraphWindows();
+
+    /// Set by the overview after each selection is shown: whether answer rows
+    /// may be copied as data or to a mini-overview.
+    void setDataRowsAllowed(bool allowed);
+    /// Status panels 2 and 3: rows of the sheet and the selection text.
+    void setSelectionPanels(qint32 rows, const QString &selectionText);
+
+    /// Message boxes go through here so that tests can record them.
+    using MessageHandler = std::function<void(QMessageBox::Icon, const QString &title, const QString &text)>;
+    void setMessageHandler(MessageHandler handler) { mMessageHandler = std::move(handler); }
+
+    /// The pending command-line file and its timer (tmrAutoOpenFile).
+    QString pendingFile() const { return mPendingFile; }
+    bool isAutoOpenPending() const { return mAutoOpenTimer.isActive(); }
+
+public slots:
+    void fileOpen();
+    void openRecentFile(int index);
+    void showHelpTopics();
+    void showAbout();
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
 
 private:
+    void connectMenus();
+    void autoOpenFile();
+    void installDocument();
+    void resetForNoDocument();
+    void rebuildRecentFilesMenu();
+    void rebuildBlockMenus();
+    void closeSlotWindows();
+    void showMessage(QMessageBox::Icon icon, const QString &title, const QString &text);
+    void loadPlacement();
+    void savePlacement();
+    QString openDialogTitle() const;
+
+    SettingsStore &mSettings;
     bool mIsSwedish;
+    MainWindowEnvironment mEnvironment;
+    UserOptions mOptions;
+    LastSettings mLastSettings;
+    StatusLine *mStatus;
+    DocumentSession *mSession;
+    MainMenus mMenus;
+    DocumentSummaryWidget *mSummary;
+    std::array<QLabel *, 3> mPanels{};
+    QTimer mAutoOpenTimer; // tmrAutoOpenFile
+    QString mPendingFile;
+    WindowSlotTable mMiniOverviews, mBasicGraphs, mChartGraphs;
+    QPointer<HelpWindow> mHelp;
+    MessageHandler mMessageHandler;
+    bool mClosed = false;
 };
+
+/// The path of the one local file with the .kel extension (any case) in
+/// `urls`; empty when there is none or more than one file.
+QString droppedDocument(const QList<QUrl> &urls);
 
 } // namespace kel

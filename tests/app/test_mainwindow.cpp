@@ -1,0 +1,532 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The main window under the offscreen platform: menu state before, with and
+// after documents of every permission, recent files, closing and settings.
+#include "app/documentsession.h"
+#include "app/documentsummarywidget.h"
+#include "app/mainwindow.h"
+#include "app/statusline.h"
+
+#include "testdocument.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QFile>
+#include <QLabel>
+#include <QScreen>
+#include <QMap>
+#include <QMenu>
+#include <QSettings>
+#include <QTemporaryDir>
+#include <QUrl>
+
+#include <gtest/gtest.h>
+
+#ifdef KEL_HAVE_WRITER
+#include "kelwriter.h"
+#endif
+
+using namespace kel;
+using kel::test::DocumentOptions;
+using kel::test::makeDocument;
+
+namespace {
+
+struct ActionState {
+    bool visible;
+    bool enabled;
+    QString text;
+    bool operator==(const ActionState &) const = default;
+};
+
+// Qt reports a hidden action as disabled; what matters for a hidden item is
+// whether it will be enabled once something shows it, which Qt remembers.
+bool enabledWhenShown(QAction *a)
+{
+    if (a->isVisible())
+        return a->isEnabled();
+    a->setVisible(true);
+    const bool enabled = a->isEnabled();
+    a->setVisible(false);
+    return enabled;
+}
+
+QMap<QString, ActionState> menuState(const MainWindow &w)
+{
+    QMap<QString, ActionState> state;
+    for (QAction *a : w.findChildren<QAction *>()) {
+        if (!a->objectName().isEmpty())
+            state.insert(a->objectName(), {a->isVisible(), enabledWhenShown(a), a->text()});
+    }
+    return state;
+}
+
+class MainWindowTest : public ::testing::Test
+{
+protected:
+    SettingsLocation location() const
+    {
+        SettingsLocation l;
+        l.file = mDir.filePath(QStringLiteral("KEL Viewer.ini"));
+        l.policyFile = mDir.filePath(QStringLiteral("policy.ini"));
+        return l;
+    }
+
+    std::unique_ptr<MainWindow> makeWindow(bool isSwedish = false, bool printer = false)
+    {
+        mStore = std::make_unique<SettingsStore>(location());
+        MainWindowEnvironment env;
+        env.printerInstalled = printer;
+        auto w = std::make_unique<MainWindow>(*mStore, isSwedish, env);
+        w->setMessageHandler([this](QMessageBox::Icon icon, const QString &title, const QString &text) {
+            mMessages << QStringLiteral("%1|%2|%3").arg(int(icon)).arg(title, text);
+        });
+        return w;
+    }
+
+    static void open(MainWindow &w, const DocumentOptions &recipe, const QString &path = QStringLiteral("/s/survey.kel"))
+    {
+        w.session().installDocument(makeDocument(recipe), path, true);
+    }
+
+    QTemporaryDir mDir;
+    std::unique_ptr<SettingsStore> mStore;
+    QStringList mMessages;
+};
+
+} // namespace
+
+TEST_F(MainWindowTest, DesignStateBeforeAnyDocument)
+{
+    auto w = makeWindow();
+    const MainMenus &m = w->menus();
+    for (QAction *a : {m.mnuFPrint, m.mnuPPrint, m.mnuECopyIndexes, m.mnuECopyData, m.mnuPCopyIndexes,
+                       m.mnuPCopyData, m.mnuVTotalGraph1, m.mnuPShowTotalGraph1, m.mnuVBlockGraph1->menuAction(),
+                       m.mnuVBlockGraph4->menuAction(), m.mnuFMRUBar, m.mnuFMRU[0], m.mnuTBar2, m.mnuTExport,
+                       m.mnuPShowRowsComments, m.mnuPCopyThisRowsAnswers, m.mnuPMouseWheelScrollDirection[0],
+                       m.mnuPBar3, m.mnuPS1SplitBy->menuAction()})
+        EXPECT_FALSE(a->isVisible()) << a->objectName().toStdString();
+    for (QAction *a : {m.mnuFSaveAs, m.mnuFPrintFormat, m.mnuFProperties, m.mnuECopy, m.mnuECopyHeadersAndTotals,
+                       m.mnuECopyToMiniOverview, m.mnuVNavigator, m.mnuVDetailInfo, m.mnuVDistributionGraph,
+                       m.mnuVComments, m.mnuVCloseAllGraphWindows, m.mnuTEditBlocks, m.mnuPCopy,
+                       m.mnuPCopyHeadersAndTotals, m.mnuPPrint, m.mnuPSaveAs, m.mnuPCopyToMiniOverview})
+        EXPECT_FALSE(a->isEnabled()) << a->objectName().toStdString();
+    for (QAction *a : {m.mnuFOpen, m.mnuFExit, m.mnuTOptions, m.mnuHHelpTopics, m.mnuHAbout})
+        EXPECT_TRUE(a->isVisible() && a->isEnabled()) << a->objectName().toStdString();
+    EXPECT_EQ(m.mnuECopy->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_C));
+    EXPECT_EQ(m.mnuECopyToMiniOverview->shortcut(), QKeySequence(Qt::Key_F4));
+    EXPECT_FALSE(w->statusPanel(2)->isVisibleTo(w.get()));
+    EXPECT_EQ(w->statusPanel(1)->toolTip(), QStringLiteral("Current activity"));
+    EXPECT_EQ(w->windowTitle(), QStringLiteral("KEL Viewer"));
+}
+
+TEST_F(MainWindowTest, CaptionsFollowTheInterfaceLanguage)
+{
+    struct Case {
+        const char *name;
+        const char *english;
+        const char *swedish;
+    };
+    const Case cases[] = {
+        {"mnuFile", "&File", "&Arkiv"},
+        {"mnuFOpen", "&Open...", "&Öppna..."},
+        {"mnuTools", "&Tools", "Verkt&yg"},
+        {"mnuTExport", "&Export", "&Export"},
+        {"mnuHAbout", "&About KEL Viewer...", "&Om KEL Viewer..."},
+        {"mnuPS1SplitBy", "&Split by", "&Fördelat på"},
+        {"mnuPS2SplitBy", "&Split by", "&Fördelad på"},
+        {"mnuPMouseWheelScrollDirection1", "Mouse Wheel Scrolls Hori&zontally", "Mushjulet bläddrar horisonta&lt"},
+    };
+    auto en = makeWindow(false);
+    const auto englishState = menuState(*en);
+    en.reset();
+    auto sv = makeWindow(true);
+    const auto swedishState = menuState(*sv);
+    for (const Case &c : cases) {
+        const QString name = QString::fromLatin1(c.name);
+        ASSERT_TRUE(englishState.contains(name)) << c.name;
+        EXPECT_EQ(englishState.value(name).text, QString::fromUtf8(c.english));
+        EXPECT_EQ(swedishState.value(name).text, QString::fromUtf8(c.swedish));
+    }
+    EXPECT_EQ(sv->statusPanel(3)->toolTip(), QStringLiteral("Aktuellt urval"));
+}
+
+TEST_F(MainWindowTest, PermissionsDecideWhatADocumentEnables)
+{
+    struct Expect {
+        const char *name;
+        bool visible;
+        bool enabled;
+    };
+    struct Case {
+        const char *label;
+        DocumentOptions recipe;
+        bool printer;
+        std::vector<Expect> expected;
+    };
+    DocumentOptions nothing;
+    DocumentOptions copyAll;
+    copyAll.allowCopy = true;
+    copyAll.allowCopyData = true;
+    copyAll.pointsScale = 4;
+    DocumentOptions dataOnly; // copying data without copying at all gives nothing
+    dataOnly.allowCopyData = true;
+    dataOnly.pointsScale = 4;
+    DocumentOptions print;
+    print.allowPrint = true;
+    print.allowSavePicture = true;
+    DocumentOptions smallSelection = copyAll;
+    smallSelection.minimumSelection = 10; // more than the document's 4 rows
+    DocumentOptions rich;
+    rich.indexFlags = 0x100;
+    rich.rowComments = true;
+    rich.categoryHeadings = {QStringLiteral("Unit")};
+
+    const Case cases[] = {
+        {"no permissions", nothing, false,
+         {{"mnuFProperties", true, true}, {"mnuTEditBlocks", true, true}, {"mnuVCloseAllGraphWindows", true, true},
+          {"mnuVDetailInfo", true, true}, {"mnuVNavigator", true, false}, {"mnuECopy", true, false},
+          {"mnuPCopy", true, false}, {"mnuECopyIndexes", false, true}, {"mnuECopyData", false, true},
+          {"mnuFSaveAs", true, false}, {"mnuVDistributionGraph", true, false}, {"mnuVComments", true, false},
+          {"mnuPS1SplitBy", false, true}, {"mnuVTotalGraph1", false, true}, {"mnuECopyToMiniOverview", true, true}}},
+        {"copy, data and indexes", copyAll, false,
+         {{"mnuECopy", true, true}, {"mnuECopyHeadersAndTotals", true, true}, {"mnuPCopy", true, true},
+          {"mnuPCopyHeadersAndTotals", true, true}, {"mnuECopyIndexes", true, true}, {"mnuPCopyIndexes", true, true},
+          {"mnuECopyData", true, true}, {"mnuPCopyData", true, true}, {"mnuPCopyToMiniOverview", true, true}}},
+        {"copy data without copy", dataOnly, false,
+         {{"mnuECopy", true, false}, {"mnuECopyIndexes", false, true}, {"mnuECopyData", false, true},
+          {"mnuPCopyData", false, true}}},
+        {"print without printer", print, false,
+         {{"mnuFPrint", false, false}, {"mnuPPrint", false, false}, {"mnuFPrintFormat", true, false},
+          {"mnuFSaveAs", true, true}, {"mnuPSaveAs", true, true}}},
+        {"print with printer", print, true,
+         {{"mnuFPrint", false, true}, {"mnuPPrint", false, true}, {"mnuFPrintFormat", true, true}}},
+        {"selection below minimum", smallSelection, false,
+         {{"mnuECopyData", true, false}, {"mnuPCopyData", true, false}, {"mnuECopyToMiniOverview", true, false},
+          {"mnuPCopyToMiniOverview", true, false}, {"mnuECopy", true, true}}},
+        {"categories, comments, total graph", rich, false,
+         {{"mnuVTotalGraph1", true, true}, {"mnuPShowTotalGraph1", true, true}, {"mnuVComments", true, true},
+          {"mnuVDistributionGraph", true, true}, {"mnuPS1SplitBy", true, true}, {"mnuPS2SplitBy", true, true},
+          {"mnuVNavigator", true, true}}},
+    };
+    for (const Case &c : cases) {
+        auto w = makeWindow(false, c.printer);
+        const auto designState = menuState(*w);
+        open(*w, c.recipe);
+        const auto state = menuState(*w);
+        for (const Expect &e : c.expected) {
+            const QString name = QString::fromLatin1(e.name);
+            ASSERT_TRUE(state.contains(name)) << e.name;
+            EXPECT_EQ(state.value(name).visible, e.visible) << c.label << ": " << e.name;
+            EXPECT_EQ(state.value(name).enabled, e.enabled) << c.label << ": " << e.name;
+        }
+        // Hidden in every state.
+        for (const char *name : {"mnuFPrint", "mnuPPrint", "mnuTExport", "mnuVBlockGraph4", "mnuVBlockGraph3"})
+            EXPECT_FALSE(state.value(QString::fromLatin1(name)).visible) << c.label << ": " << name;
+        EXPECT_EQ(w->windowTitle(), QStringLiteral("KEL Viewer - survey.kel"));
+
+        // Closing brings every item back to where it started; only the recent
+        // files differ, since the closed file was recorded.
+        w->closeDocument();
+        auto closed = menuState(*w);
+        for (const QString &name : {QStringLiteral("mnuFMRUBar"), QStringLiteral("mnuFMRU0")}) {
+            EXPECT_TRUE(closed.value(name).visible);
+            closed.remove(name);
+        }
+        auto expected = designState;
+        expected.remove(QStringLiteral("mnuFMRUBar"));
+        expected.remove(QStringLiteral("mnuFMRU0"));
+        EXPECT_EQ(closed.keys(), expected.keys()) << c.label;
+        for (const QString &name : expected.keys())
+            EXPECT_EQ(closed.value(name), expected.value(name)) << c.label << ": " << name.toStdString();
+        EXPECT_EQ(w->windowTitle(), QStringLiteral("KEL Viewer"));
+    }
+}
+
+TEST_F(MainWindowTest, SplitItemsFollowTheCategories)
+{
+    auto w = makeWindow();
+    DocumentOptions recipe;
+    recipe.categoryHeadings = {QStringLiteral("Unit"), QStringLiteral("R&D group"), QStringLiteral("Age")};
+    open(*w, recipe);
+    const MainMenus &m = w->menus();
+    ASSERT_EQ(m.mnuPS1SplitByColumn.size(), 3);
+    ASSERT_EQ(m.mnuPS2SplitByColumn.size(), 3);
+    EXPECT_EQ(m.mnuPS1SplitByColumn[0]->text(), QStringLiteral("Unit"));
+    EXPECT_EQ(m.mnuPS2SplitByColumn[1]->text(), QStringLiteral("R&&D group"));
+    EXPECT_EQ(m.mnuPS1SplitBy->actions().size(), 3);
+
+    // A document with fewer categories must not keep the old ones.
+    DocumentOptions fewer;
+    fewer.categoryHeadings = {QStringLiteral("Region")};
+    open(*w, fewer, QStringLiteral("/s/other.kel"));
+    ASSERT_EQ(m.mnuPS1SplitByColumn.size(), 1);
+    EXPECT_EQ(m.mnuPS1SplitBy->actions().size(), 1);
+    EXPECT_EQ(m.mnuPS1SplitByColumn[0]->text(), QStringLiteral("Region"));
+}
+
+TEST_F(MainWindowTest, FailedOpenLeavesDocumentAndMenusAlone)
+{
+    auto w = makeWindow();
+    DocumentOptions recipe;
+    recipe.allowCopy = true;
+    recipe.categoryHeadings = {QStringLiteral("Unit")};
+    open(*w, recipe);
+    const Document *before = w->document();
+    const auto state = menuState(*w);
+    const QString summary = w->summaryWidget()->text();
+
+    const QString garbage = mDir.filePath(QStringLiteral("broken.kel"));
+    {
+        QFile f(garbage);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write("KEL? no.");
+    }
+    EXPECT_FALSE(w->openDocument(garbage, true, QStringLiteral("Open Data File")));
+    ASSERT_EQ(mMessages.size(), 1);
+    EXPECT_EQ(mMessages.first(),
+              QStringLiteral("%1|Open Data File|This is not a KEL file!").arg(int(QMessageBox::Critical)));
+    EXPECT_EQ(w->document(), before);
+    EXPECT_EQ(menuState(*w), state);
+    EXPECT_EQ(w->summaryWidget()->text(), summary);
+    EXPECT_EQ(w->windowTitle(), QStringLiteral("KEL Viewer - survey.kel"));
+    EXPECT_EQ(w->statusLine().text(), QString());
+    EXPECT_TRUE(w->session().recentFiles().isEmpty());
+}
+
+TEST_F(MainWindowTest, RecentFilesMenuShowsTheListWithLiteralAmpersands)
+{
+    auto w = makeWindow();
+    w->session().setRecentFiles({QStringLiteral("/data/R&D/a.kel"), QStringLiteral("/data/b.kel")});
+    const MainMenus &m = w->menus();
+    EXPECT_TRUE(m.mnuFMRUBar->isVisible());
+    EXPECT_TRUE(m.mnuFMRU[0]->text().startsWith(QStringLiteral("&1 ")));
+    EXPECT_TRUE(m.mnuFMRU[0]->text().contains(QStringLiteral("R&&D"))) << m.mnuFMRU[0]->text().toStdString();
+    EXPECT_TRUE(m.mnuFMRU[1]->isVisible());
+    EXPECT_FALSE(m.mnuFMRU[2]->isVisible());
+
+    // A very long path is shortened, keeping its start and its file name.
+    const QString longPath = QStringLiteral("/") + QString(300, QLatin1Char('x')) + QStringLiteral("/final.kel");
+    w->session().setRecentFiles({longPath});
+    const QString caption = m.mnuFMRU[0]->text();
+    EXPECT_LT(caption.size(), longPath.size());
+    EXPECT_TRUE(caption.endsWith(QStringLiteral("final.kel"))) << caption.toStdString();
+    EXPECT_FALSE(m.mnuFMRU[1]->isVisible());
+}
+
+TEST_F(MainWindowTest, CloseAllGraphWindowsClosesEveryTable)
+{
+    auto w = makeWindow();
+    std::vector<std::unique_ptr<QWidget>> windows;
+    for (SlotTable t : {SlotTable::MiniOverviews, SlotTable::BasicGraphs, SlotTable::ChartGraphs}) {
+        for (int i : {0, 9}) {
+            windows.push_back(std::make_unique<QWidget>());
+            windows.back()->show();
+            WindowSlot &slot = w->windowSlots(t)[std::size_t(i)];
+            slot.window = windows.back().get();
+            slot.inUse = true;
+        }
+    }
+    w->closeAllGraphWindows();
+    for (const auto &window : windows)
+        EXPECT_FALSE(window->isVisible());
+    for (SlotTable t : {SlotTable::MiniOverviews, SlotTable::BasicGraphs, SlotTable::ChartGraphs})
+        EXPECT_FALSE(w->windowSlots(t)[0].inUse);
+    EXPECT_EQ(w->statusLine().text(), QStringLiteral("All graph windows has been closed!"));
+    EXPECT_TRUE(w->statusLine().isClearPending());
+}
+
+TEST_F(MainWindowTest, StartUpReportsAMissingCommandLineFile)
+{
+    auto w = makeWindow();
+    w->startUp(QStringLiteral("/no/such/file.kel"));
+    EXPECT_EQ(w->statusLine().text(), QStringLiteral("Could not find the file \"/no/such/file.kel\"!"));
+    EXPECT_FALSE(w->isAutoOpenPending());
+    EXPECT_EQ(w->document(), nullptr);
+
+    const QString existing = mDir.filePath(QStringLiteral("here.kel"));
+    QFile f(existing);
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    f.close();
+    auto w2 = makeWindow(true);
+    w2->startUp(existing);
+    EXPECT_EQ(w2->statusLine().text(), QStringLiteral("Öppnar datafil..."));
+    EXPECT_TRUE(w2->isAutoOpenPending());
+    EXPECT_EQ(w2->pendingFile(), existing);
+
+    auto w3 = makeWindow();
+    w3->startUp(QString());
+    EXPECT_EQ(w3->statusLine().text(), QStringLiteral("Welcome to KEL Viewer!"));
+}
+
+TEST_F(MainWindowTest, ClosingTheWindowRecordsAndSavesInOrder)
+{
+    {
+        auto w = makeWindow();
+        open(*w, {}, QStringLiteral("/s/first.kel"));
+        w->show();
+        w->close();
+    }
+    QSettings raw(location().file, QSettings::IniFormat);
+    EXPECT_EQ(raw.value(QStringLiteral("MRU List/Item 00")).toString(), QStringLiteral("/s/first.kel"));
+    EXPECT_EQ(raw.value(QStringLiteral("Last Settings/Data Open Folder")).toString(), QStringLiteral("/s"));
+    EXPECT_TRUE(raw.childGroups().contains(QStringLiteral("Windows")));
+
+    // The next run starts with that list and folder.
+    auto again = makeWindow();
+    EXPECT_EQ(again->session().recentFiles(), QStringList{QStringLiteral("/s/first.kel")});
+    EXPECT_EQ(again->session().currentFolder(), QStringLiteral("/s"));
+}
+
+TEST_F(MainWindowTest, NoSaveSettingsStillSavesRecentFiles)
+{
+    {
+        QSettings policy(location().policyFile, QSettings::IniFormat);
+        policy.setValue(QStringLiteral("Explorer/NoSaveSettings"), 1);
+    }
+    {
+        auto w = makeWindow();
+        open(*w, {}, QStringLiteral("/s/first.kel"));
+        w->close();
+    }
+    QSettings raw(location().file, QSettings::IniFormat);
+    EXPECT_EQ(raw.value(QStringLiteral("MRU List/Item 00")).toString(), QStringLiteral("/s/first.kel"));
+    EXPECT_FALSE(raw.childGroups().contains(QStringLiteral("Last Settings")));
+    EXPECT_FALSE(raw.childGroups().contains(QStringLiteral("Windows")));
+}
+
+TEST_F(MainWindowTest, NoRecentDocsMenuHidesTheList)
+{
+    {
+        QSettings seed(location().file, QSettings::IniFormat);
+        seed.setValue(QStringLiteral("MRU List/Item 00"), QStringLiteral("/s/old.kel"));
+        QSettings policy(location().policyFile, QSettings::IniFormat);
+        policy.setValue(QStringLiteral("Explorer/NoRecentDocsMenu"), 1);
+    }
+    auto w = makeWindow();
+    EXPECT_FALSE(w->menus().mnuFMRU[0]->isVisible());
+    open(*w, {}, QStringLiteral("/s/a.kel"));
+    w->closeDocument();
+    EXPECT_FALSE(w->menus().mnuFMRUBar->isVisible());
+    EXPECT_TRUE(w->session().recentFiles().isEmpty());
+}
+
+#ifdef KEL_HAVE_WRITER
+// Real files through the reader: the bundled survey, and variants of it.
+TEST_F(MainWindowTest, OpensRealFilesWithTheirPermissions)
+{
+    struct Case {
+        const char *label;
+        std::function<void(writer::KelFile &)> change;
+        std::vector<std::pair<const char *, bool>> enabled; // visible items
+    };
+    const Case cases[] = {
+        {"as bundled", [](writer::KelFile &) {},
+         {{"mnuECopy", true}, {"mnuECopyIndexes", true}, {"mnuECopyData", true}, {"mnuFSaveAs", true},
+          {"mnuVComments", true}, {"mnuVDistributionGraph", true}, {"mnuVNavigator", true}}},
+        {"no copy, no pictures",
+         [](writer::KelFile &f) {
+             f.header.allowCopy = writer::FileFalse;
+             f.header.allowSavePicture = writer::FileFalse;
+         },
+         {{"mnuECopy", false}, {"mnuPCopy", false}, {"mnuFSaveAs", false}, {"mnuPSaveAs", false},
+          {"mnuFProperties", true}}},
+    };
+    for (const Case &c : cases) {
+        writer::KelFile file = writer::employeeSurvey(false);
+        c.change(file);
+        const QString path = mDir.filePath(QStringLiteral("survey.kel"));
+        ASSERT_TRUE(file.writeFile(path));
+        auto w = makeWindow();
+        ASSERT_TRUE(w->openDocument(path, true, QStringLiteral("Open Data File"))) << mMessages.join(u'\n').toStdString();
+        EXPECT_TRUE(mMessages.isEmpty());
+        EXPECT_EQ(w->statusLine().text(), QStringLiteral("survey.kel has been opened!"));
+        EXPECT_EQ(w->session().currentFolder(), mDir.path());
+        const auto state = menuState(*w);
+        for (const auto &[name, enabled] : c.enabled) {
+            EXPECT_TRUE(state.value(QString::fromLatin1(name)).visible) << c.label << ": " << name;
+            EXPECT_EQ(state.value(QString::fromLatin1(name)).enabled, enabled) << c.label << ": " << name;
+        }
+        EXPECT_EQ(w->menus().mnuPS1SplitByColumn.size(), qsizetype(w->document()->categories.size()));
+        EXPECT_TRUE(w->statusPanel(2)->isVisibleTo(w.get()));
+        EXPECT_EQ(w->statusPanel(2)->text(), QStringLiteral(" %1").arg(w->document()->rowCount()));
+    }
+}
+
+TEST_F(MainWindowTest, NewerRevisionOpensWithTheUpgradeWarning)
+{
+    writer::KelFile file = writer::employeeSurvey(true);
+    file.options.revision = 12;
+    file.options.compatibleRevision = 9;
+    const QString path = mDir.filePath(QStringLiteral("newer.kel"));
+    ASSERT_TRUE(file.writeFile(path));
+    auto w = makeWindow(true);
+    ASSERT_TRUE(w->openDocument(path, false, QStringLiteral("KEL Viewer")));
+    ASSERT_EQ(mMessages.size(), 1);
+    EXPECT_TRUE(mMessages.first().startsWith(
+        QStringLiteral("%1|Dags att uppgradera|newer.kel har ett nyare filformat än den här versionen av KEL Viewer "
+                       "är gjord för!")
+            .arg(int(QMessageBox::Warning))))
+        << mMessages.first().toStdString();
+    EXPECT_EQ(w->statusLine().text(), QStringLiteral("newer.kel har öppnats!"));
+
+    // A damaged copy of it is refused and the open document stays.
+    QByteArray bytes = file.toBytes();
+    bytes[bytes.size() - 1] = char(bytes[bytes.size() - 1] ^ 0x5A);
+    const QString damaged = mDir.filePath(QStringLiteral("damaged.kel"));
+    ASSERT_TRUE(writer::writeBytes(damaged, bytes));
+    const Document *before = w->document();
+    EXPECT_FALSE(w->openDocument(damaged, true, QStringLiteral("Öppna datafil")));
+    EXPECT_EQ(mMessages.last(),
+              QStringLiteral("%1|Öppna datafil|Den här KEL-filen är skadad!").arg(int(QMessageBox::Critical)));
+    EXPECT_EQ(w->document(), before);
+    EXPECT_EQ(w->windowTitle(), QStringLiteral("KEL Viewer - newer.kel"));
+}
+#endif
+
+TEST_F(MainWindowTest, StoredPlacementIsRestoredSensibly)
+{
+    struct Case {
+        const char *label;
+        qint32 left, top, width, height, state;
+    };
+    const Case cases[] = {
+        {"maximized", 150, 150, 9000, 6000, WindowPlacement::Maximized},
+        {"minimized is not restored", 150, 150, 9000, 6000, WindowPlacement::Minimized},
+        {"off every screen", 14400000, 14400000, 9000, 6000, WindowPlacement::Normal},
+        {"too small", 150, 150, 10, 10, WindowPlacement::Normal},
+    };
+    for (const Case &c : cases) {
+        {
+            SettingsStore seed(location());
+            for (const auto &[name, value] : {std::pair{"WLeft", c.left}, {"WTop", c.top}, {"WWidth", c.width},
+                                              {"WHeight", c.height}, {"WState", c.state}})
+                seed.writeDword(QStringLiteral("Windows\\Main"), QString::fromLatin1(name), value);
+        }
+        auto w = makeWindow();
+        const double pixelsPerTwip = w->logicalDpiX() / 1440.0;
+        EXPECT_EQ(w->windowState().testFlag(Qt::WindowMaximized), c.state == WindowPlacement::Maximized) << c.label;
+        EXPECT_FALSE(w->windowState().testFlag(Qt::WindowMinimized)) << c.label;
+        EXPECT_GE(w->width(), qRound(4800 * pixelsPerTwip)) << c.label;
+        EXPECT_GE(w->height(), qRound(3600 * pixelsPerTwip)) << c.label;
+        const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+        EXPECT_TRUE(screen.contains(w->pos())) << c.label;
+    }
+}
+
+TEST(DroppedFiles, OnlyOneLocalKelFileIsTaken)
+{
+    EXPECT_EQ(droppedDocument({QUrl::fromLocalFile(QStringLiteral("/a/b.KEL"))}), QStringLiteral("/a/b.KEL"));
+    EXPECT_TRUE(droppedDocument({QUrl::fromLocalFile(QStringLiteral("/a/b.txt"))}).isEmpty());
+    EXPECT_TRUE(droppedDocument({QUrl(QStringLiteral("https://example.org/a.kel"))}).isEmpty());
+    EXPECT_TRUE(droppedDocument({QUrl::fromLocalFile(QStringLiteral("/a.kel")),
+                                 QUrl::fromLocalFile(QStringLiteral("/b.kel"))})
+                    .isEmpty());
+}
+
+int main(int argc, char **argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    ::testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}
