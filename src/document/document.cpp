@@ -43,7 +43,11 @@ qint32 indexDecimalsFor(qint32 pointsScale)
 
 QString languageCodeFor(const QString &language)
 {
-    return (language + QStringLiteral("  ")).left(2).trimmed().toLower();
+    // Only trailing blanks go: " x" keeps its leading blank.
+    QString code = (language + QStringLiteral("  ")).left(2);
+    while (code.endsWith(QLatin1Char(' ')))
+        code.chop(1);
+    return code.toLower();
 }
 
 } // namespace kel

@@ -22,11 +22,8 @@ namespace {
 
 using namespace kel::format;
 
-// Deflate cannot expand data by more than about 1032:1, so a header that
-// claims a payload larger than this for its stored bytes is lying; refusing it
-// up front keeps a tiny hostile file from making us allocate gigabytes.
-constexpr qint64 MaxDeflateRatio = 1032;
-constexpr qint64 DeflateSlack = 1024;
+// First output buffer of an inflate: a few times the stream, at least this.
+constexpr qint64 InitialInflateBuffer = 64 * 1024;
 
 qint32 readI32(const uchar *p) { return qFromLittleEndian<qint32>(p); }
 qint16 readI16(const uchar *p) { return qFromLittleEndian<qint16>(p); }
@@ -93,6 +90,52 @@ std::optional<Failure> checkContainerHeader(const ContainerHeader &h, qint64 rea
     return std::nullopt;
 }
 
+// Does what zlib's uncompress does with a destination of `limit` bytes: Z_OK
+// with the length produced when the stream ends within the limit, an error
+// when it needs more room or is cut short. The buffer grows with the output
+// actually produced instead of being allocated at `limit` up front, so a
+// header that claims gigabytes for a small stream costs nothing, while a
+// stream that really inflates to less than announced still opens (it is
+// taken at the length zlib reports).
+int inflateBounded(const Bytef *source, qint64 sourceLength, qint64 limit, QByteArray &out)
+{
+    z_stream zs{};
+    if (inflateInit(&zs) != Z_OK)
+        return Z_MEM_ERROR;
+    zs.next_in = const_cast<Bytef *>(source);
+    zs.avail_in = uInt(sourceLength);
+    qint64 capacity = std::min(limit, std::max(sourceLength * 4, InitialInflateBuffer));
+    out.resize(qsizetype(capacity));
+    int z;
+    for (;;) {
+        zs.next_out = reinterpret_cast<Bytef *>(out.data()) + zs.total_out;
+        zs.avail_out = uInt(capacity - qint64(zs.total_out));
+        z = inflate(&zs, Z_NO_FLUSH);
+        if (z == Z_STREAM_END) {
+            z = Z_OK;
+            break;
+        }
+        if (z != Z_OK && z != Z_BUF_ERROR)
+            break;
+        if (zs.avail_out == 0 && capacity < limit) {
+            capacity = std::min(limit, capacity * 2);
+            out.resize(qsizetype(capacity));
+            continue;
+        }
+        // No progress possible: the input ended early, or the output is full
+        // at the limit while the stream wants to go on.
+        if (z == Z_BUF_ERROR)
+            break;
+    }
+    const qint64 produced = qint64(zs.total_out);
+    inflateEnd(&zs);
+    if (z == Z_OK)
+        out.resize(qsizetype(produced));
+    else
+        out.clear();
+    return z;
+}
+
 // CRC and inflate: turns the file image into the plain payload.
 std::optional<Failure> extractPayload(const QByteArray &file, const ContainerHeader &h, QByteArray &payload)
 {
@@ -123,20 +166,9 @@ std::optional<Failure> extractPayload(const QByteArray &file, const ContainerHea
         payload = file.mid(payloadStart, stored);
         return std::nullopt;
     }
-    if (qint64(h.payloadLength) > qint64(h.storedLength) * MaxDeflateRatio + DeflateSlack)
-        return Failure{OpenResult::Damaged, QStringLiteral("%1 stored bytes cannot inflate to %2")
-                                                .arg(h.storedLength)
-                                                .arg(h.payloadLength)};
-    payload.resize(h.payloadLength);
-    uLongf destLen = uLongf(h.payloadLength);
-    const int z = uncompress(reinterpret_cast<Bytef *>(payload.data()), &destLen, bytes + payloadStart,
-                             uLong(h.storedLength));
-    if (z != Z_OK) {
-        payload.clear();
+    const int z = inflateBounded(bytes + payloadStart, h.storedLength, h.payloadLength, payload);
+    if (z != Z_OK)
         return Failure{OpenResult::Damaged, QStringLiteral("inflate failed (zlib %1)").arg(z)};
-    }
-    if (destLen != uLongf(h.payloadLength))
-        payload.resize(qsizetype(destLen));
     return std::nullopt;
 }
 
@@ -530,7 +562,9 @@ void deriveProperties(Document &doc)
     // Documents older than revision 5 carry no total index: it is the pooled
     // index of the overview questions that count towards it, over everyone.
     DocumentProperties &p = doc.properties;
-    if (doc.revision < 5 && p.pointsScale > 0) {
+    // Without rows there is nothing to pool (and a question without
+    // alternatives may carry any first-alternative number then).
+    if (doc.revision < 5 && p.pointsScale > 0 && doc.rowCount() > 0) {
         QuestionList columns;
         for (qint32 c : doc.overviewColumns)
             if (doc.questions[std::size_t(c)].inTotalIndex)

@@ -101,12 +101,14 @@ struct Strides {
     int block;
     int blockItem;
 };
-/// Record sizes as the given revision defined them: every field it knows.
+/// Record sizes as the given revision defined them: every field it knows,
+/// padded to 4 bytes as the records of revision 1 already were (the 2 bytes
+/// after InTotalIndex, and after IsFlexCategory from revision 6).
 constexpr Strides stridesForRevision(int revision)
 {
     return Strides{
         revision >= 7 ? 40 : revision >= 3 ? 36 : 28,
-        revision >= 8 ? 68 : revision >= 6 ? 58 : revision >= 2 ? 56 : 52,
+        revision >= 8 ? 68 : revision >= 6 ? 60 : revision >= 2 ? 56 : 52,
         revision >= 4 ? 8 : 4,
         revision >= 8 ? 40 : revision >= 2 ? 36 : 32,
         8,

@@ -1,0 +1,132 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The bundled samples are generated, never edited: regenerating them must
+// give the committed bytes, and they must open and be consistent.
+#include "readerfixture.h"
+
+#include "indexes/columnindex.h"
+
+#include <QFile>
+
+#include <gtest/gtest.h>
+
+#include <numeric>
+
+namespace kel::test {
+namespace {
+
+QByteArray committed(const char *name)
+{
+    QFile f(QStringLiteral(KEL_SAMPLES_DIR "/%1").arg(QLatin1String(name)));
+    if (!f.open(QIODevice::ReadOnly))
+        return {};
+    return f.readAll();
+}
+
+class Sample : public ::testing::TestWithParam<bool>
+{
+protected:
+    bool swedish() const { return GetParam(); }
+    const char *fileName() const { return swedish() ? "employee-survey-sv.kel" : "employee-survey-en.kel"; }
+};
+
+TEST_P(Sample, RegeneratesToTheCommittedBytes)
+{
+    const QByteArray onDisk = committed(fileName());
+    ASSERT_FALSE(onDisk.isEmpty()) << "missing samples/" << fileName();
+    const QByteArray fresh = employeeSurvey(swedish()).toBytes();
+    EXPECT_EQ(fresh.size(), onDisk.size());
+    EXPECT_TRUE(fresh == onDisk) << "samples/" << fileName()
+                                 << " differs from what the writer makes now; regenerate it with kelwrite sample";
+}
+
+TEST_P(Sample, OpensAndIsConsistent)
+{
+    const ReadResult r = readDocumentFile(QStringLiteral(KEL_SAMPLES_DIR "/%1").arg(QLatin1String(fileName())));
+    ASSERT_EQ(r.code, OpenResult::Ok) << r.detail.toStdString();
+    const Document &d = *r.document;
+    const DocumentProperties &p = d.properties;
+    EXPECT_EQ(d.revision, 9);
+    EXPECT_EQ(d.rowCount(), 600);
+    EXPECT_GE(d.overviewColumns.size(), 40u);
+    EXPECT_EQ(d.categories.size(), 4u);
+    EXPECT_EQ(d.flexCategory, d.categories.front());
+    EXPECT_EQ(p.languageCode, swedish() ? QStringLiteral("sv") : QStringLiteral("en"));
+    EXPECT_EQ(d.text(p.totalText), swedish() ? QStringLiteral("Totalt") : QStringLiteral("Total"));
+    EXPECT_EQ(p.pointsScale, 100);
+    EXPECT_EQ(p.minimumSelection, 5);
+    EXPECT_EQ(p.minimumComplementSelection, 5);
+    EXPECT_EQ(p.minimumGraphSelection, 3);
+    EXPECT_TRUE(p.firstAlternativeIsNoAnswer && p.allowCopy && p.allowPrint && p.allowSavePicture && p.allowCopyData);
+    EXPECT_EQ(p.indexFlags, 0x100);
+    EXPECT_EQ(p.rowOrder, -1);
+    EXPECT_TRUE(d.hasCellComments);
+    EXPECT_TRUE(p.hasRowComments);
+
+    // Stored indexes agree with what the index calculation makes of the
+    // answers: the writer and the viewer compute independently.
+    RowList all(std::size_t(d.rowCount()));
+    std::iota(all.begin(), all.end(), 0);
+    QuestionList total;
+    for (qint32 q : d.overviewColumns) {
+        const Question &question = d.questions[std::size_t(q)];
+        EXPECT_DOUBLE_EQ(question.totalIndex, calculateColumnsIndex(d, {q}, all)) << q;
+        EXPECT_EQ(question.graphFlags, 0x103) << q;
+        if (question.inTotalIndex)
+            total.push_back(q);
+    }
+    EXPECT_LT(total.size(), d.overviewColumns.size()); // one question stays out of the total
+    EXPECT_DOUBLE_EQ(p.totalIndex, calculateColumnsIndex(d, total, all));
+    int subBlocks = 0;
+    for (qint32 b = 0; b < qint32(d.blocks.size()); ++b) {
+        const Block &block = d.blocks[std::size_t(b)];
+        QuestionList members;
+        if (!block.memberRule) {
+            for (const BlockItem &it : d.blockItems)
+                if (it.block == b)
+                    members.push_back(it.question);
+        } else {
+            for (qint32 q : d.overviewColumns)
+                if (d.questions[std::size_t(q)].block == b)
+                    members.push_back(q);
+            if (members.empty())
+                for (qint32 q : d.overviewColumns)
+                    if (d.questions[std::size_t(q)].subBlock == b)
+                        members.push_back(q);
+        }
+        ASSERT_FALSE(members.empty()) << b;
+        EXPECT_DOUBLE_EQ(block.totalIndex, calculateColumnsIndex(d, members, all)) << b;
+        subBlocks += block.linkedBlock >= 0;
+    }
+    EXPECT_GE(subBlocks, 6);
+
+    // Some respondents skipped questions; every scale has its "no answer" first.
+    int skipped = 0;
+    for (qint32 q : d.overviewColumns) {
+        const Question &question = d.questions[std::size_t(q)];
+        EXPECT_EQ(d.alternatives[std::size_t(question.firstAlternative)].points, -1);
+        for (qint32 r = 0; r < d.rowCount(); ++r)
+            skipped += d.getData(r, q) == 0;
+    }
+    EXPECT_GT(skipped, 100);
+}
+
+// Both languages carry the same answers; only the texts differ.
+TEST(Samples, LanguagesShareTheAnswers)
+{
+    const ReadResult en = readBytes(employeeSurvey(false).toBytes());
+    const ReadResult sv = readBytes(employeeSurvey(true).toBytes());
+    ASSERT_EQ(en.code, OpenResult::Ok);
+    ASSERT_EQ(sv.code, OpenResult::Ok);
+    ASSERT_EQ(en.document->columnCount(), sv.document->columnCount());
+    for (qint32 c = 0; c < en.document->columnCount(); ++c)
+        for (qint32 r = 0; r < en.document->rowCount(); ++r)
+            ASSERT_EQ(en.document->getData(r, c), sv.document->getData(r, c));
+    EXPECT_NE(en.document->questions[10].text, sv.document->questions[10].text);
+    EXPECT_NE(en.document->guidText(), sv.document->guidText());
+}
+
+INSTANTIATE_TEST_SUITE_P(Languages, Sample, ::testing::Values(false, true),
+                         [](const auto &info) { return info.param ? "sv" : "en"; });
+
+} // namespace
+} // namespace kel::test
