@@ -4,6 +4,7 @@
 // user-defined blocks appended to `blocks`/`blockItems` change while open.
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 #include <QStringList>
 
@@ -130,20 +131,42 @@ class AnswerMatrix
 {
 public:
     AnswerMatrix() = default;
-    AnswerMatrix(CellType type, qint32 rows, qint32 columns, std::vector<quint8> bytes)
-        : mType(type), mRows(rows), mColumns(columns), mBytes(std::move(bytes)) {}
+    /// Takes the cells from a byte vector (tests and tools build these).
+    AnswerMatrix(CellType type, qint32 rows, qint32 columns, const std::vector<quint8> &bytes)
+        : AnswerMatrix(type, rows, columns,
+                       QByteArray(reinterpret_cast<const char *>(bytes.data()), qsizetype(bytes.size())), 0)
+    {
+    }
+    /// Shares `buffer` from `offset` on, so that a freshly read payload becomes
+    /// the matrix without a copy. Falls back to a copy when the cells would be
+    /// misaligned for their width. The caller guarantees the buffer holds
+    /// rows x columns cells from `offset`, little-endian on a little-endian host.
+    AnswerMatrix(CellType type, qint32 rows, qint32 columns, QByteArray buffer, qsizetype offset)
+        : mType(type), mRows(rows), mColumns(columns)
+    {
+        const qsizetype bytes = qsizetype(rows) * columns * width();
+        const auto address = reinterpret_cast<quintptr>(buffer.constData() + offset);
+        if (address % quintptr(width()) == 0) {
+            mStorage = std::move(buffer);
+            mData = reinterpret_cast<const quint8 *>(mStorage.constData()) + offset;
+        } else {
+            mStorage = QByteArray(buffer.constData() + offset, bytes);
+            mData = reinterpret_cast<const quint8 *>(mStorage.constData());
+        }
+    }
 
     CellType cellType() const { return mType; }
     qint32 rowCount() const { return mRows; }
     qint32 columnCount() const { return mColumns; }
     bool isEmpty() const { return mType == CellType::None; }
+    /// Bytes per cell: 1, 2 or 4 (1 without a matrix).
+    int width() const { return mType == CellType::I32 ? 4 : mType == CellType::I16 ? 2 : 1; }
 
     /// One cell as i32: u8 zero-extended, i16 sign-extended.
     qint32 at(qint32 row, qint32 column) const
     {
-        const std::size_t i = std::size_t(column) * std::size_t(mRows) + std::size_t(row);
         switch (mType) {
-        case CellType::U8: return mBytes[i];
+        case CellType::U8: return column8(column)[row];
         case CellType::I16: return column16(column)[row];
         case CellType::I32: return column32(column)[row];
         case CellType::None: break;
@@ -152,17 +175,14 @@ public:
     }
 
     /// Direct column access for tight loops; valid only for the matching type.
-    const quint8 *column8(qint32 column) const
-    {
-        return mBytes.data() + std::size_t(column) * std::size_t(mRows);
-    }
+    const quint8 *column8(qint32 column) const { return mData + std::size_t(column) * std::size_t(mRows); }
     const qint16 *column16(qint32 column) const
     {
-        return reinterpret_cast<const qint16 *>(mBytes.data()) + std::size_t(column) * std::size_t(mRows);
+        return reinterpret_cast<const qint16 *>(mData) + std::size_t(column) * std::size_t(mRows);
     }
     const qint32 *column32(qint32 column) const
     {
-        return reinterpret_cast<const qint32 *>(mBytes.data()) + std::size_t(column) * std::size_t(mRows);
+        return reinterpret_cast<const qint32 *>(mData) + std::size_t(column) * std::size_t(mRows);
     }
 
     /// Calls f(const T *column) with the column typed by the cell width, so that
@@ -182,9 +202,8 @@ private:
     CellType mType = CellType::None;
     qint32 mRows = 0;
     qint32 mColumns = 0;
-    // std::vector<quint8> storage is allocated with operator new, which is
-    // aligned for any fundamental type, so the typed views above are safe.
-    std::vector<quint8> mBytes;
+    QByteArray mStorage;           // owns (or shares) the cells
+    const quint8 *mData = nullptr; // first cell, aligned for the cell width
 };
 
 /// The open document. A default-constructed Document is the "no document" state.

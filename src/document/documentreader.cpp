@@ -22,8 +22,12 @@ namespace {
 
 using namespace kel::format;
 
-// First output buffer of an inflate: a few times the stream, at least this.
+// First output buffer of an inflate whose announced length is implausible:
+// a few times the stream, at least this.
 constexpr qint64 InitialInflateBuffer = 64 * 1024;
+// Deflate cannot expand data by more than about 1032:1; an announced payload
+// within that bound is allocated whole at once, as uncompress would.
+constexpr qint64 MaxDeflateRatio = 1032;
 
 qint32 readI32(const uchar *p) { return qFromLittleEndian<qint32>(p); }
 qint16 readI16(const uchar *p) { return qFromLittleEndian<qint16>(p); }
@@ -104,7 +108,9 @@ int inflateBounded(const Bytef *source, qint64 sourceLength, qint64 limit, QByte
         return Z_MEM_ERROR;
     zs.next_in = const_cast<Bytef *>(source);
     zs.avail_in = uInt(sourceLength);
-    qint64 capacity = std::min(limit, std::max(sourceLength * 4, InitialInflateBuffer));
+    qint64 capacity = limit <= sourceLength * MaxDeflateRatio + InitialInflateBuffer
+                          ? limit
+                          : std::min(limit, std::max(sourceLength * 4, InitialInflateBuffer));
     out.resize(qsizetype(capacity));
     int z;
     for (;;) {
@@ -136,8 +142,37 @@ int inflateBounded(const Bytef *source, qint64 sourceLength, qint64 limit, QByte
     return z;
 }
 
+// The plain payload: a range of `buffer`. A plain file's payload stays inside
+// the file image, so that it is never copied.
+struct Payload {
+    QByteArray buffer;
+    qsizetype offset = 0;
+    qsizetype size = 0;
+    const uchar *data() const { return reinterpret_cast<const uchar *>(buffer.constData()) + offset; }
+};
+
 // CRC and inflate: turns the file image into the plain payload.
-std::optional<Failure> extractPayload(const QByteArray &file, const ContainerHeader &h, QByteArray &payload)
+// The bytes the checksum covers: the header and the payload as stored.
+qint64 checksummedLength(const ContainerHeader &h)
+{
+    return qint64(h.headerLength) + (h.storedLength >= 1 ? h.storedLength : h.payloadLength);
+}
+
+// crc32 takes uInt lengths; feed large ranges in slices.
+uLong crcContinue(uLong crc, const uchar *data, qint64 length)
+{
+    for (qint64 done = 0; done < length;) {
+        const qint64 slice = std::min<qint64>(length - done, std::numeric_limits<uInt>::max());
+        crc = crc32(crc, data + done, uInt(slice));
+        done += slice;
+    }
+    return crc;
+}
+
+// `knownCrc`: the checksum of the covered bytes when the caller already took
+// it while reading the file.
+std::optional<Failure> extractPayload(const QByteArray &file, const ContainerHeader &h, Payload &payload,
+                                      std::optional<quint32> knownCrc)
 {
     const bool compressed = h.storedLength >= 1;
     const qint64 stored = compressed ? h.storedLength : h.payloadLength;
@@ -149,24 +184,18 @@ std::optional<Failure> extractPayload(const QByteArray &file, const ContainerHea
                                                 .arg(payloadStart)
                                                 .arg(file.size())};
     const auto *bytes = reinterpret_cast<const Bytef *>(file.constData());
-    uLong crc = crc32(0L, Z_NULL, 0);
-    crc = crc32(crc, bytes, uInt(payloadStart));
-    // crc32 takes uInt lengths; feed large payloads in slices.
-    for (qint64 done = 0; done < stored;) {
-        const qint64 slice = std::min<qint64>(stored - done, std::numeric_limits<uInt>::max());
-        crc = crc32(crc, bytes + payloadStart + done, uInt(slice));
-        done += slice;
-    }
+    const uLong crc = knownCrc ? uLong(*knownCrc) : crcContinue(crc32(0L, Z_NULL, 0), bytes, payloadStart + stored);
     const quint32 checksum = qFromLittleEndian<quint32>(bytes + payloadStart + stored);
     if (quint32(crc) != checksum)
         return Failure{OpenResult::Damaged,
                        QStringLiteral("checksum %1, computed %2").arg(checksum, 8, 16, QLatin1Char('0')).arg(quint32(crc), 8, 16, QLatin1Char('0'))};
 
     if (!compressed) {
-        payload = file.mid(payloadStart, stored);
+        payload = {file, qsizetype(payloadStart), qsizetype(stored)};
         return std::nullopt;
     }
-    const int z = inflateBounded(bytes + payloadStart, h.storedLength, h.payloadLength, payload);
+    const int z = inflateBounded(bytes + payloadStart, h.storedLength, h.payloadLength, payload.buffer);
+    payload.size = payload.buffer.size();
     if (z != Z_OK)
         return Failure{OpenResult::Damaged, QStringLiteral("inflate failed (zlib %1)").arg(z)};
     return std::nullopt;
@@ -178,8 +207,8 @@ std::optional<Failure> extractPayload(const QByteArray &file, const ContainerHea
 class PayloadParser
 {
 public:
-    PayloadParser(const QByteArray &payload, qint32 revision)
-        : mData(reinterpret_cast<const uchar *>(payload.constData())), mSize(payload.size()), mRevision(revision)
+    PayloadParser(const Payload &payload, qint32 revision)
+        : mPayload(payload), mData(payload.data()), mSize(payload.size), mRevision(revision)
     {
     }
 
@@ -208,6 +237,7 @@ private:
                       const Section &bi) const;
     void parseProperties(Document &doc) const;
 
+    const Payload &mPayload;
     const uchar *mData;
     qint64 mSize;
     qint32 mRevision;
@@ -283,17 +313,15 @@ std::optional<Failure> PayloadParser::parseAnswers(Document &doc)
                            .arg(columns)
                            .arg(offset)
                            .arg(mSize));
-    std::vector<quint8> cells(static_cast<std::size_t>(bytes));
-    std::memcpy(cells.data(), mData + offset, std::size_t(bytes));
-    if constexpr (Q_BYTE_ORDER != Q_LITTLE_ENDIAN) {
-        if (width == 2)
-            for (std::size_t i = 0; i < cells.size(); i += 2)
-                std::swap(cells[i], cells[i + 1]);
-        if (width == 4)
-            for (std::size_t i = 0; i < cells.size(); i += 4)
-                std::reverse(cells.begin() + i, cells.begin() + i + 4);
+    if constexpr (Q_BYTE_ORDER == Q_LITTLE_ENDIAN) {
+        // The matrix is used where it lies in the payload buffer: no copy.
+        doc.answers = AnswerMatrix(CellType(type), rows, columns, mPayload.buffer, mPayload.offset + offset);
+    } else {
+        std::vector<quint8> cells(mData + offset, mData + offset + bytes);
+        for (std::size_t i = 0; i < cells.size(); i += std::size_t(width))
+            std::reverse(cells.begin() + qsizetype(i), cells.begin() + qsizetype(i) + width);
+        doc.answers = AnswerMatrix(CellType(type), rows, columns, cells);
     }
-    doc.answers = AnswerMatrix(CellType(type), rows, columns, std::move(cells));
     return std::nullopt;
 }
 
@@ -448,8 +476,15 @@ std::optional<Failure> PayloadParser::checkAnswers(const Document &doc) const
     for (qint32 c = 0; c < doc.columnCount(); ++c) {
         const auto limit = quint32(doc.questions[std::size_t(c)].alternativeCount);
         qint32 bad = -1;
-        // Unsigned compare folds "negative" and "too large" into one test.
+        // Unsigned compare folds "negative" and "too large" into one test; a
+        // branch-free maximum lets the compiler vectorise the common case,
+        // and only a column that fails is walked again to name the row.
         doc.answers.visitColumn(c, [&](const auto *col) {
+            quint32 highest = 0;
+            for (qint32 r = 0; r < rows; ++r)
+                highest = std::max(highest, quint32(qint32(col[r])));
+            if (highest < limit)
+                return;
             for (qint32 r = 0; r < rows; ++r)
                 if (quint32(qint32(col[r])) >= limit) {
                     bad = r;
@@ -586,14 +621,14 @@ ReadResult fail(const Failure &f)
     return r;
 }
 
-ReadResult readImage(const QByteArray &file, const ContainerHeader &h)
+ReadResult readImage(const QByteArray &file, const ContainerHeader &h, std::optional<quint32> knownCrc = {})
 {
-    QByteArray payload;
-    if (auto f = extractPayload(file, h, payload))
+    Payload payload;
+    if (auto f = extractPayload(file, h, payload, knownCrc))
         return fail(*f);
-    if (payload.size() < PayloadHeaderSize)
-        return fail({OpenResult::Damaged, QStringLiteral("payload inflated to %1 bytes only").arg(payload.size())});
-    const auto *ph = reinterpret_cast<const uchar *>(payload.constData());
+    if (payload.size < PayloadHeaderSize)
+        return fail({OpenResult::Damaged, QStringLiteral("payload inflated to %1 bytes only").arg(payload.size)});
+    const uchar *ph = payload.data();
     const qint64 cells = qint64(readI32(ph + PhRowCount)) * qint64(readI32(ph + PhColumnCount));
     if (cells > MaxCells)
         return fail({OpenResult::TooBig, QStringLiteral("answer matrix of %1 cells").arg(cells)});
@@ -634,14 +669,25 @@ ReadResult readDocumentFile(const QString &path, const ReadOptions &options)
     const ContainerHeader h = parseContainerHeader(head.constData(), head.size());
     if (auto failure = checkContainerHeader(h, realLength, options))
         return fail(*failure);
+    // Read in slices and take the checksum of each while it is still in the
+    // cache: one pass over memory fewer than reading first and summing after.
+    constexpr qint64 Slice = 1 << 20;
     QByteArray file;
     file.resize(realLength);
     std::memcpy(file.data(), head.constData(), std::size_t(head.size()));
-    const qint64 rest = realLength - head.size();
-    if (rest > 0 && f.read(file.data() + head.size(), rest) != rest)
-        return fail({OpenResult::CannotOpen, f.errorString()});
+    auto *bytes = reinterpret_cast<uchar *>(file.data());
+    const qint64 covered = std::min(checksummedLength(h), realLength);
+    uLong crc = crcContinue(crc32(0L, Z_NULL, 0), bytes, std::min<qint64>(head.size(), covered));
+    for (qint64 pos = head.size(); pos < realLength;) {
+        const qint64 want = std::min(Slice, realLength - pos);
+        if (f.read(file.data() + pos, want) != want)
+            return fail({OpenResult::CannotOpen, f.errorString()});
+        if (pos < covered)
+            crc = crcContinue(crc, bytes + pos, std::min(want, covered - pos));
+        pos += want;
+    }
     f.close();
-    return readImage(file, h);
+    return readImage(file, h, quint32(crc));
 }
 
 } // namespace kel
