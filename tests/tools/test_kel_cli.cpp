@@ -1,0 +1,208 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The `kel check` / `kel dump` contract: exit status = result code, the
+// message in the chosen language, and a JSON dump that holds every key and
+// gives doubles back exactly.
+#include "readerfixture.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace kel::writer;
+
+struct KelRun {
+    int exitCode = -1;
+    QByteArray out;
+    QByteArray err;
+};
+
+KelRun runKel(const QStringList &args)
+{
+    QProcess p;
+    p.start(QStringLiteral(KEL_TOOL), args);
+    p.waitForFinished(60000);
+    return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1, p.readAllStandardOutput(),
+            p.readAllStandardError()};
+}
+
+class KelCli : public ::testing::Test
+{
+protected:
+    QString write(const QByteArray &bytes, const QString &name = QStringLiteral("doc.kel"))
+    {
+        const QString path = mDir.filePath(name);
+        EXPECT_TRUE(writeBytes(path, bytes));
+        return path;
+    }
+    QTemporaryDir mDir;
+};
+
+TEST_F(KelCli, CheckExitsWithTheResultCodeAndItsMessage)
+{
+    const KelFile good = kel::test::richSurvey().build();
+    auto variant = [&](auto change) {
+        KelFile f = good;
+        change(f);
+        return f.toBytes();
+    };
+    struct Case {
+        const char *name;
+        QByteArray bytes;
+        int code;
+        const char *english;
+        const char *swedish;
+    };
+    const std::vector<Case> cases = {
+        {"sound", good.toBytes(), 0, "OK", "OK"},
+        {"magic", variant([](KelFile &f) { f.forgery.magic1 = 0x328E4451u; }), 2, "This is not a KEL file!",
+         "Det här är inte en KEL-fil!"},
+        {"old", variant([](KelFile &f) { f.options.compatibleRevision = 0; }), 3,
+         "This KEL file is in an older format that this version of KEL Viewer does not support!",
+         "Den här KEL-filen är i ett äldre format som denna version av KEL Viewer inte stöder!"},
+        {"new", variant([](KelFile &f) { f.options.compatibleRevision = 10; }), 4,
+         "This KEL file is in a newer format that this version of KEL Viewer does not support! Please upgrade your "
+         "copy of KEL Viewer!",
+         "Den här KEL-filen är i ett nyare format som denna version av KEL Viewer inte stöder! Uppgradera din kopia "
+         "av KEL Viewer!"},
+        {"crc", variant([](KelFile &f) { f.forgery.checksum = 1; }), 5, "This KEL file is damaged!",
+         "Den här KEL-filen är skadad!"},
+        {"big", variant([](KelFile &f) {
+             f.forgery.rowCount = 1000;
+             f.forgery.columnCount = 1001;
+         }),
+         6, "This KEL file is to big for this version of KEL Viewer!",
+         "Den här KEL-filen är för stor för den här versionen av KEL Viewer!"},
+    };
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.name);
+        const QString path = write(c.bytes, QString::fromLatin1(c.name) + QStringLiteral(".kel"));
+        const KelRun en = runKel({QStringLiteral("check"), path});
+        EXPECT_EQ(en.exitCode, c.code);
+        EXPECT_EQ(QString::fromUtf8(en.out).trimmed(), QString::fromUtf8(c.english));
+        const KelRun sv = runKel({QStringLiteral("check"), path, QStringLiteral("--lang"), QStringLiteral("sv")});
+        EXPECT_EQ(sv.exitCode, c.code);
+        EXPECT_EQ(QString::fromUtf8(sv.out).trimmed(), QString::fromUtf8(c.swedish));
+    }
+    const KelRun missing = runKel({QStringLiteral("check"), mDir.filePath(QStringLiteral("nothing.kel"))});
+    EXPECT_EQ(missing.exitCode, 1);
+    EXPECT_EQ(QString::fromUtf8(missing.out).trimmed(), QStringLiteral("Can not open the file!"));
+}
+
+TEST_F(KelCli, BadCommandLinesAreUsageErrors)
+{
+    const QString path = write(kel::test::richSurvey().toBytes());
+    for (const QStringList &args : {QStringList{}, QStringList{QStringLiteral("frobnicate")},
+                                    QStringList{QStringLiteral("check")},
+                                    QStringList{QStringLiteral("check"), path, QStringLiteral("--lang"), QStringLiteral("de")},
+                                    QStringList{QStringLiteral("dump")},
+                                    QStringList{QStringLiteral("dump"), path, path}}) {
+        SCOPED_TRACE(args.join(QLatin1Char(' ')).toStdString());
+        const KelRun r = runKel(args);
+        EXPECT_EQ(r.exitCode, 2);
+        EXPECT_TRUE(r.out.isEmpty());
+        EXPECT_FALSE(r.err.isEmpty());
+    }
+}
+
+TEST_F(KelCli, DumpFailsLikeCheck)
+{
+    KelFile f = kel::test::richSurvey().build();
+    f.forgery.magic2 = 0;
+    const KelRun r = runKel({QStringLiteral("dump"), write(f.toBytes())});
+    EXPECT_EQ(r.exitCode, 2);
+    EXPECT_EQ(QString::fromUtf8(r.out).trimmed(), QStringLiteral("This is not a KEL file!"));
+}
+
+TEST_F(KelCli, DumpHoldsTheWholeDocument)
+{
+    SurveyBuilder b = kel::test::richSurvey();
+    b.setComputeIndexes(false);
+    KelFile f = b.build();
+    // Values that only a shortest round-trip form gives back exactly.
+    f.header.created = 0.1 + 0.2;
+    f.header.totalIndex = -1.0;
+    f.questions[2].totalIndex = 1.0 / 3.0;
+    const QString path = write(f.toBytes());
+    const kel::ReadResult read = kel::readDocumentFile(path);
+    ASSERT_EQ(read.code, kel::OpenResult::Ok);
+    const kel::Document &d = *read.document;
+
+    const KelRun r = runKel({QStringLiteral("dump"), path});
+    ASSERT_EQ(r.exitCode, 0) << r.out.toStdString();
+    QJsonParseError error;
+    const QJsonObject o = QJsonDocument::fromJson(r.out, &error).object();
+    ASSERT_EQ(error.error, QJsonParseError::NoError) << error.errorString().toStdString();
+
+    for (const char *key : {"revision", "compatibleRevision", "guid", "cellType", "rowCount", "columnCount",
+                            "textCount", "categories", "overviewColumns", "flexCategory", "maxCategoryAlternatives",
+                            "upgradeWarning", "properties", "alternatives", "questions", "blocks", "blockItems",
+                            "rowComments", "cellComments", "answers"})
+        EXPECT_TRUE(o.contains(QLatin1String(key))) << key;
+    EXPECT_EQ(o.size(), 20);
+    EXPECT_EQ(o[QLatin1String("guid")].toString(), QStringLiteral("{04030201-0605-0807-090A-0B0C0D0E0F10}"));
+    EXPECT_EQ(o[QLatin1String("cellType")].toInt(), 2);
+    EXPECT_EQ(o[QLatin1String("textCount")].toInt(), d.textPool.size());
+
+    const QJsonObject p = o[QLatin1String("properties")].toObject();
+    EXPECT_EQ(p.size(), 35);
+    EXPECT_EQ(p[QLatin1String("created")].toDouble(), 0.1 + 0.2);
+    EXPECT_EQ(p[QLatin1String("languageCode")].toString(), QStringLiteral("sv"));
+    EXPECT_EQ(p[QLatin1String("indexLineTexts")].toArray().at(2).toString(), QStringLiteral("L2"));
+    EXPECT_TRUE(p[QLatin1String("allowPrint")].toBool());
+    EXPECT_FALSE(p[QLatin1String("allowSavePicture")].toBool());
+    // -1.0 is written as -1, not -1.0 or -1e0.
+    EXPECT_NE(r.out.indexOf("\"totalIndex\":-1,"), -1);
+
+    const QJsonArray questions = o[QLatin1String("questions")].toArray();
+    ASSERT_EQ(questions.size(), qsizetype(d.questions.size()));
+    EXPECT_EQ(questions.at(2).toObject()[QLatin1String("totalIndex")].toDouble(), 1.0 / 3.0);
+    EXPECT_EQ(questions.at(0).toObject().size(), 16);
+    EXPECT_EQ(o[QLatin1String("alternatives")].toArray().at(0).toObject().size(), 10);
+    EXPECT_EQ(o[QLatin1String("blocks")].toArray().at(0).toObject().size(), 8);
+
+    // Answers by row, then by column, as getData gives them.
+    const QJsonArray answers = o[QLatin1String("answers")].toArray();
+    ASSERT_EQ(answers.size(), d.rowCount());
+    for (qint32 row = 0; row < d.rowCount(); ++row)
+        for (qint32 c = 0; c < d.columnCount(); ++c)
+            ASSERT_EQ(answers.at(row).toArray().at(c).toInt(), d.getData(row, c)) << row << "," << c;
+
+    // Row comments: text or null; cell comments: [row, column, text] row-major.
+    const QJsonArray rowComments = o[QLatin1String("rowComments")].toArray();
+    ASSERT_EQ(rowComments.size(), qsizetype(d.rowComments.size()));
+    for (qsizetype i = 0; i < rowComments.size(); ++i)
+        EXPECT_EQ(rowComments.at(i).isNull(), d.rowComments[std::size_t(i)].comment == -1) << i;
+    const QJsonArray cellComments = o[QLatin1String("cellComments")].toArray();
+    qint64 previous = -1;
+    qsizetype expected = 0;
+    for (qint32 row = 0; row < d.rowCount(); ++row)
+        for (qint32 c = 0; c < d.columnCount(); ++c)
+            expected += d.cellComment(row, c) != -1;
+    ASSERT_EQ(cellComments.size(), expected);
+    ASSERT_GT(expected, 0);
+    for (const QJsonValue &v : cellComments) {
+        const QJsonArray cell = v.toArray();
+        const qint64 position = qint64(cell.at(0).toInt()) * d.columnCount() + cell.at(1).toInt();
+        EXPECT_GT(position, previous);
+        previous = position;
+        EXPECT_EQ(cell.at(2).toString(), d.text(d.cellComment(cell.at(0).toInt(), cell.at(1).toInt())));
+    }
+}
+
+TEST_F(KelCli, DumpOfADocumentWithoutCellCommentsSaysNull)
+{
+    KelFile f = kel::test::richSurvey().build();
+    f.cellComments.clear();
+    const KelRun r = runKel({QStringLiteral("dump"), write(f.toBytes())});
+    ASSERT_EQ(r.exitCode, 0);
+    const QJsonObject o = QJsonDocument::fromJson(r.out).object();
+    EXPECT_TRUE(o[QLatin1String("cellComments")].isNull());
+}
+
+} // namespace
