@@ -1,0 +1,366 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The drawn sheet compared pixel by pixel with a picture painted in the test
+// from the expected cell colours.
+#include "overview/sheetdrawer.h"
+
+#include "sheetdocument.h"
+
+#include <QFontMetrics>
+#include <QPainter>
+#include <QPicture>
+
+#include <gtest/gtest.h>
+
+using namespace kel;
+using kel::test::makeSheetDocument;
+
+namespace {
+
+// COLORREF values (0x00BBGGRR) and the colours they must become.
+constexpr qint32 Red = 0x0000FF, Green = 0x00FF00, Blue = 0xFF0000, Yellow = 0x00FFFF, Purple = 0x800080,
+                 Cyan = 0xFFFF00;
+constexpr qint32 Run0 = 0x102030, Run1 = 0x405060, Sub2 = 0x708090, Sub3 = 0xA0B0C0;
+constexpr qint32 Group = 0x202020, QuestionA = 0x3355AA, QuestionC = 0x55AA33, QuestionD = 0xAA3355;
+constexpr qint32 CaptionBack = 0x99CCFF;
+constexpr qint32 W = -1; // no fill: the sheet's background shows
+
+QColor c(qint32 ref)
+{
+    if (ref == W)
+        return QColor::fromRgb(SheetBackground);
+    return QColor(ref & 0xFF, (ref >> 8) & 0xFF, (ref >> 16) & 0xFF);
+}
+
+// Four columns: a and b in block 0 (a also in sub-block 0), c without a
+// block, d in block 1. Three rows.
+Document fillDocument()
+{
+    Document doc = makeSheetDocument(
+        {
+            {"", 0, 0, QuestionA, {{"", Red}, {"", W}}},
+            {"", 0, -1, W, {{"", Green}, {"", Blue}}},
+            {"", -1, -1, QuestionC, {{"", Yellow}, {"", Purple}}},
+            {"", 1, -1, QuestionD, {{"", Cyan}, {"", W}}},
+        },
+        {{"", ""}, {"", ""}}, {{0, 0, 0, 0}, {1, 1, 1, 1}, {0, 1, 0, 1}});
+    doc.properties.sheetColours = {Run0, Run1, Sub2, Sub3};
+    doc.properties.sheetColourB = Group;
+    doc.properties.sheetColourA = CaptionBack;
+    return doc;
+}
+
+SheetInput inputFor(const Document &doc, SheetMode mode = SheetMode::Screen)
+{
+    SheetInput input;
+    input.document = &doc;
+    input.mode = mode;
+    input.rows = test::allRows(doc);
+    input.columns = doc.overviewColumns;
+    return input;
+}
+
+using CellTable = std::vector<std::vector<qint32>>;
+
+// The picture the rules describe: cells of the given colours, then a
+// one-pixel group band ending at each of `groupEdges` (in cells) over all lines.
+QImage expectedImage(const CellTable &cells, int cell, const std::vector<int> &groupEdges)
+{
+    const int lines = int(cells.size());
+    const int columns = int(cells.front().size());
+    QImage image(columns * cell, lines * cell, QImage::Format_RGB32);
+    QPainter p(&image);
+    for (int y = 0; y < lines; ++y)
+        for (int x = 0; x < columns; ++x)
+            p.fillRect(x * cell, y * cell, cell, cell, c(cells[std::size_t(y)][std::size_t(x)]));
+    for (int edge : groupEdges)
+        p.fillRect(edge * cell - 1, 0, 1, lines * cell, c(Group));
+    return image;
+}
+
+// The first differing pixel, for a readable failure.
+std::string firstDifference(const QImage &actual, const QImage &expected)
+{
+    if (actual.size() != expected.size())
+        return "size " + std::to_string(actual.width()) + "x" + std::to_string(actual.height()) + " instead of "
+               + std::to_string(expected.width()) + "x" + std::to_string(expected.height());
+    const QImage a = actual.convertToFormat(QImage::Format_RGB32);
+    const QImage e = expected.convertToFormat(QImage::Format_RGB32);
+    for (int y = 0; y < a.height(); ++y)
+        for (int x = 0; x < a.width(); ++x)
+            if (a.pixel(x, y) != e.pixel(x, y))
+                return "pixel (" + std::to_string(x) + ", " + std::to_string(y) + "): "
+                       + QColor(a.pixel(x, y)).name().toStdString() + " instead of "
+                       + QColor(e.pixel(x, y)).name().toStdString();
+    return {};
+}
+
+const CellTable HeaderCells = {
+    {Run0, Run0, W, Run0},                // block line: run 0, no block, run 2 (colour [0] again)
+    {Sub2, Run0, W, Run0},                // sub-block line: the block's fill shows where no sub-block is
+    {QuestionA, W, QuestionC, QuestionD}, // code line
+};
+
+CellTable withAnswers(CellTable table, const CellTable &answers)
+{
+    table.insert(table.end(), answers.begin(), answers.end());
+    return table;
+}
+
+} // namespace
+
+TEST(SheetDrawer, ColourRefConversion)
+{
+    EXPECT_FALSE(sheetColour(-1).isValid());
+    EXPECT_FALSE(sheetColour(-7).isValid());
+    EXPECT_EQ(sheetColour(0x00332211), QColor(0x11, 0x22, 0x33));
+    EXPECT_EQ(sheetColour(0x7F000000), QColor(0, 0, 0)); // the high byte is not a colour
+}
+
+TEST(SheetDrawer, ScreenSheetMatchesTheRules)
+{
+    const Document doc = fillDocument();
+    SheetTextOffsets offsets;
+    SheetGeometry g;
+    const QImage image = renderSheetImage(inputFor(doc), offsets, 1.0, &g);
+    EXPECT_EQ(g.headerLines, 3);
+    EXPECT_EQ(g.answerLines, 3);
+    const CellTable cells = withAnswers(HeaderCells, {
+                                                         {Red, Green, Yellow, Cyan},
+                                                         {W, Blue, Purple, W},
+                                                         {Red, Blue, Yellow, W},
+                                                     });
+    // Group lines end at column 1 (sub-block edge), 2 and 3 (block edges).
+    EXPECT_EQ(firstDifference(image, expectedImage(cells, 16, {1, 2, 3})), "");
+
+    SheetInput noGroups = inputFor(doc);
+    noGroups.groupLines = false;
+    EXPECT_EQ(firstDifference(renderSheetImage(noGroups, offsets), expectedImage(cells, 16, {})), "");
+}
+
+TEST(SheetDrawer, HighDpiPictureHasTheSameCellsAtTwiceThePixels)
+{
+    const Document doc = fillDocument();
+    SheetTextOffsets offsets;
+    const QImage one = renderSheetImage(inputFor(doc), offsets, 1.0);
+    const QImage two = renderSheetImage(inputFor(doc), offsets, 2.0);
+    EXPECT_EQ(two.devicePixelRatio(), 2.0);
+    EXPECT_EQ(firstDifference(two, one.scaled(one.size() * 2)), "");
+}
+
+TEST(SheetDrawer, RandomPerColumnRotatesEachColumn)
+{
+    const Document doc = fillDocument();
+    SheetInput input = inputFor(doc);
+    input.columnRowOffsets = {1, 0, 2, 0};
+    SheetTextOffsets offsets;
+    const CellTable cells = withAnswers(HeaderCells, {
+                                                         {W, Green, Yellow, Cyan},   // rows 1, 0, 2, 0
+                                                         {Red, Blue, Yellow, W},     // rows 2, 1, 0, 1
+                                                         {Red, Blue, Purple, W},     // rows 0, 2, 1, 2
+                                                     });
+    EXPECT_EQ(firstDifference(renderSheetImage(input, offsets), expectedImage(cells, 16, {1, 2, 3})), "");
+}
+
+TEST(SheetDrawer, ShuffledRowsAndDisplayLimits)
+{
+    const Document doc = fillDocument();
+    SheetTextOffsets offsets;
+    SheetInput input = inputFor(doc);
+    input.rows = {2, 0};
+    input.overviewMaxRows = 300;
+    EXPECT_EQ(firstDifference(renderSheetImage(input, offsets),
+                              expectedImage(withAnswers(HeaderCells, {{Red, Blue, Yellow, W}, {Red, Green, Yellow, Cyan}}),
+                                            16, {1, 2, 3})),
+              "");
+    input.overviewMaxRows = 1;
+    EXPECT_EQ(firstDifference(renderSheetImage(input, offsets),
+                              expectedImage(withAnswers(HeaderCells, {{Red, Blue, Yellow, W}}), 16, {1, 2, 3})),
+              "");
+    // Data rows not allowed: the header alone.
+    input.maxRowsDisplayed = 0;
+    EXPECT_EQ(firstDifference(renderSheetImage(input, offsets), expectedImage(HeaderCells, 16, {1, 2, 3})), "");
+}
+
+TEST(SheetDrawer, MiniOverviewHasSmallCellsAndNoText)
+{
+    Document doc = fillDocument();
+    for (Question &q : doc.questions)
+        q.code = QStringLiteral("Q");
+    for (Alternative &a : doc.alternatives)
+        a.label = QStringLiteral("8");
+    doc.blocks[0].code = QStringLiteral("Block");
+    doc.blocks[1].name = QStringLiteral("Last");
+    SheetTextOffsets offsets;
+    const CellTable cells = withAnswers(HeaderCells, {
+                                                         {Red, Green, Yellow, Cyan},
+                                                         {W, Blue, Purple, W},
+                                                         {Red, Blue, Yellow, W},
+                                                     });
+    EXPECT_EQ(firstDifference(renderSheetImage(inputFor(doc, SheetMode::MiniOverview), offsets),
+                              expectedImage(cells, 8, {1, 2, 3})),
+              "");
+    EXPECT_FALSE(offsets.isComputed()); // nothing to measure without text
+}
+
+TEST(SheetDrawer, TextsSitAtTheirOffsets)
+{
+    // Codes in bold, labels in the normal font, 2 pixels below the line's top,
+    // centred in the cell by offsets measured once.
+    Document doc = makeSheetDocument(
+        {
+            {"Q1", 0, -1, QuestionA, {{"A", Red}, {"", W}}},
+            {"M", 0, -1, W, {{"w", W}, {"", Green}}},
+            {"C", 1, -1, W, {{"7", Yellow}}},
+        },
+        {{"AB", "unused"}, {"code", "Very long name"}}, {{0, 0, 0}, {1, 1, 0}});
+    doc.properties.sheetColours = {Run0, Run1, Sub2, Sub3};
+    doc.properties.sheetColourB = -1; // no group lines
+
+    const QFont bold = sheetFont(true, 1);
+    const QFont normal = sheetFont(false, 1);
+    const QFontMetrics bm(bold), nm(normal);
+    QImage expected(48, 64, QImage::Format_RGB32);
+    {
+        QPainter p(&expected);
+        p.fillRect(expected.rect(), c(W));
+        auto text = [&](const QFont &font, int cellX, int top, const QString &s) {
+            const QFontMetrics m(font);
+            p.setFont(font);
+            p.drawText(QPoint(cellX + (16 - m.horizontalAdvance(s)) / 2, top + 2 + m.ascent()), s);
+        };
+        // Block line: "AB" over columns 0-1; the last run shows its block's
+        // name, cut to what fits in one cell.
+        p.fillRect(0, 0, 32, 16, c(Run0));
+        p.fillRect(32, 0, 16, 16, c(Run1));
+        p.setFont(bold);
+        p.drawText(QPoint((32 - bm.horizontalAdvance(QStringLiteral("AB"))) / 2, 2 + bm.ascent()), QStringLiteral("AB"));
+        p.drawText(QPoint(32 + (16 - bm.horizontalAdvance(QStringLiteral("Ve"))) / 2, 2 + bm.ascent()),
+                   QStringLiteral("Ve"));
+        p.fillRect(0, 16, 16, 16, c(QuestionA));
+        text(bold, 0, 16, QStringLiteral("Q1"));
+        text(bold, 16, 16, QStringLiteral("M"));
+        text(bold, 32, 16, QStringLiteral("C"));
+        p.fillRect(0, 32, 16, 16, c(Red));
+        text(normal, 0, 32, QStringLiteral("A"));
+        text(normal, 16, 32, QStringLiteral("w"));
+        p.fillRect(32, 32, 16, 32, c(Yellow));
+        text(normal, 32, 32, QStringLiteral("7"));
+        p.fillRect(16, 48, 16, 16, c(Green));
+        text(normal, 32, 48, QStringLiteral("7"));
+    }
+    SheetTextOffsets offsets;
+    const QImage image = renderSheetImage(inputFor(doc), offsets);
+    EXPECT_EQ(firstDifference(image, expected), "");
+    EXPECT_EQ(offsets.questionOffset(1), (16 - bm.horizontalAdvance(QStringLiteral("M"))) / 2);
+    EXPECT_EQ(offsets.alternativeOffset(2), (16 - nm.horizontalAdvance(QStringLiteral("w"))) / 2);
+
+    // A vector device draws fills and texts itself; replayed, it is the same sheet.
+    QPicture picture;
+    {
+        QPainter p(&picture);
+        SheetTextOffsets fresh;
+        ASSERT_EQ(drawSheet(p, inputFor(doc), fresh), 0);
+    }
+    QImage replayed(48, 64, QImage::Format_RGB32);
+    replayed.fill(Qt::magenta);
+    {
+        QPainter p(&replayed);
+        p.drawPicture(0, 0, picture);
+    }
+    EXPECT_EQ(firstDifference(replayed, expected), "");
+}
+
+TEST(SheetDrawer, FontIsArialOrItsMetricTwin)
+{
+    const QFontInfo info(sheetFont(false, 1));
+    EXPECT_TRUE(info.family() == QStringLiteral("Arial") || info.family() == QStringLiteral("Liberation Sans"))
+        << info.family().toStdString();
+    EXPECT_EQ(info.pixelSize(), 12);
+    EXPECT_EQ(QFontInfo(sheetFont(true, 2)).pixelSize(), 24);
+    EXPECT_TRUE(QFontInfo(sheetFont(true, 2)).bold());
+}
+
+TEST(SheetDrawer, CopyPictureAddsIndexLinesAndCaption)
+{
+    Document doc = fillDocument();
+    doc.properties.pointsScale = 10;
+    doc.properties.indexDecimals = 1;
+    // Points only on question a; question c has none and gets no index value.
+    doc.alternatives[0].points = 10;
+    doc.alternatives[1].points = 0;
+    doc.alternatives[2].points = 5;
+    doc.alternatives[3].points = 5;
+    SheetInput input = inputFor(doc, SheetMode::CopyPicture);
+    input.selectionText = QStringLiteral("Everyone");
+    SheetTextOffsets offsets;
+    SheetGeometry g;
+    const QImage image = renderSheetImage(input, offsets, 1.0, &g);
+    EXPECT_EQ(g.cellWidth, 32);
+    EXPECT_EQ(g.indexLines, 4); // two column lines + block and sub-block lines
+    EXPECT_EQ(g.captionLines, 3);
+    ASSERT_EQ(image.size(), QSize(4 * 32, g.height()));
+    EXPECT_EQ(g.height(), (3 + 3 + 4 + 3) * 32 + g.captionExtra);
+
+    // Answers at twice the screen size.
+    EXPECT_EQ(QColor(image.pixel(40, 3 * 32 + 1)), c(Green));
+    const int top = 6 * 32;
+    // Column a (even) on the first index line, a box two cells wide round it
+    // cut at the sheet's left edge, on the question's colour.
+    EXPECT_EQ(QColor(image.pixel(1, top + 1)), c(QuestionA));
+    EXPECT_EQ(QColor(image.pixel(47, top + 1)), c(QuestionA));
+    EXPECT_EQ(QColor(image.pixel(49, top + 1)), c(W));
+    // Column b (odd) on the second line; its question has no colour.
+    EXPECT_EQ(QColor(image.pixel(20, top + 32 + 1)), c(W));
+    // Column c has no points: no box.
+    EXPECT_EQ(QColor(image.pixel(66, top + 1)), c(W));
+    // Block index line: block 0's run on its run colour, over columns a and b.
+    EXPECT_EQ(QColor(image.pixel(2, top + 64 + 1)), c(Run0));
+    EXPECT_EQ(QColor(image.pixel(58, top + 64 + 1)), c(Run0));
+    // Caption block on SheetColourA, full width.
+    EXPECT_EQ(QColor(image.pixel(1, top + 4 * 32 + 1)), c(CaptionBack));
+    EXPECT_EQ(QColor(image.pixel(127, image.height() - 1)), c(CaptionBack));
+}
+
+TEST(SheetDrawer, DamagedInputDrawsWithoutCrashing)
+{
+    Document doc = fillDocument();
+    doc.questions[1].firstAlternative = 1000; // alternatives out of range
+    doc.questions[3].block = 99;              // no such block
+    SheetInput input = inputFor(doc);
+    input.columns.push_back(77);     // no such question
+    input.rows.push_back(12345);     // no such row
+    input.columnRowOffsets = {-3, 1 << 30};
+    SheetTextOffsets offsets;
+    const QImage image = renderSheetImage(input, offsets);
+    EXPECT_FALSE(image.isNull());
+    EXPECT_EQ(image.width(), 5 * 16);
+    // Cells that cannot be drawn show the background, not stale memory.
+    EXPECT_EQ(QColor(image.pixel(4 * 16 + 8, 3 * 16 + 8)), c(W));      // no such question
+    EXPECT_EQ(QColor(image.pixel(1 * 16 + 8, 3 * 16 + 8)), c(W));      // no alternatives
+    EXPECT_EQ(QColor(image.pixel(2 * 16 + 8, (3 + 3) * 16 + 8)), c(W)); // no such row
+
+    // The picture's index lines sum points over the same damaged lists.
+    doc.properties.pointsScale = 10;
+    doc.alternatives[0].points = 10;
+    input.mode = SheetMode::CopyPicture;
+    SheetGeometry g;
+    EXPECT_FALSE(renderSheetImage(input, offsets, 1.0, &g).isNull());
+    EXPECT_EQ(g.indexLines, 4);
+
+    SheetInput none;
+    EXPECT_TRUE(renderSheetImage(none, offsets).isNull());
+}
+
+TEST(SheetDrawer, HugeSheetIsRefusedNotAllocated)
+{
+    // A large "Overview Max Rows" with a large selection: 3,000,000 lines of
+    // 16 pixels would be a 12 GB picture.
+    const Document doc = fillDocument();
+    SheetInput input = inputFor(doc);
+    input.rows.assign(3'000'000, 0);
+    input.overviewMaxRows = 1 << 30;
+    SheetTextOffsets offsets;
+    SheetGeometry g;
+    EXPECT_TRUE(renderSheetImage(input, offsets, 1.0, &g).isNull());
+    EXPECT_EQ(g.answerLines, 3'000'000);
+}
