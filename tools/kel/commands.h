@@ -30,5 +30,7 @@ OpenedDocument openForCommand(const QString &path, bool isSwedish = false);
 
 int runCheck(const QStringList &args);
 int runDump(const QStringList &args);
+int runSelect(const QStringList &args);
+int runIndexes(const QStringList &args);
 
 } // namespace kel::cli

@@ -17,6 +17,11 @@ struct Command {
 const Command Commands[] = {
     {"check", kel::cli::runCheck, "check FILE [--lang en|sv]"},
     {"dump", kel::cli::runDump, "dump FILE"},
+    {"select", kel::cli::runSelect,
+     "select FILE [--select SPEC] [--flex OPTS] [--flex-current] [--order 0|1|2] [--seed N] [--max-rows N]"},
+    {"indexes", kel::cli::runIndexes,
+     "indexes FILE [--select SPEC] [--flex OPTS] [--flex-current] [--total] [--category Q]... [--counts] "
+     "[--items total,blocks,subblocks,questions,userblocks] [--full-text] [--columns]"},
 };
 
 int usage()

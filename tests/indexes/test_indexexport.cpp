@@ -1,0 +1,220 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "enginedocument.h"
+
+#include "indexes/blockindex.h"
+#include "indexes/indexexport.h"
+
+#include <gtest/gtest.h>
+
+#include <numeric>
+#include <random>
+
+using namespace kel;
+using kel::test::EngineDocument;
+using kel::test::QuestionSpec;
+using kel::test::runs;
+
+namespace {
+
+// Category "Unit" (q0) with options North (57 minus 5), South; a 1-decimal
+// points scale; block "Block A" over q1, q2.
+// Rows 0..51 North, 52..56 South.
+
+Document exampleDocument(qint32 minimumGraph = 10)
+{
+    EngineDocument b;
+    b.properties().pointsScale = 10;
+    b.properties().minimumGraphSelection = minimumGraph;
+    b.addBlock("Block A", true);
+    QuestionSpec unit{.heading = "Unit", .points = {-1, -1}, .category = true, .overview = false, .inTotal = false};
+    b.addQuestion(unit);
+    b.addQuestion({.heading = "Q one", .points = {10, 20, 30, 40, 50}, .block = 0});
+    b.addQuestion({.heading = "Q two", .points = {10, 20, 30, 40, 50}, .block = 0});
+    std::vector<qint32> units = runs({{0, 52}, {1, 5}});
+    std::vector<qint32> q1(57), q2(57);
+    for (std::size_t r = 0; r < 57; ++r) {
+        q1[r] = qint32(r % 5);
+        q2[r] = qint32((r * 3) % 5);
+    }
+    Document doc = b.build({units, q1, q2});
+    doc.alternatives[0].text = QStringLiteral("North");
+    doc.alternatives[1].text = QStringLiteral("South");
+    return doc;
+}
+
+QString cellText(const Document &doc, double v)
+{
+    return v == -1.0 ? QString() : QLocale::c().toString(v, 'f', doc.properties.indexDecimals);
+}
+
+} // namespace
+
+TEST(IndexExport, RowsOrientationWithMaskedGroup)
+{
+    const Document doc = exampleDocument();
+    IndexExportOptions options;
+    options.subSelTotal = true;
+    options.subSelCategories = {0};
+    options.showNumberOfAnswers = true;
+    options.indexFor[IndexExportOptions::ForTotal] = true;
+    options.indexFor[IndexExportOptions::ForBlocks] = true;
+    const RowList rows = allRows(doc);
+    const QString text = exportIndexes(doc, QStringLiteral("Unit North, South"), rows, options, QLocale::c());
+
+    RowList north(52);
+    std::iota(north.begin(), north.end(), 0);
+    const QString expected =
+        QStringLiteral("Unit North, South\tAnswers\tTotal\tBlock A\r\n")
+        + QStringLiteral("Total\t57\t%1\t%2\r\n").arg(cellText(doc, calculateTotalIndex(doc, rows)),
+                                                     cellText(doc, calculateBlockIndex(doc, 0, rows)))
+        + QStringLiteral("Unit: North\t52\t%1\t%2\r\n").arg(cellText(doc, calculateTotalIndex(doc, north)),
+                                                           cellText(doc, calculateBlockIndex(doc, 0, north)))
+        + QStringLiteral("Unit: South\t5\t---\t---");
+    EXPECT_EQ(text, expected);
+}
+
+TEST(IndexExport, EmptyGroupIsBlankBeforeMaskingAndColumnsOrientation)
+{
+    // South is answered by nobody of the current selection: an empty group
+    // gives empty cells even though it is also below the minimum.
+    const Document doc = exampleDocument(100);
+    IndexExportOptions options;
+    options.subSelCategories = {0};
+    options.showNumberOfAnswers = true;
+    options.subSelectionsInColumns = true;
+    options.indexFor[IndexExportOptions::ForTotal] = true;
+    options.indexFor[IndexExportOptions::ForQuestions] = true;
+    options.showFullQuestionText = true;
+    const QString text = exportIndexes(doc, QStringLiteral("Sel"), RowList{0, 1, 2}, options, QLocale::c());
+    EXPECT_EQ(text, QStringLiteral("Sel\tUnit: North\tUnit: South\r\n"
+                                   "Answers\t3\t0\r\n"
+                                   "Total\t---\t\r\n"
+                                   "Q2. Q one (full)\t---\t\r\n"
+                                   "Q3. Q two (full)\t---\t"));
+}
+
+TEST(IndexExport, SwedishDocumentWordsAndNoAnswerAlternative)
+{
+    Document doc = exampleDocument(1);
+    doc.properties.languageCode = QStringLiteral("sv");
+    doc.properties.firstAlternativeIsNoAnswer = true; // North is "no answer" now
+    IndexExportOptions options;
+    options.subSelTotal = true;
+    options.subSelCategories = {0};
+    options.showNumberOfAnswers = true;
+    options.indexFor[IndexExportOptions::ForTotal] = true;
+    const std::vector<SubSelection> subs = buildSubSelections(doc, options, allRows(doc));
+    ASSERT_EQ(subs.size(), 2u);
+    EXPECT_EQ(subs[0].name, QStringLiteral("Totalt"));
+    EXPECT_EQ(subs[1].name, QStringLiteral("Unit: South"));
+    EXPECT_EQ(subs[1].rows, (RowList{52, 53, 54, 55, 56}));
+    const QString text = exportIndexes(doc, QStringLiteral("x"), allRows(doc), options, QLocale::c());
+    EXPECT_TRUE(text.startsWith(QStringLiteral("x\tAntal\tTotalt\r\nTotalt\t57\t"))) << text.toStdString();
+}
+
+TEST(IndexExport, BlockRunsSubBlocksAndUserBlocks)
+{
+    EngineDocument b;
+    const std::vector<qint32> pts{1, 2};
+    b.addBlock("A", true);                       // 0
+    b.addBlock("B", true);                       // 1
+    b.addBlock("A1", true, 0);                   // 2: sub-block of A
+    b.addBlock("Hidden", true);                  // 3: not in copies
+    b.addBlock("NoIndex", true, -1, -1.0);       // 4: no stored index
+    b.addBlock("User", false, -1, -1.0, false);  // 5: listed whatever its index
+    b.addBlock("UserOff", false, -1, 1.0, false); // 6
+    b.block(3).includeInCopy = false;
+    b.block(6).includeInCopy = false;
+    b.addQuestion({.heading = "a1", .points = pts, .block = 0, .subBlock = 2});
+    b.addQuestion({.heading = "a2", .points = pts, .block = 0, .subBlock = 2});
+    b.addQuestion({.heading = "b1", .points = pts, .block = 1, .totalIndex = -1.0});
+    b.addQuestion({.heading = "a3", .points = pts, .block = 0});
+    b.addQuestion({.heading = "h", .points = pts, .block = 3});
+    b.addQuestion({.heading = "n", .points = pts, .block = 4});
+    b.addBlockItem(5, 2);
+    const Document doc = b.build({{0, 1}, {0, 1}, {1, 1}, {0, 0}, {0, 1}, {1, 1}});
+
+    IndexExportOptions options;
+    options.indexFor = {true, true, true, true, true};
+    QStringList names;
+    for (const IndexItem &item : buildIndexItems(doc, options))
+        names << item.name;
+    // A's questions are interrupted by B's: A is listed once per run. Hidden
+    // (not for copies) and NoIndex (no stored index) are left out; b1 has no
+    // stored index either; the user block is listed without one.
+    EXPECT_EQ(names.join(QLatin1Char('|')), QStringLiteral("Total|A|A1|a1|a2|B|A|a3|h|n|User"));
+}
+
+TEST(IndexExport, ValuesMatchTheIndexRoutinesOnRandomDocuments)
+{
+    std::mt19937 gen(7);
+    for (CellType type : {CellType::U8, CellType::I16, CellType::I32}) {
+        EngineDocument b;
+        b.properties().minimumGraphSelection = 3;
+        b.addBlock("even", true);
+        b.addBlock("odd", true);
+        b.addBlock("items", false);
+        b.addQuestion({.heading = "cat", .points = {-1, -1, -1, -1}, .category = true, .overview = false});
+        for (int q = 0; q < 8; ++q)
+            b.addQuestion({.heading = QStringLiteral("q%1").arg(q), .points = {-1, 0, 3, 7}, .inTotal = q != 3,
+                           .block = q % 2});
+        b.addBlockItem(2, 1);
+        b.addBlockItem(2, 8);
+        std::vector<std::vector<qint32>> columns(9, std::vector<qint32>(200));
+        for (auto &column : columns)
+            for (qint32 &v : column)
+                v = qint32(gen() % 4);
+        const Document doc = b.build(columns, type);
+
+        IndexExportOptions options;
+        options.subSelTotal = true;
+        options.subSelCategories = {0};
+        options.indexFor = {true, true, false, true, false};
+        RowList current;
+        for (qint32 r = 0; r < 200; r += 1 + qint32(gen() % 3))
+            current.push_back(r);
+        const auto subs = buildSubSelections(doc, options, current);
+        auto items = buildIndexItems(doc, options);
+        items.push_back({IndexItem::Block, 2, QStringLiteral("items")});
+        const auto values = calculateIndexValues(doc, subs, items);
+        ASSERT_EQ(values.size(), subs.size() * items.size());
+        for (std::size_t s = 0; s < subs.size(); ++s)
+            for (std::size_t i = 0; i < items.size(); ++i) {
+                double expected = items[i].kind == IndexItem::Total ? calculateTotalIndex(doc, subs[s].rows)
+                                  : items[i].kind == IndexItem::Block
+                                      ? calculateBlockIndex(doc, items[i].number, subs[s].rows)
+                                      : calculateColumnsIndex(doc, {items[i].number}, subs[s].rows);
+                if (subs[s].rows.empty())
+                    expected = NoIndexValue;
+                else if (qint32(subs[s].rows.size()) < 3)
+                    expected = MaskedIndexValue;
+                EXPECT_EQ(values[s * items.size() + i], expected) << s << ' ' << i;
+            }
+    }
+}
+
+TEST(IndexExport, CancelAndOptionRules)
+{
+    const Document doc = exampleDocument();
+    IndexExportOptions options;
+    EXPECT_FALSE(options.canExport());
+    options.subSelTotal = true;
+    EXPECT_FALSE(options.canExport());
+    options.indexFor[IndexExportOptions::ForUserBlocks] = true;
+    EXPECT_TRUE(options.canExport());
+    options.subSelTotal = false;
+    options.subSelCategories = {0};
+    EXPECT_TRUE(options.canExport());
+    options.reset();
+    EXPECT_FALSE(options.canExport());
+
+    options.subSelTotal = true;
+    options.indexFor[IndexExportOptions::ForQuestions] = true;
+    qint32 calls = 0;
+    const QString text = exportIndexes(doc, QStringLiteral("s"), allRows(doc), options, QLocale::c(), [&](qint32 done) {
+        ++calls;
+        return done < 2;
+    });
+    EXPECT_TRUE(text.isEmpty());
+    EXPECT_EQ(calls, 2);
+}

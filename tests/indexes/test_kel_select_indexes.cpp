@@ -1,0 +1,205 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The `kel select` and `kel indexes` contract, run through the real tool on
+// documents the test writes and on the bundled sample survey.
+#include "kelwriter.h"
+
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace kel::writer;
+
+struct KelRun {
+    int exitCode = -1;
+    QByteArray out;
+    QByteArray err;
+};
+
+KelRun runKel(const QStringList &args)
+{
+    QProcess p;
+    p.start(QStringLiteral(KEL_TOOL), args);
+    p.waitForFinished(60000);
+    return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1, p.readAllStandardOutput(),
+            p.readAllStandardError()};
+}
+
+std::vector<int> ints(const QJsonValue &v)
+{
+    std::vector<int> out;
+    for (const QJsonValue &e : v.toArray())
+        out.push_back(e.toInt());
+    return out;
+}
+
+// 12 respondents: Unit North x6, South x4, West x2 (rows in that order);
+// Role alternates A, B. "Q" scores 40 for North, 20 for South, 0 for West
+// (scale 10, one decimal); "R" scores 10 for everyone.
+class SelectIndexesCli : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        SurveyBuilder b(12);
+        HeaderFields &h = b.header();
+        h.pointsScale = 10;
+        h.minimumGraphSelection = 3;
+        h.minimumSelection = 5;
+        h.minimumComplementSelection = 3;
+        h.totalText = b.text(QStringLiteral("Everyone"));
+        h.selectionTooSmallText = b.text(QStringLiteral("Selection too small."));
+        const qint32 block = b.addBlock({.name = QStringLiteral("Block A")});
+        b.addQuestion({.heading = QStringLiteral("Unit"), .isCategory = true, .inOverview = false,
+                       .inTotalIndex = false, .isFlexCategory = true},
+                      {{.text = QStringLiteral("North"), .countsForPrivacy = true},
+                       {.text = QStringLiteral("South"), .countsForPrivacy = true},
+                       {.text = QStringLiteral("West"), .countsForPrivacy = true}});
+        b.addQuestion({.heading = QStringLiteral("Role"), .isCategory = true, .inOverview = false,
+                       .inTotalIndex = false},
+                      {{.text = QStringLiteral("A")}, {.text = QStringLiteral("B")}});
+        b.addQuestion({.heading = QStringLiteral("Q"), .block = block},
+                      {{.text = QStringLiteral("low"), .points = 0},
+                       {.text = QStringLiteral("mid"), .points = 20},
+                       {.text = QStringLiteral("high"), .points = 40}});
+        b.addQuestion({.heading = QStringLiteral("R"), .block = block}, {{.text = QStringLiteral("ok"), .points = 10}});
+        for (qint32 r = 0; r < 12; ++r) {
+            const qint32 unit = r < 6 ? 0 : r < 10 ? 1 : 2;
+            b.setAnswer(r, 0, unit);
+            b.setAnswer(r, 1, r % 2);
+            b.setAnswer(r, 2, 2 - unit);
+        }
+        mPath = mDir.filePath(QStringLiteral("units.kel"));
+        QFile f(mPath);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write(b.toBytes());
+    }
+
+    QJsonObject select(const QStringList &extra)
+    {
+        const KelRun r = runKel(QStringList{QStringLiteral("select"), mPath} + extra);
+        EXPECT_EQ(r.exitCode, 0) << r.err.toStdString();
+        return QJsonDocument::fromJson(r.out).object();
+    }
+
+    QTemporaryDir mDir;
+    QString mPath;
+};
+
+TEST_F(SelectIndexesCli, SelectCountsRowsAndTexts)
+{
+    QJsonObject o = select({QStringLiteral("--select"), QStringLiteral("0:0,1")});
+    EXPECT_EQ(o[QStringLiteral("count")].toInt(), 10);
+    EXPECT_EQ(o[QStringLiteral("outcome")].toString(), QStringLiteral("ok"));
+    EXPECT_EQ(o[QStringLiteral("selectionText")].toString(), QStringLiteral("Unit North, South"));
+    EXPECT_EQ(ints(o[QStringLiteral("rows")]), (std::vector<int>{0, 1, 2, 3, 4, 5, 6, 7, 8, 9}));
+    EXPECT_EQ(ints(o[QStringLiteral("found")].toArray()[0]), (std::vector<int>{6, 4, 2}));
+    EXPECT_EQ(ints(o[QStringLiteral("found")].toArray()[1]), (std::vector<int>{5, 5, 0}));
+    EXPECT_TRUE(o[QStringLiteral("dataRowsAllowed")].toBool());
+    EXPECT_TRUE(o[QStringLiteral("differentFromUsedTotal")].toBool());
+    EXPECT_EQ(o[QStringLiteral("flexText")].toString(), QStringLiteral("Everyone"));
+    // West (2 respondents) is below the graph minimum: no split by Unit.
+    EXPECT_TRUE(o[QStringLiteral("splitNotAllowed")].toArray()[0].toBool());
+    // Q and R pooled over rows 0..9: (6*40 + 4*20 + 10*10) / 20 / 10.
+    EXPECT_DOUBLE_EQ(o[QStringLiteral("totalIndex")].toDouble(), 2.1);
+
+    o = select({QStringLiteral("--select"), QStringLiteral("0:")});
+    EXPECT_EQ(o[QStringLiteral("outcome")].toString(), QStringLiteral("none"));
+    EXPECT_EQ(o[QStringLiteral("message")].toString(),
+              QStringLiteral("There are no answers matching the selection criterias!"));
+    EXPECT_TRUE(o[QStringLiteral("rows")].toArray().isEmpty());
+    EXPECT_FALSE(o[QStringLiteral("showEnabled")].toBool());
+
+    o = select({QStringLiteral("--select"), QStringLiteral("0:2")});
+    EXPECT_EQ(o[QStringLiteral("outcome")].toString(), QStringLiteral("tooSmall"));
+    EXPECT_EQ(o[QStringLiteral("message")].toString(), QStringLiteral("Selection too small."));
+
+    // Flex total of South on top of the current selection (Role A).
+    o = select({QStringLiteral("--select"), QStringLiteral("1:0"), QStringLiteral("--flex"), QStringLiteral("1"),
+                QStringLiteral("--flex-current")});
+    EXPECT_EQ(o[QStringLiteral("flexText")].toString(), QStringLiteral("Current selection but Unit South"));
+    EXPECT_EQ(ints(o[QStringLiteral("flexRows")]), (std::vector<int>{6, 8}));
+    EXPECT_EQ(o[QStringLiteral("flexTotalIndex")].toDouble(), -1.0); // 2 < graph minimum
+
+    const KelRun bad = runKel({QStringLiteral("select"), mPath, QStringLiteral("--select"), QStringLiteral("7:0")});
+    EXPECT_EQ(bad.exitCode, 2);
+}
+
+TEST_F(SelectIndexesCli, SelectRandomOrdersRepeatWithASeed)
+{
+    const QStringList args{QStringLiteral("--order"), QStringLiteral("1"), QStringLiteral("--seed"), QStringLiteral("8")};
+    const QJsonObject a = select(args);
+    EXPECT_EQ(ints(a[QStringLiteral("rows")]), ints(select(args)[QStringLiteral("rows")]));
+    std::vector<int> sorted = ints(a[QStringLiteral("rows")]);
+    std::sort(sorted.begin(), sorted.end());
+    EXPECT_EQ(sorted, (std::vector<int>{0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11}));
+
+    const QJsonObject o = select({QStringLiteral("--order"), QStringLiteral("2"), QStringLiteral("--seed"),
+                                  QStringLiteral("3"), QStringLiteral("--max-rows"), QStringLiteral("5")});
+    const std::vector<int> rows = ints(o[QStringLiteral("rows")]);
+    const std::vector<int> offsets = ints(o[QStringLiteral("columnRowOffsets")]);
+    const QJsonArray cells = o[QStringLiteral("cells")].toArray();
+    ASSERT_EQ(cells.size(), 5);
+    ASSERT_EQ(offsets.size(), 4u);
+    for (int k = 0; k < 5; ++k) {
+        const std::vector<int> line = ints(cells[k]);
+        ASSERT_EQ(line.size(), 2u); // the overview questions Q (2) and R (3)
+        EXPECT_EQ(line[0], rows[std::size_t((offsets[2] + k) % 12)]);
+        EXPECT_EQ(line[1], rows[std::size_t((offsets[3] + k) % 12)]);
+    }
+}
+
+TEST_F(SelectIndexesCli, IndexesTable)
+{
+    KelRun r = runKel({QStringLiteral("indexes"), mPath, QStringLiteral("--total"), QStringLiteral("--category"),
+                       QStringLiteral("0"), QStringLiteral("--counts"), QStringLiteral("--items"),
+                       QStringLiteral("total,blocks,questions")});
+    ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
+    EXPECT_EQ(QString::fromUtf8(r.out),
+              QStringLiteral("Everyone\tAnswers\tTotal\tBlock A\tQ\tR\r\n"
+                             "Total\t12\t1.8\t1.8\t2.7\t1.0\r\n"
+                             "Unit: North\t6\t2.5\t2.5\t4.0\t1.0\r\n"
+                             "Unit: South\t4\t1.5\t1.5\t2.0\t1.0\r\n"
+                             "Unit: West\t2\t---\t---\t---\t---"));
+
+    r = runKel({QStringLiteral("indexes"), mPath, QStringLiteral("--select"), QStringLiteral("0:0"),
+                QStringLiteral("--category"), QStringLiteral("1"), QStringLiteral("--items"), QStringLiteral("questions"),
+                QStringLiteral("--columns"), QStringLiteral("--locale"), QStringLiteral("sv_SE")});
+    ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
+    EXPECT_EQ(QString::fromUtf8(r.out), QStringLiteral("Unit North\tRole: A\tRole: B\r\n"
+                                                       "Q\t4,0\t4,0\r\n"
+                                                       "R\t1,0\t1,0"));
+
+    for (const QStringList &nothing : {QStringList{QStringLiteral("--total")},
+                                       QStringList{QStringLiteral("--items"), QStringLiteral("total")}}) {
+        r = runKel(QStringList{QStringLiteral("indexes"), mPath} + nothing);
+        EXPECT_EQ(r.exitCode, 2);
+        EXPECT_FALSE(r.err.isEmpty());
+    }
+}
+
+TEST(SelectIndexesSample, BundledSurvey)
+{
+    const QString sample = QStringLiteral(KEL_SAMPLE);
+    const KelRun s = runKel({QStringLiteral("select"), sample, QStringLiteral("--max-rows"), QStringLiteral("3")});
+    ASSERT_EQ(s.exitCode, 0) << s.err.toStdString();
+    const QJsonObject o = QJsonDocument::fromJson(s.out).object();
+    EXPECT_EQ(o[QStringLiteral("count")].toInt(), o[QStringLiteral("rows")].toArray().size());
+    EXPECT_GT(o[QStringLiteral("count")].toInt(), 0);
+    EXPECT_EQ(o[QStringLiteral("cells")].toArray().size(), 3);
+
+    const KelRun i = runKel({QStringLiteral("indexes"), sample, QStringLiteral("--total"), QStringLiteral("--items"),
+                             QStringLiteral("total,blocks")});
+    ASSERT_EQ(i.exitCode, 0) << i.err.toStdString();
+    const QList<QByteArray> lines = i.out.split('\n');
+    EXPECT_EQ(lines.size(), 2);
+    EXPECT_FALSE(i.out.endsWith('\n'));
+}
+
+} // namespace

@@ -1,0 +1,238 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "enginedocument.h"
+
+#include "overview/subsheet.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <numeric>
+#include <set>
+
+using namespace kel;
+using kel::test::EngineDocument;
+using kel::test::runs;
+
+TEST(SubSheetRules, RoundHalfEvenAndEffectiveOrder)
+{
+    const struct {
+        double value;
+        qint32 expected;
+    } rounding[] = {{0.5, 0}, {1.5, 2}, {2.5, 2}, {2.4999, 2}, {2.5001, 3}, {0.0, 0}, {3.0, 3}, {-0.5, 0}, {-1.5, -2}};
+    for (const auto &c : rounding)
+        EXPECT_EQ(roundHalfEven(c.value), c.expected) << c.value;
+
+    const struct {
+        qint32 docOrder, threshold, user, n, expected;
+    } orders[] = {
+        {-1, -1, 2, 10, 2},  // the user chooses
+        {-1, 5, 1, 10, 1},   // the threshold needs a document order
+        {1, -1, 0, 1000, 1}, // the document always decides
+        {1, 50, 0, 49, 1},   // below the threshold: the document's order
+        {1, 50, 2, 50, 2},   // at the threshold: the user's again
+        {5, -1, 1, 10, 0},   // undefined code behaves as Original
+        {-1, -1, 7, 10, 0},
+    };
+    for (const auto &c : orders) {
+        DocumentProperties p;
+        p.rowOrder = c.docOrder;
+        p.rowOrderThreshold = c.threshold;
+        EXPECT_EQ(effectiveRowOrder(p, c.user, c.n), c.expected) << c.docOrder << ' ' << c.threshold << ' ' << c.n;
+    }
+}
+
+namespace {
+
+// Unit (category, flex category; options North, South, West), Age (category),
+// and an overview question scored 0..4.
+Document sheetDocument(qint32 rows = 20)
+{
+    EngineDocument b;
+    b.properties().minimumGraphSelection = 3;
+    b.properties().minimumSelection = 5;
+    b.addQuestion({.heading = "Unit", .points = {-1, -1, -1}, .category = true, .overview = false, .flex = true,
+                   .inTotal = false, .countsForPrivacy = {true, true, true}});
+    b.addQuestion({.heading = "Age", .points = {-1, -1}, .category = true, .overview = false, .inTotal = false});
+    b.addQuestion({.heading = "Score", .points = {0, 1, 2, 3, 4}});
+    b.addQuestion({.heading = "Other", .points = {0, 1}});
+    std::vector<qint32> unit, age, score, other;
+    for (qint32 r = 0; r < rows; ++r) {
+        unit.push_back(r < 2 ? 2 : r % 2); // two West respondents
+        age.push_back(r % 3 == 0 ? 1 : 0);
+        score.push_back(r % 5);
+        other.push_back(r % 2);
+    }
+    Document doc = b.build({unit, age, score, other});
+    doc.questions[0].selectionLabel = QStringLiteral("Unit");
+    return doc;
+}
+
+} // namespace
+
+TEST(SubSheet, RefusalsAndThresholds)
+{
+    Document doc = sheetDocument();
+    FlexTotal flex;
+    flex.reset(doc);
+    RowRandom random(1);
+    SelectionMatrix selection = fullSelection(doc);
+
+    selection.set(0, 0, false);
+    selection.set(0, 1, false);
+    selection.set(0, 2, false);
+    SubSheet sheet = createSubSheet(doc, selection, flex, 0, random, false);
+    EXPECT_EQ(sheet.outcome, SubSheetOutcome::NoAnswers);
+    EXPECT_EQ(sheet.message, QStringLiteral("There are no answers matching the selection criterias!"));
+    EXPECT_TRUE(sheet.rows.empty());
+    EXPECT_EQ(createSubSheet(doc, selection, flex, 0, random, true).message,
+              QStringLiteral("Det finns inga svar som stämmer överens med det urval du gjort!"));
+
+    selection.set(0, 2, true); // West: 2 respondents, below the graph minimum of 3
+    sheet = createSubSheet(doc, selection, flex, 0, random, false);
+    EXPECT_EQ(sheet.outcome, SubSheetOutcome::TooSmall);
+    EXPECT_EQ(sheet.message, QStringLiteral("Too few!"));
+    // West has privacy-counted options below the minimum in the other
+    // categories' view: splitting by Unit is not allowed.
+    EXPECT_EQ(sheet.steps.splitNotAllowed, (std::vector<bool>{true, false}));
+
+    doc.properties.minimumGraphSelection = 2; // exactly the minimum is shown
+    sheet = createSubSheet(doc, selection, flex, 0, random, false);
+    EXPECT_EQ(sheet.outcome, SubSheetOutcome::Ok);
+    EXPECT_TRUE(sheet.message.isEmpty());
+    EXPECT_EQ(sheet.rows, (RowList{0, 1}));
+    EXPECT_FALSE(sheet.dataRowsAllowed); // 2 < minimum selection 5
+    EXPECT_EQ(sheet.maxRowsDisplayed(), 0);
+    EXPECT_EQ(sheet.displayedLines(300), 0);
+
+    selection.fill(true);
+    sheet = createSubSheet(doc, selection, flex, 0, random, false);
+    EXPECT_TRUE(sheet.dataRowsAllowed);
+    EXPECT_EQ(sheet.maxRowsDisplayed(), -1);
+    EXPECT_EQ(sheet.displayedLines(7), 7);
+    // The sheet's own total index over all 20 rows, scale 1.
+    EXPECT_DOUBLE_EQ(sheet.totalIndex, (4 * 10 + 10) / 40.0); // Score and Other pooled
+}
+
+TEST(SubSheet, SelectionTextAndDifferenceFromTheFlexTotal)
+{
+    Document doc = sheetDocument();
+    FlexTotal flex;
+    flex.reset(doc);
+    SelectionMatrix selection = fullSelection(doc);
+    SelectionSteps steps = selectionSteps(doc, selection, flex);
+    EXPECT_EQ(steps.selectionText, QStringLiteral("Total"));
+    EXPECT_FALSE(steps.differentFromUsedTotal);
+
+    selection.set(0, 1, false);
+    selection.set(1, 0, false);
+    selection.set(1, 1, false);
+    steps = selectionSteps(doc, selection, flex);
+    EXPECT_EQ(steps.selectionText, QStringLiteral("Unit s0, s2; Age --"));
+    EXPECT_TRUE(steps.differentFromUsedTotal); // Age restricted
+
+    // Unit ticked exactly as the flex options: no difference; Age restricted: a difference.
+    flex.setFlexTotal(doc, {true, false, true}, false);
+    selection.fill(true);
+    selection.set(0, 1, false);
+    EXPECT_FALSE(selectionSteps(doc, selection, flex).differentFromUsedTotal);
+    selection.set(1, 0, false);
+    EXPECT_TRUE(selectionSteps(doc, selection, flex).differentFromUsedTotal);
+    selection.fill(true); // unrestricted, but differs from the flex options
+    EXPECT_TRUE(selectionSteps(doc, selection, flex).differentFromUsedTotal);
+
+    // The hidden no-answer option is never named.
+    doc.properties.firstAlternativeIsNoAnswer = true;
+    selection.set(0, 2, false);
+    EXPECT_EQ(selectionSteps(doc, selection, flex).selectionText, QStringLiteral("Unit s1"));
+}
+
+TEST(SubSheet, FlexTotalFromTheCurrentSelectionIsRebuiltAtEveryBuild)
+{
+    Document doc = sheetDocument();
+    FlexTotal flex;
+    flex.reset(doc);
+    flex.setFlexTotal(doc, {true, true, false}, true);
+    RowRandom random(3);
+    SelectionMatrix selection = fullSelection(doc);
+    selection.set(1, 1, false); // Age 0 only
+    createSubSheet(doc, selection, flex, 0, random, false);
+    // Age 0 and Unit North or South (the flex options replace Unit's ticks).
+    RowList expected;
+    for (qint32 r = 2; r < 20; ++r)
+        if (r % 3 != 0)
+            expected.push_back(r);
+    EXPECT_EQ(flex.rows(), expected);
+    EXPECT_EQ(flex.text(), QStringLiteral("Current selection but Unit s0 & s1"));
+}
+
+TEST(SubSheet, RandomOrders)
+{
+    Document doc = sheetDocument(1000);
+    doc.properties.minimumSelection = 0;
+    FlexTotal flex;
+    flex.reset(doc);
+    const SelectionMatrix selection = fullSelection(doc);
+
+    RowRandom a(42), b(42);
+    const SubSheet shuffled = createSubSheet(doc, selection, flex, RowOrderRandom, a, false);
+    EXPECT_EQ(shuffled.rowOrder, RowOrderRandom);
+    EXPECT_FALSE(shuffled.randomPerColumn);
+    EXPECT_EQ(createSubSheet(doc, selection, flex, RowOrderRandom, b, false).rows, shuffled.rows); // same seed
+    RowList sorted = shuffled.rows;
+    std::sort(sorted.begin(), sorted.end());
+    RowList all(1000);
+    std::iota(all.begin(), all.end(), 0);
+    EXPECT_EQ(sorted, all); // exchanges keep a permutation
+    EXPECT_NE(shuffled.rows, all);
+    EXPECT_EQ(shuffled.rowInCell(5, 2), shuffled.rows[5]);
+
+    const SubSheet perColumn = createSubSheet(doc, selection, flex, RowOrderRandomPerColumn, a, false);
+    EXPECT_TRUE(perColumn.randomPerColumn);
+    EXPECT_EQ(perColumn.rows, all);
+    ASSERT_EQ(perColumn.columnRowOffsets.size(), doc.questions.size());
+    for (qint32 q : doc.overviewColumns) {
+        const qint32 offset = perColumn.columnRowOffsets[std::size_t(q)];
+        ASSERT_GE(offset, 0);
+        ASSERT_LT(offset, 1000);
+        EXPECT_EQ(perColumn.rowInCell(0, q), offset);
+        EXPECT_EQ(perColumn.rowInCell(999 - offset, q), 999);
+        EXPECT_EQ(perColumn.rowInCell(1000 - offset, q), 0); // wraps round
+    }
+
+    // n = 1: every offset 0; n = 2: offsets 0 or 1, both occurring.
+    RowRandom c(9);
+    EXPECT_EQ(randomPosition(c, 1), 0);
+    std::set<qint32> seen;
+    for (int i = 0; i < 200; ++i)
+        seen.insert(randomPosition(c, 2));
+    EXPECT_EQ(seen, (std::set<qint32>{0, 1}));
+}
+
+TEST(SubSheet, ShowSetsTheFlexTotalOnlyWhenItsOptionsChanged)
+{
+    Document doc = sheetDocument();
+    SelectionModel model;
+    model.setUpDimensions(doc);
+    FlexTotal flex;
+    flex.reset(doc);
+    RowRandom random(5);
+
+    // The check box alone, every option still selected: the flex text stays
+    // the total word, and the rows follow the current selection.
+    model.setFlexBasedOnCurrentSelection(true);
+    model.setCategoryChecked(1, false);
+    model.setOptionChecked(1, 1, true); // Age 1: rows 0, 3, 6, ...
+    SubSheet sheet = showSelection(doc, model, flex, 0, random, false);
+    EXPECT_EQ(sheet.outcome, SubSheetOutcome::Ok);
+    EXPECT_EQ(flex.text(), QStringLiteral("Total"));
+    EXPECT_EQ(flex.rows(), sheet.rows);
+    EXPECT_EQ(sheet.rows, (RowList{0, 3, 6, 9, 12, 15, 18}));
+    EXPECT_FALSE(model.hasPendingChanges());
+
+    // Unticking a flex option is applied by the next Show.
+    model.setFlexOption(2, false);
+    model.setFlexBasedOnCurrentSelection(false);
+    showSelection(doc, model, flex, 0, random, false);
+    EXPECT_EQ(flex.text(), QStringLiteral("Unit s0 & s1"));
+    EXPECT_EQ(flex.rowCount(), 18);
+}

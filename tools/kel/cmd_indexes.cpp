@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// `kel indexes`: the index table that Copy Indexes puts on the clipboard,
+// for a selection shown as the navigator would show it.
+#include "commands.h"
+#include "selectionargs.h"
+
+#include "indexes/indexexport.h"
+
+namespace kel::cli {
+
+namespace {
+
+const char IndexesUsage[] =
+    "usage: kel indexes FILE [--select SPEC] [--flex OPTS] [--flex-current] [--total] [--category Q]... "
+    "[--counts] [--items total,blocks,subblocks,questions,userblocks] [--full-text] [--columns] [--locale NAME]\n";
+
+bool parseItems(const QString &list, IndexExportOptions &options, QString &error)
+{
+    static const char *const Names[] = {"total", "blocks", "subblocks", "questions", "userblocks"};
+    for (const QString &name : list.split(QLatin1Char(','), Qt::SkipEmptyParts)) {
+        bool known = false;
+        for (std::size_t i = 0; i < options.indexFor.size(); ++i) {
+            if (name.trimmed() == QLatin1String(Names[i])) {
+                options.indexFor[i] = true;
+                known = true;
+            }
+        }
+        if (!known) {
+            error = QStringLiteral("--items: unknown item '%1'").arg(name);
+            return false;
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+int runIndexes(const QStringList &args)
+{
+    SelectionArgs selection;
+    IndexExportOptions options;
+    QString error;
+    for (qsizetype i = 0; i < args.size() && error.isEmpty(); ++i) {
+        if (takeSelectionOption(args, i, selection, error))
+            continue;
+        const QString &a = args[i];
+        if (a == QLatin1String("--total")) {
+            options.subSelTotal = true;
+        } else if (a == QLatin1String("--counts")) {
+            options.showNumberOfAnswers = true;
+        } else if (a == QLatin1String("--full-text")) {
+            options.showFullQuestionText = true;
+        } else if (a == QLatin1String("--columns")) {
+            options.subSelectionsInColumns = true;
+        } else if (a == QLatin1String("--category") && i + 1 < args.size()) {
+            bool ok = false;
+            const qint32 q = args[++i].toInt(&ok);
+            if (!ok)
+                error = QStringLiteral("--category takes a question number, not '%1'").arg(args[i]);
+            options.subSelCategories.push_back(q);
+        } else if (a == QLatin1String("--items") && i + 1 < args.size()) {
+            parseItems(args[++i], options, error);
+        } else {
+            error = QStringLiteral("unexpected argument '%1'").arg(a);
+        }
+    }
+    if (error.isEmpty() && selection.file.isEmpty())
+        error = QStringLiteral("no file given");
+    if (error.isEmpty() && !options.canExport())
+        error = QStringLiteral("nothing to export: give --total or --category, and --items");
+    if (!error.isEmpty()) {
+        printErr(QStringLiteral("kel indexes: %1\n").arg(error) + QLatin1String(IndexesUsage));
+        return UsageError;
+    }
+
+    OpenedDocument opened = openForCommand(selection.file, selection.isSwedish);
+    if (!opened.document)
+        return opened.exitCode;
+    Document &doc = *opened.document;
+    for (qint32 q : options.subSelCategories) {
+        if (q < 0 || q >= qint32(doc.questions.size()) || !doc.questions[std::size_t(q)].isCategory) {
+            printErr(QStringLiteral("kel indexes: question %1 is not a category question\n").arg(q));
+            return UsageError;
+        }
+    }
+    if (doc.properties.pointsScale < 1) {
+        printErr(QStringLiteral("kel indexes: the document has no indexes\n"));
+        return 1;
+    }
+    std::optional<ShownSelection> shown = showFromArgs(doc, selection, error);
+    if (!shown) {
+        printErr(QStringLiteral("kel indexes: %1\n").arg(error));
+        return UsageError;
+    }
+    if (shown->sheet.outcome != SubSheetOutcome::Ok) {
+        printErr(QStringLiteral("kel indexes: %1\n").arg(shown->sheet.message));
+        return 1;
+    }
+    printOut(exportIndexes(doc, shown->sheet.steps.selectionText, shown->sheet.rows, options, selection.locale));
+    return 0;
+}
+
+} // namespace kel::cli

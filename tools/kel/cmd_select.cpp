@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// `kel select`: ticks a selection as the navigator would, presses Show and
+// writes what the navigator and the overview would hold, as one JSON object.
+#include "commands.h"
+#include "json.h"
+#include "selectionargs.h"
+
+namespace kel::cli {
+
+namespace {
+
+const char SelectUsage[] = "usage: kel select FILE [--select SPEC] [--flex OPTS] [--flex-current] [--order 0|1|2] "
+                           "[--seed N] [--max-rows N] [--locale NAME]\n";
+
+const char *outcomeName(SubSheetOutcome outcome)
+{
+    switch (outcome) {
+    case SubSheetOutcome::Ok: return "ok";
+    case SubSheetOutcome::NoAnswers: return "none";
+    case SubSheetOutcome::TooSmall: return "tooSmall";
+    }
+    return "ok";
+}
+
+template<typename Container>
+void writeArray(JsonWriter &json, const char *name, const Container &values)
+{
+    json.key(name);
+    json.beginArray();
+    for (const auto &v : values) {
+        if constexpr (std::is_same_v<std::decay_t<decltype(v)>, bool>)
+            json.value(bool(v));
+        else
+            json.value(int(v));
+    }
+    json.endArray();
+}
+
+} // namespace
+
+int runSelect(const QStringList &args)
+{
+    SelectionArgs options;
+    qint32 maxRows = 300;
+    QString error;
+    for (qsizetype i = 0; i < args.size() && error.isEmpty(); ++i) {
+        if (takeSelectionOption(args, i, options, error))
+            continue;
+        if (args[i] == QLatin1String("--max-rows") && i + 1 < args.size()) {
+            bool ok = false;
+            maxRows = args[++i].toInt(&ok);
+            if (!ok || maxRows < 0)
+                error = QStringLiteral("--max-rows takes a non-negative number, not '%1'").arg(args[i]);
+        } else {
+            error = QStringLiteral("unexpected argument '%1'").arg(args[i]);
+        }
+    }
+    if (error.isEmpty() && options.file.isEmpty())
+        error = QStringLiteral("no file given");
+    if (!error.isEmpty()) {
+        printErr(QStringLiteral("kel select: %1\n").arg(error) + QLatin1String(SelectUsage));
+        return UsageError;
+    }
+
+    OpenedDocument opened = openForCommand(options.file, options.isSwedish);
+    if (!opened.document)
+        return opened.exitCode;
+    Document &doc = *opened.document;
+    std::optional<ShownSelection> shown = showFromArgs(doc, options, error);
+    if (!shown) {
+        printErr(QStringLiteral("kel select: %1\n").arg(error));
+        return UsageError;
+    }
+    const SubSheet &sheet = shown->sheet;
+    const qint32 categories = qint32(doc.categories.size());
+
+    JsonWriter json;
+    json.beginObject();
+    json.member("count", int(shown->recount.count));
+    json.key("found");
+    json.beginArray();
+    for (qint32 c = 0; c < categories; ++c) {
+        json.beginArray();
+        for (qint32 o = 0; o < doc.maxCategoryAlternatives; ++o)
+            json.value(int(shown->recount.found.at(c, o)));
+        json.endArray();
+    }
+    json.endArray();
+    writeArray(json, "shaded", shown->recount.shaded);
+    writeArray(json, "blocked", shown->recount.blocked);
+    json.member("showEnabled", shown->recount.showEnabled);
+    json.member("outcome", outcomeName(sheet.outcome));
+    json.member("message", sheet.message);
+    json.member("selectionText", sheet.steps.selectionText);
+    json.member("differentFromUsedTotal", sheet.steps.differentFromUsedTotal);
+    writeArray(json, "splitNotAllowed", sheet.steps.splitNotAllowed);
+    json.member("dataRowsAllowed", sheet.dataRowsAllowed);
+    writeArray(json, "rows", sheet.rows);
+    std::vector<qint32> offsets = sheet.columnRowOffsets;
+    offsets.resize(doc.questions.size(), 0);
+    writeArray(json, "columnRowOffsets", offsets);
+    writeArray(json, "flexRows", shown->flex.rows());
+    json.member("flexText", shown->flex.text());
+    json.member("flexTotalIndex", doc.properties.flexTotalIndex);
+    json.member("totalIndex", sheet.totalIndex);
+    json.key("cells");
+    json.beginArray();
+    const qint32 lines = qMin(qint32(sheet.rows.size()), maxRows);
+    for (qint32 k = 0; k < lines; ++k) {
+        json.beginArray();
+        for (qint32 q : doc.overviewColumns)
+            json.value(int(sheet.rowInCell(k, q)));
+        json.endArray();
+    }
+    json.endArray();
+    json.endObject();
+    printOut(QString::fromStdString(json.text()) + QLatin1Char('\n'));
+    return 0;
+}
+
+} // namespace kel::cli
