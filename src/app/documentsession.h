@@ -27,6 +27,9 @@ public:
 
     /// The open document, or nullptr.
     const Document *document() const { return mDocument.get(); }
+    /// The open document for the few writers it has: the flex total keeps
+    /// its indexes in it, the block editor appends blocks. nullptr when none.
+    Document *editableDocument() { return mDocument.get(); }
     bool hasDocument() const { return mDocument != nullptr; }
 
     /// Reads `path`. On failure returns the message for the user and changes

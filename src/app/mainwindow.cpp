@@ -10,6 +10,9 @@
 #include "app/startup.h"
 #include "app/statusline.h"
 #include "document/document.h"
+#include "indexes/columnindex.h"
+#include "selection/detailwindow.h"
+#include "selection/navigatorwindow.h"
 
 #include <QAction>
 #include <QApplication>
@@ -90,7 +93,8 @@ MainWindow::MainWindow(SettingsStore &settings, bool isSwedish, const MainWindow
     : QMainWindow(parent), mSettings(settings), mIsSwedish(isSwedish), mEnvironment(environment),
       mStatus(new StatusLine(isSwedish, StatusLine::DefaultClearInterval, this)),
       mSession(new DocumentSession(isSwedish, !settings.policies().noRecentDocsMenu, this)),
-      mSummary(new DocumentSummaryWidget(isSwedish, this))
+      mSummary(new DocumentSummaryWidget(isSwedish, this)),
+      mRowRandom(quint32(QDateTime::currentMSecsSinceEpoch()))
 {
     setObjectName(QStringLiteral("frmMain"));
     setWindowTitle(applicationTitle());
@@ -123,6 +127,8 @@ MainWindow::MainWindow(SettingsStore &settings, bool isSwedish, const MainWindow
     connect(mSession, &DocumentSession::recentFilesChanged, this, &MainWindow::rebuildRecentFilesMenu);
     connect(mSession, &DocumentSession::documentClosed, this, &MainWindow::resetForNoDocument);
     connect(mSession, &DocumentSession::documentOpened, this, &MainWindow::installDocument);
+    // The navigator and the detail window show the document: they go first.
+    connect(mSession, &DocumentSession::documentClosing, this, &MainWindow::destroyToolWindows);
     mSession->setRecentFiles(mSettings.readRecentFiles());
 
     if (mEnvironment.mouseWheel) {
@@ -151,10 +157,18 @@ void MainWindow::connectMenus()
     connect(mMenus.mnuVCloseAllGraphWindows, &QAction::triggered, this, &MainWindow::closeAllGraphWindows);
     connect(mMenus.mnuHHelpTopics, &QAction::triggered, this, &MainWindow::showHelpTopics);
     connect(mMenus.mnuHAbout, &QAction::triggered, this, &MainWindow::showAbout);
-    // Save As, Print, Print Format, Properties, the Edit commands, Navigator,
-    // Detail Information, the graph commands, Comments, Edit Blocks, Options
-    // and the popup menu's commands are connected by the windows that carry
-    // them out.
+    // A checked item shows its window, an unchecked one hides it.
+    connect(mMenus.mnuVNavigator, &QAction::triggered, this, [this](bool checked) {
+        if (mNavigator)
+            mNavigator->setVisible(checked);
+    });
+    connect(mMenus.mnuVDetailInfo, &QAction::triggered, this, [this](bool checked) {
+        if (mDetail)
+            mDetail->setVisible(checked);
+    });
+    // Save As, Print, Print Format, Properties, the Edit commands, the graph
+    // commands, Comments, Edit Blocks, Options and the popup menu's commands
+    // are connected by the windows that carry them out.
 }
 
 const Document *MainWindow::document() const
@@ -311,8 +325,6 @@ void MainWindow::installDocument()
     mPanels[1]->setVisible(true);
     mPanels[2]->setVisible(true);
 
-    // The detail window's index texts are set up here once it exists.
-
     if (p.indexFlags & 0x100) {
         mMenus.mnuVTotalGraph1->setVisible(true);
         mMenus.mnuPShowTotalGraph1->setVisible(true);
@@ -359,8 +371,9 @@ void MainWindow::installDocument()
     // block editor exists; the block menus are rebuilt from the list either way.
     rebuildBlockMenus();
 
-    // The navigator (set up with the categories) and the detail window attach
-    // here; until then their commands are only enabled.
+    // The flex total starts as every respondent; the navigator (with the
+    // categories) and the detail window come up with the document.
+    createToolWindows(doc);
     mMenus.mnuVNavigator->setEnabled(!doc.categories.empty());
     mMenus.mnuVDetailInfo->setEnabled(true);
     mMenus.mnuVCloseAllGraphWindows->setEnabled(true);
@@ -552,7 +565,7 @@ void MainWindow::closeEvent(QCloseEvent *event)
     closeDocument();
     mSettings.writeRecentFiles(mSession->recentFiles());
     closeSlotWindows();
-    // The navigator, detail and tool windows close here once they exist.
+    destroyToolWindows();
     if (mHelp)
         mHelp->close();
     mLastSettings.dataOpenFolder = mSession->currentFolder();
@@ -605,6 +618,105 @@ void MainWindow::savePlacement()
     p.width = toTwips(width());
     p.height = toTwips(height());
     mSettings.writeWindowPlacement(QStringLiteral("Main"), BorderStyle::Sizable, p);
+}
+
+// --- Navigator and detail-information windows ---
+
+NavigatorWindow *MainWindow::navigator() const
+{
+    return mNavigator;
+}
+
+DetailWindow *MainWindow::detailWindow() const
+{
+    return mDetail;
+}
+
+void MainWindow::createToolWindows(const Document &doc)
+{
+    destroyToolWindows();
+    if (Document *editable = mSession->editableDocument())
+        mFlexTotal.reset(*editable);
+    const double pixelsPerTwip = logicalDpiY() / TwipsPerInch;
+    auto pixels = [&](int twips) { return qRound(twips * pixelsPerTwip); };
+
+    // The navigator first, so that by default it stands above the detail
+    // window on the right.
+    if (!doc.categories.empty()) {
+        NavigatorActions actions;
+        actions.setFlexTotal = [this](const std::vector<bool> &options, bool based) { setFlexTotal(options, based); };
+        actions.createSubSheet = [this](const SelectionMatrix &selection) { return showSelection(selection); };
+        actions.showRefusal = [this](const QString &text) {
+            showMessage(QMessageBox::Critical, applicationTitle(), text);
+        };
+        mNavigator = new NavigatorWindow(mIsSwedish, *mStatus, mOptions, std::move(actions), this);
+        connect(mNavigator, &ToolDock::hiddenByUser, this, [this] { mMenus.mnuVNavigator->setChecked(false); });
+        mNavigator->restorePlacement(*this, mSettings, Qt::RightDockWidgetArea, QSize(pixels(3600), pixels(5400)));
+        mNavigator->loadSettings(mSettings);
+        mNavigator->setUp(doc);
+        mNavigator->show();
+        mMenus.mnuVNavigator->setChecked(true);
+    }
+
+    mDetail = new DetailWindow(mIsSwedish, this);
+    connect(mDetail, &ToolDock::hiddenByUser, this, [this] { mMenus.mnuVDetailInfo->setChecked(false); });
+    mDetail->restorePlacement(*this, mSettings, Qt::RightDockWidgetArea, QSize(pixels(2000), pixels(600)));
+    mDetail->setUpForDocument(doc);
+    showFlexTotalIndex();
+    mDetail->show();
+    mMenus.mnuVDetailInfo->setChecked(true);
+}
+
+void MainWindow::destroyToolWindows()
+{
+    // Where the windows stood is kept for the next document and run.
+    if (mNavigator) {
+        mNavigator->saveSettings(mSettings);
+        mNavigator->closeForGood();
+        delete mNavigator;
+    }
+    if (mDetail) {
+        mDetail->savePlacement(mSettings);
+        mDetail->closeForGood();
+        delete mDetail;
+    }
+}
+
+void MainWindow::showFlexTotalIndex()
+{
+    const Document *doc = document();
+    if (mDetail && doc)
+        mDetail->setIndexValue(4, true,
+                               formatIndex(doc->properties.flexTotalIndex, doc->properties.indexDecimals, QLocale()));
+}
+
+void MainWindow::setFlexTotal(const std::vector<bool> &options, bool basedOnCurrentSelection)
+{
+    Document *doc = mSession->editableDocument();
+    if (!doc)
+        return;
+    mFlexTotal.setFlexTotal(*doc, options, basedOnCurrentSelection);
+    showFlexTotalIndex();
+}
+
+QString MainWindow::showSelection(const SelectionMatrix &selection)
+{
+    Document *doc = mSession->editableDocument();
+    if (!doc)
+        return QString();
+    const SubSheet sheet = createSubSheet(*doc, selection, mFlexTotal, mOptions.overviewRowOrder, mRowRandom,
+                                          mIsSwedish);
+    // A flex total based on the current selection is rebuilt even when the
+    // selection itself is refused.
+    showFlexTotalIndex();
+    if (sheet.outcome != SubSheetOutcome::Ok)
+        return sheet.message; // the previous overview stays
+    setDataRowsAllowed(sheet.dataRowsAllowed);
+    setSelectionPanels(qint32(sheet.rows.size()), sheet.steps.selectionText);
+    // The overview sheet draws `sheet` here once it is part of this window.
+    if (mDetail)
+        mDetail->showNoCell(*doc, sheet.totalIndex);
+    return QString();
 }
 
 } // namespace kel

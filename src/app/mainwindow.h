@@ -7,6 +7,9 @@
 
 #include "app/mainmenus.h"
 #include "app/settingsstore.h"
+#include "overview/subsheet.h"
+#include "selection/flextotal.h"
+#include "selection/selectionmatrix.h"
 
 #include <QDateTime>
 #include <QMainWindow>
@@ -21,8 +24,10 @@ class QLabel;
 
 namespace kel {
 
+class DetailWindow;
 class DocumentSession;
 class DocumentSummaryWidget;
+class NavigatorWindow;
 class HelpWindow;
 class StatusLine;
 struct Document;
@@ -89,6 +94,18 @@ public:
     /// Status panels 2 and 3: rows of the sheet and the selection text.
     void setSelectionPanels(qint32 rows, const QString &selectionText);
 
+    // --- Navigator and detail-information windows ---
+    /// Both exist while a document is open (the navigator only when the
+    /// document has categories); nullptr otherwise.
+    NavigatorWindow *navigator() const;
+    DetailWindow *detailWindow() const;
+    const FlexTotal &flexTotal() const { return mFlexTotal; }
+    /// SetFlexTotal: the flex total from the navigator's flex options.
+    void setFlexTotal(const std::vector<bool> &options, bool basedOnCurrentSelection);
+    /// CreateSubSheet for the navigator's Show: returns the refusal text,
+    /// empty when the new overview was built.
+    QString showSelection(const SelectionMatrix &selection);
+
     /// Message boxes go through here so that tests can record them.
     using MessageHandler = std::function<void(QMessageBox::Icon, const QString &title, const QString &text)>;
     void setMessageHandler(MessageHandler handler) { mMessageHandler = std::move(handler); }
@@ -120,6 +137,9 @@ private:
     void loadPlacement();
     void savePlacement();
     QString openDialogTitle() const;
+    void createToolWindows(const Document &doc);
+    void destroyToolWindows();
+    void showFlexTotalIndex();
 
     SettingsStore &mSettings;
     bool mIsSwedish;
@@ -137,6 +157,12 @@ private:
     QPointer<HelpWindow> mHelp;
     MessageHandler mMessageHandler;
     bool mClosed = false;
+
+    // Navigator and detail-information windows, and the flex total they edit.
+    QPointer<NavigatorWindow> mNavigator;
+    QPointer<DetailWindow> mDetail;
+    FlexTotal mFlexTotal;
+    RowRandom mRowRandom; // seeded once per run from the clock
 };
 
 /// The path of the one local file with the .kel extension (any case) in
