@@ -44,29 +44,29 @@ public:
 
     /// Adds a question; its alternatives are named "<heading> <i>" with short
     /// texts "s<i>". Returns the question number.
-    qint32 addQuestion(const QuestionSpec &spec)
+    qint32 addQuestion(const QuestionSpec &recipe)
     {
         Question q;
-        q.heading = spec.heading;
+        q.heading = recipe.heading;
         q.code = QStringLiteral("Q%1").arg(mDoc.questions.size() + 1);
-        q.text = spec.heading + QStringLiteral(" (full)");
-        q.selectionLabel = spec.heading;
-        q.isCategory = spec.category;
-        q.inOverview = spec.overview;
-        q.isFlexCategory = spec.flex;
-        q.inTotalIndex = spec.inTotal;
-        q.block = spec.block;
-        q.subBlock = spec.subBlock;
-        q.totalIndex = spec.totalIndex;
+        q.text = recipe.heading + QStringLiteral(" (full)");
+        q.selectionLabel = recipe.heading;
+        q.isCategory = recipe.category;
+        q.inOverview = recipe.overview;
+        q.isFlexCategory = recipe.flex;
+        q.inTotalIndex = recipe.inTotal;
+        q.block = recipe.block;
+        q.subBlock = recipe.subBlock;
+        q.totalIndex = recipe.totalIndex;
         q.firstAlternative = qint32(mDoc.alternatives.size());
-        q.alternativeCount = qint32(spec.points.size());
-        for (std::size_t i = 0; i < spec.points.size(); ++i) {
+        q.alternativeCount = qint32(recipe.points.size());
+        for (std::size_t i = 0; i < recipe.points.size(); ++i) {
             Alternative a;
-            a.text = spec.heading + QStringLiteral(" %1").arg(i);
+            a.text = recipe.heading + QStringLiteral(" %1").arg(i);
             a.shortText = QStringLiteral("s%1").arg(i);
-            a.points = spec.points[i];
-            a.complementCheck = i < spec.complementCheck.size() && spec.complementCheck[i];
-            a.countsForPrivacy = i < spec.countsForPrivacy.size() && spec.countsForPrivacy[i];
+            a.points = recipe.points[i];
+            a.complementCheck = i < recipe.complementCheck.size() && recipe.complementCheck[i];
+            a.countsForPrivacy = i < recipe.countsForPrivacy.size() && recipe.countsForPrivacy[i];
             mDoc.alternatives.push_back(a);
         }
         mDoc.questions.push_back(q);

@@ -15,10 +15,10 @@ bool parseNumber(const QString &text, qint32 &value)
 }
 
 // "C:O,O;C:" — each named category keeps exactly the listed options.
-bool applySelectSpec(const Document &doc, SelectionModel &model, const QString &spec, QString &error)
+bool applySelectSpec(const Document &doc, SelectionModel &model, const QString &text, QString &error)
 {
     const qint32 categories = qint32(doc.categories.size());
-    for (const QString &part : spec.split(QLatin1Char(';'), Qt::SkipEmptyParts)) {
+    for (const QString &part : text.split(QLatin1Char(';'), Qt::SkipEmptyParts)) {
         const qsizetype colon = part.indexOf(QLatin1Char(':'));
         qint32 c = -1;
         if (colon < 0 || !parseNumber(part.left(colon), c)) {
@@ -43,7 +43,7 @@ bool applySelectSpec(const Document &doc, SelectionModel &model, const QString &
     return true;
 }
 
-bool applyFlexSpec(const Document &doc, SelectionModel &model, const QString &spec, QString &error)
+bool applyFlexSpec(const Document &doc, SelectionModel &model, const QString &text, QString &error)
 {
     if (!model.flexVisible()) {
         error = QStringLiteral("--flex: the document has no flex category");
@@ -53,7 +53,7 @@ bool applyFlexSpec(const Document &doc, SelectionModel &model, const QString &sp
     const qint32 options = qint32(model.flexOptions().size());
     for (qint32 o = first; o < options; ++o)
         model.setFlexOption(o, false);
-    for (const QString &o : spec.split(QLatin1Char(','), Qt::SkipEmptyParts)) {
+    for (const QString &o : text.split(QLatin1Char(','), Qt::SkipEmptyParts)) {
         qint32 option = -1;
         if (!parseNumber(o, option) || option < 0 || option >= options) {
             error = QStringLiteral("--flex: the flex category has no option '%1'").arg(o);

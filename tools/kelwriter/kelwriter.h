@@ -375,11 +375,11 @@ public:
     void setCellType(qint32 cellType) { mCellType = cellType; }
 
     /// Adds a block; returns its index.
-    qint32 addBlock(const BlockSpec &spec);
+    qint32 addBlock(const BlockSpec &recipe);
     /// Adds a question with its own run of alternatives; returns its index.
-    qint32 addQuestion(const QuestionSpec &spec, const QList<AlternativeSpec> &alternatives);
+    qint32 addQuestion(const QuestionSpec &recipe, const QList<AlternativeSpec> &alternatives);
     /// Adds a question sharing the alternatives run of `sameAs`.
-    qint32 addQuestionLike(const QuestionSpec &spec, qint32 sameAs);
+    qint32 addQuestionLike(const QuestionSpec &recipe, qint32 sameAs);
     void addBlockItem(qint32 block, qint32 question);
 
     void setAnswer(qint32 row, qint32 question, qint32 value);

@@ -16,44 +16,44 @@ void SurveyBuilder::setRowCount(qint32 rows)
         column.resize(std::size_t(mRows), 0);
 }
 
-qint32 SurveyBuilder::addBlock(const BlockSpec &spec)
+qint32 SurveyBuilder::addBlock(const BlockSpec &recipe)
 {
     BlockRecord r;
-    r.code = text(spec.code);
-    r.name = text(spec.name);
-    r.text = text(spec.text.isEmpty() ? spec.name : spec.text);
-    r.memberRule = fileBool(spec.memberRule);
-    r.linkedBlock = spec.linkedBlock;
+    r.code = text(recipe.code);
+    r.name = text(recipe.name);
+    r.text = text(recipe.text.isEmpty() ? recipe.name : recipe.text);
+    r.memberRule = fileBool(recipe.memberRule);
+    r.linkedBlock = recipe.linkedBlock;
     mFile.blocks.push_back(r);
-    mBlockGraphFlags.push_back(spec.graphFlags);
+    mBlockGraphFlags.push_back(recipe.graphFlags);
     return qint32(mFile.blocks.size()) - 1;
 }
 
 namespace {
 
-QuestionRecord questionRecord(SurveyBuilder &b, const QuestionSpec &spec)
+QuestionRecord questionRecord(SurveyBuilder &b, const QuestionSpec &recipe)
 {
     QuestionRecord r;
-    r.code = b.text(spec.code);
-    r.heading = b.text(spec.heading);
-    r.text = b.text(spec.text.isEmpty() ? spec.heading : spec.text);
-    r.selectionLabel = b.text(spec.selectionLabel.isEmpty() ? spec.heading : spec.selectionLabel);
-    r.sheetColour = spec.sheetColour;
-    r.block = spec.block;
-    r.subBlock = spec.subBlock;
-    r.isCategory = fileBool(spec.isCategory);
-    r.inOverview = fileBool(spec.inOverview);
-    r.inTotalIndex = fileBool(spec.inTotalIndex);
-    r.isFlexCategory = fileBool(spec.isFlexCategory);
-    r.rankingWeight = spec.rankingWeight;
+    r.code = b.text(recipe.code);
+    r.heading = b.text(recipe.heading);
+    r.text = b.text(recipe.text.isEmpty() ? recipe.heading : recipe.text);
+    r.selectionLabel = b.text(recipe.selectionLabel.isEmpty() ? recipe.heading : recipe.selectionLabel);
+    r.sheetColour = recipe.sheetColour;
+    r.block = recipe.block;
+    r.subBlock = recipe.subBlock;
+    r.isCategory = fileBool(recipe.isCategory);
+    r.inOverview = fileBool(recipe.inOverview);
+    r.inTotalIndex = fileBool(recipe.inTotalIndex);
+    r.isFlexCategory = fileBool(recipe.isFlexCategory);
+    r.rankingWeight = recipe.rankingWeight;
     return r;
 }
 
 } // namespace
 
-qint32 SurveyBuilder::addQuestion(const QuestionSpec &spec, const QList<AlternativeSpec> &alternatives)
+qint32 SurveyBuilder::addQuestion(const QuestionSpec &recipe, const QList<AlternativeSpec> &alternatives)
 {
-    QuestionRecord r = questionRecord(*this, spec);
+    QuestionRecord r = questionRecord(*this, recipe);
     r.firstAlternative = qint32(mFile.alternatives.size());
     r.alternativeCount = qint32(alternatives.size());
     for (const AlternativeSpec &a : alternatives) {
@@ -71,18 +71,18 @@ qint32 SurveyBuilder::addQuestion(const QuestionSpec &spec, const QList<Alternat
         mFile.alternatives.push_back(ar);
     }
     mFile.questions.push_back(r);
-    mGraphFlags.push_back(spec.graphFlags);
+    mGraphFlags.push_back(recipe.graphFlags);
     mColumns.emplace_back(std::size_t(mRows), 0);
     return qint32(mFile.questions.size()) - 1;
 }
 
-qint32 SurveyBuilder::addQuestionLike(const QuestionSpec &spec, qint32 sameAs)
+qint32 SurveyBuilder::addQuestionLike(const QuestionSpec &recipe, qint32 sameAs)
 {
-    QuestionRecord r = questionRecord(*this, spec);
+    QuestionRecord r = questionRecord(*this, recipe);
     r.firstAlternative = mFile.questions.at(std::size_t(sameAs)).firstAlternative;
     r.alternativeCount = mFile.questions.at(std::size_t(sameAs)).alternativeCount;
     mFile.questions.push_back(r);
-    mGraphFlags.push_back(spec.graphFlags);
+    mGraphFlags.push_back(recipe.graphFlags);
     mColumns.emplace_back(std::size_t(mRows), 0);
     return qint32(mFile.questions.size()) - 1;
 }
