@@ -7,8 +7,9 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
 #include <QTemporaryDir>
+
+#include "kelprocess.h"
 
 #include <gtest/gtest.h>
 
@@ -16,20 +17,8 @@ namespace {
 
 using namespace kel::writer;
 
-struct KelRun {
-    int exitCode = -1;
-    QByteArray out;
-    QByteArray err;
-};
-
-KelRun runKel(const QStringList &args)
-{
-    QProcess p;
-    p.start(QStringLiteral(KEL_TOOL), args);
-    p.waitForFinished(60000);
-    return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1, p.readAllStandardOutput(),
-            p.readAllStandardError()};
-}
+using kel::test::KelRun;
+using kel::test::runKel;
 
 class KelCli : public ::testing::Test
 {

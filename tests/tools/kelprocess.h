@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Runs the real `kel` executable, so that exit codes and output are checked
+// exactly as scripts see them.
+#pragma once
+
+#include <QProcess>
+#include <QStringList>
+
+namespace kel::test {
+
+struct KelRun {
+    int exitCode = -1; ///< -1 when the tool crashed or hung
+    QByteArray out;
+    QByteArray err;
+};
+
+inline KelRun runKel(const QStringList &args)
+{
+    QProcess p;
+    p.start(QStringLiteral(KEL_TOOL), args);
+    p.waitForFinished(60000);
+    return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1, p.readAllStandardOutput(),
+            p.readAllStandardError()};
+}
+
+} // namespace kel::test
