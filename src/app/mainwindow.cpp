@@ -3,14 +3,17 @@
 
 #include "app/aboutbox.h"
 #include "app/documentsession.h"
-#include "app/documentsummarywidget.h"
 #include "app/helpwindow.h"
 #include "app/language.h"
 #include "app/recentfiles.h"
 #include "app/startup.h"
 #include "app/statusline.h"
+#include "app/waitcursor.h"
 #include "document/document.h"
 #include "indexes/columnindex.h"
+#include "overview/sheetlayout.h"
+#include "overview/sheetview.h"
+#include "selection/counting.h"
 #include "selection/detailwindow.h"
 #include "selection/navigatorwindow.h"
 
@@ -37,16 +40,6 @@
 namespace kel {
 
 namespace {
-
-// The hourglass for the duration of a command.
-class WaitCursor
-{
-public:
-    WaitCursor() { QApplication::setOverrideCursor(Qt::WaitCursor); }
-    ~WaitCursor() { QApplication::restoreOverrideCursor(); }
-    WaitCursor(const WaitCursor &) = delete;
-    WaitCursor &operator=(const WaitCursor &) = delete;
-};
 
 constexpr double TwipsPerInch = 1440.0;
 constexpr int RecentFileWidthTwips = 4500;
@@ -93,13 +86,16 @@ MainWindow::MainWindow(SettingsStore &settings, bool isSwedish, const MainWindow
     : QMainWindow(parent), mSettings(settings), mIsSwedish(isSwedish), mEnvironment(environment),
       mStatus(new StatusLine(isSwedish, StatusLine::DefaultClearInterval, this)),
       mSession(new DocumentSession(isSwedish, !settings.policies().noRecentDocsMenu, this)),
-      mSummary(new DocumentSummaryWidget(isSwedish, this)),
+      mSheet(new SheetView(this)),
       mRowRandom(quint32(QDateTime::currentMSecsSinceEpoch()))
 {
     setObjectName(QStringLiteral("frmMain"));
     setWindowTitle(applicationTitle());
     setAcceptDrops(true);
-    setCentralWidget(mSummary);
+    mSheet->setObjectName(QStringLiteral("sheet"));
+    setCentralWidget(mSheet);
+    connect(mSheet, &SheetView::popupRequested, this, &MainWindow::showSheetPopup);
+    connect(mSheet, &SheetView::cellHovered, this, &MainWindow::showHoveredCell);
 
     // Status bar: activity, rows of the selection, the selection.
     const char *tipsEnglish[] = {"Current activity", "Items in current selection", "Current selection"};
@@ -127,8 +123,10 @@ MainWindow::MainWindow(SettingsStore &settings, bool isSwedish, const MainWindow
     connect(mSession, &DocumentSession::recentFilesChanged, this, &MainWindow::rebuildRecentFilesMenu);
     connect(mSession, &DocumentSession::documentClosed, this, &MainWindow::resetForNoDocument);
     connect(mSession, &DocumentSession::documentOpened, this, &MainWindow::installDocument);
-    // The navigator and the detail window show the document: they go first.
+    // The navigator, the detail window and the sheet show the document: they
+    // let go of it before it is deleted.
     connect(mSession, &DocumentSession::documentClosing, this, &MainWindow::destroyToolWindows);
+    connect(mSession, &DocumentSession::documentClosing, mSheet, &SheetView::resetDocument);
     mSession->setRecentFiles(mSettings.readRecentFiles());
 
     if (mEnvironment.mouseWheel) {
@@ -166,6 +164,10 @@ void MainWindow::connectMenus()
         if (mDetail)
             mDetail->setVisible(checked);
     });
+    // The action group checks one wheel item and unchecks the other.
+    for (std::size_t i = 0; i < mMenus.mnuPMouseWheelScrollDirection.size(); ++i)
+        connect(mMenus.mnuPMouseWheelScrollDirection[i], &QAction::triggered, this,
+                [this, i] { mSheet->setWheelHorizontal(i == 1); });
     // Save As, Print, Print Format, Properties, the Edit commands, the graph
     // commands, Comments, Edit Blocks, Options and the popup menu's commands
     // are connected by the windows that carry them out.
@@ -378,11 +380,14 @@ void MainWindow::installDocument()
     mMenus.mnuVDetailInfo->setEnabled(true);
     mMenus.mnuVCloseAllGraphWindows->setEnabled(true);
 
-    // The first selection holds every respondent. The overview sheet takes
-    // over these panels and the data-row rule when it is built.
-    setDataRowsAllowed(doc.rowCount() > 0 && doc.rowCount() >= p.minimumSelection);
-    setSelectionPanels(doc.rowCount(), doc.text(p.totalText));
-    mSummary->setDocument(&doc);
+    // The first overview shows everyone. A document too small for any
+    // overview opens without a sheet; its panels stay empty.
+    mSheet->resetDocument();
+    mSheet->setHoverEnabled(p.pointsScale > 0);
+    setDataRowsAllowed(false);
+    showSelection(fullSelection(doc));
+    // The arrow and page keys scroll the sheet from the start.
+    mSheet->setFocus();
 
     setWindowTitle(applicationTitle() + QStringLiteral(" - ") + doc.currentFileTitle);
 }
@@ -418,7 +423,8 @@ void MainWindow::resetForNoDocument()
         mPanels[i]->setToolTip(pickText(mIsSwedish, tipsEnglish[i - 1], tipsSwedish[i - 1]));
     }
     rebuildBlockMenus();
-    mSummary->setDocument(nullptr);
+    mSheet->resetDocument();
+    mSheet->setHoverEnabled(false);
     setWindowTitle(applicationTitle());
 }
 
@@ -711,12 +717,92 @@ QString MainWindow::showSelection(const SelectionMatrix &selection)
     showFlexTotalIndex();
     if (sheet.outcome != SubSheetOutcome::Ok)
         return sheet.message; // the previous overview stays
+    showSubSheet(*doc, sheet);
+    return QString();
+}
+
+void MainWindow::showSubSheet(const Document &doc, const SubSheet &sheet)
+{
     setDataRowsAllowed(sheet.dataRowsAllowed);
     setSelectionPanels(qint32(sheet.rows.size()), sheet.steps.selectionText);
-    // The overview sheet draws `sheet` here once it is part of this window.
+
+    SheetInput input;
+    input.document = &doc;
+    input.rows = sheet.rows;
+    input.columns = doc.overviewColumns;
+    if (sheet.randomPerColumn)
+        input.columnRowOffsets = sheet.columnRowOffsets;
+    input.overviewMaxRows = mOptions.overviewMaxRows;
+    input.maxRowsDisplayed = sheet.maxRowsDisplayed();
+    input.groupLines = mOptions.overviewGroupLines;
+    input.selectionText = sheet.steps.selectionText;
+    input.totalIndex = sheet.totalIndex;
+    input.locale = QLocale();
+    if (!mSheet->setSheet(std::move(input)))
+        showMessage(QMessageBox::Critical, applicationTitle(),
+                    pickText(mIsSwedish, "The overview is too large to be drawn!",
+                             "Översikten är för stor för att kunna ritas!"));
     if (mDetail)
-        mDetail->showNoCell(*doc, sheet.totalIndex);
-    return QString();
+        mDetail->showNoCell(doc, sheet.totalIndex);
+}
+
+void MainWindow::showHoveredCell(const SheetHit &hit)
+{
+    const Document *doc = document();
+    if (mDetail && doc && mSheet->hasSheet())
+        mDetail->showCell(*doc, hit, mSheet->input().columns, mSheet->input().rows);
+}
+
+void MainWindow::preparePopup(const SheetHit &hit)
+{
+    const Document *doc = document();
+    if (!doc)
+        return;
+    const bool questionKnown = hit.question >= 0 && std::size_t(hit.question) < doc->questions.size();
+    PopupContext context;
+    context.randomPerColumn = mSheet->isRandomPerColumn();
+    context.hasRowComments = doc->properties.hasRowComments;
+    context.hasCellComments = doc->hasCellComments;
+    context.totalGraphVisible = mMenus.mnuPShowTotalGraph1->isVisible();
+    if (questionKnown) {
+        const Question &question = doc->questions[std::size_t(hit.question)];
+        context.questionGraphFlags = question.graphFlags;
+        if (hit.place == SheetPlace::BlockLine) {
+            const qint32 block = blockAtHeaderLine(question, hit.line, mSheet->sheetGeometry().headerLines);
+            if (block >= 0 && std::size_t(block) < doc->blocks.size())
+                context.blockGraphFlags = doc->blocks[std::size_t(block)].graphFlags;
+        }
+    }
+    const PopupItems items = popupItemsFor(hit.place, context);
+    mMenus.mnuPShowRowsComments->setVisible(items.showRowsComments);
+    mMenus.mnuPShowColumnsComments->setVisible(items.showColumnsComments);
+    mMenus.mnuPCopyThisRowsAnswers->setVisible(items.copyThisRowsAnswers);
+    mMenus.mnuPBar1->setVisible(items.bar1);
+    const std::array<QAction *, 4> blockGraphs{mMenus.mnuPShowBlockGraph1, mMenus.mnuPShowBlockGraph2,
+                                               mMenus.mnuPShowBlockGraph3->menuAction(), mMenus.mnuPShowBlockGraph4};
+    for (std::size_t i = 0; i < blockGraphs.size(); ++i)
+        blockGraphs[i]->setVisible(items.showBlockGraph[i]);
+    const std::array<QAction *, 3> questionGraphs{mMenus.mnuPShowQuestionGraph1->menuAction(),
+                                                  mMenus.mnuPShowQuestionGraph2->menuAction(),
+                                                  mMenus.mnuPShowQuestionGraph3->menuAction()};
+    for (std::size_t i = 0; i < questionGraphs.size(); ++i)
+        questionGraphs[i]->setVisible(items.showQuestionGraph[i]);
+    mMenus.mnuPBar2->setVisible(items.bar2);
+
+    // A header line has no row: only the column's comments can apply there.
+    const PopupEnabling enabling =
+        popupEnablingFor(*doc, mSheet->input().rows, mSheet->input().columns, context.randomPerColumn,
+                         hit.place == SheetPlace::AnswerCell ? hit.row : -1, hit.question);
+    mMenus.mnuPShowRowsComments->setEnabled(enabling.showRowsComments);
+    mMenus.mnuPShowColumnsComments->setEnabled(enabling.showColumnsComments);
+}
+
+void MainWindow::showSheetPopup(const SheetHit &hit, const QPoint &globalPos)
+{
+    if (hit.place == SheetPlace::Outside || !document())
+        return;
+    preparePopup(hit);
+    mMenus.mnuPopUp->popup(globalPos);
 }
 
 } // namespace kel

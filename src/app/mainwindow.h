@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The viewer's main window: menus, status bar, the central view, opening and
-// closing documents, and the tables of graph windows it owns. Commands whose
+// The viewer's main window: menus, status bar, the overview sheet, opening
+// and closing documents, and the tables of graph windows it owns. Commands whose
 // work belongs to windows not built yet exist in the menus with their
 // enabling rules but do nothing when chosen.
 #pragma once
@@ -26,11 +26,12 @@ namespace kel {
 
 class DetailWindow;
 class DocumentSession;
-class DocumentSummaryWidget;
 class NavigatorWindow;
 class HelpWindow;
+class SheetView;
 class StatusLine;
 struct Document;
+struct SheetHit;
 
 /// What the window finds out about the machine when it is created; tests
 /// pass their own.
@@ -77,7 +78,8 @@ public:
     StatusLine &statusLine() { return *mStatus; }
     const MainMenus &menus() const { return mMenus; }
     QLabel *statusPanel(int number) const; ///< 1..3
-    DocumentSummaryWidget *summaryWidget() const { return mSummary; }
+    /// The overview sheet, the window's central view.
+    SheetView *sheetView() const { return mSheet; }
     const LastSettings &lastSettings() const { return mLastSettings; }
     const UserOptions &options() const { return mOptions; }
     bool isSwedish() const { return mIsSwedish; }
@@ -88,11 +90,9 @@ public:
     /// Closes every in-use window of the three tables.
     void closeAllGraphWindows();
 
-    /// Set by the overview after each selection is shown: whether answer rows
-    /// may be copied as data or to a mini-overview.
+    /// Whether answer rows may be copied as data or to a mini-overview; set
+    /// by every overview build.
     void setDataRowsAllowed(bool allowed);
-    /// Status panels 2 and 3: rows of the sheet and the selection text.
-    void setSelectionPanels(qint32 rows, const QString &selectionText);
 
     // --- Navigator and detail-information windows ---
     /// Both exist while a document is open (the navigator only when the
@@ -102,9 +102,13 @@ public:
     const FlexTotal &flexTotal() const { return mFlexTotal; }
     /// SetFlexTotal: the flex total from the navigator's flex options.
     void setFlexTotal(const std::vector<bool> &options, bool basedOnCurrentSelection);
-    /// CreateSubSheet for the navigator's Show: returns the refusal text,
-    /// empty when the new overview was built.
+    /// CreateSubSheet, for the navigator's Show and after opening: returns
+    /// the refusal text, empty when the new overview was built and drawn. A
+    /// refusal leaves the previous sheet on screen.
     QString showSelection(const SelectionMatrix &selection);
+    /// Shows or hides the popup menu's place-dependent items for a right
+    /// click on `hit` and enables them for its row and question.
+    void preparePopup(const SheetHit &hit);
 
     /// Message boxes go through here so that tests can record them.
     using MessageHandler = std::function<void(QMessageBox::Icon, const QString &title, const QString &text)>;
@@ -140,6 +144,10 @@ private:
     void createToolWindows(const Document &doc);
     void destroyToolWindows();
     void showFlexTotalIndex();
+    void showSubSheet(const Document &doc, const SubSheet &sheet);
+    void setSelectionPanels(qint32 rows, const QString &selectionText);
+    void showSheetPopup(const SheetHit &hit, const QPoint &globalPos);
+    void showHoveredCell(const SheetHit &hit);
 
     SettingsStore &mSettings;
     bool mIsSwedish;
@@ -149,7 +157,7 @@ private:
     StatusLine *mStatus;
     DocumentSession *mSession;
     MainMenus mMenus;
-    DocumentSummaryWidget *mSummary;
+    SheetView *mSheet;
     std::array<QLabel *, 3> mPanels{};
     QTimer mAutoOpenTimer; // tmrAutoOpenFile
     QString mPendingFile;

@@ -3,6 +3,7 @@
 
 #include "app/language.h"
 #include "indexes/blockindex.h"
+#include "overview/sheetlayout.h"
 
 #include <array>
 #include <cmath>
@@ -133,15 +134,9 @@ qint32 SubSheet::displayedLines(qint32 maxRowsSetting) const
 
 qint32 SubSheet::rowInCell(qint32 line, qint32 question) const
 {
-    const qint32 n = qint32(rows.size());
-    if (n == 0 || line < 0)
-        return -1;
-    if (!randomPerColumn)
-        return line < n ? rows[std::size_t(line)] : -1;
-    const qint64 offset = (question >= 0 && question < qint32(columnRowOffsets.size()))
-                              ? columnRowOffsets[std::size_t(question)]
-                              : 0;
-    return rows[std::size_t((offset + line) % n)];
+    // The offsets are filled only under Random per column, so the sheet's
+    // own rule applies unchanged.
+    return rowShownInCell(rows, columnRowOffsets, question, line);
 }
 
 SubSheet createSubSheet(Document &doc, const SelectionMatrix &selection, FlexTotal &flex, qint32 userRowOrder,

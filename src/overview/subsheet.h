@@ -86,7 +86,7 @@ struct SubSheet {
     /// Answer lines drawn under the user's "Overview Max Rows".
     qint32 displayedLines(qint32 maxRowsSetting) const;
     /// The row whose answer the cell of answer line `line` and question
-    /// `question` shows.
+    /// `question` shows (rowShownInCell() of this sheet); -1 outside the list.
     qint32 rowInCell(qint32 line, qint32 question) const;
 };
 

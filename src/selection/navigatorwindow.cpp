@@ -4,6 +4,7 @@
 #include "app/language.h"
 #include "app/settingsstore.h"
 #include "app/statusline.h"
+#include "app/waitcursor.h"
 #include "document/document.h"
 #include "selection/navigatortree.h"
 
@@ -28,15 +29,6 @@ constexpr int MinimumPaneTwips = 285;     // tree and flex list never get smalle
 constexpr int DesignedFlexHeightTwips = 1140;
 constexpr int LabelGapTwips = 120;        // between the count and the Show button
 const QString FlexHeightValue = QStringLiteral("Flex Total Height");
-
-class WaitCursor
-{
-public:
-    WaitCursor() { QApplication::setOverrideCursor(Qt::WaitCursor); }
-    ~WaitCursor() { QApplication::restoreOverrideCursor(); }
-    WaitCursor(const WaitCursor &) = delete;
-    WaitCursor &operator=(const WaitCursor &) = delete;
-};
 
 } // namespace
 

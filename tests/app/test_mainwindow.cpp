@@ -2,9 +2,12 @@
 // The main window under the offscreen platform: menu state before, with and
 // after documents of every permission, recent files, closing and settings.
 #include "app/documentsession.h"
-#include "app/documentsummarywidget.h"
 #include "app/mainwindow.h"
 #include "app/statusline.h"
+#include "indexes/columnindex.h"
+#include "overview/sheetview.h"
+#include "selection/counting.h"
+#include "selection/detailwindow.h"
 
 #include "testdocument.h"
 
@@ -17,6 +20,7 @@
 #include <QMenu>
 #include <QSettings>
 #include <QTemporaryDir>
+#include <QTest>
 #include <QUrl>
 
 #include <gtest/gtest.h>
@@ -71,11 +75,12 @@ protected:
         return l;
     }
 
-    std::unique_ptr<MainWindow> makeWindow(bool isSwedish = false, bool printer = false)
+    std::unique_ptr<MainWindow> makeWindow(bool isSwedish = false, bool printer = false, bool mouseWheel = false)
     {
         mStore = std::make_unique<SettingsStore>(location());
         MainWindowEnvironment env;
         env.printerInstalled = printer;
+        env.mouseWheel = mouseWheel;
         auto w = std::make_unique<MainWindow>(*mStore, isSwedish, env);
         w->setMessageHandler([this](QMessageBox::Icon icon, const QString &title, const QString &text) {
             mMessages << QStringLiteral("%1|%2|%3").arg(int(icon)).arg(title, text);
@@ -273,7 +278,8 @@ TEST_F(MainWindowTest, FailedOpenLeavesDocumentAndMenusAlone)
     open(*w, recipe);
     const Document *before = w->document();
     const auto state = menuState(*w);
-    const QString summary = w->summaryWidget()->text();
+    const QImage sheet = w->sheetView()->sheetImage();
+    ASSERT_FALSE(sheet.isNull());
 
     const QString garbage = mDir.filePath(QStringLiteral("broken.kel"));
     {
@@ -287,7 +293,7 @@ TEST_F(MainWindowTest, FailedOpenLeavesDocumentAndMenusAlone)
               QStringLiteral("%1|Open Data File|This is not a KEL file!").arg(int(QMessageBox::Critical)));
     EXPECT_EQ(w->document(), before);
     EXPECT_EQ(menuState(*w), state);
-    EXPECT_EQ(w->summaryWidget()->text(), summary);
+    EXPECT_EQ(w->sheetView()->sheetImage(), sheet);
     EXPECT_EQ(w->windowTitle(), QStringLiteral("KEL Viewer - survey.kel"));
     EXPECT_EQ(w->statusLine().text(), QString());
     EXPECT_TRUE(w->session().recentFiles().isEmpty());
@@ -449,6 +455,13 @@ TEST_F(MainWindowTest, OpensRealFilesWithTheirPermissions)
         EXPECT_EQ(w->menus().mnuPS1SplitByColumn.size(), qsizetype(w->document()->categories.size()));
         EXPECT_TRUE(w->statusPanel(2)->isVisibleTo(w.get()));
         EXPECT_EQ(w->statusPanel(2)->text(), QStringLiteral(" %1").arg(w->document()->rowCount()));
+        // The first overview holds everyone, cut to "Overview Max Rows".
+        const SheetView *sheet = w->sheetView();
+        ASSERT_TRUE(sheet->hasSheet()) << c.label;
+        EXPECT_EQ(qint32(sheet->input().rows.size()), w->document()->rowCount()) << c.label;
+        EXPECT_EQ(sheet->input().columns, w->document()->overviewColumns) << c.label;
+        EXPECT_EQ(sheet->sheetGeometry().answerLines, std::min(w->document()->rowCount(), 300)) << c.label;
+        EXPECT_EQ(w->statusPanel(3)->text(), QLatin1Char(' ') + w->document()->text(w->document()->properties.totalText));
     }
 }
 
@@ -511,6 +524,227 @@ TEST_F(MainWindowTest, StoredPlacementIsRestoredSensibly)
         const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
         EXPECT_TRUE(screen.contains(w->pos())) << c.label;
     }
+}
+
+// --- The overview sheet in the window ---
+
+namespace {
+
+constexpr int Cell = 16;
+
+// Eight respondents in two units: unit 0 (rows 0-3) all answered "Yes",
+// unit 1 (rows 4-7) all "No", so the question's index differs between the
+// selection of unit 0 and everyone. The question sits in a block whose
+// graph flags offer the histogram, the graph and the index graph.
+std::unique_ptr<Document> unitDocument(qint32 rowOrder = -1)
+{
+    DocumentOptions recipe;
+    recipe.pointsScale = 4;
+    recipe.allowCopy = true;
+    recipe.allowCopyData = true;
+    recipe.rowComments = true; // row 0 has a comment, the others none
+    recipe.categoryHeadings = {QStringLiteral("Unit")};
+    recipe.rows = 8;
+    auto doc = makeDocument(recipe);
+    std::vector<quint8> cells(16, 0);
+    for (qint32 r = 0; r < 8; ++r) {
+        cells[std::size_t(r)] = r < 4 ? 1 : 0; // the overview question
+        cells[std::size_t(8 + r)] = r < 4 ? 0 : 1; // the unit
+    }
+    doc->answers = AnswerMatrix(CellType::U8, 8, 2, std::move(cells));
+    Block block;
+    block.code = QStringLiteral("B");
+    block.name = QStringLiteral("Work");
+    block.graphFlags = 0x103;
+    doc->blocks.push_back(block);
+    doc->questions[0].block = 0;
+    doc->questions[0].graphFlags = 0x3;
+    doc->properties.rowOrder = rowOrder;
+    doc->properties.indexDecimals = 2;
+    return doc;
+}
+
+// The middle of a cell of the view: column 0 .. , line -H .. -1 for the
+// header lines, 0 .. for answer lines (no scrolling).
+QPoint cellCentre(int column, int line, int headerLines)
+{
+    return QPoint(1 + column * Cell + Cell / 2, 1 + (line + headerLines) * Cell + Cell / 2);
+}
+
+SelectionMatrix unitOnly(const Document &doc, qint32 unit)
+{
+    SelectionMatrix selection = fullSelection(doc);
+    for (qint32 o = 0; o < selection.optionCount(); ++o)
+        selection.set(0, o, o == unit);
+    return selection;
+}
+
+} // namespace
+
+TEST_F(MainWindowTest, OverviewFollowsOpenShowRefusalAndClose)
+{
+    auto w = makeWindow();
+    SheetView *sheet = w->sheetView();
+    EXPECT_EQ(w->centralWidget(), sheet);
+    EXPECT_FALSE(sheet->hasSheet());
+
+    w->session().installDocument(unitDocument(), QStringLiteral("/s/units.kel"), true);
+    ASSERT_TRUE(sheet->hasSheet());
+    EXPECT_EQ(sheet->input().rows, (std::vector<qint32>{0, 1, 2, 3, 4, 5, 6, 7}));
+    EXPECT_EQ(sheet->sheetGeometry().answerLines, 8);
+    EXPECT_EQ(sheet->sheetGeometry().headerLines, 2);
+    EXPECT_EQ(w->statusPanel(2)->text(), QStringLiteral(" 8"));
+    EXPECT_EQ(w->statusPanel(3)->text(), QStringLiteral(" Everyone"));
+    EXPECT_TRUE(sheet->hoverEnabled());
+    EXPECT_TRUE(w->menus().mnuECopyData->isEnabled());
+
+    // A narrower selection replaces rows, picture and panels together.
+    const QImage everyone = sheet->sheetImage();
+    EXPECT_TRUE(w->showSelection(unitOnly(*w->document(), 1)).isEmpty());
+    EXPECT_EQ(sheet->input().rows, (std::vector<qint32>{4, 5, 6, 7}));
+    EXPECT_EQ(sheet->sheetGeometry().answerLines, 4);
+    EXPECT_NE(sheet->sheetImage(), everyone);
+    EXPECT_EQ(w->statusPanel(2)->text(), QStringLiteral(" 4"));
+    EXPECT_EQ(w->statusPanel(3)->text(), QLatin1Char(' ') + sheet->input().selectionText);
+    EXPECT_NE(sheet->input().selectionText, QStringLiteral("Everyone"));
+
+    // Nobody left: refused, and the unit-1 overview stays as it was.
+    const QImage unit1 = sheet->sheetImage();
+    SelectionMatrix nobody = fullSelection(*w->document());
+    for (qint32 o = 0; o < nobody.optionCount(); ++o)
+        nobody.set(0, o, false);
+    EXPECT_FALSE(w->showSelection(nobody).isEmpty());
+    EXPECT_EQ(sheet->sheetImage(), unit1);
+    EXPECT_EQ(sheet->input().rows, (std::vector<qint32>{4, 5, 6, 7}));
+    EXPECT_EQ(w->statusPanel(2)->text(), QStringLiteral(" 4"));
+
+    w->closeDocument();
+    EXPECT_FALSE(sheet->hasSheet());
+    EXPECT_TRUE(sheet->input().rows.empty());
+    EXPECT_FALSE(sheet->hoverEnabled());
+    EXPECT_FALSE(w->statusPanel(2)->isVisibleTo(w.get()));
+}
+
+TEST_F(MainWindowTest, DocumentTooSmallForAnOverviewOpensWithoutASheet)
+{
+    auto w = makeWindow();
+    auto doc = unitDocument();
+    doc->properties.minimumGraphSelection = 20;
+    w->session().installDocument(std::move(doc), QStringLiteral("/s/tiny.kel"), true);
+    ASSERT_NE(w->document(), nullptr);
+    EXPECT_FALSE(w->sheetView()->hasSheet());
+    EXPECT_TRUE(w->statusPanel(2)->text().isEmpty());
+    EXPECT_FALSE(w->menus().mnuECopyData->isEnabled());
+}
+
+TEST_F(MainWindowTest, PopupOffersTheItemsOfThePlaceClicked)
+{
+    struct Expected {
+        const char *label;
+        qint32 rowOrder;
+        int column, line; ///< line -2: block line, -1: code line
+        std::vector<const char *> shown; ///< of the place-dependent items
+        qint32 popupRow;
+        bool rowsCommentsEnabled;
+    };
+    const Expected cases[] = {
+        {"answer cell with a row comment", -1, 0, 0,
+         {"mnuPShowRowsComments", "mnuPCopyThisRowsAnswers", "mnuPBar1", "mnuPShowQuestionGraph1",
+          "mnuPShowQuestionGraph2", "mnuPBar2"},
+         0, true},
+        {"answer cell without one", -1, 0, 5,
+         {"mnuPShowRowsComments", "mnuPCopyThisRowsAnswers", "mnuPBar1", "mnuPShowQuestionGraph1",
+          "mnuPShowQuestionGraph2", "mnuPBar2"},
+         5, false},
+        {"code line", -1, 0, -1, {"mnuPShowQuestionGraph1", "mnuPShowQuestionGraph2", "mnuPBar2"}, -1, false},
+        {"block line", -1, 0, -2,
+         {"mnuPShowBlockGraph1", "mnuPShowBlockGraph2", "mnuPShowBlockGraph4", "mnuPBar2"}, -2, false},
+        {"answer cell, random per column", 2, 0, 0,
+         {"mnuPShowQuestionGraph1", "mnuPShowQuestionGraph2", "mnuPBar2"}, -9, false},
+    };
+    const QStringList placeItems = {
+        "mnuPShowRowsComments", "mnuPShowColumnsComments", "mnuPCopyThisRowsAnswers", "mnuPBar1",
+        "mnuPShowBlockGraph1", "mnuPShowBlockGraph2", "mnuPShowBlockGraph3", "mnuPShowBlockGraph4",
+        "mnuPShowQuestionGraph1", "mnuPShowQuestionGraph2", "mnuPShowQuestionGraph3", "mnuPBar2"};
+    for (const Expected &c : cases) {
+        auto w = makeWindow();
+        w->session().installDocument(unitDocument(c.rowOrder), QStringLiteral("/s/units.kel"), true);
+        w->show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(w.get()));
+        SheetView *sheet = w->sheetView();
+        QMenu *popup = w->menus().mnuPopUp;
+        QTest::mouseClick(sheet->viewport(), Qt::RightButton, {}, cellCentre(c.column, c.line, 2));
+        ASSERT_TRUE(popup->isVisible()) << c.label;
+        QStringList shown;
+        for (QAction *a : popup->actions()) {
+            const QString name = a->menu() ? a->menu()->objectName() : a->objectName();
+            if (placeItems.contains(name) && a->isVisible())
+                shown << name;
+        }
+        QStringList expected;
+        for (const char *name : c.shown)
+            expected << QString::fromLatin1(name);
+        shown.sort();
+        expected.sort();
+        EXPECT_EQ(shown.join(u' ').toStdString(), expected.join(u' ').toStdString()) << c.label;
+        EXPECT_EQ(sheet->popupQuestion(), 0) << c.label;
+        if (c.popupRow != -9)
+            EXPECT_EQ(sheet->popupRow(), c.popupRow) << c.label;
+        if (w->menus().mnuPShowRowsComments->isVisible())
+            EXPECT_EQ(w->menus().mnuPShowRowsComments->isEnabled(), c.rowsCommentsEnabled) << c.label;
+        popup->hide();
+
+        // Right of the last column and below the last line: no menu.
+        for (const QPoint outside : {cellCentre(1, 0, 2), cellCentre(0, 8, 2)}) {
+            QTest::mouseClick(sheet->viewport(), Qt::RightButton, {}, outside);
+            EXPECT_FALSE(popup->isVisible()) << c.label;
+        }
+    }
+}
+
+TEST_F(MainWindowTest, HoveringACellFillsTheDetailWindowForTheSelection)
+{
+    auto w = makeWindow();
+    w->session().installDocument(unitDocument(), QStringLiteral("/s/units.kel"), true);
+    ASSERT_TRUE(w->showSelection(unitOnly(*w->document(), 0)).isEmpty());
+    w->show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(w.get()));
+    DetailWindow *detail = w->detailWindow();
+    ASSERT_NE(detail, nullptr);
+    EXPECT_TRUE(detail->textValue().isEmpty());
+
+    QTest::mouseMove(w->sheetView()->viewport(), cellCentre(0, 1, 2));
+    for (int i = 0; i < 40 && detail->textValue().isEmpty(); ++i)
+        QTest::qWait(50);
+    const Document &doc = *w->document();
+    EXPECT_EQ(detail->headerValue(0), QStringLiteral("Work"));
+    EXPECT_EQ(detail->headerValue(2), QStringLiteral("Satisfaction"));
+    EXPECT_TRUE(detail->textValue().contains(QStringLiteral("Yes"))) << detail->textValue().toStdString();
+    // The question's index is over the shown selection (unit 0: all "Yes"),
+    // not over everyone.
+    const QString selectionIndex = formatIndex(calculateColumnsIndex(doc, {0}, {0, 1, 2, 3}),
+                                               doc.properties.indexDecimals, QLocale());
+    EXPECT_EQ(detail->indexValue(1, false), selectionIndex);
+    EXPECT_NE(selectionIndex, formatIndex(calculateColumnsIndex(doc, {0}, {0, 1, 2, 3, 4, 5, 6, 7}),
+                                          doc.properties.indexDecimals, QLocale()));
+
+    // Without indexes the pointer shows nothing.
+    auto plain = makeWindow();
+    DocumentOptions recipe;
+    plain->session().installDocument(makeDocument(recipe), QStringLiteral("/s/plain.kel"), true);
+    EXPECT_FALSE(plain->sheetView()->hoverEnabled());
+}
+
+TEST_F(MainWindowTest, WheelItemsSetTheScrollDirection)
+{
+    auto w = makeWindow(false, false, true);
+    const MainMenus &m = w->menus();
+    m.mnuPMouseWheelScrollDirection[1]->trigger();
+    EXPECT_TRUE(w->sheetView()->wheelHorizontal());
+    EXPECT_FALSE(m.mnuPMouseWheelScrollDirection[0]->isChecked());
+    m.mnuPMouseWheelScrollDirection[0]->trigger();
+    EXPECT_FALSE(w->sheetView()->wheelHorizontal());
+    EXPECT_FALSE(m.mnuPMouseWheelScrollDirection[1]->isChecked());
 }
 
 TEST(DroppedFiles, OnlyOneLocalKelFileIsTaken)
