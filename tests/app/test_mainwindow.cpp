@@ -688,10 +688,12 @@ TEST_F(MainWindowTest, PopupOffersTheItemsOfThePlaceClicked)
         expected.sort();
         EXPECT_EQ(shown.join(u' ').toStdString(), expected.join(u' ').toStdString()) << c.label;
         EXPECT_EQ(sheet->popupQuestion(), 0) << c.label;
-        if (c.popupRow != -9)
+        if (c.popupRow != -9) {
             EXPECT_EQ(sheet->popupRow(), c.popupRow) << c.label;
-        if (w->menus().mnuPShowRowsComments->isVisible())
+        }
+        if (w->menus().mnuPShowRowsComments->isVisible()) {
             EXPECT_EQ(w->menus().mnuPShowRowsComments->isEnabled(), c.rowsCommentsEnabled) << c.label;
+        }
         popup->hide();
 
         // Right of the last column and below the last line: no menu.
