@@ -55,15 +55,18 @@ void NavigatorTree::remember(QTreeWidgetItem *item)
     mStateAtPress = item ? item->checkState(0) : Qt::Unchecked;
 }
 
+QTreeWidgetItem *NavigatorTree::checkBoxAt(const QMouseEvent *event) const
+{
+    if (event->button() != Qt::LeftButton)
+        return nullptr;
+    const QPoint at = event->position().toPoint();
+    QTreeWidgetItem *item = itemAt(at);
+    return item && checkBoxRect(item).contains(at) ? item : nullptr;
+}
+
 void NavigatorTree::mousePressEvent(QMouseEvent *event)
 {
-    QTreeWidgetItem *hit = nullptr;
-    if (event->button() == Qt::LeftButton) {
-        QTreeWidgetItem *item = itemAt(event->position().toPoint());
-        if (item && checkBoxRect(item).contains(event->position().toPoint()))
-            hit = item;
-    }
-    remember(hit);
+    remember(checkBoxAt(event));
     QTreeWidget::mousePressEvent(event);
     // A click on a node makes it the current node, check box or not.
     if (event->button() == Qt::LeftButton) {
@@ -76,13 +79,7 @@ void NavigatorTree::mouseDoubleClickEvent(QMouseEvent *event)
 {
     // The second click of a double click arrives here instead of as a press;
     // its release toggles the box again and must count as well.
-    QTreeWidgetItem *hit = nullptr;
-    if (event->button() == Qt::LeftButton) {
-        QTreeWidgetItem *item = itemAt(event->position().toPoint());
-        if (item && checkBoxRect(item).contains(event->position().toPoint()))
-            hit = item;
-    }
-    remember(hit);
+    remember(checkBoxAt(event));
     QTreeWidget::mouseDoubleClickEvent(event);
 }
 

@@ -44,6 +44,8 @@ protected:
 
 private:
     void remember(QTreeWidgetItem *item);
+    /// The item whose check box a left-button event lies on, else null.
+    QTreeWidgetItem *checkBoxAt(const QMouseEvent *event) const;
     void onItemChanged(QTreeWidgetItem *item, int column);
     void reportRemembered();
 
