@@ -3,6 +3,8 @@
 
 #include <QtEndian>
 
+#include <algorithm>
+
 namespace kel {
 
 QString Document::guidText() const
@@ -22,6 +24,25 @@ QString Document::guidText() const
     }
     s += QLatin1Char('}');
     return s.toUpper();
+}
+
+void deriveQuestionLists(Document &doc)
+{
+    doc.categories.clear();
+    doc.overviewColumns.clear();
+    doc.flexCategory = -1;
+    doc.maxCategoryAlternatives = 0;
+    for (qint32 i = 0; i < qint32(doc.questions.size()); ++i) {
+        const Question &q = doc.questions[std::size_t(i)];
+        if (q.inOverview)
+            doc.overviewColumns.push_back(i);
+        if (q.isCategory) {
+            doc.categories.push_back(i);
+            doc.maxCategoryAlternatives = std::max(doc.maxCategoryAlternatives, q.alternativeCount);
+        }
+        if (q.isFlexCategory && doc.flexCategory < 0)
+            doc.flexCategory = i;
+    }
 }
 
 qint32 indexDecimalsFor(qint32 pointsScale)

@@ -269,6 +269,10 @@ struct Document {
     QString guidText() const;
 };
 
+/// Fills categories, overviewColumns, flexCategory and maxCategoryAlternatives
+/// from the questions' flags (the lists are rebuilt from scratch).
+void deriveQuestionLists(Document &doc);
+
 /// Number of decimals of index texts for a points scale.
 qint32 indexDecimalsFor(qint32 pointsScale);
 /// The language code of a document language text ("Sv" -> "sv", "e" -> "e").

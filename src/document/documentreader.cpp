@@ -584,17 +584,7 @@ std::optional<Failure> PayloadParser::parse(Document &doc)
 
 void deriveProperties(Document &doc)
 {
-    for (qint32 i = 0; i < qint32(doc.questions.size()); ++i) {
-        const Question &q = doc.questions[std::size_t(i)];
-        if (q.inOverview)
-            doc.overviewColumns.push_back(i);
-        if (q.isCategory) {
-            doc.categories.push_back(i);
-            doc.maxCategoryAlternatives = std::max(doc.maxCategoryAlternatives, q.alternativeCount);
-        }
-        if (q.isFlexCategory && doc.flexCategory < 0)
-            doc.flexCategory = i;
-    }
+    deriveQuestionLists(doc);
     // Documents older than revision 5 carry no total index: it is the pooled
     // index of the overview questions that count towards it, over everyone.
     DocumentProperties &p = doc.properties;

@@ -74,13 +74,7 @@ inline std::unique_ptr<Document> makeDocument(const DocumentOptions &recipe)
     for (qint32 r = 0; r < recipe.rows; ++r)
         cells[std::size_t(r)] = quint8(r % 2);
     doc->answers = AnswerMatrix(CellType::U8, recipe.rows, columns, std::move(cells));
-    for (qint32 q = 0; q < columns; ++q) {
-        if (doc->questions[std::size_t(q)].isCategory)
-            doc->categories.push_back(q);
-        else
-            doc->overviewColumns.push_back(q);
-    }
-    doc->maxCategoryAlternatives = doc->categories.empty() ? 0 : 2;
+    deriveQuestionLists(*doc);
     return doc;
 }
 

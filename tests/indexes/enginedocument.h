@@ -109,17 +109,7 @@ public:
                 at += std::size_t(width);
             }
         doc.answers = AnswerMatrix(type, rows, qint32(columns.size()), bytes);
-        for (std::size_t q = 0; q < doc.questions.size(); ++q) {
-            const Question &question = doc.questions[q];
-            if (question.isCategory) {
-                doc.categories.push_back(qint32(q));
-                doc.maxCategoryAlternatives = qMax(doc.maxCategoryAlternatives, question.alternativeCount);
-            }
-            if (question.inOverview)
-                doc.overviewColumns.push_back(qint32(q));
-            if (question.isFlexCategory && doc.flexCategory < 0)
-                doc.flexCategory = qint32(q);
-        }
+        deriveQuestionLists(doc);
         doc.properties.indexDecimals = indexDecimalsFor(doc.properties.pointsScale);
         return doc;
     }
