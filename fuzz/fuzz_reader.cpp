@@ -4,8 +4,8 @@
 // length and the checksum before reading, so that mutations get past the
 // integrity check and reach inflate and the payload parser; without it the
 // container checks themselves are fuzzed.
-#include "document/documentreader.h"
-#include "document/kelformat.h"
+#include "engine/document/documentreader.h"
+#include "engine/document/kelformat.h"
 
 #include <QByteArray>
 #include <QtEndian>

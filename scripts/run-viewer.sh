@@ -8,4 +8,4 @@ cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
 cmake --build build -j"$(nproc)" --target kelviewer
 sample=samples/employee-survey-en.kel
 case "${LC_ALL:-${LC_MESSAGES:-${LANG:-}}}" in sv*) sample=samples/employee-survey-sv.kel ;; esac
-exec build/src/app/kelviewer "$sample" "$@"
+exec build/src/viewer/kelviewer "$sample" "$@"

@@ -8,11 +8,11 @@
 // its target and the ratio to its baseline.
 #include "enginedocument.h"
 
-#include "indexes/blockindex.h"
-#include "indexes/indexexport.h"
-#include "overview/subsheet.h"
-#include "selection/counting.h"
-#include "selection/flextotal.h"
+#include "engine/indexes/blockindex.h"
+#include "engine/indexes/indexexport.h"
+#include "engine/overview/subsheet.h"
+#include "engine/selection/counting.h"
+#include "engine/selection/flextotal.h"
 
 #include <benchmark/benchmark.h>
 

@@ -4,7 +4,7 @@
 // read it, crc32 it, and (when compressed) uncompress it. Prints median
 // times, their ratio, and the peak memory of one open measured in a fresh
 // process against file size + payload size.
-#include "document/documentreader.h"
+#include "engine/document/documentreader.h"
 #include "kelwriter.h"
 
 #include <QCoreApplication>

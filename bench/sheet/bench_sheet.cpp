@@ -5,8 +5,8 @@
 // rows), the mini-overview, and what scrolling one page of the sheet view
 // costs against drawing the sheet. Prints median milliseconds.
 #include "kelwriter.h"
-#include "overview/sheetdrawer.h"
-#include "overview/sheetview.h"
+#include "render/overview/sheetdrawer.h"
+#include "gui/overview/sheetview.h"
 
 #include <QApplication>
 #include <QElapsedTimer>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "app/documentsession.h"
+#include "engine/document/documentsession.h"
 
 #include "testdocument.h"
 

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The main window under the offscreen platform: menu state before, with and
 // after documents of every permission, recent files, closing and settings.
-#include "app/documentsession.h"
-#include "app/mainwindow.h"
-#include "app/statusline.h"
-#include "indexes/columnindex.h"
-#include "overview/sheetview.h"
-#include "selection/counting.h"
-#include "selection/detailwindow.h"
+#include "engine/document/documentsession.h"
+#include "gui/shell/mainwindow.h"
+#include "texts/statusline.h"
+#include "engine/indexes/columnindex.h"
+#include "gui/overview/sheetview.h"
+#include "engine/selection/counting.h"
+#include "gui/selection/detailwindow.h"
 
 #include "testdocument.h"
 

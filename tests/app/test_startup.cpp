@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "app/language.h"
-#include "app/recentfiles.h"
-#include "app/startup.h"
+#include "texts/language.h"
+#include "engine/settings/recentfiles.h"
+#include "gui/shell/startup.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "app/statusline.h"
+#include "texts/statusline.h"
 
 #include <QSignalSpy>
 #include <QTest>

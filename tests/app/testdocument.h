@@ -3,7 +3,7 @@
 // produce, built directly so that each permission can be set on its own.
 #pragma once
 
-#include "document/document.h"
+#include "engine/document/document.h"
 
 #include <QString>
 

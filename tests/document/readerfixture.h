@@ -4,7 +4,7 @@
 // older revisions, and a full text dump of a Document for comparisons.
 #pragma once
 
-#include "document/documentreader.h"
+#include "engine/document/documentreader.h"
 #include "kelwriter.h"
 
 #include <QTextStream>

@@ -4,7 +4,7 @@
 // plain or compressed.
 #include "readerfixture.h"
 
-#include "document/openresult.h"
+#include "engine/document/openresult.h"
 
 #include <QDir>
 #include <QTemporaryDir>

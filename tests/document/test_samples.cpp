@@ -3,7 +3,7 @@
 // give the committed bytes, and they must open and be consistent.
 #include "readerfixture.h"
 
-#include "indexes/columnindex.h"
+#include "engine/indexes/columnindex.h"
 
 #include <QFile>
 

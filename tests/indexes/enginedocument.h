@@ -4,7 +4,7 @@
 // cell width, with the fields the reader would derive filled in.
 #pragma once
 
-#include "document/document.h"
+#include "engine/document/document.h"
 
 #include <cstring>
 #include <initializer_list>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "enginedocument.h"
 
-#include "indexes/blockindex.h"
+#include "engine/indexes/blockindex.h"
 
 #include <gtest/gtest.h>
 

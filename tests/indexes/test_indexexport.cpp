@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "enginedocument.h"
 
-#include "indexes/blockindex.h"
-#include "indexes/indexexport.h"
+#include "engine/indexes/blockindex.h"
+#include "engine/indexes/indexexport.h"
 
 #include <gtest/gtest.h>
 

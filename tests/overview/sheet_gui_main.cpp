@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Widgets need an application; the tests draw off-screen, without a display.
-#include "overview/sheetview.h"
+#include "gui/overview/sheetview.h"
 
 #include <QApplication>
 

@@ -4,7 +4,7 @@
 // row by row, so that a test reads as the sheet it expects.
 #pragma once
 
-#include "document/document.h"
+#include "engine/document/document.h"
 
 #include <QString>
 

@@ -3,8 +3,8 @@
 // opens a KEL document, takes every row in its original order and shows the
 // sheet view in a window (hovered cells and right clicks are printed), or
 // writes the drawn sheet of mode N (0, 1 or 5) to OUT and exits.
-#include "document/documentreader.h"
-#include "overview/sheetview.h"
+#include "engine/document/documentreader.h"
+#include "gui/overview/sheetview.h"
 
 #include <QApplication>
 #include <QCommandLineParser>

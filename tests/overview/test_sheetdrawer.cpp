@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The drawn sheet compared pixel by pixel with a picture painted in the test
 // from the expected cell colours.
-#include "overview/sheetdrawer.h"
+#include "render/overview/sheetdrawer.h"
 
 #include "sheetdocument.h"
 

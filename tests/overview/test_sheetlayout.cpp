@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Header lines, runs, shortening, hit-testing, scroll ranges and the popup
 // rules of the overview sheet.
-#include "overview/sheetlayout.h"
+#include "engine/overview/sheetlayout.h"
 
 #include "sheetdocument.h"
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The sheet view: frozen header while the body scrolls, scroll ranges, the
 // hover delay, right clicks and the wheel.
-#include "overview/sheetview.h"
+#include "gui/overview/sheetview.h"
 
 #include "sheetdocument.h"
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "enginedocument.h"
 
-#include "overview/subsheet.h"
+#include "engine/overview/subsheet.h"
 
 #include <gtest/gtest.h>
 

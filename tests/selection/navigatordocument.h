@@ -4,7 +4,7 @@
 // see exactly what the viewer would.
 #pragma once
 
-#include "document/documentreader.h"
+#include "engine/document/documentreader.h"
 #include "kelwriter.h"
 
 #include <algorithm>

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "enginedocument.h"
 
-#include "selection/counting.h"
-#include "selection/flextotal.h"
-#include "selection/selectionmodel.h"
+#include "engine/selection/counting.h"
+#include "engine/selection/flextotal.h"
+#include "engine/selection/selectionmodel.h"
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The detail-information window: which rows show, what the document puts in
 // them, and that the window follows its content.
-#include "selection/detailwindow.h"
+#include "gui/selection/detailwindow.h"
 
-#include "overview/sheetlayout.h"
+#include "engine/overview/sheetlayout.h"
 
 #include "navigatordocument.h"
 

@@ -2,7 +2,7 @@
 // The category tree reports each user tick exactly once, however the mouse
 // and the tree's own notification interleave, and never reports changes the
 // program makes.
-#include "selection/navigatortree.h"
+#include "gui/selection/navigatortree.h"
 
 #include <QSignalSpy>
 #include <QTest>

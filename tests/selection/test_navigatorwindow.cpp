@@ -2,12 +2,12 @@
 // The navigator window on a small survey: the tree it builds, what a tick
 // does to the rest of the tree, the count, the shading and the Show button,
 // what Show hands on, the pending state and the reminder.
-#include "selection/navigatorwindow.h"
+#include "gui/selection/navigatorwindow.h"
 
-#include "app/settingsstore.h"
-#include "app/statusline.h"
-#include "selection/flextotal.h"
-#include "selection/navigatortree.h"
+#include "engine/settings/settingsstore.h"
+#include "texts/statusline.h"
+#include "engine/selection/flextotal.h"
+#include "gui/selection/navigatortree.h"
 
 #include "navigatordocument.h"
 

@@ -2,13 +2,13 @@
 // The navigator and the detail window inside the main window: they come and
 // go with the document, the View menu and the close box, and Show builds or
 // refuses through the main window.
-#include "app/mainwindow.h"
-#include "app/statusline.h"
-#include "document/document.h"
-#include "indexes/columnindex.h"
-#include "selection/detailwindow.h"
-#include "selection/navigatortree.h"
-#include "selection/navigatorwindow.h"
+#include "gui/shell/mainwindow.h"
+#include "texts/statusline.h"
+#include "engine/document/document.h"
+#include "engine/indexes/columnindex.h"
+#include "gui/selection/detailwindow.h"
+#include "gui/selection/navigatortree.h"
+#include "gui/selection/navigatorwindow.h"
 
 #include "navigatordocument.h"
 

@@ -4,7 +4,7 @@
 #include "commands.h"
 #include "json.h"
 
-#include "document/documentreader.h"
+#include "engine/document/documentreader.h"
 
 #include <cstdio>
 

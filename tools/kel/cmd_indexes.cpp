@@ -4,7 +4,7 @@
 #include "commands.h"
 #include "selectionargs.h"
 
-#include "indexes/indexexport.h"
+#include "engine/indexes/indexexport.h"
 
 namespace kel::cli {
 

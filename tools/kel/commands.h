@@ -3,7 +3,7 @@
 // name and returns the process exit status.
 #pragma once
 
-#include "document/document.h"
+#include "engine/document/document.h"
 
 #include <QString>
 #include <QStringList>

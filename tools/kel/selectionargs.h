@@ -3,10 +3,10 @@
 // Show sequence they both run: tick, set the flex total, build the overview.
 #pragma once
 
-#include "document/document.h"
-#include "overview/subsheet.h"
-#include "selection/flextotal.h"
-#include "selection/selectionmodel.h"
+#include "engine/document/document.h"
+#include "engine/overview/subsheet.h"
+#include "engine/selection/flextotal.h"
+#include "engine/selection/selectionmodel.h"
 
 #include <QLocale>
 #include <QString>

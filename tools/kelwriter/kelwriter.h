@@ -11,7 +11,7 @@
 //    computes the stored total indexes, then hands back a KelFile.
 #pragma once
 
-#include "document/kelformat.h"
+#include "engine/document/kelformat.h"
 
 #include <QByteArray>
 #include <QHash>

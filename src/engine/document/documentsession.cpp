@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/document/documentsession.h"
+
+#include "engine/settings/recentfiles.h"
+#include "engine/indexes/columnindex.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+#include <numeric>
+
+namespace kel {
+
+namespace {
+
+// Files written before stored total indexes existed get theirs computed from
+// the overview questions that count towards the total.
+void computeMissingTotalIndex(Document &doc)
+{
+    if (doc.revision >= 5 || doc.properties.pointsScale < 1)
+        return;
+    QuestionList questions;
+    for (qint32 q : doc.overviewColumns) {
+        if (doc.questions[std::size_t(q)].inTotalIndex)
+            questions.push_back(q);
+    }
+    if (questions.empty())
+        return;
+    RowList rows(std::size_t(doc.rowCount()));
+    std::iota(rows.begin(), rows.end(), 0);
+    const double index = calculateColumnsIndex(doc, questions, rows);
+    doc.properties.totalIndex = index;
+    doc.properties.flexTotalIndex = index;
+}
+
+} // namespace
+
+DocumentSession::DocumentSession(bool isSwedish, bool recordRecentFiles, QObject *parent)
+    : QObject(parent), mIsSwedish(isSwedish), mRecordRecentFiles(recordRecentFiles)
+{
+}
+
+DocumentSession::~DocumentSession() = default;
+
+void DocumentSession::setRecentFiles(const QStringList &files)
+{
+    mRecentFiles = mRecordRecentFiles ? files.mid(0, MaxRecentFiles) : QStringList();
+    emit recentFilesChanged();
+}
+
+QString DocumentSession::loadDocument(const QString &path, bool rememberFolder)
+{
+    ReadResult result = readDocumentFile(path, mReadOptions);
+    if (result.code != OpenResult::Ok || !result.document)
+        return openResultMessage(result.code == OpenResult::Ok ? OpenResult::CannotOpen : result.code, mIsSwedish);
+
+    installDocument(std::move(result.document), path, rememberFolder);
+    return QString();
+}
+
+void DocumentSession::installDocument(std::unique_ptr<Document> doc, const QString &path, bool rememberFolder)
+{
+    if (!doc)
+        return;
+    closeDocument();
+    computeMissingTotalIndex(*doc);
+    // Kept absolute so that the recent-files list still works from another
+    // working folder.
+    const QString fullPath = QDir::cleanPath(QFileInfo(path).absoluteFilePath());
+    const PathParts parts = splitDocumentPath(fullPath);
+    doc->currentFile = fullPath;
+    if (rememberFolder)
+        mCurrentFolder = parts.folder;
+    doc->currentFolder = mCurrentFolder;
+    doc->currentFileName = parts.name;
+    doc->currentFileTitle = fileDisplayTitle(parts.name);
+    mDocument = std::move(doc);
+    emit documentOpened();
+}
+
+void DocumentSession::closeDocument()
+{
+    if (!mDocument)
+        return;
+    emit documentClosing();
+    const QString closedFile = mDocument->currentFile;
+    mDocument.reset();
+    emit documentClosed();
+    if (mRecordRecentFiles && !closedFile.isEmpty()) {
+        mRecentFiles = recordRecentFile(mRecentFiles, closedFile);
+        emit recentFilesChanged();
+    }
+}
+
+} // namespace kel

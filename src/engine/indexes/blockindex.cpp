@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/indexes/blockindex.h"
+
+#include <numeric>
+
+namespace kel {
+
+QuestionList blockMembers(const Document &doc, qint32 block)
+{
+    QuestionList members;
+    if (block < 0 || block >= qint32(doc.blocks.size()))
+        return members;
+    if (!doc.blocks[std::size_t(block)].memberRule) {
+        for (const BlockItem &item : doc.blockItems)
+            if (item.block == block && item.question >= 0 && item.question < qint32(doc.questions.size()))
+                members.push_back(item.question);
+        return members;
+    }
+    for (qint32 q : doc.overviewColumns)
+        if (doc.questions[std::size_t(q)].block == block)
+            members.push_back(q);
+    // A sub-block is named by no question as its block: it gathers the
+    // questions that name it as their sub-block.
+    if (members.empty())
+        for (qint32 q : doc.overviewColumns)
+            if (doc.questions[std::size_t(q)].subBlock == block)
+                members.push_back(q);
+    return members;
+}
+
+QuestionList totalMembers(const Document &doc)
+{
+    QuestionList members;
+    for (qint32 q : doc.overviewColumns)
+        if (doc.questions[std::size_t(q)].inTotalIndex)
+            members.push_back(q);
+    return members;
+}
+
+double calculateBlockIndex(const Document &doc, qint32 block, const RowList &rows)
+{
+    const QuestionList members = blockMembers(doc, block);
+    if (members.empty())
+        return -1.0;
+    return calculateColumnsIndex(doc, members, rows);
+}
+
+double calculateBlockTotalIndex(const Document &doc, qint32 block)
+{
+    return calculateBlockIndex(doc, block, allRows(doc));
+}
+
+double calculateBlockFlexTotalIndex(const Document &doc, qint32 block, const RowList &flexRows)
+{
+    if (flexRows.empty())
+        return -1.0;
+    return calculateBlockIndex(doc, block, flexRows);
+}
+
+double calculateTotalIndex(const Document &doc, const RowList &rows)
+{
+    const QuestionList members = totalMembers(doc);
+    if (members.empty())
+        return -1.0;
+    return calculateColumnsIndex(doc, members, rows);
+}
+
+double calculateTotalIndexSpec(const Document &doc, const RowList &rows, QString &distribution)
+{
+    distribution.clear();
+    const QuestionList members = totalMembers(doc);
+    if (members.empty())
+        return -1.0;
+    return calculateColumnsIndexSpec(doc, members, rows, distribution);
+}
+
+RowList allRows(const Document &doc)
+{
+    RowList rows(std::size_t(qMax(doc.rowCount(), 0)));
+    std::iota(rows.begin(), rows.end(), 0);
+    return rows;
+}
+
+bool hasSubBlocks(const Document &doc)
+{
+    for (const Question &q : doc.questions)
+        if (q.subBlock >= 0)
+            return true;
+    return false;
+}
+
+} // namespace kel

@@ -1,0 +1,265 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/indexes/indexexport.h"
+
+#include "texts/language.h"
+#include "engine/indexes/blockindex.h"
+
+namespace kel {
+
+namespace {
+
+bool isSwedishDocument(const Document &doc)
+{
+    return doc.properties.languageCode == QLatin1String("sv");
+}
+
+bool blockListed(const Document &doc, qint32 block)
+{
+    if (block < 0 || block >= qint32(doc.blocks.size()))
+        return false;
+    const Block &b = doc.blocks[std::size_t(block)];
+    return b.includeInCopy && b.totalIndex != -1.0;
+}
+
+// Pooled indexes are sums over their questions, so every cell of the table
+// is assembled from per-question (sum, count) pairs of its sub-selection:
+// each question's answers are read once per sub-selection, however many
+// items pool it. The division is the one calculateColumnsIndex does, so the
+// values are the same to the last bit.
+struct QuestionSums {
+    std::vector<qint64> sum;
+    std::vector<qint64> count;
+    std::vector<bool> done;
+};
+
+void addQuestion(const Document &doc, qint32 q, const RowList &rows, QuestionSums &sums)
+{
+    if (sums.done[std::size_t(q)])
+        return;
+    const Question &question = doc.questions[std::size_t(q)];
+    const Alternative *alts = doc.alternatives.data() + question.firstAlternative;
+    qint64 sum = 0;
+    qint64 n = 0;
+    doc.answers.visitColumn(q, [&](const auto *column) {
+        for (qint32 r : rows) {
+            const qint32 p = alts[column[r]].points;
+            const bool scored = p != -1;
+            sum += scored ? p : 0;
+            n += scored;
+        }
+    });
+    sums.sum[std::size_t(q)] = sum;
+    sums.count[std::size_t(q)] = n;
+    sums.done[std::size_t(q)] = true;
+}
+
+} // namespace
+
+bool IndexExportOptions::canExport() const
+{
+    const bool anySubSelection = subSelTotal || !subSelCategories.empty();
+    bool anyItem = false;
+    for (bool b : indexFor)
+        anyItem = anyItem || b;
+    return anySubSelection && anyItem;
+}
+
+std::vector<SubSelection> buildSubSelections(const Document &doc, const IndexExportOptions &options,
+                                             const RowList &currentRows)
+{
+    std::vector<SubSelection> result;
+    if (options.subSelTotal)
+        result.push_back({isSwedishDocument(doc) ? QStringLiteral("Totalt") : QStringLiteral("Total"), currentRows});
+    const qint32 firstVisible = doc.properties.firstAlternativeIsNoAnswer ? 1 : 0;
+    for (qint32 q : options.subSelCategories) {
+        if (q < 0 || q >= qint32(doc.questions.size()))
+            continue;
+        const Question &question = doc.questions[std::size_t(q)];
+        const std::size_t first = result.size();
+        for (qint32 o = firstVisible; o < question.alternativeCount; ++o)
+            result.push_back({question.heading + QStringLiteral(": ")
+                                  + doc.alternatives[std::size_t(question.firstAlternative + o)].text,
+                              {}});
+        doc.answers.visitColumn(q, [&](const auto *column) {
+            for (qint32 r : currentRows) {
+                const qint32 v = qint32(column[r]);
+                if (v >= firstVisible && v < question.alternativeCount)
+                    result[first + std::size_t(v - firstVisible)].rows.push_back(r);
+            }
+        });
+    }
+    return result;
+}
+
+std::vector<IndexItem> buildIndexItems(const Document &doc, const IndexExportOptions &options)
+{
+    using O = IndexExportOptions;
+    std::vector<IndexItem> items;
+    if (options.indexFor[O::ForTotal])
+        items.push_back({IndexItem::Total, -1, isSwedishDocument(doc) ? QStringLiteral("Totalt") : QStringLiteral("Total")});
+    qint32 previousBlock = -1;
+    qint32 previousSubBlock = -1;
+    for (qint32 q : doc.overviewColumns) {
+        const Question &question = doc.questions[std::size_t(q)];
+        if (options.indexFor[O::ForBlocks] && question.block != previousBlock) {
+            previousBlock = question.block;
+            if (blockListed(doc, previousBlock))
+                items.push_back({IndexItem::Block, previousBlock, doc.blocks[std::size_t(previousBlock)].name});
+        }
+        if (options.indexFor[O::ForSubBlocks] && question.subBlock != previousSubBlock) {
+            previousSubBlock = question.subBlock;
+            if (blockListed(doc, previousSubBlock))
+                items.push_back({IndexItem::Block, previousSubBlock, doc.blocks[std::size_t(previousSubBlock)].name});
+        }
+        if (options.indexFor[O::ForQuestions] && question.totalIndex != -1.0)
+            items.push_back({IndexItem::Question, q,
+                             options.showFullQuestionText ? question.code + QStringLiteral(". ") + question.text
+                                                          : question.heading});
+    }
+    if (options.indexFor[O::ForUserBlocks])
+        for (std::size_t b = 0; b < doc.blocks.size(); ++b)
+            if (!doc.blocks[b].fromDocument && doc.blocks[b].includeInCopy)
+                items.push_back({IndexItem::Block, qint32(b), doc.blocks[b].name});
+    return items;
+}
+
+std::vector<double> calculateIndexValues(const Document &doc, const std::vector<SubSelection> &subSelections,
+                                         const std::vector<IndexItem> &items,
+                                         const std::function<bool(qint32)> &progress)
+{
+    const std::size_t itemCount = items.size();
+    std::vector<double> values(subSelections.size() * itemCount, NoIndexValue);
+    const std::size_t questionCount = doc.questions.size();
+    std::vector<QuestionSums> sums(subSelections.size());
+    for (QuestionSums &s : sums) {
+        s.sum.assign(questionCount, 0);
+        s.count.assign(questionCount, 0);
+        s.done.assign(questionCount, false);
+    }
+    const QuestionList total = totalMembers(doc);
+    const double scale = double(doc.properties.pointsScale);
+    const qint32 minimumGraph = doc.properties.minimumGraphSelection;
+    if (scale < 1.0) // a document without indexes has no values to show
+        return values;
+
+    for (std::size_t i = 0; i < itemCount; ++i) {
+        const IndexItem &item = items[i];
+        QuestionList members;
+        if (item.kind == IndexItem::Total)
+            members = total;
+        else if (item.kind == IndexItem::Block)
+            members = blockMembers(doc, item.number);
+        else if (item.number >= 0 && std::size_t(item.number) < questionCount)
+            members = {item.number};
+        for (std::size_t s = 0; s < subSelections.size(); ++s) {
+            const qint32 n = qint32(subSelections[s].rows.size());
+            double &cell = values[s * itemCount + i];
+            if (n == 0) {
+                cell = NoIndexValue;
+                continue;
+            }
+            if (n < minimumGraph) {
+                cell = MaskedIndexValue;
+                continue;
+            }
+            qint64 sum = 0;
+            qint64 count = 0;
+            for (qint32 q : members) {
+                addQuestion(doc, q, subSelections[s].rows, sums[s]);
+                sum += sums[s].sum[std::size_t(q)];
+                count += sums[s].count[std::size_t(q)];
+            }
+            cell = count > 0 ? (double(sum) / double(count)) / scale : NoIndexValue;
+        }
+        if (progress && !progress(qint32(i + 1)))
+            return {};
+    }
+    return values;
+}
+
+QString formatIndexTable(const Document &doc, const QString &selectionText, const IndexExportOptions &options,
+                         const std::vector<SubSelection> &subSelections, const std::vector<IndexItem> &items,
+                         const std::vector<double> &values, const QLocale &locale)
+{
+    QLocale numbers = locale;
+    numbers.setNumberOptions(numbers.numberOptions() | QLocale::OmitGroupSeparator);
+    const qint32 decimals = doc.properties.indexDecimals;
+    const std::size_t itemCount = items.size();
+    auto cell = [&](std::size_t s, std::size_t i) -> QString {
+        const double v = values[s * itemCount + i];
+        if (v == MaskedIndexValue)
+            return QStringLiteral("---");
+        if (v == NoIndexValue)
+            return QString();
+        return numbers.toString(v, 'f', decimals);
+    };
+    auto count = [&](std::size_t s) { return numbers.toString(qlonglong(subSelections[s].rows.size())); };
+    const QString answers = isSwedishDocument(doc) ? QStringLiteral("Antal") : QStringLiteral("Answers");
+    const QChar tab = QLatin1Char('\t');
+
+    QStringList lines;
+    if (!options.subSelectionsInColumns) {
+        QStringList first{selectionText};
+        if (options.showNumberOfAnswers)
+            first << answers;
+        for (const IndexItem &item : items)
+            first << item.name;
+        lines << first.join(tab);
+        for (std::size_t s = 0; s < subSelections.size(); ++s) {
+            QStringList line{subSelections[s].name};
+            if (options.showNumberOfAnswers)
+                line << count(s);
+            for (std::size_t i = 0; i < itemCount; ++i)
+                line << cell(s, i);
+            lines << line.join(tab);
+        }
+    } else {
+        QStringList first{selectionText};
+        for (const SubSelection &s : subSelections)
+            first << s.name;
+        lines << first.join(tab);
+        if (options.showNumberOfAnswers) {
+            QStringList line{answers};
+            for (std::size_t s = 0; s < subSelections.size(); ++s)
+                line << count(s);
+            lines << line.join(tab);
+        }
+        for (std::size_t i = 0; i < itemCount; ++i) {
+            QStringList line{items[i].name};
+            for (std::size_t s = 0; s < subSelections.size(); ++s)
+                line << cell(s, i);
+            lines << line.join(tab);
+        }
+    }
+    return lines.join(QStringLiteral("\r\n"));
+}
+
+QString indexExportText(IndexExportText which, bool isSwedish)
+{
+    switch (which) {
+    case IndexExportText::Caption: return pickText(isSwedish, "Copy Indexes", "Kopiera index");
+    case IndexExportText::Preparing: return pickText(isSwedish, "Preparing to copy...", "Förbereder kopiering...");
+    case IndexExportText::Calculating: return pickText(isSwedish, "Calculating indexes...", "Ränkar ut index...");
+    case IndexExportText::Copying:
+        return pickText(isSwedish, "Copying indexes to clipboard...", "Kopierar index till urklipp...");
+    case IndexExportText::Canceling: return pickText(isSwedish, "Canceling copy...", "Avbryter kopiering...");
+    case IndexExportText::Copied: return pickText(isSwedish, "Indexes copied to clipboard!", "Index kopierade till urklipp!");
+    case IndexExportText::Canceled:
+        return pickText(isSwedish, "Copying of indexes was canceled!", "Kopieringen av index avbröts!");
+    }
+    return QString();
+}
+
+QString exportIndexes(const Document &doc, const QString &selectionText, const RowList &currentRows,
+                      const IndexExportOptions &options, const QLocale &locale,
+                      const std::function<bool(qint32)> &progress)
+{
+    const std::vector<SubSelection> subSelections = buildSubSelections(doc, options, currentRows);
+    const std::vector<IndexItem> items = buildIndexItems(doc, options);
+    const std::vector<double> values = calculateIndexValues(doc, subSelections, items, progress);
+    if (values.size() != subSelections.size() * items.size())
+        return QString();
+    return formatIndexTable(doc, selectionText, options, subSelections, items, values, locale);
+}
+
+} // namespace kel

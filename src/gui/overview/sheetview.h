@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The main window's sheet: shows the finished sheet picture with the header
+// lines frozen at the top while the body scrolls in whole cells, finds the
+// cell under the pointer, and reports hovering and right clicks. Scrolling
+// only copies parts of the picture; cells are drawn once, in setSheet().
+#pragma once
+
+#include "render/overview/sheetdrawer.h"
+
+#include <QAbstractScrollArea>
+#include <QImage>
+#include <QPoint>
+#include <QTimer>
+
+namespace kel {
+
+class SheetView : public QAbstractScrollArea
+{
+    Q_OBJECT
+public:
+    /// The pointer must rest this long before its cell's values are shown.
+    static constexpr int HoverDelayMs = 200;
+
+    explicit SheetView(QWidget *parent = nullptr);
+
+    /// Draws `input` (its mode is forced to the screen) once into the
+    /// off-screen picture, replacing any previous sheet, and lays out the
+    /// scroll bars: a bar shown before and after keeps its position, a bar
+    /// that appears starts at 0. Returns false when the picture could not
+    /// be made; the view then shows no sheet.
+    bool setSheet(SheetInput input);
+    /// Discards the sheet and stops the hover delay.
+    void eraseSheet();
+    /// For a newly opened or closed document: erases the sheet and forgets
+    /// the label offsets measured for the previous one.
+    void resetDocument();
+
+    bool hasSheet() const { return !mImage.isNull(); }
+    const SheetInput &input() const { return mInput; }
+    const SheetGeometry &sheetGeometry() const { return mGeometry; }
+    const QImage &sheetImage() const { return mImage; }
+    bool isRandomPerColumn() const { return !mInput.columnRowOffsets.empty(); }
+    /// The label offsets measured for the current document; the copy and
+    /// save pictures pass them to drawSheet() so they are measured once.
+    SheetTextOffsets &textOffsets() { return mOffsets; }
+
+    /// Hovering reports cells only when enabled (documents with indexes).
+    void setHoverEnabled(bool enabled);
+    bool hoverEnabled() const { return mHoverEnabled; }
+    /// false: the wheel scrolls vertically; true: horizontally when the
+    /// horizontal bar is shown.
+    void setWheelHorizontal(bool horizontal) { mWheelHorizontal = horizontal; }
+    bool wheelHorizontal() const { return mWheelHorizontal; }
+    /// Lines per wheel notch; -1 scrolls a page. Starts at the platform's value.
+    void setWheelScrollLines(int lines) { mWheelLines = lines; }
+    int wheelScrollLines() const { return mWheelLines; }
+
+    /// Scroll positions in cells (0 when a bar is hidden).
+    int scrollColumn() const;
+    int scrollLine() const;
+    void setScrollPosition(int column, int line);
+
+    /// What lies under `pos` in viewport coordinates.
+    SheetHit hitTest(const QPointF &pos) const;
+
+    /// The row (or negative header line) and question of the last right
+    /// click that opened the popup; the popup's commands use them.
+    qint32 popupRow() const { return mPopupRow; }
+    qint32 popupQuestion() const { return mPopupQuestion; }
+
+Q_SIGNALS:
+    /// The pointer has rested on `hit` for the hover delay (Outside clears).
+    void cellHovered(const kel::SheetHit &hit);
+    /// A right click without modifier keys on a cell or header line: the
+    /// receiver builds the popup menu for it at `globalPos`.
+    void popupRequested(const kel::SheetHit &hit, const QPoint &globalPos);
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void scrollContentsBy(int dx, int dy) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void wheelEvent(QWheelEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    bool viewportEvent(QEvent *event) override;
+
+private:
+    void discardSheet();
+    void updateScrollBars();
+    void showHoveredCell();
+    void scrollBy(QScrollBar *bar, int notches);
+
+    SheetInput mInput;
+    SheetGeometry mGeometry;
+    SheetTextOffsets mOffsets;
+    const Document *mOffsetsDocument = nullptr;
+    QImage mImage;
+    QImage mSpare; // the last picture's memory, reused by a sheet of the same size
+    qreal mRenderedRatio = 1.0; // the device pixel ratio the picture was drawn for
+    SheetScrollLayout mLayout;
+    QTimer mHoverTimer;
+    QPointF mLastPointer{-1.0, -1.0};
+    bool mHoverEnabled = false;
+    bool mWheelHorizontal = false;
+    int mWheelLines = 3;
+    QPoint mWheelRemainder;
+    bool mLayingOut = false;
+    qint32 mPopupRow = 0;
+    qint32 mPopupQuestion = -1;
+};
+
+} // namespace kel
+
+Q_DECLARE_METATYPE(kel::SheetHit)

@@ -1,0 +1,264 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "gui/selection/detailwindow.h"
+
+#include "texts/language.h"
+#include "engine/document/document.h"
+#include "engine/indexes/blockindex.h"
+#include "engine/indexes/columnindex.h"
+#include "engine/overview/sheetlayout.h"
+
+#include <QGridLayout>
+#include <QLabel>
+#include <QVBoxLayout>
+
+namespace kel {
+
+namespace {
+
+constexpr int RowHeightTwips = 240;
+constexpr int MarginTwips = 120;
+
+QLabel *makeLabel(QWidget *parent, const QString &name, Qt::Alignment alignment = Qt::AlignLeft | Qt::AlignVCenter)
+{
+    auto *label = new QLabel(parent);
+    label->setObjectName(name);
+    label->setAlignment(alignment);
+    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    return label;
+}
+
+} // namespace
+
+DetailWindow::DetailWindow(bool isSwedish, QWidget *parent)
+    : ToolDock(QStringLiteral("DetailInfo"), pickText(isSwedish, "Detail Information", "Detaljinformation"), parent),
+      mContent(new QWidget(this)), mGrid(new QGridLayout)
+{
+    const int margin = twipsToPixels(MarginTwips) / 2;
+    auto *outer = new QVBoxLayout(mContent);
+    outer->setContentsMargins(margin, margin, margin, margin);
+    outer->setSpacing(2);
+    for (int i = 0; i < HeaderCount; ++i) {
+        mHeaders[std::size_t(i)] = makeLabel(mContent, QStringLiteral("lblHeader%1").arg(i));
+        QFont bold = mHeaders[std::size_t(i)]->font();
+        bold.setBold(true);
+        mHeaders[std::size_t(i)]->setFont(bold);
+        outer->addWidget(mHeaders[std::size_t(i)]);
+    }
+    mHeaders[0]->setText(pickText(isSwedish, "Question:", "Fråga:"));
+    mText = makeLabel(mContent, QStringLiteral("txtText"));
+    mText->setWordWrap(true);
+    outer->addWidget(mText);
+
+    mGrid->setHorizontalSpacing(twipsToPixels(MarginTwips));
+    mGrid->setVerticalSpacing(0);
+    const Qt::Alignment right = Qt::AlignRight | Qt::AlignVCenter;
+    mColumnHeader = makeLabel(mContent, QStringLiteral("lblIndexHeader"), right);
+    mColumnHeader->setText(pickText(isSwedish, "Selection", "Urval"));
+    mColumnHeaderTotal = makeLabel(mContent, QStringLiteral("lblIndexHeaderTotal"), right);
+    mColumnHeaderTotal->setText(pickText(isSwedish, "Total", "Totalt"));
+    mGrid->addWidget(mColumnHeader, 0, 1);
+    mGrid->addWidget(mColumnHeaderTotal, 0, 2);
+    const int rowHeight = twipsToPixels(RowHeightTwips);
+    for (int r = 0; r < RowCount; ++r) {
+        Row &row = mRows[std::size_t(r)];
+        row.label = makeLabel(mContent, QStringLiteral("lblIndexLabel%1").arg(r));
+        row.selection = makeLabel(mContent, QStringLiteral("lblIndex%1").arg(r), right);
+        row.total = makeLabel(mContent, QStringLiteral("lblIndexTotal%1").arg(r), right);
+        for (QLabel *l : {row.label, row.selection, row.total}) {
+            l->setMinimumHeight(rowHeight);
+            mGrid->addWidget(l, r + 1, l == row.label ? 0 : (l == row.selection ? 1 : 2));
+        }
+    }
+    mGrid->setColumnStretch(0, 1);
+    outer->addLayout(mGrid);
+    outer->addStretch(1);
+    setWidget(mContent);
+    updateLayout();
+}
+
+QString DetailWindow::indexText(int row) const
+{
+    return (row >= 0 && row < RowCount) ? mRows[std::size_t(row)].label->text() : QString();
+}
+
+void DetailWindow::setIndexText(int row, const QString &text)
+{
+    if (row >= 0 && row < RowCount)
+        mRows[std::size_t(row)].label->setText(text);
+}
+
+QString DetailWindow::indexValue(int row, bool total) const
+{
+    if (row < 0 || row >= RowCount)
+        return QString();
+    const Row &r = mRows[std::size_t(row)];
+    return (total ? r.total : r.selection)->text();
+}
+
+void DetailWindow::setIndexValue(int row, bool total, const QString &value)
+{
+    if (row < 0 || row >= RowCount)
+        return;
+    Row &r = mRows[std::size_t(row)];
+    (total ? r.total : r.selection)->setText(value);
+}
+
+QString DetailWindow::headerValue(int index) const
+{
+    return (index >= 0 && index < HeaderCount) ? mHeaders[std::size_t(index)]->text() : QString();
+}
+
+void DetailWindow::setHeaderValue(int index, const QString &value)
+{
+    if (index < 0 || index >= HeaderCount)
+        return;
+    QLabel *header = mHeaders[std::size_t(index)];
+    header->setText(value);
+    header->setVisible(!value.isEmpty());
+}
+
+QString DetailWindow::textValue() const
+{
+    return mText->text();
+}
+
+void DetailWindow::setTextValue(const QString &text)
+{
+    mText->setText(text);
+    mText->setVisible(!text.isEmpty());
+}
+
+bool DetailWindow::isRowShown(int row) const
+{
+    return row >= 0 && row < RowCount && !mRows[std::size_t(row)].label->text().isEmpty();
+}
+
+QSize DetailWindow::contentSize() const
+{
+    return mContent->sizeHint();
+}
+
+void DetailWindow::updateLayout()
+{
+    bool anyRow = false;
+    for (int r = 0; r < RowCount; ++r) {
+        const bool shown = isRowShown(r);
+        const Row &row = mRows[std::size_t(r)];
+        row.label->setVisible(shown);
+        row.selection->setVisible(shown);
+        row.total->setVisible(shown);
+        anyRow = anyRow || shown;
+    }
+    mColumnHeader->setVisible(anyRow);
+    mColumnHeaderTotal->setVisible(anyRow);
+    for (QLabel *header : mHeaders)
+        header->setVisible(!header->text().isEmpty());
+    mText->setVisible(!mText->text().isEmpty());
+
+    // The window follows its content: docked it keeps exactly the content's
+    // height and at least its width; floating it is resized to it.
+    mContent->layout()->activate();
+    const QSize wanted = mContent->sizeHint();
+    mContent->setMinimumSize(wanted);
+    mContent->setMaximumHeight(wanted.height());
+    if (isFloating())
+        adjustSize();
+}
+
+void DetailWindow::setUpForDocument(const Document &doc)
+{
+    clearAll();
+    const DocumentProperties &p = doc.properties;
+    if (p.pointsScale > 0) {
+        const QString blank = QStringLiteral(" ");
+        setHeaderValue(0, blank);
+        setHeaderValue(1, doc.text(p.indexLineTexts[2]).isEmpty() ? QString() : blank);
+        setHeaderValue(2, blank);
+        for (int r = 0; r < RowCount; ++r)
+            setIndexText(r, doc.text(p.indexLineTexts[std::size_t(r)]));
+    }
+    updateLayout();
+}
+
+void DetailWindow::showNoCell(const Document &doc, double overviewTotalIndex)
+{
+    for (int i = 0; i < HeaderCount; ++i)
+        setHeaderValue(i, QString());
+    setTextValue(QString());
+    const DocumentProperties &p = doc.properties;
+    if (p.pointsScale > 0) {
+        const QString none = QStringLiteral("-");
+        setIndexValue(0, false, none);
+        for (int r = 1; r < 4; ++r) {
+            setIndexValue(r, false, none);
+            setIndexValue(r, true, none);
+        }
+        setIndexValue(4, false, formatIndex(overviewTotalIndex, p.indexDecimals, QLocale()));
+    }
+    updateLayout();
+}
+
+void DetailWindow::showCell(const Document &doc, const SheetHit &hit, const std::vector<qint32> &overviewColumns,
+                            const std::vector<qint32> &selectionRows)
+{
+    const DocumentProperties &p = doc.properties;
+    const bool onQuestion = hit.place != SheetPlace::Outside && hit.question >= 0
+        && hit.question < qint32(doc.questions.size());
+    if (p.pointsScale < 1 || !onQuestion) {
+        for (int i = 0; i < HeaderCount; ++i)
+            setHeaderValue(i, QString());
+        setTextValue(QString());
+        for (int r = 0; r < 4; ++r) {
+            setIndexValue(r, false, QString());
+            setIndexValue(r, true, QString());
+        }
+        updateLayout();
+        return;
+    }
+    const QLocale locale;
+    auto format = [&](double value) { return formatIndex(value, p.indexDecimals, locale); };
+    const Question &q = doc.questions[std::size_t(hit.question)];
+    auto validBlock = [&](qint32 b) { return b >= 0 && b < qint32(doc.blocks.size()); };
+
+    setHeaderValue(0, validBlock(q.block) ? doc.blocks[std::size_t(q.block)].name : QString());
+    setHeaderValue(1, validBlock(q.subBlock) ? doc.blocks[std::size_t(q.subBlock)].name : QString());
+    setHeaderValue(2, q.text.isEmpty() ? q.heading : q.text);
+
+    const bool onAnswer = hit.place == SheetPlace::AnswerCell && hit.row >= 0 && hit.row < doc.rowCount();
+    QString answerText;
+    QString respondentIndex = QStringLiteral("-");
+    if (onAnswer) {
+        const qint32 answer = doc.getData(hit.row, hit.question);
+        if (answer >= 0 && answer < q.alternativeCount)
+            answerText = doc.alternatives[std::size_t(q.firstAlternative + answer)].text;
+        respondentIndex = format(calculateColumnsIndex(doc, overviewColumns, {hit.row}));
+    }
+    setTextValue(answerText);
+    setIndexValue(0, false, respondentIndex);
+
+    setIndexValue(1, false, format(calculateColumnsIndex(doc, {hit.question}, selectionRows)));
+    setIndexValue(1, true, format(q.flexTotalIndex));
+    const std::array<qint32, 2> blocks{q.subBlock, q.block};
+    for (int i = 0; i < 2; ++i) {
+        const qint32 b = blocks[std::size_t(i)];
+        const int row = 2 + i;
+        setIndexValue(row, false, validBlock(b) ? format(calculateBlockIndex(doc, b, selectionRows)) : QStringLiteral("-"));
+        setIndexValue(row, true, validBlock(b) ? format(doc.blocks[std::size_t(b)].flexTotalIndex) : QStringLiteral("-"));
+    }
+    updateLayout();
+}
+
+void DetailWindow::clearAll()
+{
+    for (int i = 0; i < HeaderCount; ++i)
+        setHeaderValue(i, QString());
+    setTextValue(QString());
+    for (int r = 0; r < RowCount; ++r) {
+        setIndexText(r, QString());
+        setIndexValue(r, false, QString());
+        setIndexValue(r, true, QString());
+    }
+    updateLayout();
+}
+
+} // namespace kel

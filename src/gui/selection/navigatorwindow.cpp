@@ -1,0 +1,342 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "gui/selection/navigatorwindow.h"
+
+#include "texts/language.h"
+#include "engine/settings/settingsstore.h"
+#include "texts/statusline.h"
+#include "gui/shell/waitcursor.h"
+#include "engine/document/document.h"
+#include "gui/selection/navigatortree.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QEvent>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QListWidget>
+#include <QPushButton>
+#include <QSplitter>
+#include <QVBoxLayout>
+
+#include <optional>
+
+namespace kel {
+
+namespace {
+
+constexpr int ReminderIntervalMs = 800;
+constexpr int MinimumPaneTwips = 285;     // tree and flex list never get smaller
+constexpr int DesignedFlexHeightTwips = 1140;
+constexpr int LabelGapTwips = 120;        // between the count and the Show button
+const QString FlexHeightValue = QStringLiteral("Flex Total Height");
+
+} // namespace
+
+NavigatorWindow::NavigatorWindow(bool isSwedish, StatusLine &status, const UserOptions &options,
+                                 NavigatorActions actions, QWidget *parent)
+    : ToolDock(QStringLiteral("Navigator"), pickText(isSwedish, "Navigator", "Navigatör"), parent),
+      mIsSwedish(isSwedish), mStatus(status), mOptions(options), mActions(std::move(actions)),
+      mContent(new QWidget(this)), mSplitter(new QSplitter(Qt::Vertical, mContent)),
+      mTree(new NavigatorTree(mSplitter)), mFlexList(new QListWidget(mSplitter)),
+      mFlexCheck(new QCheckBox(pickText(isSwedish, "Base total on &current selection", "Basera totalen på &aktuellt urval"),
+                               mContent)),
+      mTotalLabel(new QLabel(mContent)), mShowButton(new QPushButton(pickText(isSwedish, "Show", "Visa"), mContent))
+{
+    mFlexList->setObjectName(QStringLiteral("lstFlexTotal"));
+    mFlexList->setSelectionMode(QAbstractItemView::MultiSelection);
+    mFlexList->setToolTip(pickText(isSwedish,
+                                   "Defines, together with the check box below, what should be considered total.",
+                                   "Definierar, tillsammans med kryssrutan under, vad som ska anses vara totalen."));
+    mFlexCheck->setObjectName(QStringLiteral("chkFlexTotalBasedOnCurrentSelection"));
+    mFlexCheck->setToolTip(pickText(
+        isSwedish, "Total should be the same as the current selection except for the settings made above.",
+        "Totalen ska vara den samma som det aktuella urvalet med undantag för inställningarna ovan."));
+    mTotalLabel->setObjectName(QStringLiteral("lblTotal"));
+    mShowButton->setObjectName(QStringLiteral("cmdShow"));
+    mShowButton->setAutoFillBackground(true);
+
+    // The divider between tree and list is the splitter's handle; neither
+    // pane may be dragged below its minimum, and the list keeps its height
+    // when the window is resized.
+    const int minimumPane = twipsToPixels(MinimumPaneTwips);
+    mTree->setMinimumHeight(minimumPane);
+    mFlexList->setMinimumHeight(minimumPane);
+    mSplitter->setChildrenCollapsible(false);
+    mSplitter->setStretchFactor(0, 1);
+    mSplitter->setStretchFactor(1, 0);
+    mSplitter->setSizes({4 * minimumPane, designedFlexHeight()});
+
+    auto *bottom = new QHBoxLayout;
+    bottom->addStretch(1);
+    bottom->addWidget(mTotalLabel);
+    bottom->addSpacing(twipsToPixels(LabelGapTwips));
+    bottom->addWidget(mShowButton);
+    auto *layout = new QVBoxLayout(mContent);
+    layout->setContentsMargins(4, 4, 4, 4);
+    layout->addWidget(mSplitter, 1);
+    layout->addWidget(mFlexCheck);
+    layout->addLayout(bottom);
+    setWidget(mContent);
+
+    mReminder.setInterval(ReminderIntervalMs);
+    connect(&mReminder, &QTimer::timeout, this, [this] { setReminderLit(!mReminderLit); });
+    connect(mTree, &NavigatorTree::checkClicked, this, &NavigatorWindow::onCheckClicked);
+    connect(mFlexList, &QListWidget::itemSelectionChanged, this, &NavigatorWindow::onFlexListClicked);
+    connect(mFlexCheck, &QCheckBox::clicked, this,
+            [this](bool checked) { mModel.setFlexBasedOnCurrentSelection(checked); });
+    connect(mShowButton, &QPushButton::clicked, this, &NavigatorWindow::applySelection);
+    mFocusConnection = connect(qApp, &QApplication::focusChanged, this, [this](QWidget *, QWidget *now) {
+        const bool inside = now && ownsWidget(now);
+        if (inside && !mHasFocus)
+            focusEntered();
+        else if (!inside && mHasFocus)
+            focusLeft();
+    });
+    // Docked, the navigator shares its window with the overview, and a click
+    // there need not move the keyboard focus: a press anywhere counts as
+    // going there as well.
+    qApp->installEventFilter(this);
+    setTotalText(0);
+}
+
+NavigatorWindow::~NavigatorWindow()
+{
+    // Destroying the child widgets moves the focus; the window's own state
+    // is gone by then.
+    disconnect(mFocusConnection);
+    qApp->removeEventFilter(this);
+    mReminder.stop();
+}
+
+int NavigatorWindow::designedFlexHeight() const
+{
+    return twipsToPixels(DesignedFlexHeightTwips);
+}
+
+int NavigatorWindow::flexHeight() const
+{
+    return mFlexList->height();
+}
+
+bool NavigatorWindow::ownsWidget(const QWidget *widget) const
+{
+    for (const QWidget *w = widget; w; w = w->parentWidget()) {
+        if (w == this)
+            return true;
+    }
+    return false;
+}
+
+bool NavigatorWindow::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::MouseButtonPress && watched->isWidgetType()) {
+        const bool inside = ownsWidget(static_cast<QWidget *>(watched));
+        if (inside && !mHasFocus)
+            focusEntered();
+        else if (!inside && mHasFocus)
+            focusLeft();
+    }
+    return ToolDock::eventFilter(watched, event);
+}
+
+void NavigatorWindow::loadSettings(const SettingsStore &store)
+{
+    const std::optional<qint32> twips = store.readDword(QStringLiteral("Windows\\") + settingsName(), FlexHeightValue);
+    if (!twips)
+        return;
+    const int pixels = twipsToPixels(*twips);
+    // A smaller stored height would hide list items the design makes room for.
+    if (pixels > designedFlexHeight()) {
+        const QList<int> sizes = mSplitter->sizes();
+        const int total = sizes.value(0) + sizes.value(1);
+        mSplitter->setSizes({std::max(total - pixels, mTree->minimumHeight()), pixels});
+    }
+}
+
+void NavigatorWindow::saveSettings(SettingsStore &store) const
+{
+    savePlacement(store);
+    if (store.policies().noSaveSettings)
+        return;
+    const int pixels = mSplitter->sizes().value(1, designedFlexHeight());
+    store.writeDword(QStringLiteral("Windows\\") + settingsName(), FlexHeightValue,
+                     qint32(qRound(pixels / pixelsPerTwip())));
+}
+
+void NavigatorWindow::setUp(const Document &doc)
+{
+    mDocument = &doc;
+    setReminderLit(false);
+    mReminder.stop();
+    buildTree(doc);
+    buildFlexList(doc);
+    mModel.setUpDimensions(doc);
+    const bool flexShown = mModel.flexVisible();
+    mFlexList->setVisible(flexShown);
+    mFlexCheck->setVisible(flexShown);
+    mFlexCheck->setChecked(false);
+    mCount = doc.rowCount();
+    setTotalText(mCount);
+    for (int c = 0; c < int(doc.categories.size()); ++c)
+        markCategory(c, false);
+    mShowButton->setEnabled(true);
+}
+
+void NavigatorWindow::buildTree(const Document &doc)
+{
+    const QSignalBlocker quiet(mTree);
+    mTree->clear();
+    const int first = doc.properties.firstAlternativeIsNoAnswer ? 1 : 0;
+    for (int c = 0; c < int(doc.categories.size()); ++c) {
+        const Question &q = doc.questions[std::size_t(doc.categories[std::size_t(c)])];
+        auto *root = new QTreeWidgetItem(mTree, {q.heading});
+        root->setData(0, NavigatorTree::KeyRole, QStringLiteral("R%1").arg(c));
+        root->setData(0, NavigatorTree::CategoryRole, c);
+        root->setData(0, NavigatorTree::OptionRole, -1);
+        root->setFlags((root->flags() | Qt::ItemIsUserCheckable) & ~Qt::ItemIsAutoTristate);
+        root->setCheckState(0, Qt::Checked);
+        for (int o = first; o < q.alternativeCount; ++o) {
+            const Alternative &a = doc.alternatives[std::size_t(q.firstAlternative + o)];
+            auto *node = new QTreeWidgetItem(root, {a.text});
+            node->setData(0, NavigatorTree::KeyRole, QStringLiteral("A%1-%2").arg(c).arg(o));
+            node->setData(0, NavigatorTree::CategoryRole, c);
+            node->setData(0, NavigatorTree::OptionRole, o);
+            node->setFlags(node->flags() | Qt::ItemIsUserCheckable);
+            node->setCheckState(0, Qt::Checked);
+        }
+    }
+    mTree->expandAll();
+}
+
+void NavigatorWindow::buildFlexList(const Document &doc)
+{
+    const QSignalBlocker quiet(mFlexList);
+    mFlexList->clear();
+    if (doc.flexCategory < 0 || doc.flexCategory >= qint32(doc.questions.size()))
+        return;
+    const Question &q = doc.questions[std::size_t(doc.flexCategory)];
+    const int first = doc.properties.firstAlternativeIsNoAnswer ? 1 : 0;
+    for (int o = first; o < q.alternativeCount; ++o) {
+        auto *item = new QListWidgetItem(doc.alternatives[std::size_t(q.firstAlternative + o)].text, mFlexList);
+        item->setData(Qt::UserRole, o);
+        item->setSelected(true);
+    }
+}
+
+void NavigatorWindow::onCheckClicked(QTreeWidgetItem *item)
+{
+    const int category = item->data(0, NavigatorTree::CategoryRole).toInt();
+    const int option = item->data(0, NavigatorTree::OptionRole).toInt();
+    const bool checked = item->checkState(0) == Qt::Checked;
+    const QSignalBlocker quiet(mTree);
+    if (option < 0) {
+        // Root: every option follows it.
+        for (int i = 0; i < item->childCount(); ++i)
+            item->child(i)->setCheckState(0, checked ? Qt::Checked : Qt::Unchecked);
+        mModel.setCategoryChecked(category, checked);
+    } else {
+        mModel.setOptionChecked(category, option, checked);
+        if (QTreeWidgetItem *root = item->parent())
+            root->setCheckState(0, mModel.isCategoryChecked(category) ? Qt::Checked : Qt::Unchecked);
+    }
+    recount();
+}
+
+void NavigatorWindow::onFlexListClicked()
+{
+    if (!mModel.flexVisible())
+        return;
+    for (int i = 0; i < mFlexList->count(); ++i) {
+        const QListWidgetItem *item = mFlexList->item(i);
+        mModel.setFlexOption(item->data(Qt::UserRole).toInt(), item->isSelected());
+    }
+}
+
+void NavigatorWindow::recount()
+{
+    if (!mDocument)
+        return;
+    const RecountResult result = mModel.recount(*mDocument);
+    mCount = result.count;
+    for (int c = 0; c < int(result.shaded.size()); ++c)
+        markCategory(c, result.shaded[std::size_t(c)]);
+    if (mModel.showEnabledChanged())
+        mShowButton->setEnabled(result.showEnabled);
+    setTotalText(result.count);
+}
+
+bool NavigatorWindow::hasPendingChanges() const
+{
+    return mModel.hasPendingChanges();
+}
+
+void NavigatorWindow::applySelection()
+{
+    if (!mDocument)
+        return;
+    std::optional<WaitCursor> wait(std::in_place);
+    mStatus.setStatus("Building new overview...", "Skapar ny översikt...", false);
+    if (mModel.applyShow() && mActions.setFlexTotal)
+        mActions.setFlexTotal(mModel.flexOptions(), mModel.flexBasedOnCurrentSelection());
+    const QString message = mActions.createSubSheet ? mActions.createSubSheet(mModel.selected()) : QString();
+    wait.reset();
+    if (message.isEmpty()) {
+        mStatus.setStatus("New overview built!", "Ny översikt byggd!", true);
+        return;
+    }
+    if (mActions.showRefusal)
+        mActions.showRefusal(message);
+    mStatus.clearStatus();
+}
+
+void NavigatorWindow::setTotalText(qint32 count)
+{
+    mTotalLabel->setText(itemsInSelectionText(mIsSwedish, count, QLocale()));
+}
+
+void NavigatorWindow::markCategory(int category, bool shaded)
+{
+    QTreeWidgetItem *root = mTree->topLevelItem(category);
+    if (!root)
+        return;
+    const QBrush brush = shaded ? palette().brush(QPalette::Button) : QBrush();
+    const QSignalBlocker quiet(mTree);
+    root->setBackground(0, brush);
+    for (int i = 0; i < root->childCount(); ++i)
+        root->child(i)->setBackground(0, brush);
+}
+
+bool NavigatorWindow::isCategoryShaded(int category) const
+{
+    const QTreeWidgetItem *root = mTree->topLevelItem(category);
+    return root && root->background(0).style() != Qt::NoBrush;
+}
+
+void NavigatorWindow::focusEntered()
+{
+    mHasFocus = true;
+    mReminder.stop();
+    setReminderLit(false);
+}
+
+void NavigatorWindow::focusLeft()
+{
+    mHasFocus = false;
+    mFlexList->setCurrentRow(-1, QItemSelectionModel::NoUpdate);
+    if (!hasPendingChanges() || !mOptions.navigatorRemindToClickShow || mReminder.isActive())
+        return;
+    setReminderLit(true);
+    mReminder.start();
+    if (mOptions.navigatorAddBeepToReminder)
+        QApplication::beep();
+}
+
+void NavigatorWindow::setReminderLit(bool lit)
+{
+    mReminderLit = lit;
+    QPalette p = mShowButton->palette();
+    p.setBrush(QPalette::Button, palette().brush(lit ? QPalette::Highlight : QPalette::Button));
+    mShowButton->setPalette(p);
+}
+
+} // namespace kel

@@ -1,0 +1,808 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "gui/shell/mainwindow.h"
+
+#include "gui/shell/aboutbox.h"
+#include "engine/document/documentsession.h"
+#include "gui/shell/helpwindow.h"
+#include "texts/language.h"
+#include "engine/settings/recentfiles.h"
+#include "gui/shell/startup.h"
+#include "texts/statusline.h"
+#include "gui/shell/waitcursor.h"
+#include "engine/document/document.h"
+#include "engine/indexes/columnindex.h"
+#include "engine/overview/sheetlayout.h"
+#include "gui/overview/sheetview.h"
+#include "engine/selection/counting.h"
+#include "gui/selection/detailwindow.h"
+#include "gui/selection/navigatorwindow.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QFontMetrics>
+#include <QInputDevice>
+#include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMimeData>
+#include <QPrinterInfo>
+#include <QScreen>
+#include <QStandardPaths>
+#include <QStatusBar>
+#include <QUrl>
+
+#include <optional>
+
+namespace kel {
+
+namespace {
+
+constexpr double TwipsPerInch = 1440.0;
+constexpr int RecentFileWidthTwips = 4500;
+constexpr int MinimumWidthTwips = 4800;
+constexpr int MinimumHeightTwips = 3600;
+
+QString documentsFolder()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+}
+
+QString picturesFolder()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
+}
+
+} // namespace
+
+MainWindowEnvironment MainWindowEnvironment::detect()
+{
+    MainWindowEnvironment e;
+    e.printerInstalled = !QPrinterInfo::defaultPrinterName().isEmpty()
+        || !QPrinterInfo::availablePrinterNames().isEmpty();
+    for (const QInputDevice *device : QInputDevice::devices()) {
+        if (device->type() == QInputDevice::DeviceType::Mouse
+            || device->hasCapability(QInputDevice::Capability::Scroll)) {
+            e.mouseWheel = true;
+            break;
+        }
+    }
+    return e;
+}
+
+QString droppedDocument(const QList<QUrl> &urls)
+{
+    if (urls.size() != 1 || !urls.first().isLocalFile())
+        return QString();
+    const QString path = urls.first().toLocalFile();
+    return path.endsWith(QLatin1String(".kel"), Qt::CaseInsensitive) ? path : QString();
+}
+
+MainWindow::MainWindow(SettingsStore &settings, bool isSwedish, const MainWindowEnvironment &environment,
+                       QWidget *parent)
+    : QMainWindow(parent), mSettings(settings), mIsSwedish(isSwedish), mEnvironment(environment),
+      mStatus(new StatusLine(isSwedish, StatusLine::DefaultClearInterval, this)),
+      mSession(new DocumentSession(isSwedish, !settings.policies().noRecentDocsMenu, this)),
+      mSheet(new SheetView(this)),
+      mRowRandom(quint32(QDateTime::currentMSecsSinceEpoch()))
+{
+    setObjectName(QStringLiteral("frmMain"));
+    setWindowTitle(applicationTitle());
+    setAcceptDrops(true);
+    mSheet->setObjectName(QStringLiteral("sheet"));
+    setCentralWidget(mSheet);
+    connect(mSheet, &SheetView::popupRequested, this, &MainWindow::showSheetPopup);
+    connect(mSheet, &SheetView::cellHovered, this, &MainWindow::showHoveredCell);
+
+    // Status bar: activity, rows of the selection, the selection.
+    const char *tipsEnglish[] = {"Current activity", "Items in current selection", "Current selection"};
+    const char *tipsSwedish[] = {"Aktuell aktivitet", "Antal i aktuellt urval", "Aktuellt urval"};
+    for (int i = 0; i < 3; ++i) {
+        mPanels[i] = new QLabel(this);
+        mPanels[i]->setObjectName(QStringLiteral("stbMainPanel%1").arg(i + 1));
+        mPanels[i]->setToolTip(pickText(isSwedish, tipsEnglish[i], tipsSwedish[i]));
+        mPanels[i]->setFrameShape(QFrame::StyledPanel);
+        mPanels[i]->setFrameShadow(QFrame::Sunken);
+        statusBar()->addWidget(mPanels[i], i == 1 ? 0 : (i == 0 ? 3 : 2));
+    }
+    mPanels[1]->setVisible(false);
+    mPanels[2]->setVisible(false);
+    connect(mStatus, &StatusLine::textChanged, mPanels[0], &QLabel::setText);
+
+    mMenus = buildMainMenus(menuBar(), this, isSwedish);
+    mMenus.mnuFPrintFormat->setEnabled(mEnvironment.printerInstalled);
+    connectMenus();
+
+    mLastSettings = mSettings.readLastSettings();
+    resolveDefaultFolders(mLastSettings, documentsFolder(), picturesFolder());
+    mOptions = mSettings.readSettings();
+    mSession->setCurrentFolder(mLastSettings.dataOpenFolder);
+    connect(mSession, &DocumentSession::recentFilesChanged, this, &MainWindow::rebuildRecentFilesMenu);
+    connect(mSession, &DocumentSession::documentClosed, this, &MainWindow::resetForNoDocument);
+    connect(mSession, &DocumentSession::documentOpened, this, &MainWindow::installDocument);
+    // The navigator, the detail window and the sheet show the document: they
+    // let go of it before it is deleted.
+    connect(mSession, &DocumentSession::documentClosing, this, &MainWindow::destroyToolWindows);
+    connect(mSession, &DocumentSession::documentClosing, mSheet, &SheetView::resetDocument);
+    mSession->setRecentFiles(mSettings.readRecentFiles());
+
+    if (mEnvironment.mouseWheel) {
+        mMenus.mnuPBar3->setVisible(true);
+        for (QAction *a : mMenus.mnuPMouseWheelScrollDirection)
+            a->setVisible(true);
+        mMenus.mnuPMouseWheelScrollDirection[0]->setChecked(true);
+    }
+
+    mAutoOpenTimer.setSingleShot(true);
+    mAutoOpenTimer.setInterval(500);
+    connect(&mAutoOpenTimer, &QTimer::timeout, this, &MainWindow::autoOpenFile);
+
+    resize(900, 620);
+    loadPlacement();
+}
+
+MainWindow::~MainWindow() = default;
+
+void MainWindow::connectMenus()
+{
+    connect(mMenus.mnuFOpen, &QAction::triggered, this, &MainWindow::fileOpen);
+    for (std::size_t i = 0; i < mMenus.mnuFMRU.size(); ++i)
+        connect(mMenus.mnuFMRU[i], &QAction::triggered, this, [this, i] { openRecentFile(int(i)); });
+    connect(mMenus.mnuFExit, &QAction::triggered, this, &QWidget::close);
+    connect(mMenus.mnuVCloseAllGraphWindows, &QAction::triggered, this, &MainWindow::closeAllGraphWindows);
+    connect(mMenus.mnuHHelpTopics, &QAction::triggered, this, &MainWindow::showHelpTopics);
+    connect(mMenus.mnuHAbout, &QAction::triggered, this, &MainWindow::showAbout);
+    // A checked item shows its window, an unchecked one hides it.
+    connect(mMenus.mnuVNavigator, &QAction::triggered, this, [this](bool checked) {
+        if (mNavigator)
+            mNavigator->setVisible(checked);
+    });
+    connect(mMenus.mnuVDetailInfo, &QAction::triggered, this, [this](bool checked) {
+        if (mDetail)
+            mDetail->setVisible(checked);
+    });
+    // The action group checks one wheel item and unchecks the other.
+    for (std::size_t i = 0; i < mMenus.mnuPMouseWheelScrollDirection.size(); ++i)
+        connect(mMenus.mnuPMouseWheelScrollDirection[i], &QAction::triggered, this,
+                [this, i] { mSheet->setWheelHorizontal(i == 1); });
+    // Save As, Print, Print Format, Properties, the Edit commands, the graph
+    // commands, Comments, Edit Blocks, Options and the popup menu's commands
+    // are connected by the windows that carry them out.
+}
+
+const Document *MainWindow::document() const
+{
+    return mSession->document();
+}
+
+QLabel *MainWindow::statusPanel(int number) const
+{
+    return (number >= 1 && number <= 3) ? mPanels[std::size_t(number - 1)] : nullptr;
+}
+
+QString MainWindow::openDialogTitle() const
+{
+    return pickText(mIsSwedish, "Open Data File", "Öppna datafil");
+}
+
+void MainWindow::showMessage(QMessageBox::Icon icon, const QString &title, const QString &text)
+{
+    if (mMessageHandler) {
+        mMessageHandler(icon, title, text);
+        return;
+    }
+    QMessageBox box(icon, title, text, QMessageBox::Ok, this);
+    box.exec();
+}
+
+void MainWindow::startUp(const QString &firstArgument)
+{
+    if (firstArgument.isEmpty()) {
+        const QString en = QStringLiteral("Welcome to ") + applicationTitle() + QLatin1Char('!');
+        const QString sv = QStringLiteral("Välkommen till ") + applicationTitle() + QLatin1Char('!');
+        mStatus->setStatus(en, sv, true);
+        return;
+    }
+    if (QFileInfo(firstArgument).isFile()) {
+        mStatus->setStatus("Opening data file...", "Öppnar datafil...", false);
+        mPendingFile = firstArgument;
+        mAutoOpenTimer.start();
+    } else {
+        mStatus->setStatus(couldNotFindFileStatus(firstArgument, false), couldNotFindFileStatus(firstArgument, true),
+                           true);
+    }
+}
+
+void MainWindow::autoOpenFile()
+{
+    mAutoOpenTimer.stop();
+    const QString path = mPendingFile;
+    mPendingFile.clear();
+    openDocument(path, false, applicationTitle());
+}
+
+bool MainWindow::openDocument(const QString &path, bool rememberFolder, const QString &messageTitle)
+{
+    WaitCursor wait;
+    mStatus->setStatus("Opening data file...", "Öppnar datafil...", false);
+    const QString message = loadDocument(path, rememberFolder);
+    if (!message.isEmpty()) {
+        showMessage(QMessageBox::Critical, messageTitle, message);
+        mStatus->clearStatus();
+        return false;
+    }
+    const QString title = document()->currentFileTitle;
+    mStatus->setStatus(title + QStringLiteral(" has been opened!"), title + QStringLiteral(" har öppnats!"), true);
+    return true;
+}
+
+void MainWindow::fileOpen()
+{
+    WaitCursor wait;
+    mStatus->setStatus("Opening data file, locating folder, please wait!",
+                       "Öppnar datafil, söker efter mapp, var vänlig vänta!", false);
+    if (!QFileInfo(mSession->currentFolder()).isDir())
+        mSession->setCurrentFolder(documentsFolder());
+    mStatus->setStatus("Opening data file...", "Öppnar datafil...", false);
+
+    const QString kelFilter = pickText(mIsSwedish, "KEL files (*.kel)", "KEL-filer (*.kel)");
+    const QString allFilter = pickText(mIsSwedish, "All files (*.*)", "Alla filer (*.*)");
+    const Document *doc = document();
+    const bool kelFirst = doc == nullptr || doc->currentFileName.endsWith(QLatin1String(".kel"), Qt::CaseInsensitive);
+    QString selectedFilter = kelFirst ? kelFilter : allFilter;
+    const QString start = doc ? QDir(mSession->currentFolder()).filePath(doc->currentFileTitle)
+                              : mSession->currentFolder();
+
+    QApplication::setOverrideCursor(Qt::ArrowCursor);
+    const QString path = QFileDialog::getOpenFileName(this, openDialogTitle(), start,
+                                                      kelFilter + QStringLiteral(";;") + allFilter, &selectedFilter);
+    QApplication::restoreOverrideCursor();
+    if (path.isEmpty()) {
+        mStatus->clearStatus();
+        return;
+    }
+    const QString message = loadDocument(path, true);
+    if (!message.isEmpty()) {
+        showMessage(QMessageBox::Critical, openDialogTitle(), message);
+        mStatus->clearStatus();
+        return;
+    }
+    const QString title = document()->currentFileTitle;
+    mStatus->setStatus(title + QStringLiteral(" has been opened!"), title + QStringLiteral(" har öppnats!"), true);
+}
+
+void MainWindow::openRecentFile(int index)
+{
+    const QStringList files = mSession->recentFiles();
+    if (index < 0 || index >= files.size())
+        return;
+    openDocument(files.at(index), true, openDialogTitle());
+}
+
+QString MainWindow::loadDocument(const QString &path, bool rememberFolder)
+{
+    // The session reads and checks the whole file before it closes the open
+    // document; its signals run resetForNoDocument and installDocument.
+    const QString message = mSession->loadDocument(path, rememberFolder);
+    if (!message.isEmpty())
+        return message;
+    const Document *doc = document();
+    if (doc->upgradeWarning) {
+        const QString title = doc->currentFileTitle;
+        const QString app = applicationTitle();
+        const QString text = mIsSwedish
+            ? title + QStringLiteral(" har ett nyare filformat än den här versionen av ") + app
+                + QStringLiteral(" är gjord för! Filen kan ändå visas, men om du vill vara säker på att få tillgång "
+                                 "till all information i filen bör du uppgradera ")
+                + app + QLatin1Char('!')
+            : title + QStringLiteral(" is in a newer format then this version of ") + app
+                + QStringLiteral(" was designed for! The file can still be opened, but to make sure you can access "
+                                 "all the information in the file you should upgrade you copy of ")
+                + app + QLatin1Char('!');
+        showMessage(QMessageBox::Warning, pickText(mIsSwedish, "Time to upgrade", "Dags att uppgradera"), text);
+    }
+    return QString();
+}
+
+void MainWindow::closeDocument()
+{
+    mSession->closeDocument();
+}
+
+void MainWindow::installDocument()
+{
+    const Document &doc = *document();
+    const DocumentProperties &p = doc.properties;
+
+    // Status panels 2 and 3 take the document's own tips.
+    const QString tip2 = doc.text(p.statusPanel2Tip);
+    const QString tip3 = doc.text(p.statusPanel3Tip);
+    if (!tip2.isEmpty())
+        mPanels[1]->setToolTip(tip2);
+    if (!tip3.isEmpty())
+        mPanels[2]->setToolTip(tip3);
+    mPanels[1]->setVisible(true);
+    mPanels[2]->setVisible(true);
+
+    if (p.indexFlags & 0x100) {
+        mMenus.mnuVTotalGraph1->setVisible(true);
+        mMenus.mnuPShowTotalGraph1->setVisible(true);
+    }
+    if (p.allowCopy) {
+        for (QAction *a : {mMenus.mnuECopy, mMenus.mnuECopyHeadersAndTotals, mMenus.mnuPCopy,
+                           mMenus.mnuPCopyHeadersAndTotals})
+            a->setEnabled(true);
+        if (p.pointsScale > 0) {
+            mMenus.mnuECopyIndexes->setVisible(true);
+            mMenus.mnuPCopyIndexes->setVisible(true);
+        }
+        if (p.allowCopyData) {
+            mMenus.mnuECopyData->setVisible(true);
+            mMenus.mnuPCopyData->setVisible(true);
+        }
+    }
+    // Printing needs both the document's permission and a printer; the two
+    // print commands stay hidden whatever the state.
+    if (p.allowPrint && mEnvironment.printerInstalled) {
+        mMenus.mnuFPrint->setEnabled(true);
+        mMenus.mnuPPrint->setEnabled(true);
+    }
+    if (p.allowSavePicture) {
+        mMenus.mnuFSaveAs->setEnabled(true);
+        mMenus.mnuPSaveAs->setEnabled(true);
+    }
+    mMenus.mnuFProperties->setEnabled(true);
+    mMenus.mnuVComments->setEnabled(!doc.rowComments.empty());
+    mMenus.mnuTEditBlocks->setEnabled(true);
+
+    // One split-by item per category question, captioned with its heading.
+    for (std::size_t k = 0; k < doc.categories.size(); ++k) {
+        const Question &q = doc.questions[std::size_t(doc.categories[k])];
+        if (k == 0) {
+            mMenus.mnuPS1SplitBy->menuAction()->setVisible(true);
+            mMenus.mnuPS2SplitBy->menuAction()->setVisible(true);
+            mMenus.mnuVDistributionGraph->setEnabled(true);
+        }
+        setSplitByItem(mMenus, int(k), q.heading);
+    }
+
+    // The user-defined blocks of this document are appended here once the
+    // block editor exists; the block menus are rebuilt from the list either way.
+    rebuildBlockMenus();
+
+    // The flex total starts as every respondent; the navigator (with the
+    // categories) and the detail window come up with the document.
+    createToolWindows(doc);
+    mMenus.mnuVNavigator->setEnabled(!doc.categories.empty());
+    mMenus.mnuVDetailInfo->setEnabled(true);
+    mMenus.mnuVCloseAllGraphWindows->setEnabled(true);
+
+    // The first overview shows everyone. A document too small for any
+    // overview opens without a sheet; its panels stay empty.
+    mSheet->resetDocument();
+    mSheet->setHoverEnabled(p.pointsScale > 0);
+    setDataRowsAllowed(false);
+    showSelection(fullSelection(doc));
+    // The arrow and page keys scroll the sheet from the start.
+    mSheet->setFocus();
+
+    setWindowTitle(applicationTitle() + QStringLiteral(" - ") + doc.currentFileTitle);
+}
+
+void MainWindow::resetForNoDocument()
+{
+    // Every window of the three tables shows the old document.
+    closeSlotWindows();
+
+    mMenus.mnuVDetailInfo->setEnabled(false);
+    mMenus.mnuVDetailInfo->setChecked(false);
+    mMenus.mnuVNavigator->setEnabled(false);
+    mMenus.mnuVNavigator->setChecked(false);
+    mMenus.mnuPS1SplitBy->menuAction()->setVisible(false);
+    mMenus.mnuPS2SplitBy->menuAction()->setVisible(false);
+    removeExtraSplitByItems(mMenus);
+
+    for (QAction *a : {mMenus.mnuVDistributionGraph, mMenus.mnuTEditBlocks, mMenus.mnuVComments,
+                       mMenus.mnuVCloseAllGraphWindows, mMenus.mnuFProperties, mMenus.mnuECopyToMiniOverview,
+                       mMenus.mnuPCopyToMiniOverview, mMenus.mnuECopy, mMenus.mnuPCopy,
+                       mMenus.mnuECopyHeadersAndTotals, mMenus.mnuPCopyHeadersAndTotals, mMenus.mnuECopyData,
+                       mMenus.mnuPCopyData, mMenus.mnuFPrint, mMenus.mnuPPrint, mMenus.mnuFSaveAs, mMenus.mnuPSaveAs})
+        a->setEnabled(false);
+    for (QAction *a : {mMenus.mnuECopyIndexes, mMenus.mnuPCopyIndexes, mMenus.mnuECopyData, mMenus.mnuPCopyData,
+                       mMenus.mnuPShowTotalGraph1, mMenus.mnuVTotalGraph1})
+        a->setVisible(false);
+
+    const char *tipsEnglish[] = {"Items in current selection", "Current selection"};
+    const char *tipsSwedish[] = {"Antal i aktuellt urval", "Aktuellt urval"};
+    for (int i = 1; i < 3; ++i) {
+        mPanels[i]->setVisible(false);
+        mPanels[i]->clear();
+        mPanels[i]->setToolTip(pickText(mIsSwedish, tipsEnglish[i - 1], tipsSwedish[i - 1]));
+    }
+    rebuildBlockMenus();
+    mSheet->resetDocument();
+    mSheet->setHoverEnabled(false);
+    setWindowTitle(applicationTitle());
+}
+
+void MainWindow::rebuildBlockMenus()
+{
+    // The four View block submenus list the blocks; they stay hidden because
+    // block graphs are reached through the popup menu.
+    const std::array<std::pair<QMenu *, QList<QAction *> *>, 4> menus{{{mMenus.mnuVBlockGraph4, &mMenus.mnuVB4Item},
+                                                                       {mMenus.mnuVBlockGraph1, &mMenus.mnuVB1Item},
+                                                                       {mMenus.mnuVBlockGraph2, &mMenus.mnuVB2Item},
+                                                                       {mMenus.mnuVBlockGraph3, &mMenus.mnuVB3Item}}};
+    const Document *doc = document();
+    for (const auto &[menu, items] : menus) {
+        qDeleteAll(*items);
+        items->clear();
+        if (!doc)
+            continue;
+        for (const Block &block : doc->blocks)
+            *items << menu->addAction(doubleAmpersands(block.name));
+    }
+}
+
+void MainWindow::rebuildRecentFilesMenu()
+{
+    const QStringList files = mSession->recentFiles();
+    mMenus.mnuFMRUBar->setVisible(!files.isEmpty());
+    const QFontMetrics metrics(mMenus.mnuFile->font());
+    const int width = qRound(RecentFileWidthTwips * logicalDpiX() / TwipsPerInch);
+    for (std::size_t i = 0; i < mMenus.mnuFMRU.size(); ++i) {
+        QAction *item = mMenus.mnuFMRU[i];
+        if (qsizetype(i) >= files.size()) {
+            item->setVisible(false);
+            continue;
+        }
+        const PathParts parts = splitDocumentPath(files.at(qsizetype(i)));
+        const QString display = QDir::toNativeSeparators(
+            parts.folder.isEmpty() ? fileDisplayTitle(parts.name)
+                                   : QDir(parts.folder).filePath(fileDisplayTitle(parts.name)));
+        QString compact = metrics.elidedText(display, Qt::ElideMiddle, width);
+        if (compact.isEmpty())
+            compact = QStringLiteral("...") + QDir::separator() + parts.name;
+        item->setText(recentFileCaption(int(i), compact));
+        item->setToolTip(files.at(qsizetype(i)));
+        item->setVisible(true);
+    }
+}
+
+WindowSlotTable &MainWindow::windowSlots(SlotTable table)
+{
+    switch (table) {
+    case SlotTable::MiniOverviews: return mMiniOverviews;
+    case SlotTable::BasicGraphs: return mBasicGraphs;
+    case SlotTable::ChartGraphs: break;
+    }
+    return mChartGraphs;
+}
+
+void MainWindow::closeAllGraphWindows()
+{
+    WaitCursor wait;
+    mStatus->setStatus("Closing all graph windows...", "Stänger alla diagramfönster...", false);
+    for (WindowSlotTable *table : {&mMiniOverviews, &mBasicGraphs, &mChartGraphs}) {
+        for (WindowSlot &slot : *table) {
+            if (slot.inUse && slot.window)
+                slot.window->close();
+            slot.inUse = false;
+        }
+    }
+    mStatus->setStatus("All graph windows has been closed!", "Alla diagramfönster har stängts!", true);
+}
+
+void MainWindow::closeSlotWindows()
+{
+    for (WindowSlotTable *table : {&mMiniOverviews, &mBasicGraphs, &mChartGraphs}) {
+        for (WindowSlot &slot : *table) {
+            if (slot.window)
+                slot.window->close();
+            slot = WindowSlot();
+        }
+    }
+}
+
+void MainWindow::setDataRowsAllowed(bool allowed)
+{
+    for (QAction *a : {mMenus.mnuECopyData, mMenus.mnuPCopyData, mMenus.mnuECopyToMiniOverview,
+                       mMenus.mnuPCopyToMiniOverview})
+        a->setEnabled(allowed && document() != nullptr);
+}
+
+void MainWindow::setSelectionPanels(qint32 rows, const QString &selectionText)
+{
+    mPanels[1]->setText(QStringLiteral(" %1").arg(rows));
+    mPanels[2]->setText(QLatin1Char(' ') + selectionText);
+}
+
+void MainWindow::showHelpTopics()
+{
+    WaitCursor wait;
+    if (!mHelp) {
+        mHelp = new HelpWindow(mIsSwedish, this);
+        mHelp->setAttribute(Qt::WA_DeleteOnClose);
+    }
+    mHelp->show();
+    mHelp->raise();
+    mHelp->activateWindow();
+}
+
+void MainWindow::showAbout()
+{
+    AboutBox box(mIsSwedish, this);
+    box.exec();
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent *event)
+{
+    if (event->mimeData()->hasUrls() && !droppedDocument(event->mimeData()->urls()).isEmpty())
+        event->acceptProposedAction();
+}
+
+void MainWindow::dropEvent(QDropEvent *event)
+{
+    const QString path = droppedDocument(event->mimeData()->urls());
+    if (path.isEmpty())
+        return;
+    event->acceptProposedAction();
+    // Let the drag source finish before a message box can come up.
+    QTimer::singleShot(0, this, [this, path] { openDocument(path, true, openDialogTitle()); });
+}
+
+void MainWindow::closeEvent(QCloseEvent *event)
+{
+    if (mClosed) {
+        event->accept();
+        return;
+    }
+    mClosed = true;
+    std::optional<WaitCursor> wait;
+    if (event->spontaneous()) {
+        wait.emplace();
+        mStatus->setStatus("Terminating application, please wait...", "Avslutar programmet, var vänlig vänta...",
+                           false);
+    }
+    mAutoOpenTimer.stop();
+    closeDocument();
+    mSettings.writeRecentFiles(mSession->recentFiles());
+    closeSlotWindows();
+    destroyToolWindows();
+    if (mHelp)
+        mHelp->close();
+    mLastSettings.dataOpenFolder = mSession->currentFolder();
+    mSettings.writeLastSettings(mLastSettings);
+    savePlacement();
+    event->accept();
+}
+
+void MainWindow::loadPlacement()
+{
+    const WindowPlacement p = mSettings.readWindowPlacement(QStringLiteral("Main"));
+    const double pixelsPerTwip = logicalDpiX() / TwipsPerInch;
+    auto toPixels = [&](qint32 twips) { return qRound(twips * pixelsPerTwip); };
+    if (p.width && p.height)
+        resize(std::max(toPixels(*p.width), toPixels(MinimumWidthTwips)),
+               std::max(toPixels(*p.height), toPixels(MinimumHeightTwips)));
+    if (p.left && p.top)
+        move(toPixels(*p.left), toPixels(*p.top));
+
+    // A position from another monitor setup may lie off every screen now.
+    const QRect frame(pos(), size());
+    bool visible = false;
+    for (const QScreen *screen : QGuiApplication::screens()) {
+        if (screen->availableGeometry().intersects(frame.adjusted(0, 0, -frame.width() / 2, -frame.height() / 2)))
+            visible = true;
+    }
+    if (!visible && QGuiApplication::primaryScreen()) {
+        const QRect area = QGuiApplication::primaryScreen()->availableGeometry();
+        resize(std::min(width(), area.width()), std::min(height(), area.height()));
+        move(area.topLeft());
+    }
+    // A stored minimized state is not restored as minimized.
+    if (p.state && *p.state == WindowPlacement::Maximized)
+        setWindowState(windowState() | Qt::WindowMaximized);
+}
+
+void MainWindow::savePlacement()
+{
+    const double twipsPerPixel = TwipsPerInch / logicalDpiX();
+    auto toTwips = [&](int pixels) { return qint32(qRound(pixels * twipsPerPixel)); };
+    WindowPlacement p;
+    if (isMinimized())
+        p.state = WindowPlacement::Minimized;
+    else if (isMaximized())
+        p.state = WindowPlacement::Maximized;
+    else
+        p.state = WindowPlacement::Normal;
+    p.left = toTwips(pos().x());
+    p.top = toTwips(pos().y());
+    p.width = toTwips(width());
+    p.height = toTwips(height());
+    mSettings.writeWindowPlacement(QStringLiteral("Main"), BorderStyle::Sizable, p);
+}
+
+// --- Navigator and detail-information windows ---
+
+NavigatorWindow *MainWindow::navigator() const
+{
+    return mNavigator;
+}
+
+DetailWindow *MainWindow::detailWindow() const
+{
+    return mDetail;
+}
+
+void MainWindow::createToolWindows(const Document &doc)
+{
+    destroyToolWindows();
+    if (Document *editable = mSession->editableDocument())
+        mFlexTotal.reset(*editable);
+    const double pixelsPerTwip = logicalDpiY() / TwipsPerInch;
+    auto pixels = [&](int twips) { return qRound(twips * pixelsPerTwip); };
+
+    // The navigator first, so that by default it stands above the detail
+    // window on the right.
+    if (!doc.categories.empty()) {
+        NavigatorActions actions;
+        actions.setFlexTotal = [this](const std::vector<bool> &options, bool based) { setFlexTotal(options, based); };
+        actions.createSubSheet = [this](const SelectionMatrix &selection) { return showSelection(selection); };
+        actions.showRefusal = [this](const QString &text) {
+            showMessage(QMessageBox::Critical, applicationTitle(), text);
+        };
+        mNavigator = new NavigatorWindow(mIsSwedish, *mStatus, mOptions, std::move(actions), this);
+        connect(mNavigator, &ToolDock::hiddenByUser, this, [this] { mMenus.mnuVNavigator->setChecked(false); });
+        mNavigator->restorePlacement(*this, mSettings, Qt::RightDockWidgetArea, QSize(pixels(3600), pixels(5400)));
+        mNavigator->loadSettings(mSettings);
+        mNavigator->setUp(doc);
+        mNavigator->show();
+        mMenus.mnuVNavigator->setChecked(true);
+    }
+
+    mDetail = new DetailWindow(mIsSwedish, this);
+    connect(mDetail, &ToolDock::hiddenByUser, this, [this] { mMenus.mnuVDetailInfo->setChecked(false); });
+    mDetail->restorePlacement(*this, mSettings, Qt::RightDockWidgetArea, QSize(pixels(2000), pixels(600)));
+    mDetail->setUpForDocument(doc);
+    showFlexTotalIndex();
+    mDetail->show();
+    mMenus.mnuVDetailInfo->setChecked(true);
+}
+
+void MainWindow::destroyToolWindows()
+{
+    // Where the windows stood is kept for the next document and run.
+    if (mNavigator) {
+        mNavigator->saveSettings(mSettings);
+        mNavigator->closeForGood();
+        delete mNavigator;
+    }
+    if (mDetail) {
+        mDetail->savePlacement(mSettings);
+        mDetail->closeForGood();
+        delete mDetail;
+    }
+}
+
+void MainWindow::showFlexTotalIndex()
+{
+    const Document *doc = document();
+    if (mDetail && doc)
+        mDetail->setIndexValue(4, true,
+                               formatIndex(doc->properties.flexTotalIndex, doc->properties.indexDecimals, QLocale()));
+}
+
+void MainWindow::setFlexTotal(const std::vector<bool> &options, bool basedOnCurrentSelection)
+{
+    Document *doc = mSession->editableDocument();
+    if (!doc)
+        return;
+    mFlexTotal.setFlexTotal(*doc, options, basedOnCurrentSelection);
+    showFlexTotalIndex();
+}
+
+QString MainWindow::showSelection(const SelectionMatrix &selection)
+{
+    Document *doc = mSession->editableDocument();
+    if (!doc)
+        return QString();
+    const SubSheet sheet = createSubSheet(*doc, selection, mFlexTotal, mOptions.overviewRowOrder, mRowRandom,
+                                          mIsSwedish);
+    // A flex total based on the current selection is rebuilt even when the
+    // selection itself is refused.
+    showFlexTotalIndex();
+    if (sheet.outcome != SubSheetOutcome::Ok)
+        return sheet.message; // the previous overview stays
+    showSubSheet(*doc, sheet);
+    return QString();
+}
+
+void MainWindow::showSubSheet(const Document &doc, const SubSheet &sheet)
+{
+    setDataRowsAllowed(sheet.dataRowsAllowed);
+    setSelectionPanels(qint32(sheet.rows.size()), sheet.steps.selectionText);
+
+    SheetInput input;
+    input.document = &doc;
+    input.rows = sheet.rows;
+    input.columns = doc.overviewColumns;
+    if (sheet.randomPerColumn)
+        input.columnRowOffsets = sheet.columnRowOffsets;
+    input.overviewMaxRows = mOptions.overviewMaxRows;
+    input.maxRowsDisplayed = sheet.maxRowsDisplayed();
+    input.groupLines = mOptions.overviewGroupLines;
+    input.selectionText = sheet.steps.selectionText;
+    input.totalIndex = sheet.totalIndex;
+    input.locale = QLocale();
+    if (!mSheet->setSheet(std::move(input)))
+        showMessage(QMessageBox::Critical, applicationTitle(),
+                    pickText(mIsSwedish, "The overview is too large to be drawn!",
+                             "Översikten är för stor för att kunna ritas!"));
+    if (mDetail)
+        mDetail->showNoCell(doc, sheet.totalIndex);
+}
+
+void MainWindow::showHoveredCell(const SheetHit &hit)
+{
+    const Document *doc = document();
+    if (mDetail && doc && mSheet->hasSheet())
+        mDetail->showCell(*doc, hit, mSheet->input().columns, mSheet->input().rows);
+}
+
+void MainWindow::preparePopup(const SheetHit &hit)
+{
+    const Document *doc = document();
+    if (!doc)
+        return;
+    const bool questionKnown = hit.question >= 0 && std::size_t(hit.question) < doc->questions.size();
+    PopupContext context;
+    context.randomPerColumn = mSheet->isRandomPerColumn();
+    context.hasRowComments = doc->properties.hasRowComments;
+    context.hasCellComments = doc->hasCellComments;
+    context.totalGraphVisible = mMenus.mnuPShowTotalGraph1->isVisible();
+    if (questionKnown) {
+        const Question &question = doc->questions[std::size_t(hit.question)];
+        context.questionGraphFlags = question.graphFlags;
+        if (hit.place == SheetPlace::BlockLine) {
+            const qint32 block = blockAtHeaderLine(question, hit.line, mSheet->sheetGeometry().headerLines);
+            if (block >= 0 && std::size_t(block) < doc->blocks.size())
+                context.blockGraphFlags = doc->blocks[std::size_t(block)].graphFlags;
+        }
+    }
+    const PopupItems items = popupItemsFor(hit.place, context);
+    mMenus.mnuPShowRowsComments->setVisible(items.showRowsComments);
+    mMenus.mnuPShowColumnsComments->setVisible(items.showColumnsComments);
+    mMenus.mnuPCopyThisRowsAnswers->setVisible(items.copyThisRowsAnswers);
+    mMenus.mnuPBar1->setVisible(items.bar1);
+    const std::array<QAction *, 4> blockGraphs{mMenus.mnuPShowBlockGraph1, mMenus.mnuPShowBlockGraph2,
+                                               mMenus.mnuPShowBlockGraph3->menuAction(), mMenus.mnuPShowBlockGraph4};
+    for (std::size_t i = 0; i < blockGraphs.size(); ++i)
+        blockGraphs[i]->setVisible(items.showBlockGraph[i]);
+    const std::array<QAction *, 3> questionGraphs{mMenus.mnuPShowQuestionGraph1->menuAction(),
+                                                  mMenus.mnuPShowQuestionGraph2->menuAction(),
+                                                  mMenus.mnuPShowQuestionGraph3->menuAction()};
+    for (std::size_t i = 0; i < questionGraphs.size(); ++i)
+        questionGraphs[i]->setVisible(items.showQuestionGraph[i]);
+    mMenus.mnuPBar2->setVisible(items.bar2);
+
+    // A header line has no row: only the column's comments can apply there.
+    const PopupEnabling enabling =
+        popupEnablingFor(*doc, mSheet->input().rows, mSheet->input().columns, context.randomPerColumn,
+                         hit.place == SheetPlace::AnswerCell ? hit.row : -1, hit.question);
+    mMenus.mnuPShowRowsComments->setEnabled(enabling.showRowsComments);
+    mMenus.mnuPShowColumnsComments->setEnabled(enabling.showColumnsComments);
+}
+
+void MainWindow::showSheetPopup(const SheetHit &hit, const QPoint &globalPos)
+{
+    if (hit.place == SheetPlace::Outside || !document())
+        return;
+    preparePopup(hit);
+    mMenus.mnuPopUp->popup(globalPos);
+}
+
+} // namespace kel

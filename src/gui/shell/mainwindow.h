@@ -1,0 +1,180 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The viewer's main window: menus, status bar, the overview sheet, opening
+// and closing documents, and the tables of graph windows it owns. Commands whose
+// work belongs to windows not built yet exist in the menus with their
+// enabling rules but do nothing when chosen.
+#pragma once
+
+#include "gui/shell/mainmenus.h"
+#include "engine/settings/settingsstore.h"
+#include "engine/overview/subsheet.h"
+#include "engine/selection/flextotal.h"
+#include "engine/selection/selectionmatrix.h"
+
+#include <QDateTime>
+#include <QMainWindow>
+#include <QMessageBox>
+#include <QPointer>
+#include <QTimer>
+
+#include <array>
+#include <functional>
+
+class QLabel;
+
+namespace kel {
+
+class DetailWindow;
+class DocumentSession;
+class NavigatorWindow;
+class HelpWindow;
+class SheetView;
+class StatusLine;
+struct Document;
+struct SheetHit;
+
+/// What the window finds out about the machine when it is created; tests
+/// pass their own.
+struct MainWindowEnvironment {
+    bool printerInstalled = false;
+    bool mouseWheel = false;
+    static MainWindowEnvironment detect();
+};
+
+/// One slot of a graph-window table: the window, whether it is handed out,
+/// and when it was last handed out (the oldest is reused first).
+struct WindowSlot {
+    QPointer<QWidget> window;
+    bool inUse = false;
+    QDateTime lastHandedOut;
+};
+inline constexpr int WindowSlotCount = 10;
+using WindowSlotTable = std::array<WindowSlot, WindowSlotCount>;
+enum class SlotTable { MiniOverviews, BasicGraphs, ChartGraphs };
+
+class MainWindow : public QMainWindow
+{
+    Q_OBJECT
+public:
+    /// `settings` must outlive the window.
+    MainWindow(SettingsStore &settings, bool isSwedish, const MainWindowEnvironment &environment,
+               QWidget *parent = nullptr);
+    ~MainWindow() override;
+
+    /// After the window is shown: welcomes the user, or schedules opening the
+    /// file named first on the command line (empty: none).
+    void startUp(const QString &firstArgument);
+
+    /// Loads `path`; returns the message for the user, empty on success. A
+    /// failure leaves the open document and the menus as they were.
+    QString loadDocument(const QString &path, bool rememberFolder);
+    /// Loads `path` as a user command does: hourglass, status texts, and a
+    /// critical message box titled `messageTitle` on failure.
+    bool openDocument(const QString &path, bool rememberFolder, const QString &messageTitle);
+    void closeDocument();
+
+    const Document *document() const;
+    DocumentSession &session() { return *mSession; }
+    StatusLine &statusLine() { return *mStatus; }
+    const MainMenus &menus() const { return mMenus; }
+    QLabel *statusPanel(int number) const; ///< 1..3
+    /// The overview sheet, the window's central view.
+    SheetView *sheetView() const { return mSheet; }
+    const LastSettings &lastSettings() const { return mLastSettings; }
+    const UserOptions &options() const { return mOptions; }
+    bool isSwedish() const { return mIsSwedish; }
+
+    /// The three tables of graph windows; the graph and mini-overview windows
+    /// put themselves here.
+    WindowSlotTable &windowSlots(SlotTable table);
+    /// Closes every in-use window of the three tables.
+    void closeAllGraphWindows();
+
+    /// Whether answer rows may be copied as data or to a mini-overview; set
+    /// by every overview build.
+    void setDataRowsAllowed(bool allowed);
+
+    // --- Navigator and detail-information windows ---
+    /// Both exist while a document is open (the navigator only when the
+    /// document has categories); nullptr otherwise.
+    NavigatorWindow *navigator() const;
+    DetailWindow *detailWindow() const;
+    const FlexTotal &flexTotal() const { return mFlexTotal; }
+    /// SetFlexTotal: the flex total from the navigator's flex options.
+    void setFlexTotal(const std::vector<bool> &options, bool basedOnCurrentSelection);
+    /// CreateSubSheet, for the navigator's Show and after opening: returns
+    /// the refusal text, empty when the new overview was built and drawn. A
+    /// refusal leaves the previous sheet on screen.
+    QString showSelection(const SelectionMatrix &selection);
+    /// Shows or hides the popup menu's place-dependent items for a right
+    /// click on `hit` and enables them for its row and question.
+    void preparePopup(const SheetHit &hit);
+
+    /// Message boxes go through here so that tests can record them.
+    using MessageHandler = std::function<void(QMessageBox::Icon, const QString &title, const QString &text)>;
+    void setMessageHandler(MessageHandler handler) { mMessageHandler = std::move(handler); }
+
+    /// The pending command-line file and its timer (tmrAutoOpenFile).
+    QString pendingFile() const { return mPendingFile; }
+    bool isAutoOpenPending() const { return mAutoOpenTimer.isActive(); }
+
+public slots:
+    void fileOpen();
+    void openRecentFile(int index);
+    void showHelpTopics();
+    void showAbout();
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
+
+private:
+    void connectMenus();
+    void autoOpenFile();
+    void installDocument();
+    void resetForNoDocument();
+    void rebuildRecentFilesMenu();
+    void rebuildBlockMenus();
+    void closeSlotWindows();
+    void showMessage(QMessageBox::Icon icon, const QString &title, const QString &text);
+    void loadPlacement();
+    void savePlacement();
+    QString openDialogTitle() const;
+    void createToolWindows(const Document &doc);
+    void destroyToolWindows();
+    void showFlexTotalIndex();
+    void showSubSheet(const Document &doc, const SubSheet &sheet);
+    void setSelectionPanels(qint32 rows, const QString &selectionText);
+    void showSheetPopup(const SheetHit &hit, const QPoint &globalPos);
+    void showHoveredCell(const SheetHit &hit);
+
+    SettingsStore &mSettings;
+    bool mIsSwedish;
+    MainWindowEnvironment mEnvironment;
+    UserOptions mOptions;
+    LastSettings mLastSettings;
+    StatusLine *mStatus;
+    DocumentSession *mSession;
+    MainMenus mMenus;
+    SheetView *mSheet;
+    std::array<QLabel *, 3> mPanels{};
+    QTimer mAutoOpenTimer; // tmrAutoOpenFile
+    QString mPendingFile;
+    WindowSlotTable mMiniOverviews, mBasicGraphs, mChartGraphs;
+    QPointer<HelpWindow> mHelp;
+    MessageHandler mMessageHandler;
+    bool mClosed = false;
+
+    // Navigator and detail-information windows, and the flex total they edit.
+    QPointer<NavigatorWindow> mNavigator;
+    QPointer<DetailWindow> mDetail;
+    FlexTotal mFlexTotal;
+    RowRandom mRowRandom; // seeded once per run from the clock
+};
+
+/// The path of the one local file with the .kel extension (any case) in
+/// `urls`; empty when there is none or more than one file.
+QString droppedDocument(const QList<QUrl> &urls);
+
+} // namespace kel

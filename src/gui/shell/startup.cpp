@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "gui/shell/startup.h"
+
+#include "texts/language.h"
+
+namespace kel {
+
+QStringList splitCommandLine(const QString &commandLine)
+{
+    const QString line = commandLine.trimmed();
+    QStringList arguments;
+    QString current;
+    bool inArgument = false;
+    bool inQuotes = false;
+    bool justClosedQuote = false;
+    for (const QChar c : line) {
+        if (c == QLatin1Char('"')) {
+            if (!inQuotes && justClosedQuote) {
+                current += c;
+                justClosedQuote = false;
+            } else {
+                inQuotes = !inQuotes;
+                justClosedQuote = !inQuotes;
+            }
+            inArgument = true;
+            continue;
+        }
+        justClosedQuote = false;
+        if (!inQuotes && (c == QLatin1Char(' ') || c == QLatin1Char('\t'))) {
+            if (inArgument) {
+                arguments << current;
+                current.clear();
+                inArgument = false;
+            }
+            continue;
+        }
+        current += c;
+        inArgument = true;
+    }
+    if (inArgument)
+        arguments << current;
+    return arguments;
+}
+
+bool hasAutoStart(const QStringList &arguments)
+{
+    for (const QString &a : arguments) {
+        if (a.compare(QLatin1String("/AutoStart"), Qt::CaseInsensitive) == 0)
+            return true;
+    }
+    return false;
+}
+
+StartupArguments parseStartupArguments(const QStringList &arguments)
+{
+    StartupArguments result;
+    for (qsizetype i = 0; i < arguments.size(); ++i) {
+        const QString &a = arguments.at(i);
+        if (a == QLatin1String("--lang")) {
+            if (i + 1 < arguments.size())
+                result.languageOption = arguments.at(++i);
+            continue;
+        }
+        if (a.startsWith(QLatin1String("--lang="))) {
+            result.languageOption = a.mid(7);
+            continue;
+        }
+        result.commandArguments << a;
+    }
+    result.autoStart = hasAutoStart(result.commandArguments);
+    return result;
+}
+
+ZlibCheck checkZlibVersion(const char *version)
+{
+    if (version == nullptr || version[0] == '\0')
+        return ZlibCheck::Missing;
+    return version[0] == "1.2.3"[0] ? ZlibCheck::Ok : ZlibCheck::Incompatible;
+}
+
+QString zlibMessage(ZlibCheck check, const QString &version, bool isSwedish)
+{
+    switch (check) {
+    case ZlibCheck::Ok:
+        return QString();
+    case ZlibCheck::Missing:
+        return pickText(isSwedish, "The file \"ZLib.dll\" is missing!", "Filen \"ZLib.dll\" saknas!");
+    case ZlibCheck::Incompatible:
+        return pickText(isSwedish, "Incompatible ZLib version (", "Inkompatibel ZLib-version (") + version
+            + QStringLiteral(")!");
+    }
+    return QString();
+}
+
+QString secondInstanceQuestion(bool isSwedish)
+{
+    return pickText(isSwedish, "You are already running at least one copy of ", "Du har redan startat minst en kopia av ")
+        + applicationTitle()
+        + pickText(isSwedish, ", do you really want to start another one?", ", vill du verkligen starta en till?");
+}
+
+QString settingsRootFailureMessage(int errorCode)
+{
+    return QStringLiteral("Cannot open Windows' Registry, error code: HKCU %1. Some features in this application may "
+                          "not work as expected.")
+        .arg(errorCode);
+}
+
+QString couldNotFindFileStatus(const QString &path, bool isSwedish)
+{
+    return pickText(isSwedish, "Could not find the file ", "Kunde inte hitta filen ") + QLatin1Char('"') + path
+        + QStringLiteral("\"!");
+}
+
+} // namespace kel

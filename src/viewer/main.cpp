@@ -1,0 +1,144 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Start-up: command line, splash, language, zlib, second copy, settings, then
+// the main window. Whatever ends the program before the main window appears
+// does so before the settings are opened, so nothing is written.
+#include "texts/language.h"
+#include "gui/shell/mainwindow.h"
+#include "engine/settings/settingsstore.h"
+#include "gui/shell/startup.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QLibraryInfo>
+#include <QLockFile>
+#include <QMessageBox>
+#include <QPainter>
+#include <QPushButton>
+#include <QSplashScreen>
+#include <QTranslator>
+
+#include <zlib.h>
+
+#include <memory>
+
+#ifdef Q_OS_WIN
+#include <windows.h>
+#endif
+
+namespace {
+
+// The arguments after the program name, split the way the viewer has always
+// split them on Windows; elsewhere the shell has already split them.
+QStringList commandLineArguments()
+{
+#ifdef Q_OS_WIN
+    const QString line = QString::fromWCharArray(GetCommandLineW()).trimmed();
+    qsizetype i = 0;
+    if (line.startsWith(QLatin1Char('"'))) {
+        i = line.indexOf(QLatin1Char('"'), 1);
+        i = i < 0 ? line.size() : i + 1;
+    } else {
+        while (i < line.size() && line.at(i) != QLatin1Char(' ') && line.at(i) != QLatin1Char('\t'))
+            ++i;
+    }
+    return kel::splitCommandLine(line.mid(i));
+#else
+    return QCoreApplication::arguments().mid(1);
+#endif
+}
+
+std::unique_ptr<QSplashScreen> showSplash()
+{
+    QPixmap pixmap(420, 220);
+    pixmap.fill(QColor(0x1f, 0x4e, 0x79));
+    QPainter painter(&pixmap);
+    painter.setPen(Qt::white);
+    QFont font = painter.font();
+    font.setPointSize(26);
+    font.setBold(true);
+    painter.setFont(font);
+    painter.drawText(QRect(0, 40, 420, 80), Qt::AlignCenter, kel::applicationTitle());
+    font.setPointSize(12);
+    font.setBold(false);
+    painter.setFont(font);
+    painter.drawText(QRect(0, 130, 420, 40), Qt::AlignCenter,
+                     QStringLiteral("Version ") + QCoreApplication::applicationVersion());
+    painter.end();
+    auto splash = std::make_unique<QSplashScreen>(pixmap);
+    splash->show();
+    QCoreApplication::processEvents();
+    return splash;
+}
+
+QString lockFilePath()
+{
+    QString user = qEnvironmentVariable("USER");
+    if (user.isEmpty())
+        user = qEnvironmentVariable("USERNAME");
+    return QDir(QDir::tempPath()).filePath(QStringLiteral("kelviewer-%1.lock").arg(user));
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    QApplication app(argc, argv);
+    QApplication::setOrganizationName(QString::fromUtf8(kel::OrganizationName));
+    QApplication::setApplicationName(kel::applicationTitle());
+    QApplication::setApplicationVersion(QStringLiteral(KEL_VERSION));
+
+    const kel::StartupArguments arguments = kel::parseStartupArguments(commandLineArguments());
+    std::unique_ptr<QSplashScreen> splash;
+    if (!arguments.autoStart)
+        splash = showSplash();
+
+    const bool isSwedish = kel::chooseIsSwedish(
+        kel::userInterfaceLocale(), qEnvironmentVariable(kel::LanguageEnvironmentVariable), arguments.languageOption);
+
+    // Qt's own dialogs (file dialog, standard buttons) in the same language.
+    QTranslator qtTexts;
+    if (isSwedish && qtTexts.load(QStringLiteral("qt_sv"), QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+        QCoreApplication::installTranslator(&qtTexts);
+
+    const char *version = zlibVersion();
+    const kel::ZlibCheck zlib = kel::checkZlibVersion(version);
+    if (zlib != kel::ZlibCheck::Ok) {
+        if (splash)
+            splash->close();
+        QMessageBox::critical(nullptr, kel::applicationTitle(),
+                              kel::zlibMessage(zlib, QString::fromLatin1(version ? version : ""), isSwedish));
+        return 1;
+    }
+
+    // A running copy holds this lock for its lifetime. Age alone must not make
+    // the lock look abandoned: only a dead owner does.
+    QLockFile instanceLock(lockFilePath());
+    instanceLock.setStaleLockTime(0);
+    // Only a lock held by someone else means another copy; a temporary folder
+    // we cannot write to must not keep the viewer from starting.
+    if (!instanceLock.tryLock(0) && instanceLock.error() == QLockFile::LockFailedError) {
+        if (splash)
+            splash->hide();
+        QMessageBox box(QMessageBox::Question, kel::applicationTitle(), kel::secondInstanceQuestion(isSwedish),
+                        QMessageBox::Yes | QMessageBox::No);
+        box.setDefaultButton(QMessageBox::No);
+        box.button(QMessageBox::Yes)->setText(kel::pickText(isSwedish, "&Yes", "&Ja"));
+        box.button(QMessageBox::No)->setText(kel::pickText(isSwedish, "&No", "&Nej"));
+        if (box.exec() != QMessageBox::Yes)
+            return 0;
+        if (splash)
+            splash->show();
+    }
+
+    kel::SettingsStore settings(kel::SettingsLocation::platformDefault());
+    if (settings.openError() != 0) {
+        QMessageBox::warning(nullptr, kel::applicationTitle(), kel::settingsRootFailureMessage(settings.openError()));
+    }
+
+    kel::MainWindow window(settings, isSwedish, kel::MainWindowEnvironment::detect());
+    window.show();
+    if (splash)
+        splash->finish(&window);
+    window.startUp(arguments.commandArguments.value(0));
+    return app.exec();
+}
