@@ -35,6 +35,22 @@ OpenedDocument openForCommand(const QString &path, bool isSwedish)
     return opened;
 }
 
+int runOnFile(const char *name, const char *usage, DocumentCommand command, const QStringList &args)
+{
+    if (args.isEmpty() || args.first().startsWith(QLatin1String("--"))) {
+        printErr(QStringLiteral("kel %1: no file given\n").arg(QLatin1String(name)) + QLatin1String(usage));
+        return UsageError;
+    }
+    OpenedDocument opened = openForCommand(args.first());
+    if (!opened.document)
+        return opened.exitCode;
+    CommandOutput output;
+    const int status = command(*opened.document, args.mid(1), output);
+    printOut(output.out);
+    printErr(output.err);
+    return status;
+}
+
 int runCheck(const QStringList &args)
 {
     QString file;

@@ -35,7 +35,7 @@ bool parseItems(const QString &list, IndexExportOptions &options, QString &error
 
 } // namespace
 
-int runIndexes(const QStringList &args)
+int indexesCommand(const Document &base, const QStringList &args, CommandOutput &output)
 {
     SelectionArgs selection;
     IndexExportOptions options;
@@ -64,39 +64,36 @@ int runIndexes(const QStringList &args)
             error = QStringLiteral("unexpected argument '%1'").arg(a);
         }
     }
-    if (error.isEmpty() && selection.file.isEmpty())
-        error = QStringLiteral("no file given");
+    if (error.isEmpty() && !selection.file.isEmpty())
+        error = QStringLiteral("unexpected argument '%1'").arg(selection.file);
     if (error.isEmpty() && !options.canExport())
         error = QStringLiteral("nothing to export: give --total or --category, and --items");
     if (!error.isEmpty()) {
-        printErr(QStringLiteral("kel indexes: %1\n").arg(error) + QLatin1String(IndexesUsage));
+        output.err += (QStringLiteral("kel indexes: %1\n").arg(error) + QLatin1String(IndexesUsage));
         return UsageError;
     }
 
-    OpenedDocument opened = openForCommand(selection.file, selection.isSwedish);
-    if (!opened.document)
-        return opened.exitCode;
-    Document &doc = *opened.document;
+    Document doc = base;
     for (qint32 q : options.subSelCategories) {
         if (q < 0 || q >= qint32(doc.questions.size()) || !doc.questions[std::size_t(q)].isCategory) {
-            printErr(QStringLiteral("kel indexes: question %1 is not a category question\n").arg(q));
+            output.err += (QStringLiteral("kel indexes: question %1 is not a category question\n").arg(q));
             return UsageError;
         }
     }
     if (doc.properties.pointsScale < 1) {
-        printErr(QStringLiteral("kel indexes: the document has no indexes\n"));
+        output.err += (QStringLiteral("kel indexes: the document has no indexes\n"));
         return 1;
     }
     std::optional<ShownSelection> shown = showFromArgs(doc, selection, error);
     if (!shown) {
-        printErr(QStringLiteral("kel indexes: %1\n").arg(error));
+        output.err += (QStringLiteral("kel indexes: %1\n").arg(error));
         return UsageError;
     }
     if (shown->sheet.outcome != SubSheetOutcome::Ok) {
-        printErr(QStringLiteral("kel indexes: %1\n").arg(shown->sheet.message));
+        output.err += (QStringLiteral("kel indexes: %1\n").arg(shown->sheet.message));
         return 1;
     }
-    printOut(exportIndexes(doc, shown->sheet.steps.selectionText, shown->sheet.rows, options, selection.locale));
+    output.out += (exportIndexes(doc, shown->sheet.steps.selectionText, shown->sheet.rows, options, selection.locale));
     return 0;
 }
 

@@ -38,7 +38,7 @@ void writeArray(JsonWriter &json, const char *name, const Container &values)
 
 } // namespace
 
-int runSelect(const QStringList &args)
+int selectCommand(const Document &base, const QStringList &args, CommandOutput &output)
 {
     SelectionArgs options;
     qint32 maxRows = 300;
@@ -55,20 +55,17 @@ int runSelect(const QStringList &args)
             error = QStringLiteral("unexpected argument '%1'").arg(args[i]);
         }
     }
-    if (error.isEmpty() && options.file.isEmpty())
-        error = QStringLiteral("no file given");
+    if (error.isEmpty() && !options.file.isEmpty())
+        error = QStringLiteral("unexpected argument '%1'").arg(options.file);
     if (!error.isEmpty()) {
-        printErr(QStringLiteral("kel select: %1\n").arg(error) + QLatin1String(SelectUsage));
+        output.err += (QStringLiteral("kel select: %1\n").arg(error) + QLatin1String(SelectUsage));
         return UsageError;
     }
 
-    OpenedDocument opened = openForCommand(options.file, options.isSwedish);
-    if (!opened.document)
-        return opened.exitCode;
-    Document &doc = *opened.document;
+    Document doc = base;
     std::optional<ShownSelection> shown = showFromArgs(doc, options, error);
     if (!shown) {
-        printErr(QStringLiteral("kel select: %1\n").arg(error));
+        output.err += (QStringLiteral("kel select: %1\n").arg(error));
         return UsageError;
     }
     const SubSheet &sheet = shown->sheet;
@@ -114,7 +111,7 @@ int runSelect(const QStringList &args)
     }
     json.endArray();
     json.endObject();
-    printOut(QString::fromStdString(json.text()) + QLatin1Char('\n'));
+    output.out += (QString::fromStdString(json.text()) + QLatin1Char('\n'));
     return 0;
 }
 

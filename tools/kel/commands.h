@@ -28,9 +28,28 @@ struct OpenedDocument {
 };
 OpenedDocument openForCommand(const QString &path, bool isSwedish = false);
 
+/// What a command writes: the process prints it, `kel batch` packs it into
+/// one JSON line per command.
+struct CommandOutput {
+    QString out;
+    QString err;
+};
+
+/// A command that works on a document already read and checked. `args` are
+/// the command's arguments without FILE; the return value is the exit status.
+/// Commands that change the document (Show stores the flex total's index in
+/// it) work on their own copy, so one read serves any number of commands.
+using DocumentCommand = int (*)(const Document &doc, const QStringList &args, CommandOutput &output);
+
+/// Runs a document command from the process's command line: FILE is the
+/// first argument, the document is read with openForCommand, the output
+/// printed. `name` and `usage` are for the messages.
+int runOnFile(const char *name, const char *usage, DocumentCommand command, const QStringList &args);
+
 int runCheck(const QStringList &args);
 int runDump(const QStringList &args);
-int runSelect(const QStringList &args);
-int runIndexes(const QStringList &args);
+
+int selectCommand(const Document &doc, const QStringList &args, CommandOutput &output);
+int indexesCommand(const Document &doc, const QStringList &args, CommandOutput &output);
 
 } // namespace kel::cli

@@ -8,18 +8,29 @@
 
 namespace {
 
-struct Command {
+/// Commands that read the file themselves.
+struct FileCommand {
     const char *name;
     int (*run)(const QStringList &args);
     const char *synopsis;
 };
 
-const Command Commands[] = {
+const FileCommand FileCommands[] = {
     {"check", kel::cli::runCheck, "check FILE [--lang en|sv]"},
     {"dump", kel::cli::runDump, "dump FILE"},
-    {"select", kel::cli::runSelect,
+};
+
+/// Commands that work on a document read once (so `kel batch` can run them).
+struct Command {
+    const char *name;
+    kel::cli::DocumentCommand run;
+    const char *synopsis;
+};
+
+const Command Commands[] = {
+    {"select", kel::cli::selectCommand,
      "select FILE [--select SPEC] [--flex OPTS] [--flex-current] [--order 0|1|2] [--seed N] [--max-rows N]"},
-    {"indexes", kel::cli::runIndexes,
+    {"indexes", kel::cli::indexesCommand,
      "indexes FILE [--select SPEC] [--flex OPTS] [--flex-current] [--total] [--category Q]... [--counts] "
      "[--items total,blocks,subblocks,questions,userblocks] [--full-text] [--columns]"},
 };
@@ -27,6 +38,8 @@ const Command Commands[] = {
 int usage()
 {
     QString text = QStringLiteral("usage:\n");
+    for (const FileCommand &c : FileCommands)
+        text += QStringLiteral("  kel %1\n").arg(QLatin1String(c.synopsis));
     for (const Command &c : Commands)
         text += QStringLiteral("  kel %1\n").arg(QLatin1String(c.synopsis));
     kel::cli::printErr(text);
@@ -42,9 +55,15 @@ int main(int argc, char *argv[])
     if (args.isEmpty())
         return usage();
     const QString name = args.takeFirst();
-    for (const Command &c : Commands)
+    for (const FileCommand &c : FileCommands)
         if (name == QLatin1String(c.name))
             return c.run(args);
+    for (const Command &c : Commands) {
+        if (name == QLatin1String(c.name)) {
+            const QByteArray usage = QByteArrayLiteral("usage: kel ") + c.synopsis + '\n';
+            return kel::cli::runOnFile(c.name, usage.constData(), c.run, args);
+        }
+    }
     kel::cli::printErr(QStringLiteral("kel: unknown command '%1'\n").arg(name));
     return usage();
 }
