@@ -498,13 +498,8 @@ void MainWindow::closeAllGraphWindows()
 
 void MainWindow::closeSlotWindows()
 {
-    for (WindowSlotTable *table : {&mMiniOverviews, &mBasicGraphs, &mChartGraphs}) {
-        for (WindowSlot &slot : *table) {
-            if (slot.window)
-                slot.window->close();
-            slot = WindowSlot();
-        }
-    }
+    for (WindowSlotTable *table : {&mMiniOverviews, &mBasicGraphs, &mChartGraphs})
+        closePooledWindows(*table);
 }
 
 void MainWindow::setDataRowsAllowed(bool allowed)

@@ -6,6 +6,7 @@
 #pragma once
 
 #include "gui/shell/mainmenus.h"
+#include "gui/shell/windowpool.h"
 #include "engine/settings/settingsstore.h"
 #include "engine/overview/subsheet.h"
 #include "engine/selection/flextotal.h"
@@ -40,17 +41,6 @@ struct MainWindowEnvironment {
     bool mouseWheel = false;
     static MainWindowEnvironment detect();
 };
-
-/// One slot of a graph-window table: the window, whether it is handed out,
-/// and when it was last handed out (the oldest is reused first).
-struct WindowSlot {
-    QPointer<QWidget> window;
-    bool inUse = false;
-    QDateTime lastHandedOut;
-};
-inline constexpr int WindowSlotCount = 10;
-using WindowSlotTable = std::array<WindowSlot, WindowSlotCount>;
-enum class SlotTable { MiniOverviews, BasicGraphs, ChartGraphs };
 
 class MainWindow : public QMainWindow
 {
