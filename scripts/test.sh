@@ -13,7 +13,7 @@ fuzz_seconds=${KEL_FUZZ_SECONDS:-60}
 export QT_QPA_PLATFORM=offscreen
 
 echo "== build (gcc)"
-cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DKEL_WERROR=ON >/dev/null
 cmake --build build -j"$jobs"
 echo "== tests (gcc)"
 ctest --test-dir build --output-on-failure -j"$jobs"
@@ -21,7 +21,7 @@ ctest --test-dir build --output-on-failure -j"$jobs"
 echo "== build (clang, ASan + UBSan, fuzz targets)"
 cmake -S . -B build-san -G Ninja -DCMAKE_BUILD_TYPE=Debug \
     -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ \
-    -DKEL_SANITIZE=ON -DKEL_FUZZ=ON -DKEL_BUILD_GUI=OFF -DKEL_BUILD_BENCH=OFF >/dev/null
+    -DKEL_SANITIZE=ON -DKEL_FUZZ=ON -DKEL_WERROR=ON -DKEL_BUILD_GUI=OFF -DKEL_BUILD_BENCH=OFF >/dev/null
 cmake --build build-san -j"$jobs"
 echo "== fuzzing the reader for ${fuzz_seconds}s"
 corpus=build-san/fuzz-corpus

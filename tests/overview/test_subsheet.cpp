@@ -196,8 +196,9 @@ TEST(SubSheet, RandomOrders)
         ASSERT_LT(offset, 1000);
         EXPECT_EQ(perColumn.rowInCell(0, q), offset);
         EXPECT_EQ(perColumn.rowInCell(999 - offset, q), 999);
-        if (offset > 0)
+        if (offset > 0) {
             EXPECT_EQ(perColumn.rowInCell(1000 - offset, q), 0); // wraps round
+        }
         EXPECT_EQ(perColumn.rowInCell(1000, q), -1);         // below the last line
     }
 
