@@ -1,0 +1,391 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/blocks/userblocks.h"
+
+#include "engine/indexes/blockindex.h"
+#include "engine/settings/settingsstore.h"
+
+#include <QRegularExpression>
+
+#include <algorithm>
+#include <cmath>
+#include <set>
+
+namespace kel {
+
+namespace {
+
+QString str(const char *text)
+{
+    return QString::fromLatin1(text);
+}
+
+/// Number of a "Block NNN" key name; -1 for anything else.
+qint32 blockNumberOf(const QString &keyName)
+{
+    static const QRegularExpression pattern(QStringLiteral("^Block (\\d{3,9})$"));
+    const QRegularExpressionMatch m = pattern.match(keyName);
+    return m.hasMatch() ? m.captured(1).toInt() : -1;
+}
+
+/// The member questions of block `block` listed as block items, in question
+/// order, each once.
+QuestionList listedMembers(const Document &doc, qint32 block)
+{
+    QuestionList members;
+    for (const BlockItem &item : doc.blockItems)
+        if (item.block == block)
+            members.push_back(item.question);
+    std::sort(members.begin(), members.end());
+    members.erase(std::unique(members.begin(), members.end()), members.end());
+    return members;
+}
+
+bool sameName(const QString &a, const QString &b)
+{
+    return a.compare(b, Qt::CaseInsensitive) == 0;
+}
+
+} // namespace
+
+QString blockKeyName(qint32 block)
+{
+    return QStringLiteral("Block %1").arg(block, 3, 10, QLatin1Char('0'));
+}
+
+QString blockKey(const QString &documentKey, qint32 block)
+{
+    return documentKey + QLatin1Char('\\') + blockKeyName(block);
+}
+
+Block makeUserBlock(const QString &name, bool includeInCopy)
+{
+    Block block;
+    block.name = name;
+    block.memberRule = false;
+    block.linkedBlock = -1;
+    block.totalIndex = -1.0;
+    block.flexTotalIndex = -1.0;
+    block.graphFlags = 3;
+    block.fromDocument = false;
+    block.includeInCopy = includeInCopy;
+    return block;
+}
+
+qint32 documentBlockCount(const Document &doc)
+{
+    qint32 n = 0;
+    while (std::size_t(n) < doc.blocks.size() && doc.blocks[std::size_t(n)].fromDocument)
+        ++n;
+    return n;
+}
+
+QString joinMembers(const QuestionList &members)
+{
+    QStringList parts;
+    parts.reserve(qsizetype(members.size()));
+    for (qint32 q : members)
+        parts << QString::number(q);
+    return parts.join(QLatin1Char('|'));
+}
+
+UserBlockRestore restoreUserBlocks(Document &doc, SettingsStore &store, bool mayWrite)
+{
+    UserBlockRestore result;
+    const QString key = SettingsStore::documentKey(doc.guidText());
+    if (!store.keyExists(key))
+        return result;
+    result.found = true;
+
+    // The highest block key present bounds the walk, so an absurd count
+    // cannot make the open loop over numbers that have no key anyway.
+    qint32 highestKey = -1;
+    for (const QString &sub : store.subKeys(key))
+        highestKey = std::max(highestKey, blockNumberOf(sub));
+
+    const qint32 documentBlocks = qint32(doc.blocks.size());
+    const std::optional<qint32> stored = store.readDword(key, str(blockstore::BlockItems));
+    qint32 count = highestKey + 1;
+    if (!stored || *stored < 0)
+        result.problems << QStringLiteral("\"%1\" is missing or not a count").arg(str(blockstore::BlockItems));
+    else if (*stored > highestKey + 1 && *stored > documentBlocks)
+        result.problems << QStringLiteral("\"%1\" is %2 but the last block key is %3")
+                               .arg(str(blockstore::BlockItems))
+                               .arg(*stored)
+                               .arg(highestKey < 0 ? QStringLiteral("none") : blockKeyName(highestKey));
+    else
+        count = *stored;
+
+    const qint32 questionCount = qint32(doc.questions.size());
+    for (qint32 b = 0; b < count; ++b) {
+        const QString k = blockKey(key, b);
+        const bool exists = store.keyExists(k);
+        if (b < documentBlocks) {
+            if (!exists)
+                continue; // the store may know fewer blocks than the document has
+            if (const std::optional<bool> include = store.readBoolean(k, str(blockstore::IncludeInCopy)))
+                doc.blocks[std::size_t(b)].includeInCopy = *include;
+            else
+                result.problems << QStringLiteral("%1: \"%2\" is not a yes/no value")
+                                       .arg(blockKeyName(b), str(blockstore::IncludeInCopy));
+            continue;
+        }
+        if (!exists) {
+            result.problems << QStringLiteral("%1 is missing").arg(blockKeyName(b));
+            continue;
+        }
+        const QString name = store.readString(k, str(blockstore::Name)).value_or(QString());
+        if (name.trimmed().isEmpty()) {
+            result.problems << QStringLiteral("%1 has no name").arg(blockKeyName(b));
+            continue;
+        }
+        const bool taken = std::any_of(doc.blocks.begin(), doc.blocks.end(),
+                                       [&](const Block &other) { return sameName(other.name, name); });
+        if (taken) {
+            result.problems << QStringLiteral("%1: the name \"%2\" is used twice").arg(blockKeyName(b), name);
+            continue;
+        }
+        Block block = makeUserBlock(name, true);
+        if (const std::optional<bool> include = store.readBoolean(k, str(blockstore::IncludeInCopy)))
+            block.includeInCopy = *include;
+        else
+            result.problems << QStringLiteral("%1: \"%2\" is not a yes/no value")
+                                   .arg(blockKeyName(b), str(blockstore::IncludeInCopy));
+
+        std::set<qint32> members;
+        const std::optional<QString> list = store.readString(k, str(blockstore::IncludedDataHeaders));
+        if (!list)
+            result.problems << QStringLiteral("%1: \"%2\" is missing")
+                                   .arg(blockKeyName(b), str(blockstore::IncludedDataHeaders));
+        for (const QString &piece : list.value_or(QString()).split(QLatin1Char('|'), Qt::SkipEmptyParts)) {
+            bool ok = false;
+            const double value = piece.trimmed().toDouble(&ok);
+            const double rounded = std::round(value);
+            if (!ok || !std::isfinite(value) || rounded < 0 || rounded >= double(questionCount)) {
+                result.problems << QStringLiteral("%1: \"%2\" is not a question of this document")
+                                       .arg(blockKeyName(b), piece);
+                continue;
+            }
+            members.insert(qint32(rounded));
+        }
+        const qint32 number = qint32(doc.blocks.size());
+        doc.blocks.push_back(block);
+        for (qint32 q : members)
+            doc.blockItems.push_back({number, q});
+        ++result.added;
+    }
+
+    if (doc.properties.pointsScale > 0) {
+        for (std::size_t b = std::size_t(documentBlocks); b < doc.blocks.size(); ++b) {
+            Block &block = doc.blocks[b];
+            block.totalIndex = calculateBlockTotalIndex(doc, qint32(b));
+            block.flexTotalIndex = block.totalIndex;
+        }
+    }
+    if (!result.problems.isEmpty() && mayWrite)
+        result.repaired = storeUserBlocks(doc, store);
+    return result;
+}
+
+bool storeUserBlocks(const Document &doc, SettingsStore &store)
+{
+    if (store.policies().noSaveSettings || !store.isWritable())
+        return false;
+    const QString key = SettingsStore::documentKey(doc.guidText());
+    const qint32 count = qint32(doc.blocks.size());
+    const qint32 oldCount = std::max(0, store.readDword(key, str(blockstore::BlockItems)).value_or(0));
+
+    for (qint32 b = 0; b < count; ++b) {
+        const Block &block = doc.blocks[std::size_t(b)];
+        const QString k = blockKey(key, b);
+        bool ok = store.writeBoolean(k, str(blockstore::IncludeInCopy), block.includeInCopy);
+        if (!block.fromDocument) {
+            ok = ok && store.writeString(k, str(blockstore::Name), block.name);
+            ok = ok && store.writeString(k, str(blockstore::IncludedDataHeaders), joinMembers(listedMembers(doc, b)));
+        }
+        if (!ok)
+            return false;
+    }
+    auto removeBlock = [&](qint32 b) {
+        const QString k = blockKey(key, b);
+        for (const char *name : {blockstore::IncludedDataHeaders, blockstore::IncludeInCopy, blockstore::Name})
+            store.removeValue(k, str(name));
+        store.removeKey(k);
+    };
+    for (qint32 b = count; b < oldCount; ++b)
+        removeBlock(b);
+    // Keys beyond the stored count are leftovers of a damaged store.
+    for (const QString &sub : store.subKeys(key)) {
+        const qint32 b = blockNumberOf(sub);
+        if (b >= count)
+            removeBlock(b);
+    }
+    store.writeDword(key, str(blockstore::BlockItems), count);
+    return store.flush();
+}
+
+// --- Editor working copy ---
+
+BlockEditModel::BlockEditModel(const Document &doc) : mDoc(doc)
+{
+    const std::size_t questions = doc.questions.size();
+    mEntries.reserve(doc.blocks.size());
+    for (std::size_t b = 0; b < doc.blocks.size(); ++b) {
+        const Block &block = doc.blocks[b];
+        Entry e;
+        e.name = block.name;
+        e.includeInCopy = block.includeInCopy;
+        e.isDocumentBlock = block.fromDocument;
+        e.members.assign(questions, false);
+        if (block.memberRule) {
+            for (std::size_t q = 0; q < questions; ++q) {
+                const Question &question = doc.questions[q];
+                e.members[q] = block.linkedBlock == -1 ? question.block == qint32(b) : question.subBlock == qint32(b);
+            }
+        } else {
+            for (const BlockItem &item : doc.blockItems)
+                if (item.block == qint32(b) && item.question >= 0 && std::size_t(item.question) < questions)
+                    e.members[std::size_t(item.question)] = true;
+        }
+        mEntries.push_back(std::move(e));
+    }
+}
+
+std::vector<qint32> BlockEditModel::listed() const
+{
+    std::vector<qint32> result;
+    for (std::size_t i = 0; i < mEntries.size(); ++i)
+        if (mEntries[i].state != Deleted)
+            result.push_back(qint32(i));
+    return result;
+}
+
+QuestionList BlockEditModel::members(qint32 index) const
+{
+    QuestionList result;
+    const Entry &e = entry(index);
+    for (std::size_t q = 0; q < e.members.size(); ++q)
+        if (e.members[q])
+            result.push_back(qint32(q));
+    return result;
+}
+
+QuestionList BlockEditModel::overviewMembers(qint32 index) const
+{
+    QuestionList result;
+    for (qint32 q : members(index))
+        if (mDoc.questions[std::size_t(q)].inOverview)
+            result.push_back(q);
+    return result;
+}
+
+BlockEditModel::NameCheck BlockEditModel::add(const QString &name, qint32 *added)
+{
+    if (name.isEmpty())
+        return NameCheck::Nothing;
+    for (const Entry &e : mEntries)
+        if (sameName(e.name, name))
+            return NameCheck::Duplicate;
+    Entry e;
+    e.state = Added;
+    e.name = name;
+    e.members.assign(mDoc.questions.size(), false);
+    mEntries.push_back(std::move(e));
+    if (added)
+        *added = size() - 1;
+    return NameCheck::Ok;
+}
+
+BlockEditModel::NameCheck BlockEditModel::rename(qint32 index, const QString &name)
+{
+    if (index < 0 || index >= size() || mEntries[std::size_t(index)].isDocumentBlock)
+        return NameCheck::Nothing;
+    Entry &e = mEntries[std::size_t(index)];
+    const QString trimmed = name.trimmed();
+    if (trimmed.isEmpty() || trimmed == e.name)
+        return NameCheck::Nothing;
+    for (qint32 i = 0; i < size(); ++i)
+        if (i != index && sameName(mEntries[std::size_t(i)].name, trimmed))
+            return NameCheck::Duplicate;
+    e.name = trimmed;
+    if (e.state != Added)
+        e.state = Renamed;
+    return NameCheck::Ok;
+}
+
+bool BlockEditModel::remove(qint32 index)
+{
+    if (index < 0 || index >= size() || mEntries[std::size_t(index)].isDocumentBlock)
+        return false;
+    if (mEntries[std::size_t(index)].state == Added)
+        mEntries.erase(mEntries.begin() + index);
+    else
+        mEntries[std::size_t(index)].state = Deleted;
+    return true;
+}
+
+void BlockEditModel::setMember(qint32 index, qint32 question, bool member)
+{
+    if (index < 0 || index >= size() || mEntries[std::size_t(index)].isDocumentBlock)
+        return;
+    Entry &e = mEntries[std::size_t(index)];
+    if (question >= 0 && std::size_t(question) < e.members.size())
+        e.members[std::size_t(question)] = member;
+}
+
+void BlockEditModel::setIncludeInCopy(qint32 index, bool include)
+{
+    if (index >= 0 && index < size())
+        mEntries[std::size_t(index)].includeInCopy = include;
+}
+
+void BlockEditModel::apply(Document &doc, const RowList &flexRows) const
+{
+    std::vector<Block> blocks;
+    blocks.reserve(mEntries.size());
+    for (std::size_t i = 0; i < mEntries.size(); ++i) {
+        const Entry &e = mEntries[i];
+        if (e.state == Deleted)
+            continue;
+        if (e.isDocumentBlock) {
+            Block block = doc.blocks[i]; // document blocks come first and keep their numbers
+            block.includeInCopy = e.includeInCopy;
+            blocks.push_back(std::move(block));
+        } else {
+            blocks.push_back(makeUserBlock(e.name, e.includeInCopy));
+        }
+    }
+
+    std::vector<BlockItem> items;
+    qint32 b = 0;
+    for (const Entry &e : mEntries) {
+        if (e.state == Deleted)
+            continue;
+        Block &block = blocks[std::size_t(b)];
+        if (!block.memberRule) {
+            qint32 flags = 0;
+            for (std::size_t q = 0; q < e.members.size(); ++q) {
+                if (!e.members[q])
+                    continue;
+                items.push_back({b, qint32(q)});
+                flags |= doc.questions[q].graphFlags;
+            }
+            if (!block.fromDocument)
+                block.graphFlags = flags;
+        }
+        ++b;
+    }
+    doc.blocks = std::move(blocks);
+    doc.blockItems = std::move(items);
+
+    if (doc.properties.pointsScale > 0) {
+        for (std::size_t i = 0; i < doc.blocks.size(); ++i) {
+            Block &block = doc.blocks[i];
+            if (block.fromDocument)
+                continue;
+            block.totalIndex = calculateBlockTotalIndex(doc, qint32(i));
+            block.flexTotalIndex = calculateBlockFlexTotalIndex(doc, qint32(i), flexRows);
+        }
+    }
+}
+
+} // namespace kel
