@@ -4,6 +4,7 @@
 #include "kelwriter.h"
 
 #include <QFile>
+#include <QSettings>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -192,3 +193,38 @@ TEST(SelectIndexesSample, BundledSurvey)
 }
 
 } // namespace
+
+TEST_F(SelectIndexesCli, IndexesTakeTheUserBlocksOfASettingsFile)
+{
+    const QString ini = mDir.filePath(QStringLiteral("KEL Viewer.ini"));
+    {
+        QSettings s(ini, QSettings::IniFormat);
+        const QString key = QStringLiteral("Documents/{00000000-0000-0000-0000-000000000000}/");
+        s.setValue(key + QStringLiteral("Block Items"), QStringLiteral("dword:00000003"));
+        s.setValue(key + QStringLiteral("Block 001/Name"), QStringLiteral("Mine"));
+        s.setValue(key + QStringLiteral("Block 001/Include In Copy"), QStringLiteral("dword:00000001"));
+        s.setValue(key + QStringLiteral("Block 001/Included Data Headers"), QStringLiteral("3"));
+        s.setValue(key + QStringLiteral("Block 002/Name"), QStringLiteral("Broken"));
+        s.setValue(key + QStringLiteral("Block 002/Include In Copy"), QStringLiteral("dword:00000001"));
+        s.setValue(key + QStringLiteral("Block 002/Included Data Headers"), QStringLiteral("2|40"));
+    }
+    const QStringList args{QStringLiteral("indexes"), mPath, QStringLiteral("--total"), QStringLiteral("--items"),
+                           QStringLiteral("userblocks")};
+    const KelRun without = runKel(args);
+    EXPECT_EQ(without.exitCode, 0) << without.err.toStdString();
+    EXPECT_EQ(QString::fromUtf8(without.out).split(QStringLiteral("\r\n")).value(1), QStringLiteral("Total"));
+
+    // R scores 10 for everyone (1.0); Broken keeps Q and drops the member
+    // that is no question of this document, with a warning.
+    const KelRun with = runKel(args + QStringList{QStringLiteral("--settings"), ini});
+    EXPECT_EQ(with.exitCode, 0) << with.err.toStdString();
+    const QStringList lines = QString::fromUtf8(with.out).split(QStringLiteral("\r\n"));
+    ASSERT_EQ(lines.size(), 2);
+    EXPECT_TRUE(lines[0].endsWith(QStringLiteral("\tMine\tBroken"))) << lines[0].toStdString();
+    EXPECT_EQ(lines[1], QStringLiteral("Total\t1.0\t2.7")); // Q: (6*40 + 4*20) / 12 / 10
+    EXPECT_TRUE(with.err.contains("40")) << with.err.toStdString();
+
+    const KelRun missing = runKel(args + QStringList{QStringLiteral("--settings"), mDir.filePath(QStringLiteral("no.ini"))});
+    EXPECT_EQ(missing.exitCode, 2);
+    EXPECT_TRUE(missing.out.isEmpty());
+}

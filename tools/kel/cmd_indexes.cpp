@@ -12,7 +12,7 @@ namespace {
 
 const char IndexesUsage[] =
     "usage: kel indexes FILE [--select SPEC] [--flex OPTS] [--flex-current] [--total] [--category Q]... "
-    "[--counts] [--items total,blocks,subblocks,questions,userblocks] [--full-text] [--columns] [--locale NAME]\n";
+    "[--counts] [--items total,blocks,subblocks,questions,userblocks] [--full-text] [--columns] [--locale NAME] [--settings FILE]\n";
 
 bool parseItems(const QString &list, IndexExportOptions &options, QString &error)
 {
@@ -89,6 +89,8 @@ int indexesCommand(const Document &base, const QStringList &args, CommandOutput 
         output.err += (QStringLiteral("kel indexes: %1\n").arg(error));
         return UsageError;
     }
+    for (const QString &problem : shown->blockProblems)
+        output.err += QStringLiteral("kel indexes: settings: %1 (left out)\n").arg(problem);
     if (shown->sheet.outcome != SubSheetOutcome::Ok) {
         output.err += (QStringLiteral("kel indexes: %1\n").arg(shown->sheet.message));
         return 1;

@@ -32,7 +32,7 @@ const Command Commands[] = {
      "select FILE [--select SPEC] [--flex OPTS] [--flex-current] [--order 0|1|2] [--seed N] [--max-rows N]"},
     {"indexes", kel::cli::indexesCommand,
      "indexes FILE [--select SPEC] [--flex OPTS] [--flex-current] [--total] [--category Q]... [--counts] "
-     "[--items total,blocks,subblocks,questions,userblocks] [--full-text] [--columns]"},
+     "[--items total,blocks,subblocks,questions,userblocks] [--full-text] [--columns] [--settings FILE]"},
 };
 
 int usage()

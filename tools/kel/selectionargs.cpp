@@ -1,6 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "selectionargs.h"
 
+#include "engine/blocks/userblocks.h"
+#include "engine/settings/settingsstore.h"
+
+#include <QFileInfo>
+
 #include <QDateTime>
 
 namespace kel::cli {
@@ -100,6 +105,8 @@ bool takeSelectionOption(const QStringList &args, qsizetype &i, SelectionArgs &o
     } else if (a == QLatin1String("--locale")) {
         const QString v = value();
         out.locale = (v == QLatin1String("C") || v.isEmpty()) ? QLocale::c() : QLocale(v);
+    } else if (a == QLatin1String("--settings")) {
+        out.settingsFile = value();
     } else if (a == QLatin1String("--lang")) {
         const QString v = value();
         if (error.isEmpty() && v != QLatin1String("en") && v != QLatin1String("sv"))
@@ -113,9 +120,24 @@ bool takeSelectionOption(const QStringList &args, qsizetype &i, SelectionArgs &o
     return true;
 }
 
+bool applyStoredBlocks(Document &doc, const QString &settingsFile, QStringList &problems, QString &error)
+{
+    if (!QFileInfo(settingsFile).isFile()) {
+        error = QStringLiteral("--settings: no such file '%1'").arg(settingsFile);
+        return false;
+    }
+    SettingsLocation location;
+    location.file = settingsFile;
+    SettingsStore store(location);
+    problems = restoreUserBlocks(doc, store, false).problems;
+    return true;
+}
+
 std::optional<ShownSelection> showFromArgs(Document &doc, const SelectionArgs &args, QString &error)
 {
     ShownSelection shown;
+    if (!args.settingsFile.isEmpty() && !applyStoredBlocks(doc, args.settingsFile, shown.blockProblems, error))
+        return std::nullopt;
     shown.model.setUpDimensions(doc);
     shown.flex.reset(doc);
     if (args.hasSelect && !applySelectSpec(doc, shown.model, args.selectSpec, error))

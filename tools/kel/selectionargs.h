@@ -27,6 +27,8 @@ struct SelectionArgs {
     std::optional<quint32> seed;
     QLocale locale = QLocale::c();
     bool isSwedish = false;
+    /// A settings file of the viewer: the user blocks it keeps for the document.
+    QString settingsFile;
 };
 
 /// Takes the option at args[i] (and its value) when it is one of the shared
@@ -39,9 +41,16 @@ struct ShownSelection {
     RecountResult recount;
     FlexTotal flex;
     SubSheet sheet;
+    /// Damaged values of the settings file's user blocks, left out.
+    QStringList blockProblems;
 };
 
-/// Ticks what the options ask for, runs Show and builds the overview. On a
+/// Appends the user blocks that `settingsFile` keeps for `doc`, as the
+/// viewer does when it opens the document; the file is only read. False
+/// with `error` set when the file does not exist.
+bool applyStoredBlocks(Document &doc, const QString &settingsFile, QStringList &problems, QString &error);
+
+/// Ticks what the options ask for (after the stored user blocks), runs Show and builds the overview. On a
 /// bad --select or --flex value returns nothing and sets `error`.
 std::optional<ShownSelection> showFromArgs(Document &doc, const SelectionArgs &args, QString &error);
 
