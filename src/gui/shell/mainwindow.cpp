@@ -115,6 +115,7 @@ MainWindow::MainWindow(SettingsStore &settings, bool isSwedish, const MainWindow
     mMenus = buildMainMenus(menuBar(), this, isSwedish);
     mMenus.mnuFPrintFormat->setEnabled(mEnvironment.printerInstalled);
     connectMenus();
+    connectDocumentCommands();
 
     mLastSettings = mSettings.readLastSettings();
     resolveDefaultFolders(mLastSettings, documentsFolder(), picturesFolder());
@@ -168,9 +169,9 @@ void MainWindow::connectMenus()
     for (std::size_t i = 0; i < mMenus.mnuPMouseWheelScrollDirection.size(); ++i)
         connect(mMenus.mnuPMouseWheelScrollDirection[i], &QAction::triggered, this,
                 [this, i] { mSheet->setWheelHorizontal(i == 1); });
-    // Save As, Print, Print Format, Properties, the Edit commands, the graph
-    // commands, Comments, Edit Blocks, Options and the popup menu's commands
-    // are connected by the windows that carry them out.
+    // Save As, Print, Print Format, the Edit commands, the graph commands,
+    // Comments, Options and the popup menu's commands are connected by the
+    // windows that carry them out.
 }
 
 const Document *MainWindow::document() const
@@ -369,8 +370,9 @@ void MainWindow::installDocument()
         setSplitByItem(mMenus, int(k), q.heading);
     }
 
-    // The user-defined blocks of this document are appended here once the
-    // block editor exists; the block menus are rebuilt from the list either way.
+    // The user's own blocks of this document follow its blocks.
+    restoreStoredBlocks();
+    mExportOptions.reset();
     rebuildBlockMenus();
 
     // The flex total starts as every respondent; the navigator (with the
@@ -422,6 +424,7 @@ void MainWindow::resetForNoDocument()
         mPanels[i]->clear();
         mPanels[i]->setToolTip(pickText(mIsSwedish, tipsEnglish[i - 1], tipsSwedish[i - 1]));
     }
+    mExportOptions.reset();
     rebuildBlockMenus();
     mSheet->resetDocument();
     mSheet->setHoverEnabled(false);

@@ -8,6 +8,7 @@
 #include "gui/shell/mainmenus.h"
 #include "gui/shell/windowpool.h"
 #include "engine/settings/settingsstore.h"
+#include "engine/indexes/indexexport.h"
 #include "engine/overview/subsheet.h"
 #include "engine/selection/flextotal.h"
 #include "engine/selection/selectionmatrix.h"
@@ -108,6 +109,15 @@ public:
     QString pendingFile() const { return mPendingFile; }
     bool isAutoOpenPending() const { return mAutoOpenTimer.isActive(); }
 
+    // Edit Blocks, Copy Indexes, Properties and the status line's points
+    // list (documentcommands.cpp).
+    void editBlocks();
+    void copyIndexes();
+    void showProperties();
+    /// The points behind the shown overview's total index, on the clipboard.
+    void copyTotalIndexPoints();
+    const IndexExportOptions &exportOptions() const { return mExportOptions; }
+
 public slots:
     void fileOpen();
     void openRecentFile(int index);
@@ -138,6 +148,8 @@ private:
     void setSelectionPanels(qint32 rows, const QString &selectionText);
     void showSheetPopup(const SheetHit &hit, const QPoint &globalPos);
     void showHoveredCell(const SheetHit &hit);
+    void connectDocumentCommands();
+    void restoreStoredBlocks();
 
     SettingsStore &mSettings;
     bool mIsSwedish;
@@ -161,6 +173,7 @@ private:
     QPointer<DetailWindow> mDetail;
     FlexTotal mFlexTotal;
     RowRandom mRowRandom; // seeded once per run from the clock
+    IndexExportOptions mExportOptions; // Copy Indexes' choices, reset with the document
 };
 
 /// The path of the one local file with the .kel extension (any case) in
