@@ -8,6 +8,10 @@
 #include "engine/settings/settingsstore.h"
 #include "gui/blocks/blockeditor.h"
 #include "gui/indexes/exportindexes.h"
+#include "gui/shell/mainwindow.h"
+
+#include <QAction>
+#include <QMouseEvent>
 
 #include <QApplication>
 #include <QCheckBox>
@@ -29,7 +33,7 @@ namespace {
 
 // Category "Unit" (North/South) and `questions` scored questions in block
 // "Work"; 40 respondents.
-std::unique_ptr<Document> survey(qint32 questions = 3, bool subBlocks = false)
+SurveyBuilder surveyBuilder(qint32 questions = 3, bool subBlocks = false)
 {
     SurveyBuilder b(40);
     b.header().pointsScale = 10;
@@ -49,7 +53,12 @@ std::unique_ptr<Document> survey(qint32 questions = 3, bool subBlocks = false)
     }
     for (qint32 r = 0; r < 40; ++r)
         b.setAnswer(r, 0, r % 4 == 0 ? 1 : 0);
-    ReadResult read = readDocumentBytes(b.build().toBytes());
+    return b;
+}
+
+std::unique_ptr<Document> survey(qint32 questions = 3, bool subBlocks = false)
+{
+    ReadResult read = readDocumentBytes(surveyBuilder(questions, subBlocks).build().toBytes());
     EXPECT_EQ(read.code, OpenResult::Ok) << read.detail.toStdString();
     return std::move(read.document);
 }
@@ -248,6 +257,64 @@ TEST_F(BlockWindows, ProgressWindowCopiesTheTableOrNothing)
     ASSERT_FALSE(expected.isEmpty());
     EXPECT_EQ(clipboard->text(), expected);
     EXPECT_EQ(progress.activity()->text(), QStringLiteral("Copying indexes to clipboard..."));
+}
+
+TEST_F(BlockWindows, MainWindowRestoresBlocksAndCopiesThePointsList)
+{
+    std::unique_ptr<Document> doc = survey();
+    const QString path = mDir.filePath(QStringLiteral("survey.kel"));
+    ASSERT_TRUE(surveyBuilder().build().writeFile(path));
+    const QString key = QStringLiteral("Documents\\") + doc->guidText();
+    {
+        auto settings = store();
+        settings->writeDword(key, QStringLiteral("Block Items"), 3);
+        settings->writeString(key + QStringLiteral("\\Block 001"), QStringLiteral("Name"), QStringLiteral("Mine"));
+        settings->writeBoolean(key + QStringLiteral("\\Block 001"), QStringLiteral("Include In Copy"), true);
+        settings->writeString(key + QStringLiteral("\\Block 001"), QStringLiteral("Included Data Headers"),
+                              QStringLiteral("2|3"));
+        settings->writeString(key + QStringLiteral("\\Block 002"), QStringLiteral("Name"), QString());
+        settings->flush();
+    }
+
+    auto settings = store();
+    QStringList messages;
+    {
+        MainWindow w(*settings, false, MainWindowEnvironment());
+        w.setMessageHandler([&](QMessageBox::Icon, const QString &, const QString &text) { messages << text; });
+        ASSERT_TRUE(w.loadDocument(path, false).isEmpty());
+        // The damaged second block is left out with a word to the user and
+        // the store is repaired; the open goes on.
+        ASSERT_EQ(messages.size(), 1);
+        EXPECT_TRUE(messages[0].contains(QStringLiteral("left out")));
+        ASSERT_EQ(w.document()->blocks.size(), 2u);
+        EXPECT_EQ(w.document()->blocks[1].name, QStringLiteral("Mine"));
+        ASSERT_EQ(w.menus().mnuVB1Item.size(), 2);
+        EXPECT_EQ(w.menus().mnuVB1Item[1]->text(), QStringLiteral("Mine"));
+        EXPECT_EQ(settings->readDword(key, QStringLiteral("Block Items")), 2);
+
+        // A double click on a status panel: the points behind the total index.
+        QApplication::clipboard()->setText(QStringLiteral("before"));
+        QLabel *panel = w.statusPanel(2);
+        QMouseEvent click(QEvent::MouseButtonDblClick, QPointF(2, 2), panel->mapToGlobal(QPointF(2, 2)),
+                          Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(panel, &click);
+        QString expected;
+        calculateTotalIndexSpec(*w.document(), allRows(*w.document()), expected);
+        EXPECT_TRUE(expected.startsWith(QStringLiteral("Value\tCount\r\n0\t")));
+        EXPECT_EQ(QApplication::clipboard()->text(), expected);
+        w.closeDocument();
+        EXPECT_TRUE(w.menus().mnuVB1Item.isEmpty());
+        EXPECT_FALSE(w.menus().mnuTEditBlocks->isEnabled());
+    }
+    // Opened again: the block is back, and nothing is left to complain about.
+    MainWindow again(*settings, false, MainWindowEnvironment());
+    again.setMessageHandler([&](QMessageBox::Icon, const QString &, const QString &text) { messages << text; });
+    ASSERT_TRUE(again.loadDocument(path, false).isEmpty());
+    EXPECT_EQ(messages.size(), 1);
+    ASSERT_EQ(again.document()->blocks.size(), 2u);
+    EXPECT_EQ(blockMembers(*again.document(), 1), (QuestionList{2, 3}));
+    EXPECT_TRUE(again.menus().mnuTEditBlocks->isEnabled());
+    EXPECT_TRUE(again.menus().mnuFProperties->isEnabled());
 }
 
 int main(int argc, char **argv)
