@@ -231,7 +231,7 @@ TEST_F(BlockWindows, ProgressWindowCopiesTheTableOrNothing)
                 progress.requestCancel();
         });
         progress.exec();
-        EXPECT_FALSE(progress.done());
+        EXPECT_FALSE(progress.copied());
         EXPECT_EQ(seen.load(), 2);
         EXPECT_LT(progress.progress()->value(), progress.progress()->maximum());
     }
@@ -242,7 +242,7 @@ TEST_F(BlockWindows, ProgressWindowCopiesTheTableOrNothing)
         ExportIndexes progress(*doc, QStringLiteral("All"), rows, options, locale, false);
         QTimer::singleShot(0, &progress, [&] { progress.reject(); });
         progress.exec();
-        EXPECT_FALSE(progress.done());
+        EXPECT_FALSE(progress.copied());
     }
     EXPECT_EQ(clipboard->text(), QStringLiteral("before"));
 
@@ -250,7 +250,7 @@ TEST_F(BlockWindows, ProgressWindowCopiesTheTableOrNothing)
     // indexes` prints.
     ExportIndexes progress(*doc, QStringLiteral("All"), rows, options, locale, false);
     progress.exec();
-    EXPECT_TRUE(progress.done());
+    EXPECT_TRUE(progress.copied());
     EXPECT_EQ(progress.progress()->value(), progress.progress()->maximum());
     EXPECT_EQ(progress.progress()->maximum(), 32); // total, one block, 30 questions
     const QString expected = exportIndexes(*doc, QStringLiteral("All"), rows, options, locale);

@@ -69,7 +69,7 @@ public:
     ~ExportIndexes() override;
 
     /// Set when the table went to the clipboard.
-    bool done() const { return mDone; }
+    bool copied() const { return mDone; }
     /// Called on the worker thread after each item, before Cancel is looked
     /// at; tests use it to press Cancel at a known place.
     void setItemObserver(std::function<void(qint32 itemsDone)> observer) { mObserver = std::move(observer); }

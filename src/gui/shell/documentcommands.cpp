@@ -103,7 +103,7 @@ void MainWindow::copyIndexes()
     setup.setOnExport([&](const IndexExportOptions &options) {
         ExportIndexes progress(*doc, selectionText, rows, options, QLocale(), mIsSwedish, &setup);
         progress.exec();
-        done = progress.done();
+        done = progress.copied();
     });
     setup.exec();
     if (done)
