@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "gui/shell/appicon.h"
+
+// The icons are compiled into the static GUI library so that the program
+// shows them wherever it is installed; a static library's resources must be
+// registered explicitly, and only from the global namespace.
+static void registerIconResources()
+{
+    Q_INIT_RESOURCE(icons);
+}
+
+namespace kel {
+
+QIcon applicationIcon()
+{
+    registerIconResources();
+    return QIcon(QStringLiteral(":/icons/kelviewer.svg"));
+}
+
+QIcon documentIcon()
+{
+    registerIconResources();
+    return QIcon(QStringLiteral(":/icons/application-x-kel.svg"));
+}
+
+} // namespace kel
