@@ -23,11 +23,12 @@ set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION science)
 set(CPACK_DEBIAN_PACKAGE_HOMEPAGE "${KEL_HOMEPAGE_URL}")
-# The libraries the programs link come from dpkg-shlibdeps; Qt's platform
-# plugins are loaded at run time, so no link line names them, and without
-# them the viewer cannot open a window.
+# The libraries the programs link come from dpkg-shlibdeps. Plugins are
+# loaded at run time, so no link line names them: Qt's platform plugins
+# (without them the viewer cannot open a window) and Qt SVG's icon engine,
+# which draws the window icon.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_DEPENDS "qt6-qpa-plugins")
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "qt6-qpa-plugins, libqt6svg6")
 # Qt's own dialogs in Swedish.
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "qt6-translations-l10n")
 set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
