@@ -34,6 +34,7 @@ expected=(
     share/bash-completion/completions/kel
     share/kelviewer/samples/employee-survey-en.kel share/kelviewer/samples/employee-survey-sv.kel
     share/doc/kelviewer/help/en/index.html share/doc/kelviewer/help/sv/index.html
+    share/doc/kelviewer/copyright
 )
 for f in "${expected[@]}"; do
     [ -f "$prefix/$f" ] || fail "not installed: $f"
@@ -88,8 +89,9 @@ query() { xdg-mime query filetype "$1" 2>/dev/null; }
     || fail "a renamed survey is '$(query "$tmp/files/renamed-survey.dat")' (magic bytes not matched)"
 [ "$(query "$tmp/files/magic-only.bin")" = application/x-kel ] || fail "the two magic words alone are not recognised"
 [ "$(query "$tmp/files/notes.dat")" != application/x-kel ] || fail "a text file is taken for a KEL document"
-grep -q "^application/x-kel=.*$app_id.desktop" "$share/applications/mimeinfo.cache" \
-    || fail "the desktop entry is not registered for application/x-kel"
+export XDG_CONFIG_HOME=$tmp/config
+default=$(xdg-mime query default application/x-kel 2>/dev/null)
+[ "$default" = "$app_id.desktop" ] || fail "a .kel file would open with '$default', not $app_id.desktop"
 grep -q 'xml:lang="sv"' "$share/mime/packages/kelviewer.xml" || fail "MIME type has no Swedish description"
 
 # --- the installed programs, with no display at all
