@@ -50,7 +50,7 @@ for f in /usr/bin/kelviewer /usr/bin/kel \
     /usr/share/icons/hicolor/48x48/mimetypes/application-x-kel.png \
     /usr/share/man/man1/kel.1.gz /usr/share/man/man1/kelviewer.1.gz \
     /usr/share/bash-completion/completions/kel \
-    /usr/share/kelviewer/samples/employee-survey-en.kel; do
+    /usr/share/kelviewer/samples/employee-survey-en.kel /usr/share/doc/kelviewer/copyright; do
     grep -qx "$f" "$tmp/files" || fail "the package lacks $f"
 done
 outside=$(grep -v -e '^/usr/' -e '^/$' "$tmp/files")
