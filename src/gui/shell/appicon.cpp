@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "gui/shell/appicon.h"
 
-// The icons are compiled into the static GUI library so that the program
-// shows them wherever it is installed; a static library's resources must be
+// The icon is compiled into the static GUI library so that the program
+// shows it wherever it is installed; a static library's resources must be
 // registered explicitly, and only from the global namespace.
 static void registerIconResources()
 {
@@ -15,12 +15,6 @@ QIcon applicationIcon()
 {
     registerIconResources();
     return QIcon(QStringLiteral(":/icons/kelviewer.svg"));
-}
-
-QIcon documentIcon()
-{
-    registerIconResources();
-    return QIcon(QStringLiteral(":/icons/application-x-kel.svg"));
 }
 
 } // namespace kel

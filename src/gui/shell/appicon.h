@@ -13,7 +13,4 @@ inline constexpr char DesktopFileName[] = "se.brennvik.kelviewer";
 /// windows and the About box. Null when the platform cannot draw SVG.
 QIcon applicationIcon();
 
-/// The icon of a KEL document.
-QIcon documentIcon();
-
 } // namespace kel
