@@ -12,6 +12,8 @@ packages=(
     clang libclang-rt-14-dev
     fonts-liberation
     xvfb xauth
+    librsvg2-bin desktop-file-utils appstream shared-mime-info xdg-utils libfile-mimeinfo-perl
+    man-db bash-completion dpkg-dev
 )
 
 missing=()

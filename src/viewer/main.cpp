@@ -6,6 +6,7 @@
 #include "gui/shell/mainwindow.h"
 #include "engine/settings/settingsstore.h"
 #include "gui/shell/startup.h"
+#include "gui/shell/appicon.h"
 
 #include <QApplication>
 #include <QDir>
@@ -19,6 +20,7 @@
 
 #include <zlib.h>
 
+#include <cstdio>
 #include <memory>
 
 #ifdef Q_OS_WIN
@@ -78,14 +80,39 @@ QString lockFilePath()
     return QDir(QDir::tempPath()).filePath(QStringLiteral("kelviewer-%1.lock").arg(user));
 }
 
+// --help and --version answer on standard output without a window, so they
+// work where there is no display (a shell over ssh, a package check).
+int printRequestedText(int argc, char *argv[], kel::StartupRequest request, const QString &languageOption)
+{
+    QCoreApplication app(argc, argv);
+    const bool isSwedish = kel::chooseIsSwedish(
+        kel::userInterfaceLocale(), qEnvironmentVariable(kel::LanguageEnvironmentVariable), languageOption);
+    const QString text = request == kel::StartupRequest::Help ? kel::startupHelpText(isSwedish)
+                                                                : kel::startupVersionText(QStringLiteral(KEL_VERSION));
+    std::fputs(text.toLocal8Bit().constData(), stdout);
+    return 0;
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
 {
+    {
+        QStringList raw;
+        for (int i = 1; i < argc; ++i)
+            raw << QString::fromLocal8Bit(argv[i]);
+        const kel::StartupArguments early = kel::parseStartupArguments(raw);
+        const kel::StartupRequest request = kel::startupRequest(early);
+        if (request != kel::StartupRequest::Run)
+            return printRequestedText(argc, argv, request, early.languageOption);
+    }
+
     QApplication app(argc, argv);
     QApplication::setOrganizationName(QString::fromUtf8(kel::OrganizationName));
     QApplication::setApplicationName(kel::applicationTitle());
     QApplication::setApplicationVersion(QStringLiteral(KEL_VERSION));
+    QApplication::setWindowIcon(kel::applicationIcon());
+    QGuiApplication::setDesktopFileName(QString::fromLatin1(kel::DesktopFileName));
 
     const kel::StartupArguments arguments = kel::parseStartupArguments(commandLineArguments());
     std::unique_ptr<QSplashScreen> splash;

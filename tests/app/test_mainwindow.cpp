@@ -759,6 +759,30 @@ TEST(DroppedFiles, OnlyOneLocalKelFileIsTaken)
                     .isEmpty());
 }
 
+#ifdef KEL_HAVE_WRITER
+// A renamed document still shows as one on the desktop (by its magic words),
+// so it can be dropped; a file that only carries the name cannot fool it.
+TEST(DroppedFiles, RenamedDocumentsAreKnownByTheirContent)
+{
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    const QString renamed = dir.filePath(QStringLiteral("survey.dat"));
+    ASSERT_TRUE(writer::employeeSurvey(false).writeFile(renamed));
+    EXPECT_EQ(droppedDocument({QUrl::fromLocalFile(renamed)}), renamed);
+
+    const QString notes = dir.filePath(QStringLiteral("notes.dat"));
+    const QString shortFile = dir.filePath(QStringLiteral("short.dat"));
+    QByteArray magicOnly;
+    magicOnly.append("\x98\xF0\x8B\x5A\x51\x44\x8E", 7); // one byte short of both words
+    ASSERT_TRUE(writer::writeBytes(notes, QByteArrayLiteral("plain text, not a survey\n")));
+    ASSERT_TRUE(writer::writeBytes(shortFile, magicOnly));
+    EXPECT_TRUE(droppedDocument({QUrl::fromLocalFile(notes)}).isEmpty());
+    EXPECT_TRUE(droppedDocument({QUrl::fromLocalFile(shortFile)}).isEmpty());
+    EXPECT_TRUE(droppedDocument({QUrl::fromLocalFile(dir.filePath(QStringLiteral("missing.dat")))}).isEmpty());
+    EXPECT_TRUE(droppedDocument({QUrl::fromLocalFile(dir.path())}).isEmpty());
+}
+#endif
+
 int main(int argc, char **argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");

@@ -35,14 +35,20 @@ const Command Commands[] = {
      "[--items total,blocks,subblocks,questions,userblocks] [--full-text] [--columns] [--settings FILE]"},
 };
 
-int usage()
+QString usageText()
 {
     QString text = QStringLiteral("usage:\n");
     for (const FileCommand &c : FileCommands)
         text += QStringLiteral("  kel %1\n").arg(QLatin1String(c.synopsis));
     for (const Command &c : Commands)
         text += QStringLiteral("  kel %1\n").arg(QLatin1String(c.synopsis));
-    kel::cli::printErr(text);
+    text += QStringLiteral("  kel --help | --version\n");
+    return text;
+}
+
+int usage()
+{
+    kel::cli::printErr(usageText());
     return kel::cli::UsageError;
 }
 
@@ -55,6 +61,15 @@ int main(int argc, char *argv[])
     if (args.isEmpty())
         return usage();
     const QString name = args.takeFirst();
+    // Asked for, the usage is the answer, not an error.
+    if (name == QLatin1String("--help") || name == QLatin1String("-h")) {
+        kel::cli::printOut(usageText());
+        return 0;
+    }
+    if (name == QLatin1String("--version")) {
+        kel::cli::printOut(QStringLiteral("kel (KEL Viewer) %1\n").arg(QLatin1String(KEL_VERSION)));
+        return 0;
+    }
     for (const FileCommand &c : FileCommands)
         if (name == QLatin1String(c.name))
             return c.run(args);

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "gui/shell/aboutbox.h"
 
+#include "gui/shell/appicon.h"
+
 #include "texts/language.h"
 #include "engine/document/documentreader.h"
 
 #include <QCoreApplication>
 #include <QDialogButtonBox>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QSysInfo>
 #include <QVBoxLayout>
@@ -29,6 +32,9 @@ AboutBox::AboutBox(bool isSwedish, QWidget *parent) : QDialog(parent)
     setObjectName(QStringLiteral("frmAbout"));
     setWindowTitle(isSwedish ? QStringLiteral("Om ") + applicationTitle()
                              : QStringLiteral("About ") + applicationTitle());
+    auto *icon = new QLabel(this);
+    icon->setObjectName(QStringLiteral("imgIcon"));
+    icon->setPixmap(applicationIcon().pixmap(64, 64));
     auto *title = new QLabel(QStringLiteral("<h2>%1</h2>").arg(applicationTitle().toHtmlEscaped()), this);
     const QString version = QStringLiteral("Version ") + QCoreApplication::applicationVersion();
     const QString revision = QStringLiteral("KEL Revision: %1").arg(ReaderRevision);
@@ -40,7 +46,10 @@ AboutBox::AboutBox(bool isSwedish, QWidget *parent) : QDialog(parent)
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok, this);
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     auto *layout = new QVBoxLayout(this);
-    layout->addWidget(title);
+    auto *heading = new QHBoxLayout;
+    heading->addWidget(icon);
+    heading->addWidget(title, 1);
+    layout->addLayout(heading);
     layout->addWidget(details);
     layout->addWidget(buttons);
 }

@@ -10,6 +10,7 @@
 #include "texts/statusline.h"
 #include "gui/shell/waitcursor.h"
 #include "engine/document/document.h"
+#include "engine/document/kelformat.h"
 #include "engine/indexes/columnindex.h"
 #include "engine/overview/sheetlayout.h"
 #include "gui/overview/sheetview.h"
@@ -21,6 +22,7 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDir>
+#include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QFontMetrics>
@@ -34,6 +36,7 @@
 #include <QStandardPaths>
 #include <QStatusBar>
 #include <QUrl>
+#include <QtEndian>
 
 #include <optional>
 
@@ -73,12 +76,26 @@ MainWindowEnvironment MainWindowEnvironment::detect()
     return e;
 }
 
+// The desktop recognises a renamed document by the two magic words it starts
+// with (its MIME type says so); the drop must take what the desktop offers.
+static bool startsLikeKelDocument(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    const QByteArray head = file.read(8);
+    return head.size() == 8 && qFromLittleEndian<quint32>(head.constData()) == format::Magic1
+        && qFromLittleEndian<quint32>(head.constData() + 4) == format::Magic2;
+}
+
 QString droppedDocument(const QList<QUrl> &urls)
 {
     if (urls.size() != 1 || !urls.first().isLocalFile())
         return QString();
     const QString path = urls.first().toLocalFile();
-    return path.endsWith(QLatin1String(".kel"), Qt::CaseInsensitive) ? path : QString();
+    if (path.endsWith(QLatin1String(".kel"), Qt::CaseInsensitive))
+        return path;
+    return startsLikeKelDocument(path) ? path : QString();
 }
 
 MainWindow::MainWindow(SettingsStore &settings, bool isSwedish, const MainWindowEnvironment &environment,

@@ -71,6 +71,44 @@ StartupArguments parseStartupArguments(const QStringList &arguments)
     return result;
 }
 
+StartupRequest startupRequest(const StartupArguments &arguments)
+{
+    StartupRequest request = StartupRequest::Run;
+    for (const QString &a : arguments.commandArguments) {
+        if (a == QLatin1String("--help") || a == QLatin1String("-h"))
+            return StartupRequest::Help;
+        if (a == QLatin1String("--version"))
+            request = StartupRequest::Version;
+    }
+    return request;
+}
+
+QString startupHelpText(bool isSwedish)
+{
+    return pickText(isSwedish,
+                    "Usage: kelviewer [FILE] [--lang en|sv] [/AutoStart]\n"
+                    "\n"
+                    "Opens FILE, a KEL survey document, in KEL Viewer.\n"
+                    "\n"
+                    "  --lang en|sv  language of the interface; overrides KELVIEWER_LANG and the locale\n"
+                    "  /AutoStart    start without the splash window\n"
+                    "  --help        show this text and exit\n"
+                    "  --version     show the version and exit\n",
+                    "Användning: kelviewer [FIL] [--lang en|sv] [/AutoStart]\n"
+                    "\n"
+                    "Öppnar FIL, ett KEL-enkätdokument, i KEL Viewer.\n"
+                    "\n"
+                    "  --lang en|sv  gränssnittets språk; går före KELVIEWER_LANG och språkinställningen\n"
+                    "  /AutoStart    starta utan startfönstret\n"
+                    "  --help        visa den här texten och avsluta\n"
+                    "  --version     visa versionen och avsluta\n");
+}
+
+QString startupVersionText(const QString &version)
+{
+    return applicationTitle() + QLatin1Char(' ') + version + QLatin1Char('\n');
+}
+
 ZlibCheck checkZlibVersion(const char *version)
 {
     if (version == nullptr || version[0] == '\0')

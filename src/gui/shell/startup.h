@@ -29,6 +29,20 @@ struct StartupArguments {
 /// trailing `--lang` without value are removed from the list.
 StartupArguments parseStartupArguments(const QStringList &arguments);
 
+/// What the command line asks for: the viewer, or only a text on standard
+/// output (for shells and package checks, which may have no display).
+enum class StartupRequest { Run, Help, Version };
+
+/// `--help` (or `-h`) anywhere among the command arguments asks for the
+/// usage, `--version` for the version; help wins when both are given.
+StartupRequest startupRequest(const StartupArguments &arguments);
+
+/// The usage printed for --help.
+QString startupHelpText(bool isSwedish);
+
+/// The line printed for --version.
+QString startupVersionText(const QString &version);
+
 enum class ZlibCheck { Ok, Missing, Incompatible };
 
 /// A usable zlib reports a version text whose first character matches that of
