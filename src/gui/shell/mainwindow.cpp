@@ -16,6 +16,7 @@
 #include "engine/selection/counting.h"
 #include "gui/selection/detailwindow.h"
 #include "gui/selection/navigatorwindow.h"
+#include "gui/graphs/graphcommands.h"
 
 #include <QAction>
 #include <QApplication>
@@ -115,6 +116,7 @@ MainWindow::MainWindow(SettingsStore &settings, bool isSwedish, const MainWindow
     mMenus = buildMainMenus(menuBar(), this, isSwedish);
     mMenus.mnuFPrintFormat->setEnabled(mEnvironment.printerInstalled);
     connectMenus();
+    connectBasicGraphCommands(*this);
 
     mLastSettings = mSettings.readLastSettings();
     resolveDefaultFolders(mLastSettings, documentsFolder(), picturesFolder());
@@ -396,6 +398,7 @@ void MainWindow::resetForNoDocument()
 {
     // Every window of the three tables shows the old document.
     closeSlotWindows();
+    mSteps = SelectionSteps();
 
     mMenus.mnuVDetailInfo->setEnabled(false);
     mMenus.mnuVDetailInfo->setChecked(false);
@@ -480,6 +483,13 @@ WindowSlotTable &MainWindow::windowSlots(SlotTable table)
     case SlotTable::ChartGraphs: break;
     }
     return mChartGraphs;
+}
+
+void MainWindow::storeQuestionGraphDefaultSize(qint32 windowWidthTwips, qint32 barWidth)
+{
+    mLastSettings.questionGraphWindowWidth = windowWidthTwips;
+    mLastSettings.questionGraphBarWidth = barWidth;
+    mSettings.writeLastSettings(mLastSettings);
 }
 
 void MainWindow::closeAllGraphWindows()
@@ -719,6 +729,8 @@ QString MainWindow::showSelection(const SelectionMatrix &selection)
 void MainWindow::showSubSheet(const Document &doc, const SubSheet &sheet)
 {
     setDataRowsAllowed(sheet.dataRowsAllowed);
+    mSteps = sheet.steps;
+    enableSplitByItems(mMenus, mSteps.splitNotAllowed);
     setSelectionPanels(qint32(sheet.rows.size()), sheet.steps.selectionText);
 
     SheetInput input;
@@ -796,6 +808,7 @@ void MainWindow::showSheetPopup(const SheetHit &hit, const QPoint &globalPos)
 {
     if (hit.place == SheetPlace::Outside || !document())
         return;
+    mPopupHit = hit;
     preparePopup(hit);
     mMenus.mnuPopUp->popup(globalPos);
 }
