@@ -215,7 +215,7 @@ void enableSplitByItems(MainMenus &menus, const std::vector<bool> &splitNotAllow
 {
     for (QList<QAction *> *items : {&menus.mnuPS1SplitByColumn, &menus.mnuPS2SplitByColumn}) {
         for (qsizetype c = 0; c < items->size(); ++c)
-            (*items)[c]->setEnabled(std::size_t(c) < splitNotAllowed.size() && !splitNotAllowed[std::size_t(c)]);
+            (*items)[c]->setEnabled(std::size_t(c) >= splitNotAllowed.size() || !splitNotAllowed[std::size_t(c)]);
     }
 }
 

@@ -399,6 +399,7 @@ void MainWindow::resetForNoDocument()
     // Every window of the three tables shows the old document.
     closeSlotWindows();
     mSteps = SelectionSteps();
+    enableSplitByItems(mMenus, mSteps.splitNotAllowed);
 
     mMenus.mnuVDetailInfo->setEnabled(false);
     mMenus.mnuVDetailInfo->setChecked(false);
