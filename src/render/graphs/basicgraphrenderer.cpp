@@ -410,7 +410,12 @@ bool BasicGraphRenderer::drawFraction(QPainter &painter, const QRect &R, int out
             painter.drawText(QRect(barLeft - gx - w, y, w, barHeight), Qt::AlignRight | Qt::AlignVCenter, marker);
             labelWidth -= w + gx / 2;
         }
-        painter.drawText(QRect(R.left(), y, labelWidth, barHeight), Qt::AlignLeft | Qt::AlignVCenter | Qt::TextWordWrap,
+        // A label taller than its bar starts at the bar's top rather than
+        // losing its first line above it.
+        const QRect labelRect(R.left(), y, labelWidth, barHeight);
+        const int labelHeight = metrics.boundingRect(labelRect, Qt::TextWordWrap, g.label).height();
+        painter.drawText(labelRect,
+                         Qt::AlignLeft | Qt::TextWordWrap | (labelHeight > barHeight ? Qt::AlignTop : Qt::AlignVCenter),
                          g.label);
         qint64 sum = 0;
         int start = barLeft;
