@@ -201,7 +201,9 @@ std::optional<FractionGraphDefaultSize> BasicGraphWindow::currentDefaultSize() c
     const double free = height() - mRenderer->titleBlockHeight() - mRenderer->selectionBlockHeight(inner)
         - mRenderer->legendBlockHeight(inner) - u.textHeight() - u.gapY() - u.borderHeight() - 2 * Margin;
     FractionGraphDefaultSize size;
-    size.windowWidthTwips = qint32(std::nearbyint(frameGeometry().width() * TwipsPerInch / logicalDpiX()));
+    // The width the window is opened with, so that storing and reopening
+    // keeps it (the frame is the window manager's).
+    size.windowWidthTwips = qint32(std::nearbyint(width() * TwipsPerInch / logicalDpiX()));
     size.barWidth = qint32(std::nearbyint(free / double(description().groups.size())));
     return size;
 }
