@@ -3,6 +3,8 @@
 // commands of the main window, off-screen, on a document written by the
 // test writer and opened as the user opens it.
 #include "engine/document/document.h"
+#include "engine/document/documentreader.h"
+#include "gui/graphs/questionselectdialog.h"
 #include "gui/graphs/basicgraphwindow.h"
 #include "gui/graphs/graphcommands.h"
 #include "gui/overview/sheetview.h"
@@ -15,6 +17,9 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QFile>
+#include <QLabel>
+#include <QListWidget>
+#include <QPushButton>
 #include <QMenu>
 #include <QTemporaryDir>
 #include <QTest>
@@ -293,4 +298,38 @@ TEST_F(GraphCommandsTest, ViewMenuBlockItems)
     // Closing the document closes the graph windows.
     window->closeDocument();
     EXPECT_TRUE(visibleGraphs().empty());
+}
+
+TEST(QuestionSelectDialogTest, OffersTheOtherOverviewQuestionsThatMaySplit)
+{
+    SurveyBuilder b(3);
+    b.addQuestion({.heading = QStringLiteral("Hidden"), .inOverview = false}, {{.text = QStringLiteral("a")}});
+    const qint32 q = b.addQuestion({.heading = QStringLiteral("R&D"), .text = QStringLiteral("Research?")},
+                                   {{.text = QStringLiteral("a")}});
+    b.addQuestion({.heading = QStringLiteral("Gate"), .text = QStringLiteral("Refused")}, {{.text = QStringLiteral("a")}});
+    b.addQuestion({.heading = QStringLiteral("Size"), .text = QStringLiteral("How big?")},
+                  {{.text = QStringLiteral("a")}});
+    ReadResult read = readDocumentBytes(b.toBytes());
+    ASSERT_TRUE(read.document);
+    const Document &doc = *read.document;
+
+    QuestionSelectDialog dialog(doc, q, [](qint32 s) { return s != 2; }, true);
+    EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Välj fördelningsfråga"));
+    EXPECT_EQ(dialog.lblQuestionsLabel->text(), QStringLiteral("&Visa R&&D fördelad på:"));
+    EXPECT_EQ(dialog.cmdCancel->text(), QStringLiteral("Avbryt"));
+    ASSERT_EQ(dialog.lstQuestions->count(), 1); // not itself, not hidden, not gated
+    EXPECT_EQ(dialog.lstQuestions->item(0)->text(), QStringLiteral("Size"));
+    EXPECT_FALSE(dialog.cmdOK->isEnabled());
+
+    dialog.lstQuestions->setCurrentRow(0);
+    EXPECT_TRUE(dialog.cmdOK->isEnabled());
+    EXPECT_EQ(dialog.lblQuestionFullText->text(), QStringLiteral("How big?"));
+    dialog.lstQuestions->setCurrentRow(-1);
+    EXPECT_FALSE(dialog.cmdOK->isEnabled());
+    EXPECT_TRUE(dialog.lblQuestionFullText->text().isEmpty());
+
+    dialog.lstQuestions->setCurrentRow(0);
+    dialog.cmdOK->click();
+    EXPECT_TRUE(dialog.accepted());
+    EXPECT_EQ(dialog.chosenQuestion(), 3);
 }
