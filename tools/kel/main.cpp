@@ -33,6 +33,9 @@ const Command Commands[] = {
     {"indexes", kel::cli::indexesCommand,
      "indexes FILE [--select SPEC] [--flex OPTS] [--flex-current] [--total] [--category Q]... [--counts] "
      "[--items total,blocks,subblocks,questions,userblocks] [--full-text] [--columns] [--settings FILE]"},
+    {"graph", kel::cli::graphCommand,
+     "graph FILE [--select SPEC] [--flex OPTS] [--flex-current] [--reversed] [--short-names] [--locale NAME] "
+     "KIND [KIND OPTIONS]"},
 };
 
 QString usageText()

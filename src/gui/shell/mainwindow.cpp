@@ -17,6 +17,7 @@
 #include "engine/selection/counting.h"
 #include "gui/selection/detailwindow.h"
 #include "gui/selection/navigatorwindow.h"
+#include "gui/graphs/graphcommands.h"
 
 #include <QAction>
 #include <QApplication>
@@ -133,6 +134,7 @@ MainWindow::MainWindow(SettingsStore &settings, bool isSwedish, const MainWindow
     mMenus.mnuFPrintFormat->setEnabled(mEnvironment.printerInstalled);
     connectMenus();
     connectDocumentCommands();
+    connectBasicGraphCommands(*this);
 
     mLastSettings = mSettings.readLastSettings();
     resolveDefaultFolders(mLastSettings, documentsFolder(), picturesFolder());
@@ -415,6 +417,8 @@ void MainWindow::resetForNoDocument()
 {
     // Every window of the three tables shows the old document.
     closeSlotWindows();
+    mSteps = SelectionSteps();
+    enableSplitByItems(mMenus, mSteps.splitNotAllowed);
 
     mMenus.mnuVDetailInfo->setEnabled(false);
     mMenus.mnuVDetailInfo->setChecked(false);
@@ -500,6 +504,13 @@ WindowSlotTable &MainWindow::windowSlots(SlotTable table)
     case SlotTable::ChartGraphs: break;
     }
     return mChartGraphs;
+}
+
+void MainWindow::storeQuestionGraphDefaultSize(qint32 windowWidthTwips, qint32 barWidth)
+{
+    mLastSettings.questionGraphWindowWidth = windowWidthTwips;
+    mLastSettings.questionGraphBarWidth = barWidth;
+    mSettings.writeLastSettings(mLastSettings);
 }
 
 void MainWindow::closeAllGraphWindows()
@@ -739,6 +750,8 @@ QString MainWindow::showSelection(const SelectionMatrix &selection)
 void MainWindow::showSubSheet(const Document &doc, const SubSheet &sheet)
 {
     setDataRowsAllowed(sheet.dataRowsAllowed);
+    mSteps = sheet.steps;
+    enableSplitByItems(mMenus, mSteps.splitNotAllowed);
     setSelectionPanels(qint32(sheet.rows.size()), sheet.steps.selectionText);
 
     SheetInput input;
@@ -816,6 +829,7 @@ void MainWindow::showSheetPopup(const SheetHit &hit, const QPoint &globalPos)
 {
     if (hit.place == SheetPlace::Outside || !document())
         return;
+    mPopupHit = hit;
     preparePopup(hit);
     mMenus.mnuPopUp->popup(globalPos);
 }

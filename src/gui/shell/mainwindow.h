@@ -9,6 +9,7 @@
 #include "gui/shell/windowpool.h"
 #include "engine/settings/settingsstore.h"
 #include "engine/indexes/indexexport.h"
+#include "engine/overview/sheetlayout.h"
 #include "engine/overview/subsheet.h"
 #include "engine/selection/flextotal.h"
 #include "engine/selection/selectionmatrix.h"
@@ -101,6 +102,15 @@ public:
     /// click on `hit` and enables them for its row and question.
     void preparePopup(const SheetHit &hit);
 
+    /// The place the overview's popup menu was last opened on.
+    const SheetHit &popupHit() const { return mPopupHit; }
+    /// The selection steps of the overview on screen (split-by permissions,
+    /// selection text, difference from the used total).
+    const SelectionSteps &selectionSteps() const { return mSteps; }
+    /// Set as Default Size of a fraction graph: kept for this run and stored.
+    void storeQuestionGraphDefaultSize(qint32 windowWidthTwips, qint32 barWidth);
+    void showMessage(QMessageBox::Icon icon, const QString &title, const QString &text);
+
     /// Message boxes go through here so that tests can record them.
     using MessageHandler = std::function<void(QMessageBox::Icon, const QString &title, const QString &text)>;
     void setMessageHandler(MessageHandler handler) { mMessageHandler = std::move(handler); }
@@ -137,7 +147,6 @@ private:
     void rebuildRecentFilesMenu();
     void rebuildBlockMenus();
     void closeSlotWindows();
-    void showMessage(QMessageBox::Icon icon, const QString &title, const QString &text);
     void loadPlacement();
     void savePlacement();
     QString openDialogTitle() const;
@@ -174,6 +183,8 @@ private:
     FlexTotal mFlexTotal;
     RowRandom mRowRandom; // seeded once per run from the clock
     IndexExportOptions mExportOptions; // Copy Indexes' choices, reset with the document
+    SheetHit mPopupHit;
+    SelectionSteps mSteps;
 };
 
 /// The path of the one local file with the .kel extension (any case) in

@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// frmBasicGraph: a pooled window that shows one question or block graph,
+// drawn by the basic graph renderer. It keeps its own copy of the
+// description, so later graphs never change it.
+#pragma once
+
+#include "render/graphs/basicgraphrenderer.h"
+
+#include <QWidget>
+
+#include <functional>
+#include <optional>
+
+class QAction;
+class QMenu;
+
+namespace kel {
+
+class StatusLine;
+
+/// What the document allows the window to do with its graph.
+struct GraphPermissions {
+    bool allowCopy = false;
+    bool allowPrint = false;
+    bool allowSavePicture = false;
+};
+
+/// The stored default size of fraction graph windows.
+struct FractionGraphDefaultSize {
+    qint32 windowWidthTwips = 9300; ///< "Question Graph Window Width"
+    qint32 barWidth = 46;           ///< "Question Graph Bar Width", pixels per group
+};
+
+class BasicGraphWindow : public QWidget
+{
+    Q_OBJECT
+public:
+    BasicGraphWindow(bool isSwedish, StatusLine &status, QWidget *parent = nullptr);
+    ~BasicGraphWindow() override;
+
+    /// Takes a copy of `description`, turns percentage mode off, shows the
+    /// menu items of its kind and, for fraction graphs, sizes the window from
+    /// `defaults`. Returns false when nothing could be set up.
+    bool setUpGraph(const BasicGraphDescription &description, const GraphPermissions &permissions,
+                    const FractionGraphDefaultSize &defaults);
+
+    /// Called by Set as Default Size with the values to store.
+    void setDefaultSizeHandler(std::function<void(const FractionGraphDefaultSize &)> handler)
+    {
+        mStoreDefaultSize = std::move(handler);
+    }
+
+    const BasicGraphDescription &description() const;
+    bool percentage() const { return mPercentage; }
+    void setPercentage(bool on);
+    /// The default size that Set as Default Size would store now.
+    std::optional<FractionGraphDefaultSize> currentDefaultSize() const;
+    /// Whether the last paint found the graph too big for the window.
+    bool graphTooBig() const { return mTooBig; }
+
+    // The copy / print / save commands of the picture pipeline, for whoever
+    // wires them: the picture's size and a routine that paints it.
+    QSize pictureSize(bool keepWhiteSpace, int scale) const;
+    void paintPicture(QPainter &painter, bool keepWhiteSpace, bool opaque, int scale) const;
+
+    QMenu *popupMenu() const { return mPopup; }
+    QAction *mnuPUsePercentage = nullptr;
+    QAction *mnuPBar1 = nullptr;
+    QAction *mnuPCopy = nullptr;
+    QAction *mnuPCopyValues = nullptr;
+    QAction *mnuPCopyLegends = nullptr;
+    QAction *mnuPPrint = nullptr;
+    QAction *mnuPSave = nullptr;
+    QAction *mnuPBar3 = nullptr;
+    QAction *mnuPSetAsDefaultSize = nullptr;
+    QAction *mnuPClose = nullptr;
+
+    void copyValues();
+    void copyLegends();
+    void setAsDefaultSize();
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+
+private:
+    BasicGraphUnits screenUnits() const;
+
+    bool mIsSwedish;
+    StatusLine &mStatus;
+    std::optional<BasicGraphRenderer> mRenderer;
+    GraphPermissions mPermissions;
+    bool mPercentage = false;
+    bool mTooBig = false;
+    QMenu *mPopup;
+    std::function<void(const FractionGraphDefaultSize &)> mStoreDefaultSize;
+};
+
+} // namespace kel

@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Draws a question or block graph description with plain QPainter calls: a
+// histogram of vertical bars, or a fraction graph of horizontal 100 % bars in
+// coloured segments. One routine serves the window, and the clipboard,
+// picture files and printer with another surface and scale.
+#pragma once
+
+#include "engine/graphs/basicgraph.h"
+
+#include <QFont>
+#include <QRect>
+#include <QString>
+
+class QPainter;
+
+namespace kel {
+
+/// Resolution divided by 96, rounded halves to even, at least 1.
+int graphScaleFactor(double dotsPerInch);
+
+/// The quantities every part of the drawing is measured in, for one surface.
+struct BasicGraphUnits {
+    int sx = 1;
+    int sy = 1;
+    int gapX() const { return 6 * sx; }
+    int gapY() const { return 6 * sy; }
+    int titleHeight() const { return 24 * sy; }
+    int textHeight() const { return 14 * sy; }
+    int labelColumn() const { return 180 * sx; }
+    int borderWidth() const { return sx; }  // the one-pixel window border, scaled
+    int borderHeight() const { return sy; }
+};
+
+class BasicGraphRenderer
+{
+public:
+    /// Copies the description; `units` come from the surface's resolution.
+    BasicGraphRenderer(BasicGraphDescription description, BasicGraphUnits units);
+
+    const BasicGraphDescription &description() const { return mDescription; }
+    const BasicGraphUnits &units() const { return mUnits; }
+    void setUnits(BasicGraphUnits units);
+
+    /// Paints the graph into `rect` (text transparent, nothing cleared).
+    /// `outline` is the thickness of outlines and legend frames (at least one
+    /// pixel is drawn). Returns false, having drawn nothing, when the graph
+    /// does not fit.
+    bool draw(QPainter &painter, const QRect &rect, int outline, bool percentage) const;
+
+    /// Title and subtitle with their gaps (0 without either).
+    int titleBlockHeight() const;
+    /// The selection text word-wrapped to `width`.
+    int selectionBlockHeight(int width) const;
+    /// The legend block laid out in `width`.
+    int legendBlockHeight(int width) const;
+
+    QFont textFont() const;
+    QFont titleFont() const;
+
+    /// The histogram's tick step for a largest bar value.
+    static int tickStep(int largestValue);
+
+private:
+    struct LegendLine;
+    bool drawHistogram(QPainter &painter, const QRect &rect, int outline, bool percentage) const;
+    bool drawFraction(QPainter &painter, const QRect &rect, int outline) const;
+    void drawCommon(QPainter &painter, const QRect &rect, int outline) const;
+    int drawLegends(QPainter *painter, const QRect &area, int outline) const;
+    QString runMarker(int run) const;
+
+    BasicGraphDescription mDescription;
+    BasicGraphUnits mUnits;
+    LegendRuns mRuns;
+};
+
+/// The fill of a stored colour (0x00BBGGRR).
+QColor graphColour(qint32 stored);
+
+} // namespace kel

@@ -1,0 +1,388 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Question and block graph data on documents written with the test writer
+// and read back through the reader.
+#include "engine/document/documentreader.h"
+#include "engine/graphs/basicgraph.h"
+#include "engine/indexes/blockindex.h"
+#include "kelwriter.h"
+
+#include <gtest/gtest.h>
+
+using namespace kel;
+using namespace kel::writer;
+
+QT_BEGIN_NAMESPACE
+inline void PrintTo(const QString &s, std::ostream *os)
+{
+    *os << '"' << s.toStdString() << '"';
+}
+QT_END_NAMESPACE
+
+namespace {
+
+std::unique_ptr<Document> readBack(const SurveyBuilder &b)
+{
+    ReadResult read = readDocumentBytes(b.toBytes());
+    EXPECT_EQ(read.code, OpenResult::Ok) << read.detail.toStdString();
+    return std::move(read.document);
+}
+
+std::vector<qint32> everyRow(const Document &doc)
+{
+    return allRows(doc);
+}
+
+BasicGraphSelection selectionOf(const std::vector<qint32> &rows)
+{
+    BasicGraphSelection s;
+    s.rows = &rows;
+    s.selectionText = QStringLiteral("Everyone");
+    s.usedTotalText = QStringLiteral("Flex");
+    s.usedTotalSize = 99;
+    return s;
+}
+
+std::vector<qint32> counts(const BasicGraphDescription &d)
+{
+    std::vector<qint32> out;
+    for (const BasicGraphBar &b : d.bars)
+        out.push_back(b.count);
+    return out;
+}
+
+std::vector<QString> legendTexts(const BasicGraphDescription &d)
+{
+    std::vector<QString> out;
+    for (const BasicGraphLegend &l : d.legends)
+        out.push_back(l.text);
+    return out;
+}
+
+} // namespace
+
+TEST(BasicGraphRounding, SharesRoundHalvesToEven)
+{
+    struct Case {
+        qint64 count, scale, total;
+        qint32 expected;
+    };
+    const Case cases[] = {
+        {1, 1000, 8, 125}, {1, 1000, 3, 333}, {2, 1000, 3, 667}, {1, 1000, 16, 62},  // 62.5 -> 62
+        {3, 1000, 16, 188},                                                           // 187.5 -> 188
+        {1, 100, 8, 12},   {3, 100, 8, 38},   {5, 100, 8, 62},   {7, 100, 8, 88},     // 12.5, 37.5, 62.5, 87.5
+        {0, 1000, 0, 0},   {4, 1000, 4, 1000}, {1, 100, 200, 0},                       // 0.5 -> 0
+    };
+    for (const Case &c : cases)
+        EXPECT_EQ(roundedShare(c.count, c.scale, c.total), c.expected)
+            << c.count << " x " << c.scale << " / " << c.total;
+}
+
+// X set: alternative 0 means "no answer". It carries points 0 here, so it
+// counts in the index as well as in the denominator.
+TEST(BasicGraphData, HiddenFirstAlternativeCountsButIsNeverDrawn)
+{
+    SurveyBuilder b(8);
+    b.header().pointsScale = 10;
+    b.header().firstAlternativeIsNoAnswer = FileTrue;
+    const qint32 q = b.addQuestion({.code = QStringLiteral("Q1"), .heading = QStringLiteral("Pay"),
+                                    .text = QStringLiteral("Is the pay fair?")},
+                                   {{.text = QStringLiteral("No answer"), .points = 0},
+                                    {.text = QStringLiteral("Yes"), .points = 40},
+                                    {.text = QStringLiteral("No"), .points = 0}});
+    b.setAnswers(q, {0, 0, 0, 0, 0, 0, 1, 2}); // six hidden, one yes, one no
+    auto doc = readBack(b);
+    const auto rows = everyRow(*doc);
+    const BasicGraphResult r =
+        generateBasicGraph(*doc, {.questions = {q}, .name = QStringLiteral("Pay")}, selectionOf(rows));
+    ASSERT_EQ(r.outcome, BasicGraphOutcome::Ok);
+    const BasicGraphDescription &d = r.description;
+    ASSERT_EQ(d.groups.size(), 1u);
+    EXPECT_EQ(d.groups[0].barCount, 2);
+    EXPECT_EQ(legendTexts(d), (std::vector<QString>{QStringLiteral("Yes"), QStringLiteral("No")}));
+    ASSERT_EQ(d.bars.size(), 2u);
+    EXPECT_EQ(d.bars[0].perMille, 125); // 1 of 8, not 1 of 2
+    EXPECT_EQ(d.bars[0].percentText, QStringLiteral("12"));
+    // Index: 40 points over 8 answers / scale 10 = 0.5 (0.0 would be 1 of 2 -> 2.0).
+    EXPECT_EQ(d.groups[0].label, QStringLiteral("Q1 (0.5) Is the pay fair?"));
+    EXPECT_EQ(d.caption, QStringLiteral("Question Histogram: Pay"));
+    EXPECT_TRUE(d.totalText.isEmpty()); // one group
+}
+
+// A block of three questions: two share one answer scale, the third has its
+// own; a fourth, outside the graphed list, has one alternative.
+class BlockGraph : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        SurveyBuilder b(6);
+        b.header().pointsScale = 100;
+        b.header().language = b.text(QStringLiteral("sv"));
+        block = b.addBlock({.name = QStringLiteral("Arbete")});
+        q1 = b.addQuestion({.code = QStringLiteral("A"), .heading = QStringLiteral("H1"), .text = QStringLiteral("T1"),
+                            .block = block},
+                           {{.text = QStringLiteral("low"), .points = 0, .colour = 0x0000FF},
+                            {.text = QStringLiteral("high"), .points = 100, .colour = 0xFFFFFF, .graphAttribute = 1,
+                             .sortValue = 1}});
+        q2 = b.addQuestionLike({.code = QStringLiteral("B"), .heading = QStringLiteral("H2"),
+                                .text = QStringLiteral("T2"), .block = block},
+                               q1);
+        q3 = b.addQuestion({.code = QStringLiteral("C"), .heading = QStringLiteral("H3"), .text = QStringLiteral("T3"),
+                            .block = block},
+                           {{.text = QStringLiteral("x"), .points = 100, .sortValue = 1},
+                            {.text = QStringLiteral("y"), .points = 0},
+                            {.text = QStringLiteral("z")}});
+        q4 = b.addQuestion({.code = QStringLiteral("D"), .heading = QStringLiteral("H4"), .block = block},
+                           {{.text = QStringLiteral("only")}});
+        b.setAnswers(q1, {0, 0, 1, 1, 1, 1});
+        b.setAnswers(q2, {1, 1, 1, 1, 1, 1});
+        b.setAnswers(q3, {0, 1, 2, 2, 2, 2});
+        b.setRowCount(6);
+        doc = readBack(b);
+        // What the flex total's indexes would read.
+        doc->questions[std::size_t(q1)].flexTotalIndex = 0.25;
+        doc->questions[std::size_t(q2)].flexTotalIndex = -1.0;
+        doc->blocks[std::size_t(block)].flexTotalIndex = 0.75;
+        rows = everyRow(*doc);
+    }
+
+    BasicGraphDescription generate(bool showTotalIndex, std::vector<qint32> rowsUsed = {})
+    {
+        if (!rowsUsed.empty())
+            rows = rowsUsed;
+        BasicGraphRequest request{.questions = {q1, q2, q3}, .name = QStringLiteral("Arbete"), .block = block,
+                                  .showTotalIndex = showTotalIndex, .kind = FractionGraph};
+        BasicGraphResult r = generateBasicGraph(*doc, request, selectionOf(rows));
+        EXPECT_EQ(r.outcome, BasicGraphOutcome::Ok);
+        return r.description;
+    }
+
+    qint32 block = -1, q1 = -1, q2 = -1, q3 = -1, q4 = -1;
+    std::unique_ptr<Document> doc;
+    std::vector<qint32> rows;
+};
+
+TEST_F(BlockGraph, SharedScalesShareOneLegendRun)
+{
+    const BasicGraphDescription d = generate(false);
+    ASSERT_EQ(d.groups.size(), 3u);
+    // Sort values default to the points: high (1) before low (0); x (1), y (0), z (-1 last).
+    EXPECT_EQ(legendTexts(d), (std::vector<QString>{QStringLiteral("high"), QStringLiteral("low"), QStringLiteral("x"),
+                                                    QStringLiteral("y"), QStringLiteral("z")}));
+    EXPECT_EQ(d.groups[0].firstLegend, 0);
+    EXPECT_EQ(d.groups[1].firstLegend, 0);
+    EXPECT_EQ(d.groups[2].firstLegend, 2);
+    EXPECT_EQ(d.groups[2].legendCount, 3);
+    EXPECT_EQ(d.groups[2].firstBar, 4);
+    EXPECT_EQ(counts(d), (std::vector<qint32>{4, 2, 6, 0, 1, 1, 4}));
+    const LegendRuns runs = legendRuns(d);
+    EXPECT_EQ(runs.runs.size(), 2u);
+    EXPECT_EQ(runs.groupRun, (std::vector<qint32>{0, 0, 1}));
+    // Colours and outline flags travel with the bars and legends.
+    EXPECT_EQ(d.bars[0].colour, 0xFFFFFF);
+    EXPECT_EQ(d.bars[0].drawFlags, 1);
+    EXPECT_EQ(d.legends[1].colour, 0x0000FF);
+    EXPECT_EQ(d.caption, QStringLiteral("Blockgraf: Arbete"));
+    EXPECT_EQ(d.countAxisText, QStringLiteral("Antal"));
+}
+
+TEST_F(BlockGraph, LabelsAndTotalWithAndWithoutTheUsedTotal)
+{
+    const BasicGraphDescription plain = generate(false);
+    EXPECT_EQ(plain.groups[0].label, QStringLiteral("A (0.67) T1")); // 4 of 6 high
+    EXPECT_EQ(plain.groups[1].label, QStringLiteral("B (1.00) T2"));
+    // Question C: z has no points, so x and y alone: 1 of 2.
+    EXPECT_EQ(plain.groups[2].label, QStringLiteral("C (0.50) T3"));
+    // (4 + 6 + 1) / (6 + 6 + 2), in the document's language.
+    EXPECT_EQ(plain.totalText, QStringLiteral("Totalt: 0.79"));
+    EXPECT_EQ(plain.selectionText, QStringLiteral("Everyone [6]"));
+
+    const BasicGraphDescription compared = generate(true);
+    EXPECT_EQ(compared.groups[0].label, QStringLiteral("A (0.67 / 0.25) T1"));
+    EXPECT_EQ(compared.groups[1].label, QStringLiteral("B (1.00 / -) T2"));
+    EXPECT_EQ(compared.totalText, QStringLiteral("Totalt: 0.79 / 0.75"));
+    EXPECT_EQ(compared.selectionText, QStringLiteral("Everyone [6] / Flex [99]"));
+}
+
+TEST_F(BlockGraph, GroupsWithoutShownAnswersAreLeftOut)
+{
+    // Rows 0 and 1 only: question 3 has x and y, question 1 low twice.
+    const BasicGraphDescription d = generate(false, {0, 1});
+    ASSERT_EQ(d.groups.size(), 3u);
+    EXPECT_EQ(d.groups[0].firstBar, 0);
+    EXPECT_EQ(d.bars[0].count, 0);
+    EXPECT_EQ(d.bars[0].countText, QStringLiteral("0")); // the group has answers
+
+    // A question nobody in the rows answered with a shown alternative.
+    BasicGraphRequest request{.questions = {q4, q1}, .name = QStringLiteral("n")};
+    const BasicGraphResult r = generateBasicGraph(*doc, request, selectionOf(rows));
+    ASSERT_EQ(r.outcome, BasicGraphOutcome::Ok);
+    // q4's one alternative is shown and chosen by everyone: it stays. Without
+    // rows every group goes and the graph is empty.
+    EXPECT_EQ(r.description.groups.size(), 2u);
+    const std::vector<qint32> none;
+    const BasicGraphResult empty = generateBasicGraph(*doc, request, selectionOf(none));
+    EXPECT_TRUE(empty.description.groups.empty());
+    EXPECT_TRUE(empty.description.bars.empty());
+    EXPECT_TRUE(empty.description.totalText.isEmpty());
+    EXPECT_EQ(empty.description.legends.size(), 3u);
+}
+
+TEST(BasicGraphData, ReversedOrderFlipsOnlyNonNegativeSortValues)
+{
+    SurveyBuilder b(1);
+    const qint32 q = b.addQuestion({.heading = QStringLiteral("Q")}, {{.text = QStringLiteral("a"), .sortValue = 2},
+                                                                       {.text = QStringLiteral("b"), .sortValue = -1},
+                                                                       {.text = QStringLiteral("c"), .sortValue = 5},
+                                                                       {.text = QStringLiteral("d"), .sortValue = 0},
+                                                                       {.text = QStringLiteral("e"), .sortValue = -3},
+                                                                       {.text = QStringLiteral("f"), .sortValue = 2}});
+    auto doc = readBack(b);
+    const auto rows = everyRow(*doc);
+    BasicGraphSelection selection = selectionOf(rows);
+    auto order = [&] {
+        const BasicGraphResult r = generateBasicGraph(*doc, {.questions = {q}, .name = QStringLiteral("Q")}, selection);
+        QString letters;
+        for (const QString &t : legendTexts(r.description))
+            letters += t;
+        return letters;
+    };
+    EXPECT_EQ(order(), QStringLiteral("cafdbe"));
+    selection.valueOrderReversed = true;
+    EXPECT_EQ(order(), QStringLiteral("dafcbe"));
+}
+
+// Split by a category whose first alternative means "no answer" (g0 = 1).
+class SplitGraph : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        SurveyBuilder b(12);
+        b.header().pointsScale = 10;
+        b.header().firstAlternativeIsNoAnswer = FileTrue;
+        b.header().minimumGraphSelection = 3;
+        unit = b.addQuestion({.heading = QStringLiteral("Unit"), .text = QStringLiteral("Which unit?"),
+                              .isCategory = true, .inOverview = false},
+                             {{.text = QStringLiteral("none")},
+                              {.text = QStringLiteral("North side"), .shortText = QStringLiteral("N"),
+                               .countsForPrivacy = true},
+                              {.text = QStringLiteral("South side"), .shortText = QStringLiteral("S"),
+                               .countsForPrivacy = true},
+                              {.text = QStringLiteral("West side"), .countsForPrivacy = true}});
+        q = b.addQuestion({.code = QStringLiteral("Q"), .heading = QStringLiteral("Mood"), .text = QStringLiteral("How?")},
+                          {{.text = QStringLiteral("-")},
+                           {.text = QStringLiteral("good"), .points = 20},
+                           {.text = QStringLiteral("bad"), .points = 0}});
+        // Unit: 3 none, 5 north, 4 south, 0 west.
+        b.setAnswers(unit, {0, 0, 0, 1, 1, 1, 1, 1, 2, 2, 2, 2});
+        b.setAnswers(q, {1, 1, 1, 1, 1, 1, 2, 0, 2, 2, 2, 1});
+        doc = readBack(b);
+        rows = everyRow(*doc);
+    }
+    BasicGraphResult generate(const BasicGraphSelection &selection)
+    {
+        BasicGraphRequest request{.questions = {q}, .splitQuestion = unit, .name = splitGraphName(*doc, q, unit)};
+        return generateBasicGraph(*doc, request, selection);
+    }
+
+    qint32 unit = -1, q = -1;
+    std::unique_ptr<Document> doc;
+    std::vector<qint32> rows;
+};
+
+TEST_F(SplitGraph, GroupsFromTheSecondAlternativeWithIndexAndCount)
+{
+    BasicGraphSelection selection = selectionOf(rows);
+    const BasicGraphResult r = generate(selection);
+    ASSERT_EQ(r.outcome, BasicGraphOutcome::Ok);
+    const BasicGraphDescription &d = r.description;
+    EXPECT_EQ(d.title, QStringLiteral("Mood split by Unit"));
+    EXPECT_EQ(d.subTitle, QStringLiteral("How? / Which unit?"));
+    ASSERT_EQ(d.groups.size(), 2u); // "none" forms no group, West has nobody
+    // North: good 3, bad 1, hidden 1 -> index 60/4/10; per mille of 5 answers.
+    EXPECT_EQ(d.groups[0].label, QStringLiteral("North side (1.5) [5]"));
+    EXPECT_EQ(counts(d), (std::vector<qint32>{3, 1, 1, 3}));
+    EXPECT_EQ(d.bars[0].perMille, 600);
+    EXPECT_EQ(d.groups[1].label, QStringLiteral("South side (0.5) [4]"));
+    // Over North and South only: 80 points / 8 answers with points / 10.
+    EXPECT_EQ(d.totalText, QStringLiteral("Total: 1.0"));
+    EXPECT_TRUE(d.caption.startsWith(QStringLiteral("Question Histogram: ")));
+
+    selection.shortCategoryNames = true;
+    EXPECT_EQ(generate(selection).description.groups[0].label, QStringLiteral("N (1.5) [5]"));
+}
+
+TEST_F(SplitGraph, OneGroupAfterTheSkippedOneHasNoTotal)
+{
+    const std::vector<qint32> northOnly{0, 1, 2, 3, 4, 5, 6, 7};
+    const BasicGraphResult r = generate(selectionOf(northOnly));
+    ASSERT_EQ(r.outcome, BasicGraphOutcome::Ok);
+    EXPECT_EQ(r.description.groups.size(), 1u);
+    // Three candidate groups remain after g0, so a total is written even
+    // though only one is drawn.
+    EXPECT_EQ(r.description.totalText, QStringLiteral("Total: 1.5"));
+}
+
+TEST_F(SplitGraph, NoGroupBelowTheMinimumGraphSelection)
+{
+    // Rows 7..9: one north, two south, both below 3.
+    const std::vector<qint32> few{7, 8, 9, 10, 11};
+    EXPECT_EQ(generate(selectionOf(few)).outcome, BasicGraphOutcome::SplitNotAllowed);
+    EXPECT_FALSE(splitAllowed(*doc, unit, few));
+    EXPECT_TRUE(splitAllowed(*doc, unit, rows));
+
+    // A navigator category follows the overview's decision, either way.
+    BasicGraphSelection selection = selectionOf(rows);
+    const std::vector<bool> refused{true};
+    selection.splitNotAllowed = &refused;
+    EXPECT_EQ(generate(selection).outcome, BasicGraphOutcome::SplitNotAllowed);
+    const std::vector<bool> allowed{false};
+    selection.rows = &few;
+    selection.splitNotAllowed = &allowed;
+    EXPECT_EQ(generate(selection).outcome, BasicGraphOutcome::Ok);
+}
+
+TEST(BasicGraphData, BadRequestsFailWithoutTouchingAnything)
+{
+    SurveyBuilder b(2);
+    const qint32 q = b.addQuestion({.heading = QStringLiteral("Q")}, {{.text = QStringLiteral("a")}});
+    auto doc = readBack(b);
+    const auto rows = everyRow(*doc);
+    const BasicGraphSelection s = selectionOf(rows);
+    EXPECT_EQ(generateBasicGraph(*doc, {.questions = {}}, s).outcome, BasicGraphOutcome::Failed);
+    EXPECT_EQ(generateBasicGraph(*doc, {.questions = {q + 1}}, s).outcome, BasicGraphOutcome::Failed);
+    EXPECT_EQ(generateBasicGraph(*doc, {.questions = {q}, .kind = 3}, s).outcome, BasicGraphOutcome::Failed);
+    EXPECT_EQ(generateBasicGraph(*doc, {.questions = {q}, .block = 4}, s).outcome, BasicGraphOutcome::Failed);
+    EXPECT_EQ(generateBasicGraph(*doc, {.questions = {q}, .splitQuestion = -7}, s).outcome, BasicGraphOutcome::Failed);
+    // Rows outside the document are skipped, not read.
+    const std::vector<qint32> wild{-5, 0, 1, 2, 1000000};
+    const BasicGraphResult r = generateBasicGraph(*doc, {.questions = {q}}, selectionOf(wild));
+    ASSERT_EQ(r.outcome, BasicGraphOutcome::Ok);
+    EXPECT_EQ(counts(r.description), (std::vector<qint32>{2}));
+}
+
+TEST(BasicGraphClipboard, ValuesAndLegendsText)
+{
+    BasicGraphDescription d;
+    d.title = QStringLiteral("Block");
+    d.selectionText = QStringLiteral("All [9]");
+    d.legends = {{QStringLiteral("yes"), 1, 0}, {QStringLiteral("no"), 2, 0}, {QStringLiteral("x"), 3, 0},
+                 {QStringLiteral("y"), 4, 0}, {QStringLiteral("z"), 5, 0}};
+    auto bar = [](qint32 n, const char *percent) {
+        BasicGraphBar b;
+        b.count = n;
+        b.countText = QString::number(n);
+        b.percentText = QString::fromUtf8(percent);
+        return b;
+    };
+    d.bars = {bar(1, "10"), bar(2, "20"), bar(3, "30"), bar(4, "40"), bar(5, "50"), bar(6, "60"), bar(7, "70")};
+    d.groups = {{0, 2, QStringLiteral("G1"), 0, 2}, {2, 3, QStringLiteral("G2"), 2, 3}, {5, 2, QStringLiteral("G3"), 0, 2}};
+    EXPECT_EQ(basicGraphValuesText(d, false), QStringLiteral("G1\tG2\tG3\r\n1\t3\t6\r\n2\t4\t7\r\n\t5\t"));
+    EXPECT_EQ(basicGraphValuesText(d, true), QStringLiteral("G1\tG2\tG3\r\n10\t30\t60\r\n20\t40\t70\r\n\t50\t"));
+    EXPECT_EQ(basicGraphLegendsText(d), QStringLiteral("Block\r\nyes\tx\r\nno\ty\r\n\tz\r\nAll [9]"));
+
+    const BasicGraphDescription empty;
+    EXPECT_EQ(basicGraphValuesText(empty, false), QString());
+    EXPECT_EQ(basicGraphLegendsText(empty), QStringLiteral("\r\n"));
+}

@@ -1,0 +1,238 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The basic graph renderer against pictures that the test builds itself from
+// the layout rules: where the plot lies, how wide the bars are, how high each
+// one stands, where the fraction graph's segments begin and end.
+#include "render/graphs/basicgraphrenderer.h"
+
+#include <QFontMetrics>
+#include <QImage>
+#include <QPainter>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+using namespace kel;
+
+namespace {
+
+constexpr qint32 Red = 0x0000FF;   // stored as 0x00BBGGRR
+constexpr qint32 Green = 0x00FF00;
+constexpr qint32 White = 0xFFFFFF;
+
+BasicGraphBar bar(qint32 count, qint32 perMille, qint32 colour, qint32 flags = 0)
+{
+    BasicGraphBar b;
+    b.count = count;
+    b.perMille = perMille;
+    b.colour = colour;
+    b.drawFlags = flags;
+    return b; // no texts: the pictures compare shapes, not glyphs
+}
+
+QImage blank(const QSize &size)
+{
+    QImage image(size, QImage::Format_RGB32);
+    image.fill(Qt::white);
+    return image;
+}
+
+// Pixels of `region` that differ between the two pictures.
+int differences(const QImage &actual, const QImage &expected, const QRect &region)
+{
+    int n = 0;
+    for (int y = region.top(); y <= region.bottom(); ++y)
+        for (int x = region.left(); x <= region.right(); ++x)
+            n += actual.pixel(x, y) != expected.pixel(x, y);
+    return n;
+}
+
+void framed(QPainter &p, const QRect &r, int frames)
+{
+    for (int i = 0; i < frames; ++i) {
+        p.setPen(Qt::black);
+        p.setBrush(Qt::NoBrush);
+        p.drawRect(r.adjusted(i, i, -i - 1, -i - 1));
+    }
+}
+
+// Two groups of three bars sharing one answer scale.
+BasicGraphDescription histogram()
+{
+    BasicGraphDescription d;
+    d.graphKind = HistogramGraph;
+    d.legends = {{QStringLiteral("a"), Red, 0}, {QStringLiteral("b"), White, 0}, {QStringLiteral("c"), Green, 1}};
+    d.bars = {bar(3, 500, Red), bar(1, 167, White), bar(2, 333, Green, 1),
+              bar(2, 400, Red), bar(0, 0, White),   bar(3, 600, Green, 1)};
+    d.groups = {{0, 3, QStringLiteral("L"), 0, 3}, {3, 3, QStringLiteral("M"), 0, 3}};
+    d.countAxisText = QStringLiteral("Number");
+    d.percentAxisText = QStringLiteral("Percent");
+    return d;
+}
+
+} // namespace
+
+TEST(BasicGraphRenderer, TickStepsFollowTheTable)
+{
+    const std::pair<int, int> cases[] = {{0, 1},    {3, 1},     {4, 1},      {5, 5},      {24, 5},
+                                         {25, 10},  {49, 10},   {50, 20},    {99, 20},    {100, 25},
+                                         {450, 100}, {999, 200}, {1000, 250}, {4999, 1000}, {49999, 10000}};
+    for (const auto &[largest, step] : cases)
+        EXPECT_EQ(BasicGraphRenderer::tickStep(largest), step) << largest;
+}
+
+TEST(BasicGraphRenderer, ScaleFactorsRoundHalvesToEven)
+{
+    EXPECT_EQ(graphScaleFactor(96), 1);
+    EXPECT_EQ(graphScaleFactor(144), 2); // 1.5 -> 2
+    EXPECT_EQ(graphScaleFactor(240), 2); // 2.5 -> 2
+    EXPECT_EQ(graphScaleFactor(288), 3);
+    EXPECT_EQ(graphScaleFactor(10), 1);  // never below one
+}
+
+TEST(BasicGraphRenderer, HistogramMatchesThePictureOfItsLayoutRules)
+{
+    for (const int outline : {0, 3}) {
+        const BasicGraphUnits u{1, 1};
+        const BasicGraphRenderer renderer(histogram(), u);
+        const QRect R(10, 10, 420, 300);
+        QImage actual = blank(QSize(440, 320));
+        {
+            QPainter p(&actual);
+            ASSERT_TRUE(renderer.draw(p, R, outline, false));
+        }
+
+        // The layout rules, step by step.
+        const QFontMetrics fm(renderer.textFont());
+        const int h = 14, gx = 6, gy = 6;
+        int widestTick = 0;
+        for (int i = 0; i <= 5; ++i) // largest count 3 -> step 1 -> ticks 0..5
+            widestTick = std::max(widestTick, fm.horizontalAdvance(QStringLiteral(" %1").arg(i)));
+        const int left = R.left() + fm.height() + widestTick + gx + 1;
+        const int right = R.right() + 1 - gx;
+        const int B = 6, G = 2;
+        const int w = (right - left - (G - 1 + B) * gx - 3) / B;
+        const int groupWidth = 3 * w + 2 * gx;
+        const int labelRow = fm.boundingRect(QRect(0, 0, groupWidth, 1000), Qt::TextWordWrap | Qt::AlignHCenter,
+                                             QStringLiteral("L")).height();
+        const int legendBlock = (h + gy / 2) + gy / 2; // one run on one line
+        const int top = R.top() + h;                   // no title, one run: no marker row
+        const int bottom = R.bottom() + 1 - gy - legendBlock - gy - 1 - labelRow - gy;
+        const int plotHeight = bottom - top;
+
+        QImage expected = blank(actual.size());
+        {
+            QPainter p(&expected);
+            const BasicGraphDescription d = histogram();
+            for (int i = 0; i < B; ++i) {
+                const int group = i / 3;
+                const int x = left + gx + group * (groupWidth + 2 * gx) + (i % 3) * (w + gx);
+                const int height = int(std::nearbyint(plotHeight * d.bars[i].count / 5.0));
+                const QRect r(x, bottom - height, w, height);
+                if (height == 0)
+                    continue;
+                p.fillRect(r, graphColour(d.bars[i].colour));
+                if (d.bars[i].colour == White || (d.bars[i].drawFlags & 1))
+                    framed(p, r, std::max(outline, 1));
+            }
+        }
+        // Inside the plot only bars are drawn, nothing else.
+        EXPECT_EQ(differences(actual, expected, QRect(left, top, right - left, plotHeight)), 0) << outline;
+        // The axis stands just left of the plot and the base line just under it.
+        EXPECT_EQ(QColor(actual.pixel(left - 1, top + plotHeight / 2)), QColor(Qt::black));
+        EXPECT_EQ(QColor(actual.pixel(left + (right - left) / 2, bottom)), QColor(Qt::black));
+    }
+}
+
+TEST(BasicGraphRenderer, FractionGraphSegmentsMatchTheirPerMille)
+{
+    BasicGraphDescription d;
+    d.graphKind = FractionGraph;
+    d.legends = {{QStringLiteral("a"), Red, 0}, {QStringLiteral("b"), White, 0}, {QStringLiteral("c"), Green, 0}};
+    // The second group's middle alternative has no answers: it takes no width.
+    d.bars = {bar(1, 250, Red), bar(1, 250, White), bar(2, 500, Green),
+              bar(1, 333, Red), bar(0, 0, White),   bar(2, 667, Green)};
+    d.groups = {{0, 3, QStringLiteral("one"), 0, 3}, {3, 3, QStringLiteral("two"), 0, 3}};
+    const BasicGraphRenderer renderer(d, BasicGraphUnits{1, 1});
+    const QRect R(0, 0, 500, 260);
+    QImage actual = blank(R.size());
+    {
+        QPainter p(&actual);
+        ASSERT_TRUE(renderer.draw(p, R, 0, false));
+    }
+
+    const int h = 14, gy = 6;
+    const int barLeft = 180 + 6;
+    const int barWidth = R.width() - 6 - barLeft;
+    const int legendBlock = (h + gy / 2) + gy / 2;
+    const int areaTop = h;
+    const int areaBottom = R.height() - gy - legendBlock - gy - 1;
+    const int barHeight = int(std::nearbyint((areaBottom - areaTop - 3 * gy) / 2.0));
+    QImage expected = blank(R.size());
+    {
+        QPainter p(&expected);
+        int y = areaTop + gy;
+        for (int g = 0; g < 2; ++g) {
+            int start = barLeft;
+            int sum = 0;
+            for (int i = 3 * g; i < 3 * g + 3; ++i) {
+                if (d.bars[i].count == 0)
+                    continue;
+                sum += d.bars[i].perMille;
+                const int end = int(std::nearbyint(barLeft + barWidth * sum / 1000.0 + 1));
+                const QRect r(start, y, end - start, barHeight);
+                p.fillRect(r, graphColour(d.bars[i].colour));
+                if (d.bars[i].colour == White)
+                    framed(p, r, 1);
+                start = end;
+            }
+            y += barHeight + gy;
+        }
+    }
+    EXPECT_EQ(differences(actual, expected, QRect(barLeft, areaTop + gy, barWidth + 1, 2 * barHeight + gy)), 0);
+}
+
+TEST(BasicGraphRenderer, GraphsThatDoNotFitDrawNothing)
+{
+    const BasicGraphRenderer renderer(histogram(), BasicGraphUnits{1, 1});
+    // Six bars need 12 px each plus seven gaps and 3 px: about 100 px of
+    // plot is too little; 90 px of window leaves less than 50 px of plot.
+    QImage image = blank(QSize(200, 300));
+    {
+        QPainter p(&image);
+        EXPECT_FALSE(renderer.draw(p, QRect(0, 0, 150, 300), 0, false));
+        EXPECT_FALSE(renderer.draw(p, QRect(0, 0, 90, 300), 0, false));
+    }
+    EXPECT_EQ(differences(image, blank(image.size()), image.rect()), 0);
+
+    BasicGraphDescription fraction = histogram();
+    fraction.graphKind = FractionGraph;
+    const BasicGraphRenderer low(fraction, BasicGraphUnits{1, 1});
+    QPainter p(&image);
+    EXPECT_FALSE(low.draw(p, QRect(0, 0, 200, 300), 0, false)); // bar area narrower than 50 px
+    EXPECT_FALSE(low.draw(p, QRect(0, 0, 600, 70), 0, false));  // bars lower than the text
+    BasicGraphDescription other = histogram();
+    other.graphKind = 3;
+    EXPECT_FALSE(BasicGraphRenderer(other, BasicGraphUnits{1, 1}).draw(p, QRect(0, 0, 600, 400), 0, false));
+}
+
+TEST(BasicGraphRenderer, BlocksScaleWithTheSurface)
+{
+    BasicGraphDescription d = histogram();
+    d.title = QStringLiteral("T");
+    d.subTitle = QStringLiteral("S");
+    BasicGraphRenderer one(d, BasicGraphUnits{1, 1});
+    EXPECT_EQ(one.titleBlockHeight(), 24 + 6 + 14 + 6);
+    EXPECT_EQ(one.legendBlockHeight(1000), 20);
+    one.setUnits(BasicGraphUnits{2, 2});
+    EXPECT_EQ(one.titleBlockHeight(), 2 * (24 + 6 + 14 + 6));
+    EXPECT_EQ(one.legendBlockHeight(2000), 40);
+
+    // Two runs: each run starts its own line; a narrow block wraps entries.
+    d.legends.push_back({QStringLiteral("other scale"), Red, 0});
+    d.groups[1] = {3, 1, QStringLiteral("M"), 3, 1};
+    d.bars.resize(4);
+    const BasicGraphRenderer two(d, BasicGraphUnits{1, 1});
+    EXPECT_EQ(two.legendBlockHeight(1000), 2 * 20);
+    EXPECT_EQ(two.legendBlockHeight(60), 3 * 17 + 3 + 20); // "a", "b", "c" one a line
+}

@@ -1,0 +1,335 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The basic graph window, the window pool's choice of slot and the graph
+// commands of the main window, off-screen, on a document written by the
+// test writer and opened as the user opens it.
+#include "engine/document/document.h"
+#include "engine/document/documentreader.h"
+#include "gui/graphs/questionselectdialog.h"
+#include "gui/graphs/basicgraphwindow.h"
+#include "gui/graphs/graphcommands.h"
+#include "gui/overview/sheetview.h"
+#include "gui/shell/mainwindow.h"
+#include "gui/shell/windowpool.h"
+#include "kelwriter.h"
+#include "texts/statusline.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QClipboard>
+#include <QFile>
+#include <QLabel>
+#include <QListWidget>
+#include <QPushButton>
+#include <QMenu>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+using namespace kel;
+using namespace kel::writer;
+
+namespace {
+
+BasicGraphDescription twoGroups(qint32 kind)
+{
+    BasicGraphDescription d;
+    d.graphKind = kind;
+    d.title = QStringLiteral("Title");
+    d.selectionText = QStringLiteral("Everyone [4]");
+    d.legends = {{QStringLiteral("yes"), 0x00FF00, 0}, {QStringLiteral("no"), 0x0000FF, 0}};
+    auto bar = [](qint32 n, qint32 perMille, const char *count, const char *percent) {
+        BasicGraphBar b;
+        b.count = n;
+        b.perMille = perMille;
+        b.countText = QString::fromUtf8(count);
+        b.percentText = QString::fromUtf8(percent);
+        return b;
+    };
+    d.bars = {bar(3, 750, "3", "75"), bar(1, 250, "1", "25"), bar(2, 500, "2", "50"), bar(2, 500, "2", "50")};
+    d.groups = {{0, 2, QStringLiteral("A"), 0, 2}, {2, 2, QStringLiteral("B"), 0, 2}};
+    return d;
+}
+
+} // namespace
+
+TEST(WindowPool, SlotChoice)
+{
+    std::vector<std::unique_ptr<QWidget>> windows;
+    WindowSlotTable table;
+    EXPECT_EQ(choosePoolSlot(table), 0); // nothing handed out yet
+    const QDateTime start = QDateTime::currentDateTimeUtc();
+    for (int i = 0; i < WindowSlotCount; ++i) {
+        windows.push_back(std::make_unique<QWidget>());
+        windows.back()->show();
+        table[std::size_t(i)] = {windows.back().get(), true, start.addSecs(100 - i)};
+    }
+    // All visible: the one handed out longest ago (slot 9 here).
+    EXPECT_EQ(choosePoolSlot(table), 9);
+    table[4].lastHandedOut = table[9].lastHandedOut; // equal times: the lower slot
+    EXPECT_EQ(choosePoolSlot(table), 4);
+    windows[6]->hide();
+    windows[2]->hide();
+    EXPECT_EQ(choosePoolSlot(table), 2); // the first hidden one
+    table[7].inUse = false;
+    EXPECT_EQ(choosePoolSlot(table), 7); // a slot never used (or released) first
+    windows[1].reset();                  // a destroyed window frees its slot
+    EXPECT_EQ(choosePoolSlot(table), 1);
+}
+
+class GraphWindowTest : public ::testing::Test
+{
+protected:
+    StatusLine status{false};
+};
+
+TEST_F(GraphWindowTest, MenuFollowsKindAndPermissions)
+{
+    BasicGraphWindow w(false, status);
+    ASSERT_TRUE(w.setUpGraph(twoGroups(HistogramGraph), {.allowCopy = true}, {}));
+    EXPECT_TRUE(w.mnuPUsePercentage->isVisible());
+    EXPECT_FALSE(w.mnuPSetAsDefaultSize->isVisible());
+    EXPECT_TRUE(w.mnuPCopyValues->isEnabled());
+    // The picture commands wait for the picture writers.
+    EXPECT_FALSE(w.mnuPCopy->isEnabled());
+    EXPECT_FALSE(w.mnuPPrint->isEnabled());
+    EXPECT_FALSE(w.mnuPSave->isEnabled());
+
+    ASSERT_TRUE(w.setUpGraph(twoGroups(FractionGraph), {.allowCopy = false}, {}));
+    EXPECT_FALSE(w.mnuPUsePercentage->isVisible());
+    EXPECT_TRUE(w.mnuPSetAsDefaultSize->isVisible());
+    EXPECT_FALSE(w.mnuPCopyValues->isEnabled());
+    EXPECT_FALSE(w.mnuPCopyLegends->isEnabled());
+
+    BasicGraphWindow sv(true, status);
+    EXPECT_EQ(sv.mnuPCopyLegends->text(), QStringLiteral("Kopiera &förklaringar"));
+    EXPECT_EQ(sv.mnuPSetAsDefaultSize->text(), QStringLiteral("Sätt som stan&dardstorlek"));
+}
+
+TEST_F(GraphWindowTest, CopyValuesFollowsPercentageModeAndPermission)
+{
+    BasicGraphWindow w(false, status);
+    w.setUpGraph(twoGroups(HistogramGraph), {.allowCopy = true}, {});
+    QClipboard *clipboard = QGuiApplication::clipboard();
+    w.mnuPCopyValues->trigger();
+    EXPECT_EQ(clipboard->text(), QStringLiteral("A\tB\r\n3\t2\r\n1\t2"));
+    EXPECT_EQ(status.text(), QStringLiteral("The graph values has been copied to the clipboard!"));
+    w.mnuPUsePercentage->trigger();
+    EXPECT_TRUE(w.percentage());
+    w.mnuPCopyValues->trigger();
+    EXPECT_EQ(clipboard->text(), QStringLiteral("A\tB\r\n75\t50\r\n25\t50"));
+    w.mnuPCopyLegends->trigger();
+    EXPECT_EQ(clipboard->text(), QStringLiteral("Title\r\nyes\r\nno\r\nEveryone [4]"));
+    EXPECT_EQ(status.text(), QStringLiteral("The graph legends has been copied to the clipboard!"));
+
+    // A new graph in the same window starts in count mode; without the
+    // permission nothing reaches the clipboard.
+    w.setUpGraph(twoGroups(HistogramGraph), {.allowCopy = false}, {});
+    EXPECT_FALSE(w.percentage());
+    clipboard->setText(QStringLiteral("untouched"));
+    w.copyValues();
+    EXPECT_EQ(clipboard->text(), QStringLiteral("untouched"));
+}
+
+TEST_F(GraphWindowTest, FractionGraphSizeAndDefaultSizeRoundTrip)
+{
+    BasicGraphWindow w(false, status);
+    std::optional<FractionGraphDefaultSize> stored;
+    w.setDefaultSizeHandler([&](const FractionGraphDefaultSize &s) { stored = s; });
+    const FractionGraphDefaultSize defaults{.windowWidthTwips = 9300, .barWidth = 46};
+    w.setUpGraph(twoGroups(FractionGraph), {}, defaults);
+    EXPECT_EQ(w.width(), qRound(9300 * w.logicalDpiX() / 1440.0));
+    w.mnuPSetAsDefaultSize->trigger();
+    ASSERT_TRUE(stored.has_value());
+    EXPECT_EQ(stored->barWidth, 46); // the height was made from it
+    EXPECT_EQ(stored->windowWidthTwips, 9300);
+
+    // Two groups more in height -> one more pixel a group, rounded.
+    w.resize(w.width(), w.height() + 3);
+    w.mnuPSetAsDefaultSize->trigger();
+    EXPECT_EQ(stored->barWidth, 48); // 47.5 -> 48
+}
+
+TEST_F(GraphWindowTest, TooSmallWindowShowsTheMessageInstead)
+{
+    BasicGraphWindow w(false, status);
+    w.setUpGraph(twoGroups(HistogramGraph), {}, {});
+    w.resize(120, 300);
+    w.show();
+    QImage image(w.size(), QImage::Format_RGB32);
+    w.render(&image);
+    EXPECT_TRUE(w.graphTooBig());
+    w.resize(600, 400);
+    w.render(&image);
+    EXPECT_FALSE(w.graphTooBig());
+}
+
+// The commands through the main window, on a written document.
+class GraphCommandsTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        SurveyBuilder b(12);
+        HeaderFields &h = b.header();
+        h.pointsScale = 10;
+        h.minimumGraphSelection = 3;
+        h.allowCopy = FileTrue;
+        h.totalText = b.text(QStringLiteral("Everyone"));
+        block = b.addBlock({.name = QStringLiteral("Work")});
+        empty = b.addBlock({.name = QStringLiteral("Nothing")});
+        unit = b.addQuestion({.heading = QStringLiteral("Unit"), .isCategory = true, .inOverview = false},
+                             {{.text = QStringLiteral("North"), .countsForPrivacy = true},
+                              {.text = QStringLiteral("South"), .countsForPrivacy = true},
+                              {.text = QStringLiteral("West"), .countsForPrivacy = true}});
+        role = b.addQuestion({.heading = QStringLiteral("Role"), .isCategory = true, .inOverview = false},
+                             {{.text = QStringLiteral("A")}, {.text = QStringLiteral("B")}});
+        q = b.addQuestion({.code = QStringLiteral("Q"), .heading = QStringLiteral("Load"), .block = block},
+                          {{.text = QStringLiteral("low"), .points = 0}, {.text = QStringLiteral("high"), .points = 10}});
+        b.setAnswers(unit, {0, 0, 0, 0, 0, 0, 1, 1, 1, 1, 2, 2}); // West has two: too few to split off
+        b.setAnswers(role, {0, 1, 0, 1, 0, 1, 0, 1, 0, 1, 0, 1});
+        b.setAnswers(q, {1, 1, 1, 0, 0, 0, 1, 1, 0, 0, 1, 0});
+        const QString path = mDir.filePath(QStringLiteral("survey.kel"));
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(b.toBytes());
+        file.close();
+
+        SettingsLocation location;
+        location.file = mDir.filePath(QStringLiteral("KEL Viewer.ini"));
+        mStore = std::make_unique<SettingsStore>(location);
+        window = std::make_unique<MainWindow>(*mStore, false, MainWindowEnvironment{});
+        window->setMessageHandler([this](QMessageBox::Icon, const QString &, const QString &text) {
+            messages << text;
+        });
+        ASSERT_TRUE(window->openDocument(path, false, QStringLiteral("t")));
+    }
+
+    void popupOn(qint32 question)
+    {
+        SheetHit hit;
+        hit.place = SheetPlace::AnswerCell;
+        hit.question = question;
+        emit window->sheetView()->popupRequested(hit, QPoint(10, 10));
+        window->menus().mnuPopUp->hide();
+    }
+
+    std::vector<BasicGraphWindow *> visibleGraphs() const
+    {
+        std::vector<BasicGraphWindow *> out;
+        for (const WindowSlot &slot : window->windowSlots(SlotTable::BasicGraphs))
+            if (auto *g = qobject_cast<BasicGraphWindow *>(slot.window.data()); g && g->isVisible())
+                out.push_back(g);
+        return out;
+    }
+
+    QTemporaryDir mDir;
+    std::unique_ptr<SettingsStore> mStore;
+    std::unique_ptr<MainWindow> window;
+    QStringList messages;
+    qint32 block = -1, empty = -1, unit = -1, role = -1, q = -1;
+};
+
+TEST_F(GraphCommandsTest, PopupQuestionGraphsOpenInPooledWindows)
+{
+    popupOn(q);
+    window->menus().mnuPS2Total->trigger();
+    auto graphs = visibleGraphs();
+    ASSERT_EQ(graphs.size(), 1u);
+    EXPECT_EQ(graphs[0]->windowTitle(), QStringLiteral("Question Graph: Load"));
+    EXPECT_EQ(graphs[0]->description().graphKind, FractionGraph);
+    EXPECT_EQ(graphs[0]->description().selectionText, QStringLiteral("Everyone [12]"));
+    EXPECT_EQ(window->statusLine().text(), QStringLiteral("Question fraction graph generated!"));
+
+    window->menus().mnuPShowBlockGraph1->trigger();
+    graphs = visibleGraphs();
+    ASSERT_EQ(graphs.size(), 2u);
+    EXPECT_EQ(graphs[1]->windowTitle(), QStringLiteral("Block Histogram: Work"));
+    EXPECT_EQ(window->statusLine().text(), QStringLiteral("Block histogram generated!"));
+
+    // The window keeps its own copy: a later graph leaves it as it was.
+    const QString label = graphs[0]->description().groups.at(0).label;
+    window->menus().mnuPS1Total->trigger();
+    EXPECT_EQ(graphs[0]->description().groups.at(0).label, label);
+
+    // Ten windows at most: the eleventh replaces the oldest.
+    for (int i = 0; i < 9; ++i) {
+        QTest::qWait(2); // distinct hand-out times
+        window->menus().mnuPS1Total->trigger();
+    }
+    EXPECT_EQ(visibleGraphs().size(), 10u);
+    EXPECT_EQ(window->windowSlots(SlotTable::BasicGraphs)[0].window->windowTitle(),
+              QStringLiteral("Question Histogram: Load"));
+
+    window->closeAllGraphWindows();
+    EXPECT_TRUE(visibleGraphs().empty());
+}
+
+TEST_F(GraphCommandsTest, SplitItemsOnlyWhereTheSplitIsAllowed)
+{
+    const MainMenus &m = window->menus();
+    ASSERT_EQ(m.mnuPS1SplitByColumn.size(), 2);
+    EXPECT_FALSE(m.mnuPS1SplitByColumn[0]->isEnabled()); // West: 2 of a minimum 3
+    EXPECT_FALSE(m.mnuPS2SplitByColumn[0]->isEnabled());
+    EXPECT_TRUE(m.mnuPS1SplitByColumn[1]->isEnabled());
+
+    popupOn(q);
+    m.mnuPS1SplitByColumn[1]->trigger();
+    auto graphs = visibleGraphs();
+    ASSERT_EQ(graphs.size(), 1u);
+    EXPECT_EQ(graphs[0]->windowTitle(), QStringLiteral("Question Histogram: Load split by Role"));
+    EXPECT_EQ(graphs[0]->description().groups.size(), 2u);
+    EXPECT_EQ(window->statusLine().text(), QStringLiteral("Question histogram generated!"));
+}
+
+TEST_F(GraphCommandsTest, ViewMenuBlockItems)
+{
+    const MainMenus &m = window->menus();
+    ASSERT_EQ(m.mnuVB2Item.size(), 2);
+    m.mnuVB2Item[empty]->trigger();
+    EXPECT_EQ(messages, QStringList{QStringLiteral("The block did not contain any questions!")});
+    EXPECT_TRUE(visibleGraphs().empty());
+
+    m.mnuVB2Item[block]->trigger();
+    ASSERT_EQ(visibleGraphs().size(), 1u);
+    EXPECT_EQ(visibleGraphs()[0]->windowTitle(), QStringLiteral("Block Graph: Work"));
+    EXPECT_EQ(window->statusLine().text(), QStringLiteral("Block fraction bar graph generated!"));
+
+    // Closing the document closes the graph windows.
+    window->closeDocument();
+    EXPECT_TRUE(visibleGraphs().empty());
+}
+
+TEST(QuestionSelectDialogTest, OffersTheOtherOverviewQuestionsThatMaySplit)
+{
+    SurveyBuilder b(3);
+    b.addQuestion({.heading = QStringLiteral("Hidden"), .inOverview = false}, {{.text = QStringLiteral("a")}});
+    const qint32 q = b.addQuestion({.heading = QStringLiteral("R&D"), .text = QStringLiteral("Research?")},
+                                   {{.text = QStringLiteral("a")}});
+    b.addQuestion({.heading = QStringLiteral("Gate"), .text = QStringLiteral("Refused")}, {{.text = QStringLiteral("a")}});
+    b.addQuestion({.heading = QStringLiteral("Size"), .text = QStringLiteral("How big?")},
+                  {{.text = QStringLiteral("a")}});
+    ReadResult read = readDocumentBytes(b.toBytes());
+    ASSERT_TRUE(read.document);
+    const Document &doc = *read.document;
+
+    QuestionSelectDialog dialog(doc, q, [](qint32 s) { return s != 2; }, true);
+    EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Välj fördelningsfråga"));
+    EXPECT_EQ(dialog.lblQuestionsLabel->text(), QStringLiteral("&Visa R&&D fördelad på:"));
+    EXPECT_EQ(dialog.cmdCancel->text(), QStringLiteral("Avbryt"));
+    ASSERT_EQ(dialog.lstQuestions->count(), 1); // not itself, not hidden, not gated
+    EXPECT_EQ(dialog.lstQuestions->item(0)->text(), QStringLiteral("Size"));
+    EXPECT_FALSE(dialog.cmdOK->isEnabled());
+
+    dialog.lstQuestions->setCurrentRow(0);
+    EXPECT_TRUE(dialog.cmdOK->isEnabled());
+    EXPECT_EQ(dialog.lblQuestionFullText->text(), QStringLiteral("How big?"));
+    dialog.lstQuestions->setCurrentRow(-1);
+    EXPECT_FALSE(dialog.cmdOK->isEnabled());
+    EXPECT_TRUE(dialog.lblQuestionFullText->text().isEmpty());
+
+    dialog.lstQuestions->setCurrentRow(0);
+    dialog.cmdOK->click();
+    EXPECT_TRUE(dialog.accepted());
+    EXPECT_EQ(dialog.chosenQuestion(), 3);
+}

@@ -1,0 +1,191 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The `kel graph` contract for the histogram and fraction kinds, run through
+// the real tool on a written document and on the bundled sample survey.
+#include "kelwriter.h"
+
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTemporaryDir>
+
+#include "kelprocess.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace kel::writer;
+using kel::test::KelRun;
+using kel::test::runKel;
+
+QJsonObject json(const KelRun &run)
+{
+    return QJsonDocument::fromJson(run.out).object();
+}
+
+// 12 respondents: Unit North x6, South x4, West x2 (West counts for privacy,
+// so splitting by Unit is refused below 3); Q in block "Work".
+class KelGraph : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        SurveyBuilder b(12);
+        HeaderFields &h = b.header();
+        h.pointsScale = 10;
+        h.minimumGraphSelection = 3;
+        h.minimumSelection = 3;
+        h.totalText = b.text(QStringLiteral("Everyone"));
+        h.selectionTooSmallText = b.text(QStringLiteral("Too few."));
+        h.language = b.text(QStringLiteral("sv"));
+        const qint32 block = b.addBlock({.name = QStringLiteral("Work")});
+        b.addBlock({.name = QStringLiteral("Empty")});
+        b.addQuestion({.heading = QStringLiteral("Unit"), .isCategory = true, .inOverview = false},
+                      {{.text = QStringLiteral("North"), .shortText = QStringLiteral("N"), .countsForPrivacy = true},
+                       {.text = QStringLiteral("South"), .countsForPrivacy = true},
+                       {.text = QStringLiteral("West"), .countsForPrivacy = true}});
+        b.addQuestion({.heading = QStringLiteral("Role"), .isCategory = true, .inOverview = false},
+                      {{.text = QStringLiteral("A"), .shortText = QStringLiteral("a")},
+                       {.text = QStringLiteral("B"), .shortText = QStringLiteral("b")}});
+        b.addQuestion({.code = QStringLiteral("Q"), .heading = QStringLiteral("Load"), .text = QStringLiteral("Is it?"),
+                       .block = block},
+                      {{.text = QStringLiteral("low"), .points = 0, .colour = rgb(255, 0, 0)},
+                       {.text = QStringLiteral("high"), .points = 20, .colour = rgb(0, 0, 255), .graphAttribute = 1}});
+        b.setAnswers(0, {0, 0, 0, 0, 0, 0, 1, 1, 1, 1, 2, 2});
+        b.setAnswers(1, {0, 1, 0, 1, 0, 1, 0, 1, 0, 1, 0, 1});
+        b.setAnswers(2, {1, 1, 1, 1, 0, 0, 1, 0, 0, 0, 1, 1});
+        path = mDir.filePath(QStringLiteral("g.kel"));
+        QFile f(path);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write(b.toBytes());
+    }
+
+    KelRun graph(QStringList args)
+    {
+        args.prepend(path);
+        args.prepend(QStringLiteral("graph"));
+        return runKel(args);
+    }
+
+    QTemporaryDir mDir;
+    QString path;
+};
+
+TEST_F(KelGraph, QuestionHistogramIsTheWindowsDescription)
+{
+    const KelRun run = graph({QStringLiteral("histogram"), QStringLiteral("--question"), QStringLiteral("2")});
+    ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
+    const QJsonObject d = json(run);
+    EXPECT_EQ(d.value(QStringLiteral("graphKind")).toInt(), 1);
+    EXPECT_EQ(d.value(QStringLiteral("valueScale")).toInt(), 1000);
+    EXPECT_EQ(d.value(QStringLiteral("title")).toString(), QStringLiteral("Load"));
+    EXPECT_EQ(d.value(QStringLiteral("caption")).toString(), QStringLiteral("Frågehistogram: Load"));
+    EXPECT_EQ(d.value(QStringLiteral("selectionText")).toString(), QStringLiteral("Everyone [12]"));
+    const QJsonArray bars = d.value(QStringLiteral("bars")).toArray();
+    ASSERT_EQ(bars.size(), 2);
+    // Sorted by points: high first. 7 of 12 -> 583 per mille, 58 %.
+    const QJsonObject high = bars[0].toObject();
+    EXPECT_EQ(high.value(QStringLiteral("count")).toInt(), 7);
+    EXPECT_EQ(high.value(QStringLiteral("perMille")).toInt(), 583);
+    EXPECT_EQ(high.value(QStringLiteral("percentText")).toString(), QStringLiteral("58"));
+    EXPECT_EQ(high.value(QStringLiteral("colour")).toInt(), 0xFF0000);
+    EXPECT_EQ(high.value(QStringLiteral("drawFlags")).toInt(), 1);
+    const QJsonObject group = d.value(QStringLiteral("groups")).toArray().at(0).toObject();
+    EXPECT_EQ(group.value(QStringLiteral("label")).toString(), QStringLiteral("Q (1.2) Is it?"));
+    EXPECT_EQ(group.value(QStringLiteral("legendCount")).toInt(), 2);
+    EXPECT_EQ(d.value(QStringLiteral("legends")).toArray().at(1).toObject().value(QStringLiteral("text")).toString(),
+              QStringLiteral("low"));
+    EXPECT_EQ(d.value(QStringLiteral("totalText")).toString(), QString());
+}
+
+TEST_F(KelGraph, BlockAndSplitKindsWithTheCommonOptions)
+{
+    // North only: differs from the used total, so the block graph compares.
+    KelRun run = graph({QStringLiteral("--select"), QStringLiteral("0:0"), QStringLiteral("fraction"),
+                        QStringLiteral("--block"), QStringLiteral("0")});
+    ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
+    QJsonObject d = json(run);
+    EXPECT_EQ(d.value(QStringLiteral("caption")).toString(), QStringLiteral("Blockgraf: Work"));
+    EXPECT_TRUE(d.value(QStringLiteral("selectionText")).toString().endsWith(QStringLiteral("[6] / Everyone [12]")));
+    EXPECT_EQ(d.value(QStringLiteral("groups")).toArray().at(0).toObject().value(QStringLiteral("label")).toString(),
+              QStringLiteral("Q (1.3 / 1.2) Is it?"));
+
+    run = graph({QStringLiteral("--short-names"), QStringLiteral("--reversed"), QStringLiteral("histogram"),
+                 QStringLiteral("--question"), QStringLiteral("2"), QStringLiteral("--split"), QStringLiteral("1")});
+    ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
+    d = json(run);
+    EXPECT_EQ(d.value(QStringLiteral("title")).toString(), QStringLiteral("Load fördelad på Role"));
+    EXPECT_EQ(d.value(QStringLiteral("subTitle")).toString(), QStringLiteral("Is it? / Role"));
+    const QJsonArray groups = d.value(QStringLiteral("groups")).toArray();
+    ASSERT_EQ(groups.size(), 2);
+    EXPECT_EQ(groups[0].toObject().value(QStringLiteral("label")).toString(), QStringLiteral("a (1.3) [6]"));
+    EXPECT_EQ(d.value(QStringLiteral("totalText")).toString(), QStringLiteral("Totalt: 1.2"));
+    // Reversed: low (0 points) before high.
+    EXPECT_EQ(d.value(QStringLiteral("legends")).toArray().at(0).toObject().value(QStringLiteral("text")).toString(),
+              QStringLiteral("low"));
+}
+
+TEST_F(KelGraph, RefusalsAndUsage)
+{
+    // Nothing selected, and a selection below the minimum: exit 7, message only.
+    KelRun run = graph({QStringLiteral("--select"), QStringLiteral("0:"), QStringLiteral("histogram"),
+                        QStringLiteral("--question"), QStringLiteral("2")});
+    EXPECT_EQ(run.exitCode, 7);
+    EXPECT_TRUE(run.out.isEmpty());
+    EXPECT_FALSE(run.err.isEmpty());
+    run = graph({QStringLiteral("--select"), QStringLiteral("0:2"), QStringLiteral("histogram"),
+                 QStringLiteral("--question"), QStringLiteral("2")});
+    EXPECT_EQ(run.exitCode, 7);
+    EXPECT_EQ(run.err.trimmed(), QByteArrayLiteral("Too few."));
+    // West has two respondents: splitting by Unit would show them.
+    run = graph({QStringLiteral("fraction"), QStringLiteral("--question"), QStringLiteral("2"),
+                 QStringLiteral("--split"), QStringLiteral("0")});
+    EXPECT_EQ(run.exitCode, 7);
+    EXPECT_TRUE(run.out.isEmpty());
+
+    const QList<QStringList> nonsense{
+        {},
+        {QStringLiteral("pie")},
+        {QStringLiteral("histogram")},
+        {QStringLiteral("histogram"), QStringLiteral("--block"), QStringLiteral("0"), QStringLiteral("--question"),
+         QStringLiteral("2")},
+        {QStringLiteral("histogram"), QStringLiteral("--block"), QStringLiteral("9")},
+        {QStringLiteral("histogram"), QStringLiteral("--question"), QStringLiteral("x")},
+        {QStringLiteral("histogram"), QStringLiteral("--block"), QStringLiteral("0"), QStringLiteral("--split"),
+         QStringLiteral("1")},
+        {QStringLiteral("--bogus"), QStringLiteral("histogram"), QStringLiteral("--question"), QStringLiteral("2")},
+        {QStringLiteral("--select"), QStringLiteral("7:0"), QStringLiteral("histogram"), QStringLiteral("--question"),
+         QStringLiteral("2")},
+    };
+    for (const QStringList &args : nonsense) {
+        run = graph(args);
+        EXPECT_EQ(run.exitCode, 64) << args.join(QLatin1Char(' ')).toStdString();
+        EXPECT_TRUE(run.out.isEmpty());
+    }
+    // The empty block has nothing to draw.
+    run = graph({QStringLiteral("histogram"), QStringLiteral("--block"), QStringLiteral("1")});
+    EXPECT_NE(run.exitCode, 0);
+    EXPECT_EQ(run.err.trimmed(), QByteArrayLiteral("The block did not contain any questions!"));
+}
+
+TEST(KelGraphSample, SplitGroupsMatchTheSelectionCounts)
+{
+    // The split graph's group sizes are the counts `kel select` finds.
+    const KelRun select = runKel({QStringLiteral("select"), QStringLiteral(KEL_SAMPLE), QStringLiteral("--max-rows"),
+                                  QStringLiteral("0")});
+    ASSERT_EQ(select.exitCode, 0);
+    const QJsonArray found = json(select).value(QStringLiteral("found")).toArray().at(2).toArray();
+    const KelRun run = runKel({QStringLiteral("graph"), QStringLiteral(KEL_SAMPLE), QStringLiteral("fraction"),
+                               QStringLiteral("--question"), QStringLiteral("45"), QStringLiteral("--split"),
+                               QStringLiteral("2")});
+    ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
+    const QJsonArray groups = json(run).value(QStringLiteral("groups")).toArray();
+    ASSERT_EQ(groups.size(), 3);
+    for (int g = 0; g < 3; ++g) {
+        const QString label = groups[g].toObject().value(QStringLiteral("label")).toString();
+        EXPECT_TRUE(label.endsWith(QStringLiteral("[%1]").arg(found[g + 1].toInt()))) << label.toStdString();
+    }
+}
+
+} // namespace

@@ -1,0 +1,201 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// `kel graph`: the description a graph window would be handed, as JSON, for
+// a selection applied as Show applies it. Each KIND is one entry of a table.
+#include "commands.h"
+#include "graphargs.h"
+#include "json.h"
+
+#include "engine/graphs/basicgraph.h"
+#include "engine/indexes/blockindex.h"
+#include "texts/graphtexts.h"
+
+namespace kel::cli {
+
+namespace {
+
+const char GraphUsage[] =
+    "usage: kel graph FILE [--select SPEC] [--flex OPTS] [--flex-current] [--reversed] [--short-names] "
+    "[--locale NAME] KIND [KIND OPTIONS]\n"
+    "  KIND histogram|fraction: --block B | --question Q [--split S]\n";
+
+int usageError(CommandOutput &output, const QString &error)
+{
+    output.err += QStringLiteral("kel graph: %1\n").arg(error) + QLatin1String(GraphUsage);
+    return GraphUsageError;
+}
+
+void writeBasicGraph(JsonWriter &json, const BasicGraphDescription &d)
+{
+    json.beginObject();
+    json.member("graphKind", int(d.graphKind));
+    json.member("valueScale", int(d.valueScale));
+    json.member("title", d.title);
+    json.member("subTitle", d.subTitle);
+    json.member("selectionText", d.selectionText);
+    json.member("totalText", d.totalText);
+    json.key("groups");
+    json.beginArray();
+    for (const BasicGraphGroup &g : d.groups) {
+        json.beginObject();
+        json.member("firstBar", int(g.firstBar));
+        json.member("barCount", int(g.barCount));
+        json.member("label", g.label);
+        json.member("firstLegend", int(g.firstLegend));
+        json.member("legendCount", int(g.legendCount));
+        json.endObject();
+    }
+    json.endArray();
+    json.key("bars");
+    json.beginArray();
+    for (const BasicGraphBar &b : d.bars) {
+        json.beginObject();
+        json.member("count", int(b.count));
+        json.member("perMille", int(b.perMille));
+        json.member("countText", b.countText);
+        json.member("percentText", b.percentText);
+        json.member("colour", int(b.colour));
+        json.member("drawFlags", int(b.drawFlags));
+        json.endObject();
+    }
+    json.endArray();
+    json.key("legends");
+    json.beginArray();
+    for (const BasicGraphLegend &l : d.legends) {
+        json.beginObject();
+        json.member("text", l.text);
+        json.member("colour", int(l.colour));
+        json.member("drawFlags", int(l.drawFlags));
+        json.endObject();
+    }
+    json.endArray();
+    json.member("caption", d.caption);
+    json.endObject();
+}
+
+// histogram / fraction: --block B | --question Q [--split S]
+int basicGraphKind(const GraphInput &in, qint32 kind, CommandOutput &output)
+{
+    qint32 block = -1;
+    qint32 question = -1;
+    qint32 split = -1;
+    bool hasBlock = false, hasQuestion = false, hasSplit = false;
+    QString error;
+    const QStringList &args = in.args.kindArgs;
+    for (qsizetype i = 0; i < args.size() && error.isEmpty(); ++i) {
+        if (args[i] == QLatin1String("--block"))
+            hasBlock = takeNumber(args, i, block, error);
+        else if (args[i] == QLatin1String("--question"))
+            hasQuestion = takeNumber(args, i, question, error);
+        else if (args[i] == QLatin1String("--split"))
+            hasSplit = takeNumber(args, i, split, error);
+        else
+            error = QStringLiteral("unexpected argument '%1'").arg(args[i]);
+    }
+    if (error.isEmpty() && hasBlock == hasQuestion)
+        error = QStringLiteral("give either --block or --question");
+    if (error.isEmpty() && hasSplit && !hasQuestion)
+        error = QStringLiteral("--split goes with --question");
+    const Document &doc = in.doc;
+    if (error.isEmpty() && hasBlock && (block < 0 || std::size_t(block) >= doc.blocks.size()))
+        error = QStringLiteral("the document has no block %1 (it has %2)").arg(block).arg(doc.blocks.size());
+    for (qint32 q : {question, split}) {
+        if (error.isEmpty() && q != -1 && (q < 0 || std::size_t(q) >= doc.questions.size()))
+            error = QStringLiteral("the document has no question %1 (it has %2)").arg(q).arg(doc.questions.size());
+    }
+    if (error.isEmpty() && hasSplit && split == question)
+        error = QStringLiteral("a question cannot be split by itself");
+    if (!error.isEmpty())
+        return usageError(output, error);
+
+    const ShownSelection &shown = in.shown;
+    const bool differs = shown.sheet.steps.differentFromUsedTotal;
+    BasicGraphRequest request;
+    request.kind = kind;
+    if (hasBlock) {
+        request.questions = blockMembers(doc, block);
+        request.name = doc.blocks[std::size_t(block)].name;
+        request.block = block;
+        request.showTotalIndex = differs;
+        if (request.questions.empty()) {
+            output.err += blockWithoutQuestionsMessage(in.args.selection.isSwedish) + QLatin1Char('\n');
+            return 1;
+        }
+    } else if (hasSplit) {
+        request.questions = {question};
+        request.splitQuestion = split;
+        request.name = splitGraphName(doc, question, split);
+    } else {
+        request.questions = {question};
+        request.name = doc.questions[std::size_t(question)].heading;
+        request.showTotalIndex = differs;
+    }
+
+    BasicGraphSelection selection;
+    selection.rows = &shown.sheet.rows;
+    selection.splitNotAllowed = &shown.sheet.steps.splitNotAllowed;
+    selection.selectionText = shown.sheet.steps.selectionText;
+    selection.usedTotalText = shown.flex.text();
+    selection.usedTotalSize = shown.flex.rowCount();
+    selection.valueOrderReversed = in.args.reversed;
+    selection.shortCategoryNames = in.args.shortNames;
+    selection.locale = in.args.selection.locale;
+    const BasicGraphResult result = generateBasicGraph(doc, request, selection);
+    switch (result.outcome) {
+    case BasicGraphOutcome::Ok: break;
+    case BasicGraphOutcome::SplitNotAllowed:
+        output.err += splitNotAllowedMessage(in.args.selection.isSwedish) + QLatin1Char('\n');
+        return GraphRefused;
+    case BasicGraphOutcome::Failed: return usageError(output, QStringLiteral("the graph could not be generated"));
+    }
+    JsonWriter json;
+    writeBasicGraph(json, result.description);
+    output.out += QString::fromStdString(json.text()) + QLatin1Char('\n');
+    return 0;
+}
+
+int histogramKind(const GraphInput &in, CommandOutput &output)
+{
+    return basicGraphKind(in, HistogramGraph, output);
+}
+
+int fractionKind(const GraphInput &in, CommandOutput &output)
+{
+    return basicGraphKind(in, FractionGraph, output);
+}
+
+/// The graph kinds: adding one is one line here.
+struct GraphKindEntry {
+    const char *name;
+    int (*run)(const GraphInput &in, CommandOutput &output);
+};
+const GraphKindEntry GraphKinds[] = {
+    {"histogram", histogramKind},
+    {"fraction", fractionKind},
+};
+
+} // namespace
+
+int graphCommand(const Document &base, const QStringList &args, CommandOutput &output)
+{
+    QString error;
+    const std::optional<GraphArgs> parsed = parseGraphArgs(args, error);
+    if (!parsed)
+        return usageError(output, error);
+    if (!parsed->selection.file.isEmpty())
+        return usageError(output, QStringLiteral("unexpected argument '%1'").arg(parsed->selection.file));
+    const GraphKindEntry *entry = nullptr;
+    for (const GraphKindEntry &k : GraphKinds) {
+        if (parsed->kind == QLatin1String(k.name))
+            entry = &k;
+    }
+    if (!entry)
+        return usageError(output, QStringLiteral("unknown graph kind '%1'").arg(parsed->kind));
+
+    Document doc = base;
+    std::optional<ShownSelection> shown;
+    if (const int status = showForGraph(doc, *parsed, shown, output); status != 0)
+        return status;
+    return entry->run(GraphInput{doc, *parsed, *shown}, output);
+}
+
+} // namespace kel::cli

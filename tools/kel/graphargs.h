@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What every `kel graph` kind shares: the selection options (as `kel
+// select` takes them), the two graph settings, and the Show that every graph
+// is computed after. Each kind parses only its own options.
+#pragma once
+
+#include "commands.h"
+#include "selectionargs.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+namespace kel::cli {
+
+/// Exit status of `kel graph` when Show would refuse the selection.
+inline constexpr int GraphRefused = 7;
+/// Exit status of `kel graph` for a command line that makes no sense.
+inline constexpr int GraphUsageError = 64;
+
+struct GraphArgs {
+    SelectionArgs selection;
+    bool reversed = false;   ///< "Graph Value Order Reversed"
+    bool shortNames = false; ///< "Graph By Category Use Short Category Names"
+    QString kind;
+    QStringList kindArgs; ///< everything after KIND
+};
+
+/// Splits the command line at KIND: the common options before it, the kind's
+/// own after it. Returns nothing and sets `error` when KIND is missing or an
+/// option before it is unknown.
+std::optional<GraphArgs> parseGraphArgs(const QStringList &args, QString &error);
+
+/// The selection after Show, for a graph kind to compute from.
+struct GraphInput {
+    Document &doc; ///< a copy the Show may change (flex-total indexes)
+    const GraphArgs &args;
+    const ShownSelection &shown;
+};
+
+/// Runs Show for the common options. A refusal is written to `output.err`
+/// and returns GraphRefused; a bad option returns GraphUsageError; on
+/// success returns 0 and fills `shown`.
+int showForGraph(Document &doc, const GraphArgs &args, std::optional<ShownSelection> &shown, CommandOutput &output);
+
+/// Reads a number option's value at args[i + 1]; false (and `error`) when
+/// it is missing or not a number.
+bool takeNumber(const QStringList &args, qsizetype &i, qint32 &value, QString &error);
+
+} // namespace kel::cli
