@@ -51,5 +51,6 @@ int runDump(const QStringList &args);
 
 int selectCommand(const Document &doc, const QStringList &args, CommandOutput &output);
 int indexesCommand(const Document &doc, const QStringList &args, CommandOutput &output);
+int graphCommand(const Document &doc, const QStringList &args, CommandOutput &output);
 
 } // namespace kel::cli

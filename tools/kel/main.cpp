@@ -33,6 +33,8 @@ const Command Commands[] = {
     {"indexes", kel::cli::indexesCommand,
      "indexes FILE [--select SPEC] [--flex OPTS] [--flex-current] [--total] [--category Q]... [--counts] "
      "[--items total,blocks,subblocks,questions,userblocks] [--full-text] [--columns]"},
+    {"graph", kel::cli::graphCommand,
+     "graph FILE [--select SPEC] [--flex OPTS] [--flex-current] [--reversed] [--short-names] KIND [KIND OPTIONS]"},
 };
 
 int usage()
