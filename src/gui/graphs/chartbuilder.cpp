@@ -119,7 +119,7 @@ QChart *buildChart(const ChartDescription &d)
         buildPie(chart, d);
         // A pie has no axes; the selection caption stands under it.
         auto *caption = new QGraphicsSimpleTextItem(d.selectionCaption, chart);
-        caption->setObjectName(QStringLiteral("selectionCaption"));
+        caption->setData(ChartTextRole, QStringLiteral("selectionCaption"));
         const auto place = [chart, caption] {
             const QRectF plot = chart->plotArea();
             caption->setPos(plot.center().x() - caption->boundingRect().width() / 2, plot.bottom() + 2);
@@ -200,7 +200,7 @@ QChart *buildChart(const ChartDescription &d)
                 if (points[std::size_t(i)].dataLabel.isEmpty())
                     continue;
                 auto *item = new QGraphicsSimpleTextItem(points[std::size_t(i)].dataLabel, chart);
-                item->setObjectName(QStringLiteral("dataLabel"));
+                item->setData(ChartTextRole, QStringLiteral("dataLabel"));
                 item->setZValue(10);
                 const double centre = double(i) - BarWidth / 2 + (double(s) + 0.5) * BarWidth / double(setCount);
                 const double v = points[std::size_t(i)].value;
@@ -227,7 +227,7 @@ QChart *buildChart(const ChartDescription &d)
             marker->setVisible(false);
         if (!line.text.isEmpty()) {
             auto *item = new QGraphicsSimpleTextItem(line.text, chart);
-            item->setObjectName(QStringLiteral("indexLineText"));
+            item->setData(ChartTextRole, QStringLiteral("indexLineText"));
             item->setBrush(Qt::red);
             item->setZValue(11);
             texts->push_back({item, d.horizontal ? QPointF(line.value, from) : QPointF(to, line.value), series, true});

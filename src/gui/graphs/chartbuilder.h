@@ -27,10 +27,12 @@ namespace kel {
 /// The Qt alignment of a "Graph Legends" code.
 Qt::Alignment legendAlignment(qint32 code);
 
-/// A new chart showing `chart`; the caller owns it (a QChartView takes it
-/// over). Data labels and index-line texts are text items of the chart
-/// that follow its plot area; their object names are "dataLabel" and
-/// "indexLineText".
+/// Data labels, index-line texts and a pie's selection caption are text
+/// items of the chart that follow its plot area; their item data under this
+/// key says which: "dataLabel", "indexLineText" or "selectionCaption".
+inline constexpr int ChartTextRole = 0;
+
+/// A new chart showing `chart`; the caller owns it (a QChartView takes it over).
 QChart *buildChart(const ChartDescription &chart);
 
 /// The colour of a stored 0x00BBGGRR value.

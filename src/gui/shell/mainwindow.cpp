@@ -2,6 +2,7 @@
 #include "gui/shell/mainwindow.h"
 
 #include "gui/shell/aboutbox.h"
+#include "gui/graphs/chartcommands.h"
 #include "engine/document/documentsession.h"
 #include "gui/shell/helpwindow.h"
 #include "texts/language.h"
@@ -115,6 +116,8 @@ MainWindow::MainWindow(SettingsStore &settings, bool isSwedish, const MainWindow
     mMenus = buildMainMenus(menuBar(), this, isSwedish);
     mMenus.mnuFPrintFormat->setEnabled(mEnvironment.printerInstalled);
     connectMenus();
+    mPopupHit = std::make_unique<SheetHit>();
+    mCharts = new ChartCommands(*this);
 
     mLastSettings = mSettings.readLastSettings();
     resolveDefaultFolders(mLastSettings, documentsFolder(), picturesFolder());
@@ -396,6 +399,7 @@ void MainWindow::resetForNoDocument()
 {
     // Every window of the three tables shows the old document.
     closeSlotWindows();
+    mShownSheet = SubSheet();
 
     mMenus.mnuVDetailInfo->setEnabled(false);
     mMenus.mnuVDetailInfo->setChecked(false);
@@ -470,6 +474,11 @@ void MainWindow::rebuildRecentFilesMenu()
         item->setToolTip(files.at(qsizetype(i)));
         item->setVisible(true);
     }
+}
+
+const SheetHit &MainWindow::lastPopupHit() const
+{
+    return *mPopupHit;
 }
 
 WindowSlotTable &MainWindow::windowSlots(SlotTable table)
@@ -718,6 +727,7 @@ QString MainWindow::showSelection(const SelectionMatrix &selection)
 
 void MainWindow::showSubSheet(const Document &doc, const SubSheet &sheet)
 {
+    mShownSheet = sheet;
     setDataRowsAllowed(sheet.dataRowsAllowed);
     setSelectionPanels(qint32(sheet.rows.size()), sheet.steps.selectionText);
 
@@ -797,6 +807,7 @@ void MainWindow::showSheetPopup(const SheetHit &hit, const QPoint &globalPos)
     if (hit.place == SheetPlace::Outside || !document())
         return;
     preparePopup(hit);
+    *mPopupHit = hit;
     mMenus.mnuPopUp->popup(globalPos);
 }
 
