@@ -205,6 +205,12 @@ TEST_F(ChartGenerators, GroupedDistributionShowsOnlySelectedGroupsOverAllRows)
     EXPECT_FALSE(chart.verticalLabels);
     EXPECT_EQ(chart.valueAxisTitle, QStringLiteral("Everyone [8]"));
     EXPECT_EQ(chart.categoryAxisTitle, QStringLiteral("Percent"));
+
+    // A first alternative meaning "no answer" is never a series.
+    doc->properties.firstAlternativeIsNoAnswer = true;
+    const ChartDescription noAnswer = generateDistributionGraph(*doc, context, fullSelection(*doc), request);
+    ASSERT_EQ(noAnswer.series.size(), 1u);
+    EXPECT_EQ(noAnswer.series[0].name, QStringLiteral("B"));
 }
 
 TEST_F(ChartGenerators, OneIndexSplitIntoGroupsBecomesOneSeries)

@@ -89,7 +89,9 @@ ChartDescription generateDistributionGraph(const Document &doc, const ChartConte
 
     if (grouped) {
         const Question &group = doc.questions[std::size_t(groupQuestion)];
-        for (qint32 g = 0; g < groupCount; ++g)
+        // The "no answer" alternative stays ticked in every selection but,
+        // like everywhere in graphs, forms no series.
+        for (qint32 g = firstShown; g < groupCount; ++g)
             if (selection.at(request.groupByCategory, g))
                 makeSeries(g, doc.alternatives[std::size_t(group.firstAlternative + g)].text);
     } else {

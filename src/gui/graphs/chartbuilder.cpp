@@ -24,6 +24,10 @@ namespace {
 
 constexpr qreal BarWidth = 0.8;
 
+const QColor SliceColours[] = {QColor(0x20, 0x9f, 0xdf), QColor(0x99, 0xca, 0x53), QColor(0xf6, 0xa6, 0x25),
+                               QColor(0x6d, 0x5f, 0xd5), QColor(0xbf, 0x59, 0x3e), QColor(0x3e, 0xbf, 0xa6),
+                               QColor(0xd5, 0x5f, 0xa9), QColor(0x8a, 0x8a, 0x8a)};
+
 QLinearGradient barGradient(const QColor &base, bool horizontal)
 {
     // Across the bar: a highlight just off the middle, darker flanks.
@@ -39,7 +43,7 @@ struct PlacedText {
     QGraphicsSimpleTextItem *item;
     QPointF anchor; // value coordinates
     QAbstractSeries *series;
-    bool besideLine; // index-line text: left-aligned above the anchor
+    enum Kind { DataLabel, LineTextBefore, LineTextAfter } kind;
 };
 
 /// Keeps the chart's own text items where their values are drawn whenever
@@ -50,8 +54,13 @@ void followPlotArea(QChart *chart, std::shared_ptr<std::vector<PlacedText>> text
         for (const PlacedText &t : *texts) {
             const QPointF at = chart->mapToPosition(t.anchor, t.series);
             const QRectF box = t.item->boundingRect();
-            if (t.besideLine)
-                t.item->setPos(horizontal ? at + QPointF(3, 0) : at + QPointF(-box.width() - 3, -box.height() - 1));
+            // Two lines lie close together often: the higher one's text goes
+            // above (right of) it, the lower one's below (left of) it.
+            const bool after = t.kind == PlacedText::LineTextAfter;
+            if (t.kind != PlacedText::DataLabel && horizontal)
+                t.item->setPos(at + QPointF(after ? -box.width() - 3 : 3, 0));
+            else if (t.kind != PlacedText::DataLabel)
+                t.item->setPos(at + QPointF(-box.width() - 3, after ? 1 : -box.height() - 1));
             else if (horizontal)
                 t.item->setPos(at + QPointF(4, -box.height() / 2));
             else
@@ -73,6 +82,11 @@ void buildPie(QChart *chart, const ChartDescription &d)
         }
     }
     chart->addSeries(pie);
+    // The theme shades one colour for a pie; neighbouring slices are told
+    // apart better by the colours the bars use.
+    const QList<QPieSlice *> slices = pie->slices();
+    for (qsizetype i = 0; i < slices.size(); ++i)
+        slices[i]->setColor(SliceColours[std::size_t(i) % std::size(SliceColours)]);
     if (d.threeD) {
         // The theme colours are known once the series is in the chart.
         for (QPieSlice *slice : pie->slices()) {
@@ -122,7 +136,7 @@ QChart *buildChart(const ChartDescription &d)
         caption->setData(ChartTextRole, QStringLiteral("selectionCaption"));
         const auto place = [chart, caption] {
             const QRectF plot = chart->plotArea();
-            caption->setPos(plot.center().x() - caption->boundingRect().width() / 2, plot.bottom() + 2);
+            caption->setPos(plot.left(), plot.top());
         };
         QObject::connect(chart, &QChart::plotAreaChanged, chart, place);
         place();
@@ -167,6 +181,9 @@ QChart *buildChart(const ChartDescription &d)
     categoryAxis->append(categories);
     if (d.verticalLabels && !d.horizontal)
         categoryAxis->setLabelsAngle(-90);
+    // Qt shortens rotated labels to the bar's width; the chart makes room
+    // for them below instead.
+    categoryAxis->setTruncateLabels(false);
     auto *valueAxis = new QValueAxis;
     valueAxis->setLabelFormat(QStringLiteral("%g"));
     double top = largest;
@@ -204,14 +221,16 @@ QChart *buildChart(const ChartDescription &d)
                 item->setZValue(10);
                 const double centre = double(i) - BarWidth / 2 + (double(s) + 0.5) * BarWidth / double(setCount);
                 const double v = points[std::size_t(i)].value;
-                texts->push_back({item, d.horizontal ? QPointF(v, centre) : QPointF(centre, v), bars, false});
+                texts->push_back({item, d.horizontal ? QPointF(v, centre) : QPointF(centre, v), bars,
+                                  PlacedText::DataLabel});
             }
         }
     }
 
     // Index lines run across the whole plot, over the bars.
     const double from = -0.5, to = double(qMax<qsizetype>(pointCount, 1)) - 0.5;
-    for (const ChartIndexLine &line : d.indexLines) {
+    for (std::size_t l = 0; l < d.indexLines.size(); ++l) {
+        const ChartIndexLine &line = d.indexLines[l];
         auto *series = new QLineSeries;
         series->setName(line.text);
         if (d.horizontal)
@@ -230,7 +249,8 @@ QChart *buildChart(const ChartDescription &d)
             item->setData(ChartTextRole, QStringLiteral("indexLineText"));
             item->setBrush(Qt::red);
             item->setZValue(11);
-            texts->push_back({item, d.horizontal ? QPointF(line.value, from) : QPointF(to, line.value), series, true});
+            const auto kind = l == 0 ? PlacedText::LineTextBefore : PlacedText::LineTextAfter;
+            texts->push_back({item, d.horizontal ? QPointF(line.value, to) : QPointF(to, line.value), series, kind});
         }
     }
     followPlotArea(chart, texts, d.horizontal);
