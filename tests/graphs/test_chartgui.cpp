@@ -10,6 +10,7 @@
 #include "gui/graphs/chartwindow.h"
 #include "gui/graphs/distributiondialog.h"
 #include "gui/graphs/indexgraphdialog.h"
+#include "gui/overview/sheetview.h"
 #include "gui/shell/mainwindow.h"
 #include "texts/statusline.h"
 
@@ -26,6 +27,7 @@
 #include <QLegend>
 #include <QLineSeries>
 #include <QListWidget>
+#include <QMenu>
 #include <QPieSeries>
 #include <QPieSlice>
 #include <QPushButton>
@@ -385,6 +387,35 @@ TEST_F(ChartCommandsTest, ViewMenuBlockItemsAndTheDistributionGraph)
     window->closeDocument();
     EXPECT_FALSE(window->windowSlots(SlotTable::ChartGraphs)[0].window &&
                  window->windowSlots(SlotTable::ChartGraphs)[0].window->isVisible());
+}
+
+TEST_F(ChartCommandsTest, PopupRankingGraphsUseTheClickedColumn)
+{
+    // A right click on R1's answer cell: its block is Choices.
+    SheetHit hit;
+    hit.place = SheetPlace::AnswerCell;
+    hit.column = 2;
+    hit.question = R1;
+    hit.row = 0;
+    emit window->sheetView()->popupRequested(hit, QPoint(10, 10));
+    window->menus().mnuPopUp->hide();
+
+    window->menus().mnuPSB3SortedBy[1]->trigger();
+    EXPECT_EQ(window->statusLine().text(), QStringLiteral("Block ranking graph generated!"));
+    ChartWindow *block = chartWindow(0);
+    ASSERT_TRUE(block);
+    EXPECT_EQ(block->windowTitle(), QStringLiteral("Ranking Choices"));
+    // Sorted by option: Apple, Banana, Cherry.
+    EXPECT_EQ(block->description().series[0].points[0].label, QStringLiteral("Apple"));
+    EXPECT_EQ(block->description().valueAxisTitle, QStringLiteral("Points (3 questions weighted 3, 2 and 1)"));
+
+    window->menus().mnuPSQ3SortedBy[0]->trigger();
+    EXPECT_EQ(window->statusLine().text(), QStringLiteral("Question ranking graph generated!"));
+    ChartWindow *question = chartWindow(1);
+    ASSERT_TRUE(question);
+    EXPECT_EQ(question->windowTitle(), QStringLiteral("Ranking R1"));
+    EXPECT_EQ(question->description().series[0].points[0].value, 12) << "Apple and Banana tie; Apple stays first";
+    EXPECT_EQ(charts().pendingWindow(), question) << "the timer shows the latest window";
 }
 
 } // namespace

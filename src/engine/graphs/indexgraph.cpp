@@ -4,6 +4,8 @@
 #include "engine/indexes/blockindex.h"
 #include "engine/selection/counting.h"
 
+#include <algorithm>
+
 namespace kel {
 
 namespace {
@@ -17,7 +19,7 @@ struct Item {
 };
 
 struct Group {
-    RowList rows;
+    qint64 rows = 0;
     QString label;
 };
 
@@ -61,44 +63,108 @@ std::vector<Item> indexItems(const Document &doc, const IndexGraphRequest &reque
     return items;
 }
 
-std::vector<Group> indexGroups(const Document &doc, const ChartContext &context, const IndexGraphRequest &request)
+/// The selection's rows divided into groups, each row's group beside it
+/// (-1: in no group).
+struct Grouping {
+    std::vector<Group> groups;
+    std::vector<qint32> groupOfRow; // parallel to the context's rows
+};
+
+Grouping indexGroups(const Document &doc, const ChartContext &context, const IndexGraphRequest &request)
 {
     const RowList &rows = *context.rows;
-    if (!validQuestion(doc, request.splitQuestion))
-        return {Group{rows, QString()}};
+    Grouping out;
+    if (!validQuestion(doc, request.splitQuestion)) {
+        out.groups.push_back({qint64(rows.size()), QString()});
+        out.groupOfRow.assign(rows.size(), 0);
+        return out;
+    }
 
     const Question &split = doc.questions[std::size_t(request.splitQuestion)];
     const qint32 first = doc.properties.firstAlternativeIsNoAnswer ? 1 : 0;
-    const qint32 n = split.alternativeCount;
-    std::vector<Group> groups(std::size_t(qMax(n, 0)));
-    for (qint32 r : rows) {
-        const qint32 a = doc.getData(r, request.splitQuestion);
-        if (a >= first && a < n)
-            groups[std::size_t(a)].rows.push_back(r);
+    const qint32 n = qMax(split.alternativeCount, 0);
+    std::vector<qint64> counts(std::size_t(n), 0);
+    out.groupOfRow.resize(rows.size());
+    for (std::size_t k = 0; k < rows.size(); ++k) {
+        const qint32 a = doc.getData(rows[k], request.splitQuestion);
+        const bool inGroup = a >= first && a < n;
+        out.groupOfRow[k] = inGroup ? a : -1;
+        if (inGroup)
+            ++counts[std::size_t(a)];
     }
-    std::vector<Group> kept;
+    // Renumber the groups that are kept.
+    std::vector<qint32> renumbered(std::size_t(n), -1);
     for (qint32 a = first; a < n; ++a) {
-        Group &g = groups[std::size_t(a)];
-        if (g.rows.empty() && !request.includeEmptySplits)
+        const qint64 count = counts[std::size_t(a)];
+        if (count == 0 && !request.includeEmptySplits)
             continue;
         const Alternative &alt = doc.alternatives[std::size_t(split.firstAlternative + a)];
-        g.label = chartAlternativeName(alt, context.shortCategoryNames) + QStringLiteral(" [")
-            + chartWholeNumber(qint64(g.rows.size()), context.locale) + QLatin1Char(']');
-        kept.push_back(std::move(g));
+        renumbered[std::size_t(a)] = qint32(out.groups.size());
+        out.groups.push_back({count, chartAlternativeName(alt, context.shortCategoryNames) + QStringLiteral(" [")
+                                         + chartWholeNumber(count, context.locale) + QLatin1Char(']')});
     }
-    return kept;
+    for (qint32 &g : out.groupOfRow)
+        if (g >= 0)
+            g = renumbered[std::size_t(g)];
+    return out;
 }
 
-double itemIndex(const Document &doc, const Item &item, const RowList &rows)
+/// Points and answers with points, per group and question, summed in one
+/// walk over each needed column, so that a graph of many questions and
+/// groups reads every cell once.
+class GroupSums
 {
-    if (rows.empty())
-        return -1.0;
-    switch (item.kind) {
-    case ItemKind::Total: return calculateTotalIndex(doc, rows);
-    case ItemKind::Block: return calculateBlockIndex(doc, item.number, rows);
-    case ItemKind::Question: return calculateColumnsIndex(doc, {item.number}, rows);
+public:
+    GroupSums(const Document &doc, const RowList &rows, const Grouping &grouping, const std::vector<bool> &needed)
+        : mQuestions(qint32(needed.size())), mSums(grouping.groups.size() * needed.size(), 0),
+          mCounts(grouping.groups.size() * needed.size(), 0)
+    {
+        for (qint32 q = 0; q < mQuestions; ++q) {
+            if (!needed[std::size_t(q)])
+                continue;
+            const Alternative *alts = doc.alternatives.data() + doc.questions[std::size_t(q)].firstAlternative;
+            doc.answers.visitColumn(q, [&](const auto *column) {
+                for (std::size_t k = 0; k < rows.size(); ++k) {
+                    const qint32 g = grouping.groupOfRow[k];
+                    const qint32 p = alts[column[rows[k]]].points;
+                    if (g >= 0 && p != -1) {
+                        mSums[index(g, q)] += p;
+                        ++mCounts[index(g, q)];
+                    }
+                }
+            });
+        }
     }
-    return -1.0;
+
+    /// The pooled index of `questions` in group `g`; -1 without answers.
+    double index(const Document &doc, qint32 g, const QuestionList &questions) const
+    {
+        qint64 sum = 0, n = 0;
+        for (qint32 q : questions) {
+            sum += mSums[index(g, q)];
+            n += mCounts[index(g, q)];
+        }
+        if (n <= 0)
+            return -1.0;
+        return (double(sum) / double(n)) / double(doc.properties.pointsScale);
+    }
+
+private:
+    std::size_t index(qint32 g, qint32 q) const { return std::size_t(g) * std::size_t(mQuestions) + std::size_t(q); }
+
+    qint32 mQuestions;
+    std::vector<qint64> mSums;
+    std::vector<qint64> mCounts;
+};
+
+QuestionList itemQuestions(const Document &doc, const Item &item)
+{
+    switch (item.kind) {
+    case ItemKind::Total: return totalMembers(doc);
+    case ItemKind::Block: return blockMembers(doc, item.number);
+    case ItemKind::Question: return {item.number};
+    }
+    return {};
 }
 
 std::vector<ChartIndexLine> indexLines(const Document &doc, const ChartContext &context,
@@ -229,7 +295,24 @@ ChartDescription generateIndexGraph(const Document &doc, const ChartContext &con
         return chart;
 
     const std::vector<Item> items = indexItems(doc, request);
-    const std::vector<Group> groups = indexGroups(doc, context, request);
+    const Grouping grouping = indexGroups(doc, context, request);
+    const std::vector<Group> &groups = grouping.groups;
+    std::vector<QuestionList> itemMembers;
+    std::vector<bool> needed(doc.questions.size(), false);
+    for (const Item &item : items) {
+        QuestionList members = itemQuestions(doc, item);
+        // A member list naming a question that does not exist gives no index.
+        if (!std::all_of(members.begin(), members.end(), [&](qint32 q) { return validQuestion(doc, q); }))
+            members.clear();
+        for (qint32 q : members)
+            needed[std::size_t(q)] = true;
+        itemMembers.push_back(std::move(members));
+    }
+    const GroupSums sums(doc, *context.rows, grouping, needed);
+    // A group without rows has no index for any item.
+    const auto value = [&](std::size_t g, std::size_t i) {
+        return groups[g].rows == 0 ? -1.0 : sums.index(doc, qint32(g), itemMembers[i]);
+    };
     if (groups.size() > 1)
         chart.legendPosition = chartLegendPosition(context.graphLegends);
 
@@ -246,15 +329,15 @@ ChartDescription generateIndexGraph(const Document &doc, const ChartContext &con
         // One item split into groups: the groups are the bars.
         ChartSeries series;
         series.name = items.front().label;
-        for (const Group &g : groups)
-            series.points.push_back(point(g.label, itemIndex(doc, items.front(), g.rows)));
+        for (std::size_t g = 0; g < groups.size(); ++g)
+            series.points.push_back(point(groups[g].label, value(g, 0)));
         chart.series.push_back(std::move(series));
     } else {
-        for (const Group &g : groups) {
+        for (std::size_t g = 0; g < groups.size(); ++g) {
             ChartSeries series;
-            series.name = groups.size() > 1 ? g.label : chart.selectionCaption;
-            for (const Item &item : items)
-                series.points.push_back(point(item.label, itemIndex(doc, item, g.rows)));
+            series.name = groups.size() > 1 ? groups[g].label : chart.selectionCaption;
+            for (std::size_t i = 0; i < items.size(); ++i)
+                series.points.push_back(point(items[i].label, value(g, i)));
             chart.series.push_back(std::move(series));
         }
     }
