@@ -58,8 +58,11 @@ int main(int argc, char **argv)
     };
     using Fill = std::function<void(QDialog &)>;
     const auto run = [&](QAction *item, const Fill &fill, const char *name) {
-        charts.runDialog = [fill](QDialog &d) {
+        charts.runDialog = [fill, &out, name](QDialog &d) {
             fill(d);
+            d.show();
+            QTest::qWait(50);
+            d.grab().save(out.filePath(QStringLiteral("dialog-%1.png").arg(QLatin1String(name))));
             return int(QDialog::Accepted);
         };
         item->trigger();
