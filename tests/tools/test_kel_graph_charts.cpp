@@ -142,4 +142,30 @@ TEST_F(KelGraphCharts, RefusalsAndNonsenseGetTheirExitStatus)
     }
 }
 
+TEST(KelGraphSample, SplitTotalIndexAgreesWithTheIndexExport)
+{
+    // The sample survey's total index by department, once as a chart and
+    // once as the exported index table.
+    const KelRun chart = runKel({QStringLiteral("graph"), QStringLiteral(KEL_SAMPLE), QStringLiteral("total-index"),
+                                 QStringLiteral("--main"), QStringLiteral("--split"), QStringLiteral("0")});
+    ASSERT_EQ(chart.exitCode, 0) << chart.err.toStdString();
+    const KelRun table = runKel({QStringLiteral("indexes"), QStringLiteral(KEL_SAMPLE), QStringLiteral("--category"),
+                                 QStringLiteral("0"), QStringLiteral("--items"), QStringLiteral("total")});
+    ASSERT_EQ(table.exitCode, 0) << table.err.toStdString();
+    const QStringList lines = QString::fromUtf8(table.out).split(QStringLiteral("\r\n"));
+    const QJsonArray points = QJsonDocument::fromJson(chart.out)
+                                  .object()[QStringLiteral("series")]
+                                  .toArray()[0]
+                                  .toObject()[QStringLiteral("points")]
+                                  .toArray();
+    ASSERT_EQ(points.size(), lines.size() - 1) << "one bar per department, under a header line";
+    for (qsizetype i = 0; i < points.size(); ++i) {
+        const QStringList cells = lines[i + 1].split(QLatin1Char('\t'));
+        ASSERT_EQ(cells.size(), 2);
+        const QString label = points[i].toObject()[QStringLiteral("label")].toString();
+        EXPECT_TRUE(cells[0].endsWith(label.left(label.indexOf(QStringLiteral(" [")))));
+        EXPECT_EQ(points[i].toObject()[QStringLiteral("dataLabel")].toString(), cells[1].trimmed());
+    }
+}
+
 } // namespace
