@@ -2,6 +2,7 @@
 // `kel graph`: the description a graph window would be handed, as JSON, for
 // a selection applied as Show applies it. Each KIND is one entry of a table.
 #include "commands.h"
+#include "cmd_graph_charts.h"
 #include "graphargs.h"
 #include "json.h"
 
@@ -168,9 +169,19 @@ struct GraphKindEntry {
     const char *name;
     int (*run)(const GraphInput &in, CommandOutput &output);
 };
+int chartKind(const GraphInput &in, CommandOutput &output)
+{
+    return chartGraphKind(in.doc, in.shown, in.args.kind, in.args.kindArgs, in.args.reversed, in.args.shortNames,
+                          in.args.selection.locale, output);
+}
+
 const GraphKindEntry GraphKinds[] = {
     {"histogram", histogramKind},
     {"fraction", fractionKind},
+    {"ranking", chartKind},
+    {"distribution", chartKind},
+    {"total-index", chartKind},
+    {"block-index", chartKind},
 };
 
 } // namespace

@@ -2,6 +2,7 @@
 #include "gui/shell/mainwindow.h"
 
 #include "gui/shell/aboutbox.h"
+#include "gui/graphs/chartcommands.h"
 #include "engine/document/documentsession.h"
 #include "gui/shell/helpwindow.h"
 #include "texts/language.h"
@@ -135,6 +136,7 @@ MainWindow::MainWindow(SettingsStore &settings, bool isSwedish, const MainWindow
     connectMenus();
     connectDocumentCommands();
     connectBasicGraphCommands(*this);
+    mCharts = new ChartCommands(*this);
 
     mLastSettings = mSettings.readLastSettings();
     resolveDefaultFolders(mLastSettings, documentsFolder(), picturesFolder());
@@ -419,6 +421,7 @@ void MainWindow::resetForNoDocument()
     closeSlotWindows();
     mSteps = SelectionSteps();
     enableSplitByItems(mMenus, mSteps.splitNotAllowed);
+    mShownSheet = SubSheet();
 
     mMenus.mnuVDetailInfo->setEnabled(false);
     mMenus.mnuVDetailInfo->setChecked(false);
@@ -494,6 +497,11 @@ void MainWindow::rebuildRecentFilesMenu()
         item->setToolTip(files.at(qsizetype(i)));
         item->setVisible(true);
     }
+}
+
+const SheetHit &MainWindow::lastPopupHit() const
+{
+    return mPopupHit;
 }
 
 WindowSlotTable &MainWindow::windowSlots(SlotTable table)
@@ -749,6 +757,7 @@ QString MainWindow::showSelection(const SelectionMatrix &selection)
 
 void MainWindow::showSubSheet(const Document &doc, const SubSheet &sheet)
 {
+    mShownSheet = sheet;
     setDataRowsAllowed(sheet.dataRowsAllowed);
     mSteps = sheet.steps;
     enableSplitByItems(mMenus, mSteps.splitNotAllowed);

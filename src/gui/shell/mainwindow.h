@@ -22,11 +22,13 @@
 
 #include <array>
 #include <functional>
+#include <memory>
 
 class QLabel;
 
 namespace kel {
 
+class ChartCommands;
 class DetailWindow;
 class DocumentSession;
 class NavigatorWindow;
@@ -73,6 +75,13 @@ public:
     /// The overview sheet, the window's central view.
     SheetView *sheetView() const { return mSheet; }
     const LastSettings &lastSettings() const { return mLastSettings; }
+    /// The launch dialogs of graphs remember their choices here.
+    LastSettings &editableLastSettings() { return mLastSettings; }
+    /// The overview Show built last (rows, selection text, privacy steps).
+    const SubSheet &shownSheet() const { return mShownSheet; }
+    /// Where the overview's popup menu was opened last.
+    const SheetHit &lastPopupHit() const;
+    ChartCommands &chartCommands() { return *mCharts; }
     const UserOptions &options() const { return mOptions; }
     bool isSwedish() const { return mIsSwedish; }
 
@@ -185,6 +194,9 @@ private:
     IndexExportOptions mExportOptions; // Copy Indexes' choices, reset with the document
     SheetHit mPopupHit;
     SelectionSteps mSteps;
+
+    SubSheet mShownSheet;
+    ChartCommands *mCharts = nullptr;
 };
 
 /// The path of the one local file with the .kel extension (any case) in

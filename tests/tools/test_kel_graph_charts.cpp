@@ -1,0 +1,171 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The chart kinds of `kel graph`, run through the real tool: the JSON names
+// of the contract, refusals and command lines that make no sense.
+#include "chartsurvey.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTemporaryDir>
+
+#include "kelprocess.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace kel::test;
+
+class KelGraphCharts : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(dir.isValid());
+        SurveyBuilder b = chartSurvey();
+        // Unit counts for privacy: a selection leaving 1-2 respondents of a
+        // unit may not be split by it.
+        b.header().minimumGraphSelection = 3;
+        b.file().header.minimumGraphSelection = 3;
+        path = dir.filePath(QStringLiteral("charts.kel"));
+        QString error;
+        KelFile file = b.build();
+        for (qint32 a = 0; a < 3; ++a)
+            file.alternatives[std::size_t(a)].countsForPrivacy = FileTrue;
+        ASSERT_TRUE(file.writeFile(path, &error)) << error.toStdString();
+    }
+
+    QJsonObject graph(const QStringList &args)
+    {
+        const KelRun run = runKel(QStringList{QStringLiteral("graph"), path} + args);
+        EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
+        return QJsonDocument::fromJson(run.out).object();
+    }
+
+    QTemporaryDir dir;
+    QString path;
+};
+
+TEST_F(KelGraphCharts, PrintsTheChartDescriptionByTheContractsNames)
+{
+    const QJsonObject chart = graph({QStringLiteral("block-index"), QStringLiteral("--block"), QStringLiteral("0"),
+                                     QStringLiteral("--main"), QStringLiteral("--questions"),
+                                     QStringLiteral("--lines"), QStringLiteral("3"), QStringLiteral("--explain")});
+    const QStringList keys{QStringLiteral("caption"),        QStringLiteral("categoryAxisTitle"),
+                           QStringLiteral("chartType"),      QStringLiteral("dataLabels"),
+                           QStringLiteral("horizontal"),     QStringLiteral("indexLines"),
+                           QStringLiteral("legendPosition"), QStringLiteral("selectionCaption"),
+                           QStringLiteral("series"),         QStringLiteral("threeD"),
+                           QStringLiteral("title"),          QStringLiteral("valueAxis"),
+                           QStringLiteral("valueAxisTitle"), QStringLiteral("verticalLabels")};
+    EXPECT_EQ(chart.keys(), keys);
+    EXPECT_EQ(chart[QStringLiteral("chartType")].toString(), QStringLiteral("bar"));
+    EXPECT_EQ(chart[QStringLiteral("title")].toString(), QStringLiteral("Work and it's question indexes"));
+    EXPECT_TRUE(chart[QStringLiteral("legendPosition")].isNull());
+    // Maximum points 100 over a scale of 10: 0 to 10 in five steps.
+    const QJsonObject axis = chart[QStringLiteral("valueAxis")].toObject();
+    EXPECT_EQ(axis[QStringLiteral("max")].toDouble(), 10);
+    EXPECT_EQ(axis[QStringLiteral("ticks")].toInt(), 5);
+    const QJsonArray points = chart[QStringLiteral("series")].toArray()[0].toObject()[QStringLiteral("points")].toArray();
+    ASSERT_EQ(points.size(), 3);
+    EXPECT_EQ(points[1].toObject()[QStringLiteral("label")].toString(), QStringLiteral("Q1"));
+    EXPECT_EQ(points[1].toObject()[QStringLiteral("dataLabel")].toString(), QStringLiteral("5.0"));
+    // Everyone is selected: the total line and the selection line coincide.
+    const QJsonArray lines = chart[QStringLiteral("indexLines")].toArray();
+    ASSERT_EQ(lines.size(), 2);
+    EXPECT_EQ(lines[0].toObject()[QStringLiteral("text")].toString(), QStringLiteral("Total index, total (5.0)"));
+    EXPECT_EQ(lines[1].toObject()[QStringLiteral("text")].toString(), QStringLiteral("Total index (5.0)"));
+}
+
+TEST_F(KelGraphCharts, SelectionsAndLocalesReachTheChart)
+{
+    // North only (Unit option 0), numbers in Swedish format.
+    const QJsonObject chart = graph({QStringLiteral("--select"), QStringLiteral("0:0"), QStringLiteral("--locale"),
+                                     QStringLiteral("sv_SE"), QStringLiteral("total-index"), QStringLiteral("--main")});
+    const QJsonObject point =
+        chart[QStringLiteral("series")].toArray()[0].toObject()[QStringLiteral("points")].toArray()[0].toObject();
+    EXPECT_EQ(point[QStringLiteral("value")].toDouble(), 7.5);
+    EXPECT_EQ(point[QStringLiteral("dataLabel")].toString(), QStringLiteral("7,5"));
+    EXPECT_EQ(chart[QStringLiteral("selectionCaption")].toString(), QStringLiteral("Unit N [4]"));
+
+    const QJsonObject pie = graph({QStringLiteral("distribution"), QStringLiteral("--category"), QStringLiteral("2"),
+                                   QStringLiteral("--pie"), QStringLiteral("--percent")});
+    EXPECT_EQ(pie[QStringLiteral("chartType")].toString(), QStringLiteral("pie"));
+    const QJsonArray slices = pie[QStringLiteral("series")].toArray()[0].toObject()[QStringLiteral("points")].toArray();
+    ASSERT_EQ(slices.size(), 3);
+    EXPECT_EQ(slices[0].toObject()[QStringLiteral("label")].toString(), QStringLiteral("X (12 %)"));
+    EXPECT_EQ(slices[1].toObject()[QStringLiteral("value")].toDouble(), 38);
+
+    const QJsonObject ranking = graph({QStringLiteral("--short-names"), QStringLiteral("ranking"),
+                                       QStringLiteral("--question"), QStringLiteral("7"), QStringLiteral("--unsorted")});
+    const QJsonArray bars = ranking[QStringLiteral("series")].toArray()[0].toObject()[QStringLiteral("points")].toArray();
+    ASSERT_EQ(bars.size(), 3) << "Date is kept out of ranking graphs";
+    EXPECT_EQ(bars[0].toObject()[QStringLiteral("label")].toString(), QStringLiteral("Apple"));
+    EXPECT_EQ(ranking[QStringLiteral("title")].toString(), QStringLiteral("Ranking R3"));
+}
+
+TEST_F(KelGraphCharts, RefusalsAndNonsenseGetTheirExitStatus)
+{
+    // Nobody selected: Show refuses, no graph.
+    const KelRun none = runKel({QStringLiteral("graph"), path, QStringLiteral("--select"), QStringLiteral("0:"),
+                                QStringLiteral("ranking"), QStringLiteral("--block"), QStringLiteral("1")});
+    EXPECT_EQ(none.exitCode, 7);
+    EXPECT_TRUE(none.out.isEmpty());
+    EXPECT_FALSE(none.err.trimmed().isEmpty());
+
+    // Unit counts for privacy: Role A has two respondents in each unit,
+    // fewer than the minimum graph selection, so Unit may not split it.
+    const KelRun split = runKel({QStringLiteral("graph"), path, QStringLiteral("--select"), QStringLiteral("1:0"),
+                                 QStringLiteral("total-index"), QStringLiteral("--main"), QStringLiteral("--split"),
+                                 QStringLiteral("0")});
+    EXPECT_EQ(split.exitCode, 7) << split.out.toStdString();
+    EXPECT_TRUE(split.out.isEmpty());
+    EXPECT_TRUE(split.err.contains("not allowed"));
+    const KelRun allowed = runKel({QStringLiteral("graph"), path, QStringLiteral("total-index"),
+                                   QStringLiteral("--main"), QStringLiteral("--split"), QStringLiteral("0")});
+    EXPECT_EQ(allowed.exitCode, 0) << "everyone may be split by unit";
+
+    for (const QStringList &args :
+         {QStringList{QStringLiteral("pie-chart")}, QStringList{QStringLiteral("ranking")},
+          QStringList{QStringLiteral("ranking"), QStringLiteral("--block"), QStringLiteral("9")},
+          QStringList{QStringLiteral("total-index")},
+          QStringList{QStringLiteral("total-index"), QStringLiteral("--blocks"), QStringLiteral("--questions")},
+          QStringList{QStringLiteral("total-index"), QStringLiteral("--main"), QStringLiteral("--lines"),
+                      QStringLiteral("4")},
+          QStringList{QStringLiteral("block-index"), QStringLiteral("--main")},
+          QStringList{QStringLiteral("distribution"), QStringLiteral("--category"), QStringLiteral("1"),
+                      QStringLiteral("--group"), QStringLiteral("1")},
+          QStringList{QStringLiteral("--wrong"), QStringLiteral("ranking")}}) {
+        const KelRun run = runKel(QStringList{QStringLiteral("graph"), path} + args);
+        EXPECT_EQ(run.exitCode, 64) << args.join(QLatin1Char(' ')).toStdString();
+        EXPECT_TRUE(run.out.isEmpty());
+    }
+}
+
+TEST(KelGraphSample, SplitTotalIndexAgreesWithTheIndexExport)
+{
+    // The sample survey's total index by department, once as a chart and
+    // once as the exported index table.
+    const KelRun chart = runKel({QStringLiteral("graph"), QStringLiteral(KEL_SAMPLE), QStringLiteral("total-index"),
+                                 QStringLiteral("--main"), QStringLiteral("--split"), QStringLiteral("0")});
+    ASSERT_EQ(chart.exitCode, 0) << chart.err.toStdString();
+    const KelRun table = runKel({QStringLiteral("indexes"), QStringLiteral(KEL_SAMPLE), QStringLiteral("--category"),
+                                 QStringLiteral("0"), QStringLiteral("--items"), QStringLiteral("total")});
+    ASSERT_EQ(table.exitCode, 0) << table.err.toStdString();
+    const QStringList lines = QString::fromUtf8(table.out).split(QStringLiteral("\r\n"));
+    const QJsonArray points = QJsonDocument::fromJson(chart.out)
+                                  .object()[QStringLiteral("series")]
+                                  .toArray()[0]
+                                  .toObject()[QStringLiteral("points")]
+                                  .toArray();
+    ASSERT_EQ(points.size(), lines.size() - 1) << "one bar per department, under a header line";
+    for (qsizetype i = 0; i < points.size(); ++i) {
+        const QStringList cells = lines[i + 1].split(QLatin1Char('\t'));
+        ASSERT_EQ(cells.size(), 2);
+        const QString label = points[i].toObject()[QStringLiteral("label")].toString();
+        EXPECT_TRUE(cells[0].endsWith(label.left(label.indexOf(QStringLiteral(" [")))));
+        EXPECT_EQ(points[i].toObject()[QStringLiteral("dataLabel")].toString(), cells[1].trimmed());
+    }
+}
+
+} // namespace
