@@ -41,6 +41,7 @@ bool SheetView::setSheet(SheetInput input)
     // The scroll bars stay as they are until the new sheet is laid out, so
     // a bar needed before and after keeps its place (clamped to the new range).
     discardSheet();
+    mFixedPicture = false;
     input.mode = SheetMode::Screen;
     if (input.document != mOffsetsDocument) {
         mOffsets.clear();
@@ -54,6 +55,19 @@ bool SheetView::setSheet(SheetInput input)
     updateScrollBars();
     viewport()->update();
     return !mImage.isNull();
+}
+
+void SheetView::setPicture(QImage picture, const SheetGeometry &geometry)
+{
+    discardSheet();
+    mSpare = QImage();
+    mFixedPicture = true;
+    mHoverEnabled = false;
+    mImage = std::move(picture);
+    mGeometry = geometry;
+    mRenderedRatio = mImage.devicePixelRatio();
+    updateScrollBars();
+    viewport()->update();
 }
 
 void SheetView::discardSheet()
@@ -106,7 +120,7 @@ void SheetView::setScrollPosition(int column, int line)
 
 SheetHit SheetView::hitTest(const QPointF &pos) const
 {
-    if (!hasSheet())
+    if (!hasSheet() || mFixedPicture)
         return SheetHit();
     // Only what the view shows can be hit: not the parts under the bars.
     if (pos.x() >= Margin + mLayout.availableWidth || pos.y() >= Margin + mLayout.availableHeight)
@@ -151,7 +165,7 @@ void SheetView::paintEvent(QPaintEvent *)
 {
     // Moved to a screen of another pixel ratio: draw the picture once more
     // so that it stays sharp there.
-    if (hasSheet() && devicePixelRatioF() != mRenderedRatio) {
+    if (hasSheet() && !mFixedPicture && devicePixelRatioF() != mRenderedRatio) {
         mRenderedRatio = devicePixelRatioF();
         if (!renderSheetInto(mImage, mInput, mOffsets, mRenderedRatio, &mGeometry))
             discardSheet();

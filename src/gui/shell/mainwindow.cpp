@@ -4,6 +4,8 @@
 #include "gui/shell/aboutbox.h"
 #include "engine/document/documentsession.h"
 #include "gui/shell/helpwindow.h"
+#include "gui/shell/optionsdialog.h"
+#include "gui/overview/overviewcommands.h"
 #include "texts/language.h"
 #include "engine/settings/recentfiles.h"
 #include "gui/shell/startup.h"
@@ -155,6 +157,8 @@ void MainWindow::connectMenus()
     connect(mMenus.mnuVCloseAllGraphWindows, &QAction::triggered, this, &MainWindow::closeAllGraphWindows);
     connect(mMenus.mnuHHelpTopics, &QAction::triggered, this, &MainWindow::showHelpTopics);
     connect(mMenus.mnuHAbout, &QAction::triggered, this, &MainWindow::showAbout);
+    connect(mMenus.mnuTOptions, &QAction::triggered, this, &MainWindow::showOptions);
+    connectOverviewCommands(*this);
     // A checked item shows its window, an unchecked one hides it.
     connect(mMenus.mnuVNavigator, &QAction::triggered, this, [this](bool checked) {
         if (mNavigator)
@@ -531,6 +535,11 @@ void MainWindow::showAbout()
 {
     AboutBox box(mIsSwedish, this);
     box.exec();
+}
+
+void MainWindow::showOptions()
+{
+    runOptionsDialog(this, mIsSwedish, mOptions, mSettings, document());
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent *event)
