@@ -54,6 +54,7 @@ bool SheetView::setSheet(SheetInput input)
     renderSheetInto(mImage, mInput, mOffsets, mRenderedRatio, &mGeometry);
     updateScrollBars();
     viewport()->update();
+    refreshHover();
     return !mImage.isNull();
 }
 
@@ -203,12 +204,24 @@ void SheetView::resizeEvent(QResizeEvent *event)
 void SheetView::scrollContentsBy(int, int)
 {
     viewport()->update();
+    refreshHover();
+}
+
+void SheetView::refreshHover()
+{
+    // A resting pointer now rests on another cell (the sheet moved or was
+    // replaced under it): its values follow after the usual delay.
+    mHoverTimer.stop();
+    if (mHoverEnabled && hasSheet() && viewport()->rect().contains(mLastPointer.toPoint()))
+        mHoverTimer.start();
 }
 
 bool SheetView::viewportEvent(QEvent *event)
 {
-    if (event->type() == QEvent::Leave)
+    if (event->type() == QEvent::Leave) {
         mHoverTimer.stop();
+        mLastPointer = QPointF(-1.0, -1.0); // nothing rests on the sheet
+    }
     return QAbstractScrollArea::viewportEvent(event);
 }
 

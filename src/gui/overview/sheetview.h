@@ -94,6 +94,7 @@ private:
     void discardSheet();
     void updateScrollBars();
     void showHoveredCell();
+    void refreshHover();
     void scrollBy(QScrollBar *bar, int notches);
 
     SheetInput mInput;

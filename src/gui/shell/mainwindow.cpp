@@ -5,6 +5,8 @@
 #include "engine/document/documentsession.h"
 #include "gui/shell/helpwindow.h"
 #include "gui/shell/optionsdialog.h"
+#include "gui/shell/elidinglabel.h"
+#include "gui/shell/screenplacement.h"
 #include "gui/overview/overviewcommands.h"
 #include "texts/language.h"
 #include "engine/settings/recentfiles.h"
@@ -103,7 +105,12 @@ MainWindow::MainWindow(SettingsStore &settings, bool isSwedish, const MainWindow
     const char *tipsEnglish[] = {"Current activity", "Items in current selection", "Current selection"};
     const char *tipsSwedish[] = {"Aktuell aktivitet", "Antal i aktuellt urval", "Aktuellt urval"};
     for (int i = 0; i < 3; ++i) {
-        mPanels[i] = new QLabel(this);
+        // Eliding panels keep their widths whatever they show.
+        auto *panel = new ElidingLabel(this);
+        panel->setPreferredCharacters(i == 1 ? 8 : 0);
+        if (i == 1)
+            panel->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+        mPanels[i] = panel;
         mPanels[i]->setObjectName(QStringLiteral("stbMainPanel%1").arg(i + 1));
         mPanels[i]->setToolTip(pickText(isSwedish, tipsEnglish[i], tipsSwedish[i]));
         mPanels[i]->setFrameShape(QFrame::StyledPanel);
@@ -142,7 +149,12 @@ MainWindow::MainWindow(SettingsStore &settings, bool isSwedish, const MainWindow
     mAutoOpenTimer.setInterval(500);
     connect(&mAutoOpenTimer, &QTimer::timeout, this, &MainWindow::autoOpenFile);
 
-    resize(900, 620);
+    // Room for the sheet beside the navigator and the detail window, on
+    // screens that have it.
+    QSize defaultSize(1100, 760);
+    if (const QScreen *screen = QGuiApplication::primaryScreen())
+        defaultSize = defaultSize.boundedTo(screen->availableGeometry().size() * 0.9).expandedTo(QSize(640, 480));
+    resize(defaultSize);
     loadPlacement();
 }
 
@@ -595,18 +607,10 @@ void MainWindow::loadPlacement()
     if (p.left && p.top)
         move(toPixels(*p.left), toPixels(*p.top));
 
-    // A position from another monitor setup may lie off every screen now.
-    const QRect frame(pos(), size());
-    bool visible = false;
-    for (const QScreen *screen : QGuiApplication::screens()) {
-        if (screen->availableGeometry().intersects(frame.adjusted(0, 0, -frame.width() / 2, -frame.height() / 2)))
-            visible = true;
-    }
-    if (!visible && QGuiApplication::primaryScreen()) {
-        const QRect area = QGuiApplication::primaryScreen()->availableGeometry();
-        resize(std::min(width(), area.width()), std::min(height(), area.height()));
-        move(area.topLeft());
-    }
+    // A position from another monitor setup may lie partly off the screens.
+    const QRect placed = keepWhollyOnScreen(QRect(pos(), size()));
+    resize(placed.size());
+    move(placed.topLeft());
     // A stored minimized state is not restored as minimized.
     if (p.state && *p.state == WindowPlacement::Maximized)
         setWindowState(windowState() | Qt::WindowMaximized);
@@ -661,7 +665,7 @@ void MainWindow::createToolWindows(const Document &doc)
         };
         mNavigator = new NavigatorWindow(mIsSwedish, *mStatus, mOptions, std::move(actions), this);
         connect(mNavigator, &ToolDock::hiddenByUser, this, [this] { mMenus.mnuVNavigator->setChecked(false); });
-        mNavigator->restorePlacement(*this, mSettings, Qt::RightDockWidgetArea, QSize(pixels(3600), pixels(5400)));
+        mNavigator->restorePlacement(*this, mSettings, Qt::RightDockWidgetArea, QSize(pixels(4320), pixels(5400)));
         mNavigator->loadSettings(mSettings);
         mNavigator->setUp(doc);
         mNavigator->show();
