@@ -2,6 +2,7 @@
 // Mini-overviews and the comments windows, opened from a main window on
 // documents written by the test writer and opened through the reader.
 #include "engine/document/document.h"
+#include "engine/selection/counting.h"
 #include "gui/overview/minioverviewwindow.h"
 #include "gui/overview/overviewcommands.h"
 #include "gui/overview/sheetview.h"
@@ -17,6 +18,7 @@
 #include <QScrollBar>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QWheelEvent>
 
 #include <gtest/gtest.h>
 
@@ -110,7 +112,7 @@ TEST_F(OverviewWindowsTest, MiniOverviewsComeFromTenSlots)
 
     // Its picture is its own: a new overview leaves it as it was.
     const QImage before = windows[6]->view()->sheetImage();
-    w->showSelection(SelectionMatrix());
+    ASSERT_TRUE(w->showSelection(fullSelection(*w->document())).isEmpty());
     EXPECT_EQ(windows[6]->view()->sheetImage(), before);
 
     // Closing the document closes them all.
@@ -174,4 +176,44 @@ TEST_F(OverviewWindowsTest, NoRowCommentsGivesTheMessage)
     showAllComments(*w);
     EXPECT_TRUE(popups(*w).isEmpty());
     EXPECT_EQ(mMessages, QStringList{QStringLiteral("Show Comments|Could not find any comments!")});
+}
+
+TEST_F(OverviewWindowsTest, ARestingPointerFollowsScrollingAndNewOverviews)
+{
+    auto w = open(survey(300, 60));
+    w->resize(900, 620);
+    w->show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(w.get()));
+    SheetView *sheet = w->sheetView();
+    sheet->setHoverEnabled(true);
+    QList<SheetHit> hits;
+    QObject::connect(sheet, &SheetView::cellHovered, [&hits](const SheetHit &hit) { hits << hit; });
+
+    const int headerHeight = sheet->sheetGeometry().headerHeight();
+    QTest::mouseMove(sheet->viewport(), QPoint(1 + 8, 1 + headerHeight + 8));
+    QTRY_COMPARE_WITH_TIMEOUT(hits.size(), 1, 2000);
+    EXPECT_EQ(hits.last().line, 0);
+
+    // The keyboard moves the sheet under the still pointer.
+    QTest::keyClick(sheet, Qt::Key_Down);
+    QTRY_COMPARE_WITH_TIMEOUT(hits.size(), 2, 2000);
+    EXPECT_EQ(hits.last().line, 1);
+
+    // So does the wheel.
+    QWheelEvent wheel(QPointF(9, headerHeight + 9), sheet->viewport()->mapToGlobal(QPointF(9, headerHeight + 9)),
+                      QPoint(), QPoint(0, -120), Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(sheet->viewport(), &wheel);
+    QTRY_COMPARE_WITH_TIMEOUT(hits.size(), 3, 2000);
+    EXPECT_GT(hits.last().line, 1);
+
+    // A new overview under the pointer is reported too.
+    ASSERT_TRUE(w->showSelection(fullSelection(*w->document())).isEmpty());
+    QTRY_COMPARE_WITH_TIMEOUT(hits.size(), 4, 2000);
+
+    // A pointer that left the sheet is not.
+    QEvent leave(QEvent::Leave);
+    QApplication::sendEvent(sheet->viewport(), &leave);
+    QTest::keyClick(sheet, Qt::Key_Down);
+    QTest::qWait(SheetView::HoverDelayMs * 2);
+    EXPECT_EQ(hits.size(), 4);
 }
