@@ -26,13 +26,16 @@ void showComments(MainWindow &window, const CommentsDocument &comments, const QS
     popup->setAttribute(Qt::WA_DeleteOnClose);
     popup->setWindowTitle(caption);
     popup->setHtml(commentsHtml(comments));
+    // Over the middle of the main window, where the user is looking.
+    popup->move(window.geometry().center() - popup->rect().center());
     popup->show();
     popup->raise();
     popup->activateWindow();
 }
 
 // A new mini-overview goes beside the others: three abreast on the screen
-// of the main window, the next three a little lower.
+// of the main window, the next three a little lower, all below the main
+// window's menu bar so that the next copy can still be made.
 void placeNewMiniOverview(MainWindow &window, MiniOverviewWindow &mini, int slot)
 {
     const QScreen *screen = window.screen() ? window.screen() : QGuiApplication::primaryScreen();
@@ -40,9 +43,10 @@ void placeNewMiniOverview(MainWindow &window, MiniOverviewWindow &mini, int slot
         return;
     const QRect area = screen->availableGeometry();
     const int columnWidth = area.width() / 3;
-    const QSize size = mini.preferredSize(QSize(columnWidth - 16, area.height() * 2 / 3));
+    const int top = std::max(area.top(), window.geometry().top()) + area.height() / 10;
+    const QSize size = mini.preferredSize(QSize(columnWidth - 16, area.bottom() - top - 120));
     mini.resize(size);
-    mini.move(area.left() + (slot % 3) * columnWidth, area.top() + (slot / 3) * 40);
+    mini.move(area.left() + (slot % 3) * columnWidth + 8, top + (slot / 3) * 40);
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 
 #include <QHBoxLayout>
 #include <QPushButton>
+#include <QShortcut>
 #include <QTextBrowser>
 #include <QVBoxLayout>
 
@@ -34,6 +35,9 @@ TextPopup::TextPopup(bool isSwedish, QWidget *parent)
     mText->setReadOnly(true);
     mClose->setObjectName(QStringLiteral("cmdClose"));
     connect(mClose, &QPushButton::clicked, this, &QWidget::close);
+    // Escape closes it like a message box.
+    auto *escape = new QShortcut(QKeySequence(Qt::Key_Escape), this);
+    connect(escape, &QShortcut::activated, this, &QWidget::close);
 
     auto *buttons = new QHBoxLayout;
     buttons->addStretch();
