@@ -665,7 +665,7 @@ void MainWindow::createToolWindows(const Document &doc)
         };
         mNavigator = new NavigatorWindow(mIsSwedish, *mStatus, mOptions, std::move(actions), this);
         connect(mNavigator, &ToolDock::hiddenByUser, this, [this] { mMenus.mnuVNavigator->setChecked(false); });
-        mNavigator->restorePlacement(*this, mSettings, Qt::RightDockWidgetArea, QSize(pixels(4320), pixels(5400)));
+        mNavigator->restorePlacement(*this, mSettings, Qt::RightDockWidgetArea, QSize(pixels(4900), pixels(5400)));
         mNavigator->loadSettings(mSettings);
         mNavigator->setUp(doc);
         mNavigator->show();
@@ -674,7 +674,9 @@ void MainWindow::createToolWindows(const Document &doc)
 
     mDetail = new DetailWindow(mIsSwedish, this);
     connect(mDetail, &ToolDock::hiddenByUser, this, [this] { mMenus.mnuVDetailInfo->setChecked(false); });
-    mDetail->restorePlacement(*this, mSettings, Qt::RightDockWidgetArea, QSize(pixels(2000), pixels(600)));
+    // Docked under the navigator it shares its width: the same default keeps
+    // the navigator's option texts whole.
+    mDetail->restorePlacement(*this, mSettings, Qt::RightDockWidgetArea, QSize(pixels(4900), pixels(600)));
     mDetail->setUpForDocument(doc);
     showFlexTotalIndex();
     mDetail->show();
