@@ -13,6 +13,9 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QCheckBox>
+#include <QLineEdit>
+#include <QTimer>
 #include <QMenu>
 #include <QPushButton>
 #include <QScrollBar>
@@ -216,4 +219,30 @@ TEST_F(OverviewWindowsTest, ARestingPointerFollowsScrollingAndNewOverviews)
     QTest::keyClick(sheet, Qt::Key_Down);
     QTest::qWait(SheetView::HoverDelayMs * 2);
     EXPECT_EQ(hits.size(), 4);
+}
+
+TEST_F(OverviewWindowsTest, NewOptionsApplyAtTheNextOverview)
+{
+    auto w = open(survey(40, 3));
+    ASSERT_EQ(w->sheetView()->sheetGeometry().answerLines, 40);
+    ASSERT_TRUE(w->sheetView()->input().groupLines);
+
+    // Tools > Options, as the user works it: 10 rows, no block lines.
+    QTimer::singleShot(0, [] {
+        QWidget *dialog = QApplication::activeModalWidget();
+        ASSERT_NE(dialog, nullptr);
+        dialog->findChild<QLineEdit *>(QStringLiteral("txtOverviewMaxRows"))->setText(QStringLiteral(" 10 "));
+        dialog->findChild<QCheckBox *>(QStringLiteral("chkOverviewBlockLines"))->setChecked(false);
+        dialog->findChild<QPushButton *>(QStringLiteral("cmdOK"))->click();
+    });
+    w->menus().mnuTOptions->trigger();
+    EXPECT_EQ(w->options().overviewMaxRows, 10);
+    // The sheet on screen stays as it was built ...
+    EXPECT_EQ(w->sheetView()->sheetGeometry().answerLines, 40);
+    // ... and the next build follows the options.
+    ASSERT_TRUE(w->showSelection(fullSelection(*w->document())).isEmpty());
+    EXPECT_EQ(w->sheetView()->sheetGeometry().answerLines, 10);
+    EXPECT_FALSE(w->sheetView()->input().groupLines);
+    // Written for the next run as well.
+    EXPECT_EQ(mStore->readSettings().overviewMaxRows, 10);
 }
