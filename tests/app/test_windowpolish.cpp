@@ -3,6 +3,7 @@
 // instead of widening, a detail window of constant size, status panels of
 // constant width, and restored windows kept wholly on a screen.
 #include "gui/selection/detailwindow.h"
+#include "gui/shell/aboutbox.h"
 #include "gui/shell/elidinglabel.h"
 #include "gui/shell/mainwindow.h"
 #include "gui/shell/screenplacement.h"
@@ -123,4 +124,17 @@ TEST(StatusPanels, KeepTheirWidthsWhateverTheyShow)
     EXPECT_EQ(w.statusPanel(3)->width(), widths[2]);
     EXPECT_LE(w.statusPanel(3)->geometry().right(), w.width());
     EXPECT_EQ(w.statusPanel(3)->text(), longText);
+}
+
+TEST(AboutBox, SaysWhatSupportAsksForInBothLanguages)
+{
+    for (const bool swedish : {false, true}) {
+        const QString text = AboutBox(swedish).text();
+        EXPECT_TRUE(text.contains(QStringLiteral("KEL Revision: 9"))) << swedish;
+        EXPECT_TRUE(text.contains(QStringLiteral("Version "))) << swedish;
+        EXPECT_TRUE(text.contains(QStringLiteral("Brennvik AB"))) << swedish;
+        EXPECT_TRUE(text.contains(swedish ? QStringLiteral("Operativsystem: ") : QStringLiteral("Operating system: ")));
+        EXPECT_EQ(text.contains(QStringLiteral("Processor: ")), true) << swedish;
+        EXPECT_EQ(text.contains(QStringLiteral("Memory: ")), !swedish);
+    }
 }

@@ -29,8 +29,12 @@ QString processorName()
     QFile cpuinfo(QStringLiteral("/proc/cpuinfo"));
     if (cpuinfo.open(QIODevice::ReadOnly | QIODevice::Text)) {
         // The first entry is enough; the file can be long on large machines.
-        for (int i = 0; i < 64 && !cpuinfo.atEnd(); ++i) {
-            const QString line = QString::fromUtf8(cpuinfo.readLine(4096));
+        // (/proc files report no size, so atEnd() cannot be trusted.)
+        for (int i = 0; i < 64; ++i) {
+            const QByteArray bytes = cpuinfo.readLine(4096);
+            if (bytes.isEmpty())
+                break;
+            const QString line = QString::fromUtf8(bytes);
             if (line.startsWith(QLatin1String("model name")))
                 return line.section(QLatin1Char(':'), 1).trimmed();
         }
