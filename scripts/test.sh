@@ -37,6 +37,11 @@ for rev in 1 2 3 4 5 6 7 8 9; do
 done
 build-san/fuzz/fuzz_reader -max_total_time="$fuzz_seconds" -rss_limit_mb=2048 -max_len=65536 \
     -dict=fuzz/kel.dict -artifact_prefix=build-san/ -print_final_stats=1 "$corpus" 2>&1 | tail -n 15
+echo "== fuzzing the rich-text reader for 20s"
+mkdir -p build-san/fuzz-rtf-corpus
+printf '%s' '{\rtf1\ansi{\fonttbl{\f0 Arial;}}\b bold\b0 \u8364?\par x}' >build-san/fuzz-rtf-corpus/seed.rtf
+build-san/fuzz/fuzz_rtf -max_total_time=20 -rss_limit_mb=2048 -max_len=16384 -artifact_prefix=build-san/rtf- \
+    -print_final_stats=1 build-san/fuzz-rtf-corpus 2>&1 | tail -n 5
 echo "== tests (ASan + UBSan)"
 ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
     ctest --test-dir build-san --output-on-failure -j"$jobs"

@@ -507,6 +507,7 @@ TEST_F(MainWindowTest, StoredPlacementIsRestoredSensibly)
         {"minimized is not restored", 150, 150, 9000, 6000, WindowPlacement::Minimized},
         {"off every screen", 14400000, 14400000, 9000, 6000, WindowPlacement::Normal},
         {"too small", 150, 150, 10, 10, WindowPlacement::Normal},
+        {"partly off the right edge", 6000, 150, 9000, 6000, WindowPlacement::Normal},
     };
     for (const Case &c : cases) {
         {
@@ -523,6 +524,9 @@ TEST_F(MainWindowTest, StoredPlacementIsRestoredSensibly)
         EXPECT_GE(w->height(), qRound(3600 * pixelsPerTwip)) << c.label;
         const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
         EXPECT_TRUE(screen.contains(w->pos())) << c.label;
+        if (c.state == WindowPlacement::Normal) {
+            EXPECT_TRUE(screen.contains(QRect(w->pos(), w->size()))) << c.label; // wholly, not just a corner
+        }
     }
 }
 

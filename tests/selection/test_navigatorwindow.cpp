@@ -12,6 +12,7 @@
 #include "navigatordocument.h"
 
 #include <QCheckBox>
+#include <cstdlib>
 #include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
@@ -141,12 +142,20 @@ TEST_F(NavigatorWindowTest, ShadingAndBlockingFollowTheComplementMinimum)
     click("A1-2");
     EXPECT_TRUE(mWindow->isCategoryShaded(0));
     EXPECT_FALSE(mWindow->isCategoryShaded(1)) << "Role has no complement-checked option";
-    EXPECT_EQ(node("A0-2")->background(0).color(), mWindow->palette().color(QPalette::Button));
+    // The shading must be seen on the tree's background, and says why.
+    const QColor shade = node("A0-2")->background(0).color();
+    const QColor base = mWindow->palette().color(QPalette::Base);
+    EXPECT_GT(std::abs(shade.red() - base.red()) + std::abs(shade.green() - base.green())
+                  + std::abs(shade.blue() - base.blue()),
+              80);
+    EXPECT_FALSE(node("A0-2")->toolTip(0).isEmpty());
     EXPECT_TRUE(mWindow->showButton()->isEnabled()) << "shaded but not restricted";
+    EXPECT_TRUE(mWindow->showButton()->toolTip().isEmpty());
 
     click("A0-1");
     EXPECT_EQ(mWindow->selectionCount(), 10);
     EXPECT_FALSE(mWindow->showButton()->isEnabled()) << "a restricted shaded category blocks Show";
+    EXPECT_TRUE(mWindow->showButton()->toolTip().startsWith(QStringLiteral("A shaded category")));
     click("A0-1");
     EXPECT_TRUE(mWindow->showButton()->isEnabled());
 
@@ -159,6 +168,7 @@ TEST_F(NavigatorWindowTest, ShadingAndBlockingFollowTheComplementMinimum)
     click("R0");
     EXPECT_EQ(mWindow->selectionCount(), 1);
     EXPECT_FALSE(mWindow->showButton()->isEnabled());
+    EXPECT_TRUE(mWindow->showButton()->toolTip().contains(QStringLiteral("fewer respondents")));
 }
 
 TEST_F(NavigatorWindowTest, CountUsesTheLocalesDigitGrouping)

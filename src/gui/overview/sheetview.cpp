@@ -41,6 +41,7 @@ bool SheetView::setSheet(SheetInput input)
     // The scroll bars stay as they are until the new sheet is laid out, so
     // a bar needed before and after keeps its place (clamped to the new range).
     discardSheet();
+    mFixedPicture = false;
     input.mode = SheetMode::Screen;
     if (input.document != mOffsetsDocument) {
         mOffsets.clear();
@@ -53,7 +54,21 @@ bool SheetView::setSheet(SheetInput input)
     renderSheetInto(mImage, mInput, mOffsets, mRenderedRatio, &mGeometry);
     updateScrollBars();
     viewport()->update();
+    refreshHover();
     return !mImage.isNull();
+}
+
+void SheetView::setPicture(QImage picture, const SheetGeometry &geometry)
+{
+    discardSheet();
+    mSpare = QImage();
+    mFixedPicture = true;
+    mHoverEnabled = false;
+    mImage = std::move(picture);
+    mGeometry = geometry;
+    mRenderedRatio = mImage.devicePixelRatio();
+    updateScrollBars();
+    viewport()->update();
 }
 
 void SheetView::discardSheet()
@@ -106,7 +121,7 @@ void SheetView::setScrollPosition(int column, int line)
 
 SheetHit SheetView::hitTest(const QPointF &pos) const
 {
-    if (!hasSheet())
+    if (!hasSheet() || mFixedPicture)
         return SheetHit();
     // Only what the view shows can be hit: not the parts under the bars.
     if (pos.x() >= Margin + mLayout.availableWidth || pos.y() >= Margin + mLayout.availableHeight)
@@ -151,7 +166,7 @@ void SheetView::paintEvent(QPaintEvent *)
 {
     // Moved to a screen of another pixel ratio: draw the picture once more
     // so that it stays sharp there.
-    if (hasSheet() && devicePixelRatioF() != mRenderedRatio) {
+    if (hasSheet() && !mFixedPicture && devicePixelRatioF() != mRenderedRatio) {
         mRenderedRatio = devicePixelRatioF();
         if (!renderSheetInto(mImage, mInput, mOffsets, mRenderedRatio, &mGeometry))
             discardSheet();
@@ -189,12 +204,24 @@ void SheetView::resizeEvent(QResizeEvent *event)
 void SheetView::scrollContentsBy(int, int)
 {
     viewport()->update();
+    refreshHover();
+}
+
+void SheetView::refreshHover()
+{
+    // A resting pointer now rests on another cell (the sheet moved or was
+    // replaced under it): its values follow after the usual delay.
+    mHoverTimer.stop();
+    if (mHoverEnabled && hasSheet() && viewport()->rect().contains(mLastPointer.toPoint()))
+        mHoverTimer.start();
 }
 
 bool SheetView::viewportEvent(QEvent *event)
 {
-    if (event->type() == QEvent::Leave)
+    if (event->type() == QEvent::Leave) {
         mHoverTimer.stop();
+        mLastPointer = QPointF(-1.0, -1.0); // nothing rests on the sheet
+    }
     return QAbstractScrollArea::viewportEvent(event);
 }
 

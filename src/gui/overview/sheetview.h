@@ -29,6 +29,11 @@ public:
     /// that appears starts at 0. Returns false when the picture could not
     /// be made; the view then shows no sheet.
     bool setSheet(SheetInput input);
+    /// Shows a finished picture (a mini-overview's) with the same frozen
+    /// header lines and whole-cell scrolling; the view keeps it as it is and
+    /// reports no cells. `geometry` gives its cells in pixels of the
+    /// picture's device-independent size.
+    void setPicture(QImage picture, const SheetGeometry &geometry);
     /// Discards the sheet and stops the hover delay.
     void eraseSheet();
     /// For a newly opened or closed document: erases the sheet and forgets
@@ -89,6 +94,7 @@ private:
     void discardSheet();
     void updateScrollBars();
     void showHoveredCell();
+    void refreshHover();
     void scrollBy(QScrollBar *bar, int notches);
 
     SheetInput mInput;
@@ -106,6 +112,7 @@ private:
     int mWheelLines = 3;
     QPoint mWheelRemainder;
     bool mLayingOut = false;
+    bool mFixedPicture = false; // shown as handed over, never drawn again
     qint32 mPopupRow = 0;
     qint32 mPopupQuestion = -1;
 };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "gui/selection/detailwindow.h"
 
+#include "gui/shell/elidinglabel.h"
 #include "texts/language.h"
 #include "engine/document/document.h"
 #include "engine/indexes/blockindex.h"
@@ -27,6 +28,13 @@ QLabel *makeLabel(QWidget *parent, const QString &name, Qt::Alignment alignment 
     return label;
 }
 
+void keepLineWhenEmpty(QWidget *label)
+{
+    QSizePolicy policy = label->sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    label->setSizePolicy(policy);
+}
+
 } // namespace
 
 DetailWindow::DetailWindow(bool isSwedish, QWidget *parent)
@@ -37,16 +45,23 @@ DetailWindow::DetailWindow(bool isSwedish, QWidget *parent)
     auto *outer = new QVBoxLayout(mContent);
     outer->setContentsMargins(margin, margin, margin, margin);
     outer->setSpacing(2);
+    // The headers and the answer text change with every hovered cell: they
+    // are cut to the window's width (whole in their tooltips) and keep
+    // their line when empty, so the window neither widens nor jumps.
     for (int i = 0; i < HeaderCount; ++i) {
-        mHeaders[std::size_t(i)] = makeLabel(mContent, QStringLiteral("lblHeader%1").arg(i));
-        QFont bold = mHeaders[std::size_t(i)]->font();
+        auto *header = new ElidingLabel(mContent);
+        header->setObjectName(QStringLiteral("lblHeader%1").arg(i));
+        QFont bold = header->font();
         bold.setBold(true);
-        mHeaders[std::size_t(i)]->setFont(bold);
-        outer->addWidget(mHeaders[std::size_t(i)]);
+        header->setFont(bold);
+        keepLineWhenEmpty(header);
+        mHeaders[std::size_t(i)] = header;
+        outer->addWidget(header);
     }
     mHeaders[0]->setText(pickText(isSwedish, "Question:", "Fråga:"));
-    mText = makeLabel(mContent, QStringLiteral("txtText"));
-    mText->setWordWrap(true);
+    mText = new ElidingLabel(mContent);
+    mText->setObjectName(QStringLiteral("txtText"));
+    keepLineWhenEmpty(mText);
     outer->addWidget(mText);
 
     mGrid->setHorizontalSpacing(twipsToPixels(MarginTwips));
@@ -159,9 +174,10 @@ void DetailWindow::updateLayout()
     // height and at least its width; floating it is resized to it.
     mContent->layout()->activate();
     const QSize wanted = mContent->sizeHint();
+    const bool changed = wanted != mContent->minimumSize();
     mContent->setMinimumSize(wanted);
     mContent->setMaximumHeight(wanted.height());
-    if (isFloating())
+    if (isFloating() && changed)
         adjustSize();
 }
 
@@ -172,7 +188,11 @@ void DetailWindow::setUpForDocument(const Document &doc)
     if (p.pointsScale > 0) {
         const QString blank = QStringLiteral(" ");
         setHeaderValue(0, blank);
-        setHeaderValue(1, doc.text(p.indexLineTexts[2]).isEmpty() ? QString() : blank);
+        const bool subBlockLine = !doc.text(p.indexLineTexts[2]).isEmpty();
+        setHeaderValue(1, subBlockLine ? blank : QString());
+        QSizePolicy policy = mHeaders[1]->sizePolicy();
+        policy.setRetainSizeWhenHidden(subBlockLine);
+        mHeaders[1]->setSizePolicy(policy);
         setHeaderValue(2, blank);
         for (int r = 0; r < RowCount; ++r)
             setIndexText(r, doc.text(p.indexLineTexts[std::size_t(r)]));

@@ -16,8 +16,10 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QSplitter>
+#include <QTimer>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <optional>
 
 namespace kel {
@@ -174,12 +176,20 @@ void NavigatorWindow::setUp(const Document &doc)
     const bool flexShown = mModel.flexVisible();
     mFlexList->setVisible(flexShown);
     mFlexCheck->setVisible(flexShown);
+    if (flexShown) {
+        // Once the window is laid out the splitter knows its real height.
+        QTimer::singleShot(0, this, [this] {
+            if (mModel.flexVisible())
+                fitFlexListToItems();
+        });
+    }
     mFlexCheck->setChecked(false);
     mCount = doc.rowCount();
     setTotalText(mCount);
     for (int c = 0; c < int(doc.categories.size()); ++c)
         markCategory(c, false);
     mShowButton->setEnabled(true);
+    mShowButton->setToolTip(QString());
 }
 
 void NavigatorWindow::buildTree(const Document &doc)
@@ -206,6 +216,21 @@ void NavigatorWindow::buildTree(const Document &doc)
         }
     }
     mTree->expandAll();
+}
+
+void NavigatorWindow::fitFlexListToItems()
+{
+    // A list that hides some of its few options makes the user scroll to
+    // find them: it grows to show them all, up to half of the window.
+    const int count = mFlexList->count();
+    if (count == 0 || !mSplitter->isVisible())
+        return; // the splitter's sizes mean nothing before it is laid out
+    const int rows = mFlexList->sizeHintForRow(0) * count + 2 * mFlexList->frameWidth() + 2;
+    const QList<int> sizes = mSplitter->sizes();
+    const int total = sizes.value(0) + sizes.value(1);
+    const int wanted = std::max(designedFlexHeight(), std::min(rows, total / 2));
+    if (wanted > sizes.value(1))
+        mSplitter->setSizes({std::max(total - wanted, mTree->minimumHeight()), wanted});
 }
 
 void NavigatorWindow::buildFlexList(const Document &doc)
@@ -262,6 +287,22 @@ void NavigatorWindow::recount()
         markCategory(c, result.shaded[std::size_t(c)]);
     if (mModel.showEnabledChanged())
         mShowButton->setEnabled(result.showEnabled);
+    // A disabled Show says why, so that the shading is not a riddle.
+    QString reason;
+    if (!result.showEnabled) {
+        const bool blocked = std::find(result.blocked.begin(), result.blocked.end(), true) != result.blocked.end();
+        reason = blocked ? pickText(mIsSwedish,
+                                    "A shaded category must keep all its options ticked: leaving one out would show "
+                                    "a group smaller than the document allows.",
+                                    "En skuggad kategori måste ha alla sina alternativ ikryssade: att utelämna ett "
+                                    "skulle visa en grupp som är mindre än dokumentet tillåter.")
+                         : pickText(mIsSwedish,
+                                    "The selection holds fewer respondents than the document allows to be shown "
+                                    "(at least %1).",
+                                    "Urvalet har färre svarande än dokumentet tillåter att visa (minst %1).")
+                               .arg(mDocument->properties.minimumGraphSelection);
+    }
+    mShowButton->setToolTip(reason);
     setTotalText(result.count);
 }
 
@@ -299,11 +340,22 @@ void NavigatorWindow::markCategory(int category, bool shaded)
     QTreeWidgetItem *root = mTree->topLevelItem(category);
     if (!root)
         return;
-    const QBrush brush = shaded ? palette().brush(QPalette::Button) : QBrush();
+    // A warm tint that stands out on any light theme: the palette's button
+    // face was too close to the tree's white to be noticed.
+    const QBrush brush = shaded ? QBrush(QColor(255, 214, 153)) : QBrush();
+    const QString tip = shaded ? pickText(mIsSwedish,
+                                          "Shaded: leaving out an option here would show a group smaller than the "
+                                          "document allows.",
+                                          "Skuggad: att utelämna ett alternativ här skulle visa en grupp som är "
+                                          "mindre än dokumentet tillåter.")
+                               : QString();
     const QSignalBlocker quiet(mTree);
     root->setBackground(0, brush);
-    for (int i = 0; i < root->childCount(); ++i)
+    root->setToolTip(0, tip);
+    for (int i = 0; i < root->childCount(); ++i) {
         root->child(i)->setBackground(0, brush);
+        root->child(i)->setToolTip(0, tip);
+    }
 }
 
 bool NavigatorWindow::isCategoryShaded(int category) const

@@ -97,6 +97,7 @@ protected:
 private:
     void buildTree(const Document &doc);
     void buildFlexList(const Document &doc);
+    void fitFlexListToItems();
     void onCheckClicked(QTreeWidgetItem *item);
     void onFlexListClicked();
     void recount();

@@ -8,8 +8,8 @@ namespace kel {
 /// A short summary of the system the viewer runs on, for support calls.
 QString systemSummary(bool isSwedish);
 
-/// The About box: title, version, the file format revision read, and the
-/// system summary.
+/// The About box: title, version, the file format revision read, who to
+/// contact, and the system summary (operating system, processor, memory).
 class AboutBox : public QDialog
 {
     Q_OBJECT

@@ -5,6 +5,10 @@
 #include "gui/graphs/chartcommands.h"
 #include "engine/document/documentsession.h"
 #include "gui/shell/helpwindow.h"
+#include "gui/shell/optionsdialog.h"
+#include "gui/shell/elidinglabel.h"
+#include "gui/shell/screenplacement.h"
+#include "gui/overview/overviewcommands.h"
 #include "texts/language.h"
 #include "engine/settings/recentfiles.h"
 #include "gui/shell/startup.h"
@@ -120,7 +124,12 @@ MainWindow::MainWindow(SettingsStore &settings, bool isSwedish, const MainWindow
     const char *tipsEnglish[] = {"Current activity", "Items in current selection", "Current selection"};
     const char *tipsSwedish[] = {"Aktuell aktivitet", "Antal i aktuellt urval", "Aktuellt urval"};
     for (int i = 0; i < 3; ++i) {
-        mPanels[i] = new QLabel(this);
+        // Eliding panels keep their widths whatever they show.
+        auto *panel = new ElidingLabel(this);
+        panel->setPreferredCharacters(i == 1 ? 8 : 0);
+        if (i == 1)
+            panel->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+        mPanels[i] = panel;
         mPanels[i]->setObjectName(QStringLiteral("stbMainPanel%1").arg(i + 1));
         mPanels[i]->setToolTip(pickText(isSwedish, tipsEnglish[i], tipsSwedish[i]));
         mPanels[i]->setFrameShape(QFrame::StyledPanel);
@@ -162,7 +171,12 @@ MainWindow::MainWindow(SettingsStore &settings, bool isSwedish, const MainWindow
     mAutoOpenTimer.setInterval(500);
     connect(&mAutoOpenTimer, &QTimer::timeout, this, &MainWindow::autoOpenFile);
 
-    resize(900, 620);
+    // Room for the sheet beside the navigator and the detail window, on
+    // screens that have it.
+    QSize defaultSize(1100, 760);
+    if (const QScreen *screen = QGuiApplication::primaryScreen())
+        defaultSize = defaultSize.boundedTo(screen->availableGeometry().size() * 0.9).expandedTo(QSize(640, 480));
+    resize(defaultSize);
     loadPlacement();
 }
 
@@ -177,6 +191,8 @@ void MainWindow::connectMenus()
     connect(mMenus.mnuVCloseAllGraphWindows, &QAction::triggered, this, &MainWindow::closeAllGraphWindows);
     connect(mMenus.mnuHHelpTopics, &QAction::triggered, this, &MainWindow::showHelpTopics);
     connect(mMenus.mnuHAbout, &QAction::triggered, this, &MainWindow::showAbout);
+    connect(mMenus.mnuTOptions, &QAction::triggered, this, &MainWindow::showOptions);
+    connectOverviewCommands(*this);
     // A checked item shows its window, an unchecked one hides it.
     connect(mMenus.mnuVNavigator, &QAction::triggered, this, [this](bool checked) {
         if (mNavigator)
@@ -572,6 +588,11 @@ void MainWindow::showAbout()
     box.exec();
 }
 
+void MainWindow::showOptions()
+{
+    runOptionsDialog(this, mIsSwedish, mOptions, mSettings, document());
+}
+
 void MainWindow::dragEnterEvent(QDragEnterEvent *event)
 {
     if (event->mimeData()->hasUrls() && !droppedDocument(event->mimeData()->urls()).isEmpty())
@@ -625,18 +646,10 @@ void MainWindow::loadPlacement()
     if (p.left && p.top)
         move(toPixels(*p.left), toPixels(*p.top));
 
-    // A position from another monitor setup may lie off every screen now.
-    const QRect frame(pos(), size());
-    bool visible = false;
-    for (const QScreen *screen : QGuiApplication::screens()) {
-        if (screen->availableGeometry().intersects(frame.adjusted(0, 0, -frame.width() / 2, -frame.height() / 2)))
-            visible = true;
-    }
-    if (!visible && QGuiApplication::primaryScreen()) {
-        const QRect area = QGuiApplication::primaryScreen()->availableGeometry();
-        resize(std::min(width(), area.width()), std::min(height(), area.height()));
-        move(area.topLeft());
-    }
+    // A position from another monitor setup may lie partly off the screens.
+    const QRect placed = keepWhollyOnScreen(QRect(pos(), size()));
+    resize(placed.size());
+    move(placed.topLeft());
     // A stored minimized state is not restored as minimized.
     if (p.state && *p.state == WindowPlacement::Maximized)
         setWindowState(windowState() | Qt::WindowMaximized);
@@ -691,7 +704,7 @@ void MainWindow::createToolWindows(const Document &doc)
         };
         mNavigator = new NavigatorWindow(mIsSwedish, *mStatus, mOptions, std::move(actions), this);
         connect(mNavigator, &ToolDock::hiddenByUser, this, [this] { mMenus.mnuVNavigator->setChecked(false); });
-        mNavigator->restorePlacement(*this, mSettings, Qt::RightDockWidgetArea, QSize(pixels(3600), pixels(5400)));
+        mNavigator->restorePlacement(*this, mSettings, Qt::RightDockWidgetArea, QSize(pixels(4900), pixels(5400)));
         mNavigator->loadSettings(mSettings);
         mNavigator->setUp(doc);
         mNavigator->show();
@@ -700,7 +713,9 @@ void MainWindow::createToolWindows(const Document &doc)
 
     mDetail = new DetailWindow(mIsSwedish, this);
     connect(mDetail, &ToolDock::hiddenByUser, this, [this] { mMenus.mnuVDetailInfo->setChecked(false); });
-    mDetail->restorePlacement(*this, mSettings, Qt::RightDockWidgetArea, QSize(pixels(2000), pixels(600)));
+    // Docked under the navigator it shares its width: the same default keeps
+    // the navigator's option texts whole.
+    mDetail->restorePlacement(*this, mSettings, Qt::RightDockWidgetArea, QSize(pixels(4900), pixels(600)));
     mDetail->setUpForDocument(doc);
     showFlexTotalIndex();
     mDetail->show();

@@ -123,6 +123,7 @@ public:
     /// Message boxes go through here so that tests can record them.
     using MessageHandler = std::function<void(QMessageBox::Icon, const QString &title, const QString &text)>;
     void setMessageHandler(MessageHandler handler) { mMessageHandler = std::move(handler); }
+    void showMessage(QMessageBox::Icon icon, const QString &title, const QString &text);
 
     /// The pending command-line file and its timer (tmrAutoOpenFile).
     QString pendingFile() const { return mPendingFile; }
@@ -142,6 +143,9 @@ public slots:
     void openRecentFile(int index);
     void showHelpTopics();
     void showAbout();
+    /// Tools > Options: the new options take effect at the next overview
+    /// build and the next graph.
+    void showOptions();
 
 protected:
     void closeEvent(QCloseEvent *event) override;

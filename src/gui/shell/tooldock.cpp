@@ -2,11 +2,10 @@
 #include "gui/shell/tooldock.h"
 
 #include "engine/settings/settingsstore.h"
+#include "gui/shell/screenplacement.h"
 
 #include <QCloseEvent>
-#include <QGuiApplication>
 #include <QMainWindow>
-#include <QScreen>
 
 namespace kel {
 
@@ -60,13 +59,8 @@ void ToolDock::restorePlacement(QMainWindow &main, const SettingsStore &store, Q
         return;
     }
     setFloating(true);
-    QRect frame(QPoint(twipsToPixels(*p.left), twipsToPixels(*p.top)), size);
-    bool onScreen = false;
-    for (const QScreen *screen : QGuiApplication::screens())
-        onScreen = onScreen || screen->availableGeometry().intersects(frame);
-    if (!onScreen && QGuiApplication::primaryScreen())
-        frame.moveTopLeft(QGuiApplication::primaryScreen()->availableGeometry().topLeft());
-    setGeometry(frame);
+    // A window partly off the screens could not be reached by its title bar.
+    setGeometry(keepWhollyOnScreen(QRect(QPoint(twipsToPixels(*p.left), twipsToPixels(*p.top)), size)));
 }
 
 void ToolDock::savePlacement(SettingsStore &store) const

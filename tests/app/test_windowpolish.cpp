@@ -1,0 +1,140 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What keeps the main window steady while texts change: labels that elide
+// instead of widening, a detail window of constant size, status panels of
+// constant width, and restored windows kept wholly on a screen.
+#include "gui/selection/detailwindow.h"
+#include "gui/shell/aboutbox.h"
+#include "gui/shell/elidinglabel.h"
+#include "gui/shell/mainwindow.h"
+#include "gui/shell/screenplacement.h"
+#include "texts/statusline.h"
+
+#include <QHelpEvent>
+#include <QLabel>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QToolTip>
+
+#include <gtest/gtest.h>
+
+using namespace kel;
+
+TEST(ScreenPlacement, KeepsWindowsWhollyOnAScreen)
+{
+    const QList<QRect> screens = {QRect(0, 0, 1280, 1024), QRect(1280, 0, 1920, 1080)};
+    const struct {
+        const char *label;
+        QRect frame;
+        QRect expected;
+    } cases[] = {
+        {"inside the first", QRect(100, 100, 400, 300), QRect(100, 100, 400, 300)},
+        {"inside the second", QRect(1500, 50, 400, 300), QRect(1500, 50, 400, 300)},
+        {"across both: into the one it overlaps most", QRect(1200, 100, 400, 300), QRect(1280, 100, 400, 300)},
+        {"partly below the first", QRect(100, 900, 400, 300), QRect(100, 724, 400, 300)},
+        {"left of everything", QRect(-5000, 100, 400, 300), QRect(0, 100, 400, 300)},
+        {"far away: the first screen", QRect(90000, 90000, 400, 300), QRect(880, 724, 400, 300)},
+        {"larger than any screen: shrunk into the one it overlaps most", QRect(-10, -10, 5000, 5000),
+         QRect(1280, 0, 1920, 1080)},
+    };
+    for (const auto &c : cases)
+        EXPECT_EQ(keepWhollyOnScreen(c.frame, screens), c.expected) << c.label;
+    EXPECT_EQ(keepWhollyOnScreen(QRect(5, 5, 10, 10), {}), QRect(5, 5, 10, 10));
+}
+
+TEST(ElidingLabel, CutsLongTextsAndShowsThemWholeInTheTooltip)
+{
+    ElidingLabel label;
+    label.setToolTip(QStringLiteral("own tip"));
+    label.resize(120, label.sizeHint().height());
+    label.setText(QStringLiteral("short"));
+    const QSize hint = label.sizeHint();
+    EXPECT_FALSE(label.isElided());
+
+    const QString longText = QStringLiteral("A question text far longer than any window would be wide, ") .repeated(4);
+    label.setText(longText);
+    EXPECT_EQ(label.sizeHint(), hint) << "the text never asks for more room";
+    EXPECT_TRUE(label.isElided());
+    EXPECT_TRUE(label.shownText().endsWith(QChar(0x2026)));
+    EXPECT_LE(label.fontMetrics().horizontalAdvance(label.shownText()), label.contentsRect().width());
+
+    label.show();
+    QHelpEvent help(QEvent::ToolTip, QPoint(5, 5), label.mapToGlobal(QPoint(5, 5)));
+    QApplication::sendEvent(&label, &help);
+    EXPECT_EQ(QToolTip::text(), longText);
+    QToolTip::hideText();
+
+    // Line breaks would make a second line.
+    label.setText(QStringLiteral("one\ntwo"));
+    EXPECT_FALSE(label.shownText().contains(QLatin1Char('\n')));
+}
+
+TEST(DetailWindowSize, HoveredTextsNeitherWidenNorResizeIt)
+{
+    DetailWindow w(false);
+    for (int r = 0; r < DetailWindow::RowCount; ++r)
+        w.setIndexText(r, QStringLiteral("Row %1").arg(r));
+    w.setHeaderValue(0, QStringLiteral("Block"));
+    w.setHeaderValue(2, QStringLiteral("Question"));
+    w.setTextValue(QStringLiteral("Agree"));
+    w.updateLayout();
+    const QSize steady = w.contentSize();
+
+    const QString longText = QStringLiteral("An unusually long question text that goes on and on ").repeated(5);
+    w.setHeaderValue(2, longText);
+    w.setTextValue(longText);
+    w.updateLayout();
+    EXPECT_EQ(w.contentSize(), steady);
+    EXPECT_EQ(w.headerValue(2), longText) << "the whole text is kept for the tooltip";
+
+    // Outside the sheet the texts are emptied; the window keeps its lines.
+    for (int i = 0; i < DetailWindow::HeaderCount; ++i)
+        w.setHeaderValue(i, QString());
+    w.setTextValue(QString());
+    w.updateLayout();
+    EXPECT_EQ(w.contentSize().height(), steady.height());
+}
+
+TEST(StatusPanels, KeepTheirWidthsWhateverTheyShow)
+{
+    QTemporaryDir dir;
+    SettingsLocation location;
+    location.file = dir.filePath(QStringLiteral("KEL Viewer.ini"));
+    SettingsStore store(location);
+    MainWindow w(store, false, MainWindowEnvironment());
+    w.resize(900, 620);
+    w.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&w));
+    for (int i = 2; i <= 3; ++i)
+        w.statusPanel(i)->setVisible(true);
+    w.statusPanel(2)->setText(QStringLiteral(" 600"));
+    w.statusPanel(3)->setText(QStringLiteral(" Total"));
+    w.statusLine().setStatus("Ready", "Klar", false);
+    QApplication::processEvents();
+    const int widths[] = {w.statusPanel(1)->width(), w.statusPanel(2)->width(), w.statusPanel(3)->width()};
+    EXPECT_GT(widths[0], 100) << "the activity panel does not collapse";
+    EXPECT_GT(widths[2], 100);
+
+    const QString longText = QStringLiteral("Department: Sales, Production, Finance; Age group: 30-39, 40-49; ")
+                                 .repeated(4);
+    w.statusPanel(3)->setText(longText);
+    w.statusLine().setStatus(longText, longText, false);
+    QApplication::processEvents();
+    EXPECT_EQ(w.statusPanel(1)->width(), widths[0]);
+    EXPECT_EQ(w.statusPanel(2)->width(), widths[1]);
+    EXPECT_EQ(w.statusPanel(3)->width(), widths[2]);
+    EXPECT_LE(w.statusPanel(3)->geometry().right(), w.width());
+    EXPECT_EQ(w.statusPanel(3)->text(), longText);
+}
+
+TEST(AboutBox, SaysWhatSupportAsksForInBothLanguages)
+{
+    for (const bool swedish : {false, true}) {
+        const QString text = AboutBox(swedish).text();
+        EXPECT_TRUE(text.contains(QStringLiteral("KEL Revision: 9"))) << swedish;
+        EXPECT_TRUE(text.contains(QStringLiteral("Version "))) << swedish;
+        EXPECT_TRUE(text.contains(QStringLiteral("Brennvik AB"))) << swedish;
+        EXPECT_TRUE(text.contains(swedish ? QStringLiteral("Operativsystem: ") : QStringLiteral("Operating system: ")));
+        EXPECT_EQ(text.contains(QStringLiteral("Processor: ")), true) << swedish;
+        EXPECT_EQ(text.contains(QStringLiteral("Memory: ")), !swedish);
+    }
+}

@@ -1,0 +1,209 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The comments windows' content, built from documents written by the test
+// writer and read back by the reader, and the reader of documents' own rich
+// text on hostile input.
+#include "engine/document/documentreader.h"
+#include "engine/document/rtftext.h"
+#include "engine/overview/comments.h"
+#include "kelwriter.h"
+
+#include <gtest/gtest.h>
+
+using namespace kel;
+using namespace kel::writer;
+
+namespace {
+
+const QString Frame = QStringLiteral("{\\rtf1\\ansi\\deff0{\\fonttbl{\\f0\\fswiss MS Sans Serif;}}\r\n"
+                                     "\\deflang1033\\pard\\tx1440\\plain\\f0\\fs17");
+
+std::unique_ptr<Document> readBack(const SurveyBuilder &builder)
+{
+    ReadResult result = readDocumentBytes(builder.toBytes());
+    EXPECT_EQ(result.code, OpenResult::Ok) << result.detail.toStdString();
+    return std::move(result.document);
+}
+
+// Four respondents, three overview questions; question 1 is left out of the
+// overview, so its comments must not appear in a row's comments.
+SurveyBuilder commentedSurvey()
+{
+    SurveyBuilder b(4);
+    const QList<AlternativeSpec> yesNo = {{.label = QStringLiteral("Y")}, {.label = QStringLiteral("N")}};
+    b.addQuestion({.code = QStringLiteral("Q1"), .heading = QStringLiteral("First"),
+                   .text = QStringLiteral("First {question}")},
+                  yesNo);
+    b.addQuestion({.code = QStringLiteral("Q2"), .heading = QStringLiteral("Hidden"), .inOverview = false}, yesNo);
+    b.addQuestion({.code = QStringLiteral("Q3"), .heading = QStringLiteral("Third"),
+                   .text = QStringLiteral("Third question")},
+                  yesNo);
+    b.setRowComment(0, QStringLiteral("Braces {a} and back\\slash"));
+    b.setRowComment(2, QStringLiteral("Line one\r\nLine two"));
+    b.setCellComment(0, 2, QStringLiteral("On the third"));
+    b.setCellComment(0, 0, QStringLiteral("On the first"));
+    b.setCellComment(0, 1, QStringLiteral("Not in the overview"));
+    b.setCellComment(1, 2, QStringLiteral("<b>not bold</b> & more"));
+    b.setCellComment(3, 2, QStringLiteral("Last"));
+    return b;
+}
+
+} // namespace
+
+TEST(Comments, RowCommentsFollowTheOverviewColumns)
+{
+    const auto doc = readBack(commentedSurvey());
+    ASSERT_TRUE(doc);
+    const CommentsDocument row0 = rowComments(*doc, 0, doc->overviewColumns);
+    const std::vector<CommentEntry> expected = {
+        {QStringLiteral("Radkommentar"), QStringLiteral("Braces {a} and back\\slash")},
+        {QStringLiteral("First {question}"), QStringLiteral("On the first")},
+        {QStringLiteral("Third question"), QStringLiteral("On the third")},
+    };
+    EXPECT_EQ(row0.entries, expected);
+    EXPECT_EQ(commentsRtf(row0),
+              Frame
+                  + QStringLiteral("\\b Radkommentar\\b0\r\n\\par Braces \\{a\\} and back\\\\slash\r\n\\par"
+                                   "\r\n\\par\r\n\\b First \\{question\\}\\b0\r\n\\par On the first\r\n\\par"
+                                   "\r\n\\par\r\n\\b Third question\\b0\r\n\\par On the third\r\n\\par\r\n}"));
+
+    // A row with a cell comment but no row comment: only the heading and it.
+    const CommentsDocument row1 = rowComments(*doc, 1, doc->overviewColumns);
+    ASSERT_EQ(row1.entries.size(), 1u);
+    EXPECT_EQ(row1.entries[0].heading, QStringLiteral("Third question"));
+    EXPECT_EQ(commentsRtf(row1), Frame
+                                     + QStringLiteral("\\b Third question\\b0\r\n\\par <b>not bold</b> & more"
+                                                      "\r\n\\par\r\n}"));
+
+    // Row 2's comment has two lines; row 3 has nothing of its own.
+    EXPECT_EQ(commentsRtf(rowComments(*doc, 2, doc->overviewColumns)),
+              Frame + QStringLiteral("\\b Radkommentar\\b0\r\n\\par Line one\r\n\\par Line two\r\n\\par\r\n}"));
+    EXPECT_EQ(rowComments(*doc, 3, doc->overviewColumns).entries.size(), 1u);
+    // Rows and questions outside the document find nothing and read nothing.
+    EXPECT_TRUE(rowComments(*doc, 4, doc->overviewColumns).isEmpty());
+    EXPECT_TRUE(rowComments(*doc, -1, doc->overviewColumns).isEmpty());
+    EXPECT_EQ(rowComments(*doc, 0, {7, -3}).entries.size(), 1u); // its own comment only
+    EXPECT_TRUE(commentsRtf(rowComments(*doc, 9, {})).isEmpty());
+}
+
+TEST(Comments, ColumnAndAllComments)
+{
+    const auto doc = readBack(commentedSurvey());
+    ASSERT_TRUE(doc);
+    // List order, not row order; rows outside the list are not looked at.
+    const CommentsDocument column = columnComments(*doc, 2, {3, 0, 1});
+    ASSERT_EQ(column.entries.size(), 3u);
+    EXPECT_EQ(column.entries[0].text, QStringLiteral("Last"));
+    EXPECT_EQ(column.entries[1].text, QStringLiteral("On the third"));
+    EXPECT_EQ(commentsRtf(columnComments(*doc, 2, {3, 0})),
+              Frame
+                  + QStringLiteral("\\b Third question\\b0\r\n\r\n\\par Last\r\n\\par\r\n\\par On the third\r\n"
+                                   "\\par\r\n}"));
+    EXPECT_TRUE(columnComments(*doc, 2, {2}).isEmpty());
+    EXPECT_TRUE(columnComments(*doc, 12, {0, 1, 2, 3}).isEmpty());
+
+    EXPECT_EQ(commentsRtf(allComments(*doc)),
+              Frame
+                  + QStringLiteral("Braces \\{a\\} and back\\\\slash\r\n\\par\r\n\\par Line one\r\n\\par Line two"
+                                   "\r\n}"));
+
+    // Without row comments there is nothing to show.
+    SurveyBuilder plain(2);
+    plain.addQuestion({.code = QStringLiteral("Q")}, {{.label = QStringLiteral("A")}});
+    plain.setCellComment(1, 0, QStringLiteral("cell only"));
+    const auto noRowComments = readBack(plain);
+    ASSERT_TRUE(noRowComments);
+    EXPECT_TRUE(allComments(*noRowComments).isEmpty());
+    EXPECT_EQ(rowComments(*noRowComments, 1, noRowComments->overviewColumns).entries.size(), 1u);
+}
+
+TEST(Comments, HtmlShowsEveryCharacterLiterally)
+{
+    const auto doc = readBack(commentedSurvey());
+    ASSERT_TRUE(doc);
+    const QString row1 = commentsHtml(rowComments(*doc, 1, doc->overviewColumns));
+    EXPECT_TRUE(row1.contains(QStringLiteral("&lt;b&gt;not bold&lt;/b&gt; &amp; more"))) << row1.toStdString();
+    EXPECT_TRUE(row1.contains(QStringLiteral("<b>Third question</b>")));
+    EXPECT_FALSE(row1.contains(QStringLiteral("<b>not bold")));
+
+    // Every line break of a comment starts a paragraph; comments are
+    // separated by one empty paragraph.
+    CommentsDocument lines;
+    lines.entries = {{QString(), QStringLiteral("a\r\nb\nc\rd")}, {QString(), QStringLiteral("e")}};
+    EXPECT_EQ(commentsHtml(lines).count(QStringLiteral("<p ")), 6);
+    EXPECT_EQ(commentsHtml(lines).count(QStringLiteral("&nbsp;")), 1);
+
+    // A comment the survey tool stored as RTF shows its text, not its code;
+    // the RTF text keeps it escaped.
+    CommentsDocument stored;
+    stored.entries = {{QString(), QStringLiteral("{\\rtf1\\ansi{\\fonttbl{\\f0 Arial;}}\\f0 Good \\{x\\}\\par}")}};
+    EXPECT_EQ(commentsHtml(stored), QStringLiteral("<p style=\"margin:0; white-space:pre-wrap\">Good {x}</p>"));
+    EXPECT_TRUE(commentsRtf(stored).contains(QStringLiteral("\\{\\\\rtf1")));
+
+    // The RTF and the HTML say the same: reading the RTF back gives the text.
+    EXPECT_EQ(rtfToPlainText(commentsRtf(rowComments(*doc, 0, doc->overviewColumns))),
+              QStringLiteral("Radkommentar\nBraces {a} and back\\slash\n\nFirst {question}\nOn the first\n\n"
+                             "Third question\nOn the third\n"));
+    EXPECT_EQ(rtfToPlainText(commentsRtf(allComments(*doc))),
+              QStringLiteral("Braces {a} and back\\slash\n\nLine one\nLine two\n"));
+}
+
+TEST(RtfText, ReadsTheSubsetDocumentsUse)
+{
+    const struct {
+        const char *rtf;
+        const char *plain;
+    } cases[] = {
+        {"{\\rtf1 Hello}", "Hello\n"},
+        {"{\\rtf1{\\fonttbl{\\f0 Arial;}}{\\colortbl;\\red0\\green0\\blue0;}\\f0 A\\par B}", "A\nB\n"},
+        {"{\\rtf1 \\'e5\\'e4\\'f6 \\'80}", "\xc3\xa5\xc3\xa4\xc3\xb6 \xe2\x82\xac\n"},
+        {"{\\rtf1 \\u229?x \\uc2\\u8364 ab c}", "\xc3\xa5x \xe2\x82\xac c\n"},
+        {"{\\rtf1 a\\tab b\\line c}", "a\tb\nc\n"},
+        {"{\\rtf1 x{\\*\\unknown hidden}y{\\field{\\*\\fldinst HYPERLINK}{\\fldrslt shown}}}", "xyshown\n"},
+        {"{\\rtf1 \\\\ \\{ \\}}", "\\ { }\n"},
+        {"{\\rtf1 {\\pict 89504e47}z}", "z\n"},
+        {"plain text\r\nsecond line", "plain text\nsecond line\n"},
+        {"", "\n"},
+    };
+    for (const auto &c : cases)
+        EXPECT_EQ(rtfToPlainText(QString::fromUtf8(c.rtf)), QString::fromUtf8(c.plain)) << c.rtf;
+
+    const QString html = rtfToHtml(QStringLiteral("{\\rtf1 \\b bold\\b0  <tag> & {\\i it} \\ul u\\ulnone}"));
+    EXPECT_TRUE(html.contains(QStringLiteral("<b>bold</b>"))) << html.toStdString();
+    EXPECT_TRUE(html.contains(QStringLiteral("&lt;tag&gt; &amp; "))) << html.toStdString();
+    EXPECT_TRUE(html.contains(QStringLiteral("<i>it</i>")));
+    EXPECT_TRUE(html.contains(QStringLiteral("<u>u</u>")));
+    // Plain text is never taken for markup.
+    EXPECT_EQ(rtfToHtml(QStringLiteral("<script>")).count(QStringLiteral("<script>")), 0);
+}
+
+TEST(RtfText, HostileInputEndsQuietly)
+{
+    // Unbalanced, truncated and absurd input: each is read to its end.
+    const char *hostile[] = {
+        "{\\rtf1 }}}}}}} text", "{\\rtf1 {{{{{{ text", "{\\rtf1 \\", "{\\rtf1 \\'", "{\\rtf1 \\'4",
+        "{\\rtf1 \\'zz", "{\\rtf1 \\u", "{\\rtf1 \\u-", "{\\rtf1 \\u99999999999999999999 x",
+        "{\\rtf1 \\u-99999999999 x", "{\\rtf1 \\uc999999999\\u65 abc", "{\\rtf1 \\b-",
+        "{\\rtf1 \\u55357 lone}",
+    };
+    for (const char *text : hostile) {
+        const QString html = rtfToHtml(QString::fromUtf8(text));
+        EXPECT_TRUE(html.startsWith(QStringLiteral("<p")) || html.isEmpty()) << text;
+        EXPECT_FALSE(rtfToPlainText(QString::fromUtf8(text)).contains(QChar(0xD83D))) << text;
+    }
+
+    // Deep nesting is bounded: formatting set inside the limit survives
+    // beyond it and is undone when the groups close.
+    const int depth = 100000;
+    const QString deep = QStringLiteral("{\\rtf1 ") + QString(depth, QLatin1Char('{')) + QStringLiteral("\\b x")
+        + QString(depth, QLatin1Char('}')) + QStringLiteral("y}");
+    EXPECT_EQ(rtfToPlainText(deep), QStringLiteral("xy\n"));
+    EXPECT_TRUE(rtfToHtml(deep).contains(QStringLiteral("<b>x</b>y")));
+    const QString skipped = QStringLiteral("{\\rtf1 {\\fonttbl") + QString(depth, QLatin1Char('{'))
+        + QStringLiteral("hidden") + QString(depth, QLatin1Char('}')) + QStringLiteral("}shown}");
+    EXPECT_EQ(rtfToPlainText(skipped), QStringLiteral("shown\n"));
+
+    // A long control word and a long number are read, not overflowed.
+    const QString longWord = QStringLiteral("{\\rtf1 \\") + QString(100000, QLatin1Char('a'))
+        + QString(100000, QLatin1Char('9')) + QStringLiteral(" z}");
+    EXPECT_EQ(rtfToPlainText(longWord), QStringLiteral("z\n"));
+}
