@@ -2,7 +2,7 @@
 #include "texts/propertiestexts.h"
 
 #include "texts/language.h"
-#include "texts/richtext.h"
+#include "engine/document/rtftext.h"
 
 #include <QStringList>
 

@@ -58,7 +58,7 @@ PropertiesView::PropertiesView(const Document &doc, bool isSwedish, const QLocal
     addRow(form, QStringLiteral("lblCopyrightLabel"), t.copyrightLabel,
            valueLabel(QStringLiteral("lblCopyright"), t.copyright, this));
 
-    // The comment is HTML built from escaped text (see richtext.h); a
+    // The comment is HTML built from escaped text (see engine/document/rtftext.h); a
     // read-only QTextEdit follows no links and fetches no resources.
     auto *comment = new QTextEdit(this);
     comment->setObjectName(QStringLiteral("rtfComment"));

@@ -118,7 +118,6 @@ public:
     const SelectionSteps &selectionSteps() const { return mSteps; }
     /// Set as Default Size of a fraction graph: kept for this run and stored.
     void storeQuestionGraphDefaultSize(qint32 windowWidthTwips, qint32 barWidth);
-    void showMessage(QMessageBox::Icon icon, const QString &title, const QString &text);
 
     /// Message boxes go through here so that tests can record them.
     using MessageHandler = std::function<void(QMessageBox::Icon, const QString &title, const QString &text)>;
