@@ -5,6 +5,7 @@
 #include "readerfixture.h"
 
 #include "engine/document/openresult.h"
+#include "texts/messages.h"
 
 #include <QDir>
 #include <QTemporaryDir>

@@ -5,7 +5,7 @@
 
 #include "engine/overview/sheetlayout.h"
 
-#include "navigatordocument.h"
+#include "surveys.h"
 
 #include <QLabel>
 #include <QLocale>

@@ -90,7 +90,7 @@ int indexesCommand(const Document &base, const QStringList &args, CommandOutput 
         return UsageError;
     }
     if (shown->sheet.outcome != SubSheetOutcome::Ok) {
-        output.err += (QStringLiteral("kel indexes: %1\n").arg(shown->sheet.message));
+        output.err += (QStringLiteral("kel indexes: %1\n").arg(shown->message));
         return 1;
     }
     output.out += (exportIndexes(doc, shown->sheet.steps.selectionText, shown->sheet.rows, options, selection.locale));

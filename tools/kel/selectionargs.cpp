@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "selectionargs.h"
 
+#include "texts/messages.h"
+
 #include <QDateTime>
 
 namespace kel::cli {
@@ -127,7 +129,8 @@ std::optional<ShownSelection> showFromArgs(Document &doc, const SelectionArgs &a
     shown.recount = shown.model.recount(doc);
 
     RowRandom random(args.seed ? *args.seed : quint64(QDateTime::currentMSecsSinceEpoch()));
-    shown.sheet = kel::showSelection(doc, shown.model, shown.flex, args.order, random, args.isSwedish);
+    shown.sheet = kel::showSelection(doc, shown.model, shown.flex, args.order, random);
+    shown.message = showRefusalMessage(doc, shown.sheet.outcome, args.isSwedish);
     return shown;
 }
 

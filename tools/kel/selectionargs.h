@@ -39,6 +39,7 @@ struct ShownSelection {
     RecountResult recount;
     FlexTotal flex;
     SubSheet sheet;
+    QString message; ///< the refusal, in the chosen language; "" when shown
 };
 
 /// Ticks what the options ask for, runs Show and builds the overview. On a

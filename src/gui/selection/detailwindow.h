@@ -5,7 +5,7 @@
 // write its cells; the window only lays itself out.
 #pragma once
 
-#include "gui/shell/tooldock.h"
+#include "gui/common/tooldock.h"
 
 #include <array>
 #include <vector>

@@ -3,8 +3,9 @@
 
 #include "texts/language.h"
 #include "engine/settings/settingsstore.h"
+#include "texts/messages.h"
 #include "texts/statusline.h"
-#include "gui/shell/waitcursor.h"
+#include "gui/common/waitcursor.h"
 #include "engine/document/document.h"
 #include "gui/selection/navigatortree.h"
 
@@ -275,13 +276,11 @@ void NavigatorWindow::applySelection()
     if (!mDocument)
         return;
     std::optional<WaitCursor> wait(std::in_place);
-    mStatus.setStatus("Building new overview...", "Skapar ny översikt...", false);
-    if (mModel.applyShow() && mActions.setFlexTotal)
-        mActions.setFlexTotal(mModel.flexOptions(), mModel.flexBasedOnCurrentSelection());
-    const QString message = mActions.createSubSheet ? mActions.createSubSheet(mModel.selected()) : QString();
+    mStatus.setStatus(buildingOverviewText(false), buildingOverviewText(true), false);
+    const QString message = mActions.show ? mActions.show(mModel) : QString();
     wait.reset();
     if (message.isEmpty()) {
-        mStatus.setStatus("New overview built!", "Ny översikt byggd!", true);
+        mStatus.setStatus(overviewBuiltText(false), overviewBuiltText(true), true);
         return;
     }
     if (mActions.showRefusal)

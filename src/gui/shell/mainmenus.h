@@ -4,6 +4,8 @@
 // program refers to them by (every QAction's objectName is that name too).
 #pragma once
 
+#include "engine/overview/menuenabling.h"
+
 #include <QList>
 
 #include <array>
@@ -109,6 +111,11 @@ struct MainMenus {
 /// captions of the chosen language and the state they have before any
 /// document is opened.
 MainMenus buildMainMenus(QMenuBar *bar, QWidget *owner, bool isSwedish);
+
+/// Shows, hides, enables and disables every item as `enabling` says: the one
+/// place where the menus' state is set. Items that depend on the place of a
+/// popup click are shown by the popup itself.
+void applyMenuEnabling(MainMenus &menus, const MenuEnabling &enabling);
 
 /// Adds split-by item `index` to both popup split menus when it does not exist
 /// yet and sets its caption; returns false for a negative index.
