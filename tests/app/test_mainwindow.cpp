@@ -160,37 +160,6 @@ TEST_F(MainWindowTest, EveryEnabledItemHasAnActionBehindIt)
     }
 }
 
-TEST_F(MainWindowTest, CaptionsFollowTheInterfaceLanguage)
-{
-    struct Case {
-        const char *name;
-        const char *english;
-        const char *swedish;
-    };
-    const Case cases[] = {
-        {"mnuFile", "&File", "&Arkiv"},
-        {"mnuFOpen", "&Open...", "&Öppna..."},
-        {"mnuTools", "&Tools", "Verkt&yg"},
-        {"mnuTExport", "&Export", "&Export"},
-        {"mnuHAbout", "&About KEL Viewer...", "&Om KEL Viewer..."},
-        {"mnuPS1SplitBy", "&Split by", "&Fördelat på"},
-        {"mnuPS2SplitBy", "&Split by", "&Fördelad på"},
-        {"mnuPMouseWheelScrollDirection1", "Mouse Wheel Scrolls Hori&zontally", "Mushjulet bläddrar horisonta&lt"},
-    };
-    auto en = makeWindow(false);
-    const auto englishState = menuState(*en);
-    en.reset();
-    auto sv = makeWindow(true);
-    const auto swedishState = menuState(*sv);
-    for (const Case &c : cases) {
-        const QString name = QString::fromLatin1(c.name);
-        ASSERT_TRUE(englishState.contains(name)) << c.name;
-        EXPECT_EQ(englishState.value(name).text, QString::fromUtf8(c.english));
-        EXPECT_EQ(swedishState.value(name).text, QString::fromUtf8(c.swedish));
-    }
-    EXPECT_EQ(sv->statusPanel(3)->toolTip(), QStringLiteral("Aktuellt urval"));
-}
-
 TEST_F(MainWindowTest, ClosingBringsEveryItemBackToWhereItStarted)
 {
     ShellSurveyOptions rich;

@@ -130,48 +130,6 @@ TEST_F(NavigatorWindowTest, RootAndOptionTicksPropagate)
     EXPECT_EQ(mWindow->selectionCount(), 6) << "North's five Bosses and row 19";
 }
 
-TEST_F(NavigatorWindowTest, ShadingAndBlockingFollowTheComplementMinimum)
-{
-    open();
-    // East has a single respondent: below the complement minimum of 3.
-    click("A1-2");
-    click("A1-2");
-    EXPECT_TRUE(mWindow->isCategoryShaded(0));
-    EXPECT_FALSE(mWindow->isCategoryShaded(1)) << "Role has no complement-checked option";
-    EXPECT_EQ(node("A0-2")->background(0).color(), mWindow->palette().color(QPalette::Button));
-    EXPECT_TRUE(mWindow->showButton()->isEnabled()) << "shaded but not restricted";
-
-    click("A0-1");
-    EXPECT_EQ(mWindow->selectionCount(), 10);
-    EXPECT_FALSE(mWindow->showButton()->isEnabled()) << "a restricted shaded category blocks Show";
-    click("A0-1");
-    EXPECT_TRUE(mWindow->showButton()->isEnabled());
-
-    // With Staff unticked, East (an even row) counts 0: no longer shaded.
-    click("A1-1");
-    EXPECT_FALSE(mWindow->isCategoryShaded(0));
-    EXPECT_EQ(node("A0-2")->background(0).style(), Qt::NoBrush);
-
-    // Below the minimum graph selection Show is off as well.
-    click("R0");
-    EXPECT_EQ(mWindow->selectionCount(), 1);
-    EXPECT_FALSE(mWindow->showButton()->isEnabled());
-}
-
-TEST_F(NavigatorWindowTest, CountUsesTheLocalesDigitGrouping)
-{
-    const QLocale saved;
-    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
-    open({.rows = 1234});
-    click("A1-2");
-    EXPECT_EQ(countText(), QStringLiteral("Items in selection: 1,224"));
-    QLocale::setDefault(QLocale(QLocale::Swedish, QLocale::Sweden));
-    click("A1-2");
-    EXPECT_EQ(countText(), QStringLiteral("Items in selection: ") + QLocale(QLocale::Swedish).toString(1234));
-    EXPECT_NE(QLocale(QLocale::Swedish).toString(1234), QStringLiteral("1234"));
-    QLocale::setDefault(saved);
-}
-
 TEST_F(NavigatorWindowTest, ShowAppliesAndReportsRefusals)
 {
     open();
