@@ -485,30 +485,25 @@ constexpr int Cell = 16;
 // graph flags offer the histogram, the graph and the index graph.
 std::unique_ptr<Document> unitDocument(qint32 rowOrder = -1)
 {
-    ShellSurveyOptions recipe;
-    recipe.pointsScale = 4;
-    recipe.allowCopy = true;
-    recipe.allowCopyData = true;
-    recipe.rowComments = true; // row 0 has a comment, the others none
-    recipe.categoryHeadings = {QStringLiteral("Unit")};
-    recipe.rows = 8;
-    auto doc = shellSurvey(recipe);
-    std::vector<quint8> cells(16, 0);
+    writer::SurveyBuilder b(8, 1);
+    writer::HeaderFields &h = b.header();
+    h.totalText = b.text(QStringLiteral("Everyone"));
+    h.pointsScale = 100; // two decimals
+    h.allowCopy = h.allowCopyData = writer::FileTrue;
+    h.rowOrder = rowOrder;
+    const qint32 block = b.addBlock({.code = QStringLiteral("B"), .name = QStringLiteral("Work"), .graphFlags = 0x103});
+    const qint32 q = b.addQuestion({.code = QStringLiteral("Q1"), .heading = QStringLiteral("Satisfaction"),
+                                    .block = block, .graphFlags = 0x3},
+                                   {{.text = QStringLiteral("No"), .points = 0}, {.text = QStringLiteral("Yes"), .points = 100}});
+    const qint32 unit = b.addQuestion({.code = QStringLiteral("Q2"), .heading = QStringLiteral("Unit"), .isCategory = true,
+                                       .inOverview = false, .inTotalIndex = false},
+                                      {{.text = QStringLiteral("No")}, {.text = QStringLiteral("Yes")}});
     for (qint32 r = 0; r < 8; ++r) {
-        cells[std::size_t(r)] = r < 4 ? 1 : 0; // the overview question
-        cells[std::size_t(8 + r)] = r < 4 ? 0 : 1; // the unit
+        b.setAnswer(r, q, r < 4 ? 1 : 0);
+        b.setAnswer(r, unit, r < 4 ? 0 : 1);
     }
-    doc->answers = AnswerMatrix(CellType::U8, 8, 2, std::move(cells));
-    Block block;
-    block.code = QStringLiteral("B");
-    block.name = QStringLiteral("Work");
-    block.graphFlags = 0x103;
-    doc->blocks.push_back(block);
-    doc->questions[0].block = 0;
-    doc->questions[0].graphFlags = 0x3;
-    doc->properties.rowOrder = rowOrder;
-    doc->properties.indexDecimals = 2;
-    return doc;
+    b.setRowComment(0, QStringLiteral("A comment")); // row 0 has a comment, the others none
+    return test::readBackOwned(b.build());
 }
 
 // The middle of a cell of the view: column 0 .. , line -H .. -1 for the
