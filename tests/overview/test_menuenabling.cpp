@@ -3,6 +3,8 @@
 // the surroundings offers, and that nothing unbuilt is ever enabled.
 #include "engine/overview/menuenabling.h"
 
+#include "surveys.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -99,13 +101,15 @@ TEST(MenuEnabling, PermissionsAndSurroundingsDecideEachCommand)
 
 TEST(MenuEnabling, StateComesFromTheDocument)
 {
-    Document doc;
-    doc.properties.allowCopy = true;
-    doc.properties.pointsScale = 3;
-    doc.properties.indexFlags = 0x101;
-    doc.categories = {0};
+    test::ShellSurveyOptions recipe;
+    recipe.allowCopy = true;
+    recipe.pointsScale = 3;
+    recipe.totalIndexGraph = true;
+    recipe.categoryHeadings = {QStringLiteral("Unit")};
+    const auto doc = test::shellSurvey(recipe);
+    ASSERT_TRUE(doc);
     EXPECT_FALSE(MenuState::of(nullptr, true, true, true).dataRowsAllowed) << "no document, no rows";
-    const MenuState s = MenuState::of(&doc, false, true, true);
+    const MenuState s = MenuState::of(doc.get(), false, true, true);
     EXPECT_TRUE(s.documentOpen && s.allowCopy && s.hasIndexes && s.totalIndexGraph && s.hasCategories);
     EXPECT_TRUE(s.mouseWheel && s.dataRowsAllowed);
     EXPECT_FALSE(s.allowCopyData || s.allowPrint || s.hasRowComments || s.printerInstalled);
