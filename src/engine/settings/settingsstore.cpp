@@ -461,6 +461,18 @@ bool SettingsStore::writeWindowPlacement(const QString &name, BorderStyle style,
     return flush();
 }
 
+std::optional<qint32> SettingsStore::readNavigatorFlexHeight() const
+{
+    return readDword(QStringLiteral("Windows/Navigator"), QStringLiteral("Flex Total Height"));
+}
+
+bool SettingsStore::writeNavigatorFlexHeight(qint32 twips)
+{
+    if (mPolicies.noSaveSettings || !canWrite())
+        return false;
+    return writeDword(QStringLiteral("Windows/Navigator"), QStringLiteral("Flex Total Height"), twips);
+}
+
 QString SettingsStore::documentKey(const QString &guidText)
 {
     return QStringLiteral("Documents\\") + guidText;

@@ -165,6 +165,11 @@ public:
     /// skipped under NoSaveSettings.
     bool writeWindowPlacement(const QString &name, BorderStyle style, const WindowPlacement &placement);
 
+    /// The navigator's flex-total list height, twips ("Windows\\Navigator",
+    /// "Flex Total Height"); the write is skipped under NoSaveSettings.
+    std::optional<qint32> readNavigatorFlexHeight() const;
+    bool writeNavigatorFlexHeight(qint32 twips);
+
     /// "Documents\\{GUID}": the per-document key of the user-defined blocks.
     static QString documentKey(const QString &guidText);
 

@@ -29,7 +29,6 @@ constexpr int ReminderIntervalMs = 800;
 constexpr int MinimumPaneTwips = 285;     // tree and flex list never get smaller
 constexpr int DesignedFlexHeightTwips = 1140;
 constexpr int LabelGapTwips = 120;        // between the count and the Show button
-const QString FlexHeightValue = QStringLiteral("Flex Total Height");
 
 } // namespace
 
@@ -142,7 +141,7 @@ bool NavigatorWindow::eventFilter(QObject *watched, QEvent *event)
 
 void NavigatorWindow::loadSettings(const SettingsStore &store)
 {
-    const std::optional<qint32> twips = store.readDword(QStringLiteral("Windows\\") + settingsName(), FlexHeightValue);
+    const std::optional<qint32> twips = store.readNavigatorFlexHeight();
     if (!twips)
         return;
     const int pixels = twipsToPixels(*twips);
@@ -157,11 +156,8 @@ void NavigatorWindow::loadSettings(const SettingsStore &store)
 void NavigatorWindow::saveSettings(SettingsStore &store) const
 {
     savePlacement(store);
-    if (store.policies().noSaveSettings)
-        return;
     const int pixels = mSplitter->sizes().value(1, designedFlexHeight());
-    store.writeDword(QStringLiteral("Windows\\") + settingsName(), FlexHeightValue,
-                     qint32(qRound(pixels / pixelsPerTwip())));
+    store.writeNavigatorFlexHeight(qint32(qRound(pixels / pixelsPerTwip())));
 }
 
 void NavigatorWindow::setUp(const Document &doc)
