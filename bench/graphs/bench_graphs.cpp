@@ -8,7 +8,7 @@
 #include "engine/graphs/basicgraph.h"
 #include "engine/indexes/blockindex.h"
 #include "gui/graphs/basicgraphwindow.h"
-#include "gui/graphs/graphcommands.h"
+#include "gui/shell/graphcommands.h"
 #include "gui/overview/sheetview.h"
 #include "gui/shell/mainwindow.h"
 #include "kelwriter.h"

@@ -3,12 +3,12 @@
 // shown is decided once at start-up and handed around as a plain flag.
 #pragma once
 
+#include "engine/settings/settingsstore.h"
+
 #include <QLocale>
 #include <QString>
 
 namespace kel {
-
-inline constexpr char ApplicationTitle[] = "KEL Viewer";
 
 /// Picks the English or the Swedish literal (both UTF-8).
 inline QString pickText(bool isSwedish, const char *english, const char *swedish)

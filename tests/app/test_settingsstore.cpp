@@ -63,18 +63,7 @@ TEST_F(SettingsStoreTest, EmptyStoreGivesEveryDefault)
     EXPECT_EQ(store.readLastSettings(), LastSettings());
     EXPECT_TRUE(store.readRecentFiles().isEmpty());
     const WindowPlacement p = store.readWindowPlacement(QStringLiteral("Main"));
-    EXPECT_FALSE(p.left || p.top || p.width || p.height || p.state);
-
-    // Defaults that other windows rely on.
-    const UserOptions o;
-    EXPECT_TRUE(o.navigatorRemindToClickShow);
-    EXPECT_EQ(o.overviewMaxRows, 300);
-    EXPECT_EQ(o.graphLegends, 6);
-    EXPECT_EQ(o.graphCopyFormat, 2);
-    const LastSettings l;
-    EXPECT_EQ(l.graphWindowWidth, 10200);
-    EXPECT_EQ(l.printerBindingMargin, 1701);
-    EXPECT_TRUE(l.blockIndexGraphHasDataLabels);
+    EXPECT_FALSE(p.left || p.top || p.width || p.height || p.state || p.dockArea);
 }
 
 TEST_F(SettingsStoreTest, NamedKeysRoundTripThroughAFreshStore)

@@ -98,19 +98,6 @@ TEST(Zlib, OnlyTheFirstCharacterOfTheVersionMatters)
     EXPECT_TRUE(zlibMessage(ZlibCheck::Ok, QStringLiteral("1.2.13"), false).isEmpty());
 }
 
-TEST(StartupTexts, MessagesNameTheirSubject)
-{
-    EXPECT_EQ(couldNotFindFileStatus(QStringLiteral("/tmp/missing.kel"), false),
-              QStringLiteral("Could not find the file \"/tmp/missing.kel\"!"));
-    EXPECT_EQ(couldNotFindFileStatus(QStringLiteral("x"), true), QStringLiteral("Kunde inte hitta filen \"x\"!"));
-    EXPECT_EQ(secondInstanceQuestion(false),
-              QStringLiteral("You are already running at least one copy of KEL Viewer, do you really want to start "
-                             "another one?"));
-    EXPECT_EQ(settingsRootFailureMessage(5),
-              QStringLiteral("Cannot open Windows' Registry, error code: HKCU 5. Some features in this application "
-                             "may not work as expected."));
-}
-
 TEST(RecentFiles, MostRecentFirstWithoutDuplicates)
 {
     struct Case {

@@ -4,9 +4,9 @@
 // constant width, and restored windows kept wholly on a screen.
 #include "gui/selection/detailwindow.h"
 #include "gui/shell/aboutbox.h"
-#include "gui/shell/elidinglabel.h"
+#include "gui/common/elidinglabel.h"
 #include "gui/shell/mainwindow.h"
-#include "gui/shell/screenplacement.h"
+#include "gui/common/placement.h"
 #include "texts/statusline.h"
 
 #include <QHelpEvent>
@@ -37,8 +37,8 @@ TEST(ScreenPlacement, KeepsWindowsWhollyOnAScreen)
          QRect(1280, 0, 1920, 1080)},
     };
     for (const auto &c : cases)
-        EXPECT_EQ(keepWhollyOnScreen(c.frame, screens), c.expected) << c.label;
-    EXPECT_EQ(keepWhollyOnScreen(QRect(5, 5, 10, 10), {}), QRect(5, 5, 10, 10));
+        EXPECT_EQ(keepOnScreen(c.frame, screens), c.expected) << c.label;
+    EXPECT_EQ(keepOnScreen(QRect(5, 5, 10, 10), {}), QRect(5, 5, 10, 10));
 }
 
 TEST(ElidingLabel, CutsLongTextsAndShowsThemWholeInTheTooltip)

@@ -300,32 +300,5 @@ TEST(Container, FilesOnDisk)
     EXPECT_EQ(readDocumentFile(shortFile).code, OpenResult::NotKel);
 }
 
-TEST(Container, Messages)
-{
-    const struct {
-        OpenResult code;
-        const char *english;
-        const char *swedish;
-    } table[] = {
-        {OpenResult::Ok, "", ""},
-        {OpenResult::CannotOpen, "Can not open the file!", "Kan inte öppna filen!"},
-        {OpenResult::NotKel, "This is not a KEL file!", "Det här är inte en KEL-fil!"},
-        {OpenResult::TooOld, "This KEL file is in an older format that this version of KEL Viewer does not support!",
-         "Den här KEL-filen är i ett äldre format som denna version av KEL Viewer inte stöder!"},
-        {OpenResult::TooNew,
-         "This KEL file is in a newer format that this version of KEL Viewer does not support! Please upgrade your "
-         "copy of KEL Viewer!",
-         "Den här KEL-filen är i ett nyare format som denna version av KEL Viewer inte stöder! Uppgradera din kopia "
-         "av KEL Viewer!"},
-        {OpenResult::Damaged, "This KEL file is damaged!", "Den här KEL-filen är skadad!"},
-        {OpenResult::TooBig, "This KEL file is to big for this version of KEL Viewer!",
-         "Den här KEL-filen är för stor för den här versionen av KEL Viewer!"},
-    };
-    for (const auto &row : table) {
-        EXPECT_EQ(openResultMessage(row.code, false), QString::fromUtf8(row.english)) << int(row.code);
-        EXPECT_EQ(openResultMessage(row.code, true), QString::fromUtf8(row.swedish)) << int(row.code);
-    }
-}
-
 } // namespace
 } // namespace kel::test

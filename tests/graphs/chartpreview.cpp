@@ -3,7 +3,7 @@
 // FILE in the main window, runs the chart commands through its menus with
 // the dialogs filled in by script, and writes every chart window as a PNG.
 #include "engine/selection/counting.h"
-#include "gui/graphs/chartcommands.h"
+#include "gui/shell/chartcommands.h"
 #include "gui/graphs/chartwindow.h"
 #include "gui/graphs/distributiondialog.h"
 #include "gui/graphs/indexgraphdialog.h"

@@ -6,7 +6,7 @@
 #include "engine/document/documentreader.h"
 #include "gui/graphs/questionselectdialog.h"
 #include "gui/graphs/basicgraphwindow.h"
-#include "gui/graphs/graphcommands.h"
+#include "gui/shell/graphcommands.h"
 #include "gui/overview/sheetview.h"
 #include "gui/shell/mainwindow.h"
 #include "gui/shell/windowpool.h"

@@ -6,7 +6,7 @@
 
 #include "engine/indexes/blockindex.h"
 #include "gui/graphs/chartbuilder.h"
-#include "gui/graphs/chartcommands.h"
+#include "gui/shell/chartcommands.h"
 #include "gui/graphs/chartwindow.h"
 #include "gui/graphs/distributiondialog.h"
 #include "gui/graphs/indexgraphdialog.h"

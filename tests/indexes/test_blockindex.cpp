@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "enginedocument.h"
+#include "surveys.h"
 
 #include "engine/indexes/blockindex.h"
 
 #include <gtest/gtest.h>
 
 using namespace kel;
-using kel::test::EngineDocument;
-using kel::test::QuestionSpec;
+using kel::test::EngineSurvey;
+using kel::test::QuestionRecipe;
 using kel::test::runs;
 
 namespace {
@@ -16,7 +16,7 @@ namespace {
 // rows (the other 20 rows chose the unscored alternative 5).
 Document pooledDocument(CellType type)
 {
-    EngineDocument b;
+    EngineSurvey b;
     b.addQuestion({.heading = "A", .points = {0, 1, 2, 3, 4, -1}});
     b.addQuestion({.heading = "B", .points = {0, 1, 2, 3, 4, -1}});
     return b.build({runs({{4, 30}}), runs({{2, 10}, {5, 20}})}, type);
@@ -39,7 +39,7 @@ TEST(ColumnIndex, PoolsAnswersOfAllQuestionsForEveryCellWidth)
 
 TEST(ColumnIndex, ScaleAndFormatting)
 {
-    EngineDocument b;
+    EngineSurvey b;
     b.properties().pointsScale = 100;
     b.properties().maxPoints = 400;
     b.addQuestion({.heading = "A", .points = {350, 355}});
@@ -63,7 +63,7 @@ namespace {
 
 Document blockDocument()
 {
-    EngineDocument b;
+    EngineSurvey b;
     const std::vector<qint32> pts{0, 1, 2, 3, 4};
     b.addBlock("Main", true);
     b.addBlock("Sub one", true, 0);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "enginedocument.h"
+#include "surveys.h"
 
 #include "engine/indexes/blockindex.h"
 #include "engine/indexes/indexexport.h"
@@ -10,8 +10,8 @@
 #include <random>
 
 using namespace kel;
-using kel::test::EngineDocument;
-using kel::test::QuestionSpec;
+using kel::test::EngineSurvey;
+using kel::test::QuestionRecipe;
 using kel::test::runs;
 
 namespace {
@@ -22,11 +22,11 @@ namespace {
 
 Document exampleDocument(qint32 minimumGraph = 10)
 {
-    EngineDocument b;
+    EngineSurvey b;
     b.properties().pointsScale = 10;
     b.properties().minimumGraphSelection = minimumGraph;
     b.addBlock("Block A", true);
-    QuestionSpec unit{.heading = "Unit", .points = {-1, -1}, .category = true, .overview = false, .inTotal = false};
+    QuestionRecipe unit{.heading = "Unit", .points = {-1, -1}, .category = true, .overview = false, .inTotal = false};
     b.addQuestion(unit);
     b.addQuestion({.heading = "Q one", .points = {10, 20, 30, 40, 50}, .block = 0});
     b.addQuestion({.heading = "Q two", .points = {10, 20, 30, 40, 50}, .block = 0});
@@ -114,7 +114,7 @@ TEST(IndexExport, SwedishDocumentWordsAndNoAnswerAlternative)
 
 TEST(IndexExport, BlockRunsSubBlocksAndUserBlocks)
 {
-    EngineDocument b;
+    EngineSurvey b;
     const std::vector<qint32> pts{1, 2};
     b.addBlock("A", true);                       // 0
     b.addBlock("B", true);                       // 1
@@ -123,8 +123,6 @@ TEST(IndexExport, BlockRunsSubBlocksAndUserBlocks)
     b.addBlock("NoIndex", true, -1, -1.0);       // 4: no stored index
     b.addBlock("User", false, -1, -1.0, false);  // 5: listed whatever its index
     b.addBlock("UserOff", false, -1, 1.0, false); // 6
-    b.block(3).includeInCopy = false;
-    b.block(6).includeInCopy = false;
     b.addQuestion({.heading = "a1", .points = pts, .block = 0, .subBlock = 2});
     b.addQuestion({.heading = "a2", .points = pts, .block = 0, .subBlock = 2});
     b.addQuestion({.heading = "b1", .points = pts, .block = 1, .totalIndex = -1.0});
@@ -132,7 +130,12 @@ TEST(IndexExport, BlockRunsSubBlocksAndUserBlocks)
     b.addQuestion({.heading = "h", .points = pts, .block = 3});
     b.addQuestion({.heading = "n", .points = pts, .block = 4});
     b.addBlockItem(5, 2);
-    const Document doc = b.build({{0, 1}, {0, 1}, {1, 1}, {0, 0}, {0, 1}, {1, 1}});
+    Document doc = b.build({{0, 1}, {0, 1}, {1, 1}, {0, 0}, {0, 1}, {1, 1}});
+    // The user's choices in the block editor: a sub-block is left out of
+    // copies until ticked.
+    doc.blocks[2].includeInCopy = true;
+    doc.blocks[3].includeInCopy = false;
+    doc.blocks[6].includeInCopy = false;
 
     IndexExportOptions options;
     options.indexFor = {true, true, true, true, true};
@@ -149,7 +152,7 @@ TEST(IndexExport, ValuesMatchTheIndexRoutinesOnRandomDocuments)
 {
     std::mt19937 gen(7);
     for (CellType type : {CellType::U8, CellType::I16, CellType::I32}) {
-        EngineDocument b;
+        EngineSurvey b;
         b.properties().minimumGraphSelection = 3;
         b.addBlock("even", true);
         b.addBlock("odd", true);

@@ -4,7 +4,7 @@
 #include "engine/document/document.h"
 #include "engine/selection/counting.h"
 #include "gui/overview/minioverviewwindow.h"
-#include "gui/overview/overviewcommands.h"
+#include "gui/shell/overviewcommands.h"
 #include "gui/overview/sheetview.h"
 #include "gui/overview/textpopup.h"
 #include "gui/shell/mainwindow.h"

@@ -3,7 +3,8 @@
 // from the expected cell colours.
 #include "render/overview/sheetdrawer.h"
 
-#include "sheetdocument.h"
+#include "surveys.h"
+#include "engine/document/pooledindex.h"
 
 #include <QFontMetrics>
 #include <QPainter>
@@ -12,7 +13,7 @@
 #include <gtest/gtest.h>
 
 using namespace kel;
-using kel::test::makeSheetDocument;
+using kel::test::sheetSurvey;
 
 namespace {
 
@@ -35,7 +36,7 @@ QColor c(qint32 ref)
 // block, d in block 1. Three rows.
 Document fillDocument()
 {
-    Document doc = makeSheetDocument(
+    Document doc = sheetSurvey(
         {
             {"", 0, 0, QuestionA, {{"", Red}, {"", W}}},
             {"", 0, -1, W, {{"", Green}, {"", Blue}}},
@@ -54,7 +55,7 @@ SheetInput inputFor(const Document &doc, SheetMode mode = SheetMode::Screen)
     SheetInput input;
     input.document = &doc;
     input.mode = mode;
-    input.rows = test::allRows(doc);
+    input.rows = kel::allRows(doc);
     input.columns = doc.overviewColumns;
     return input;
 }
@@ -206,7 +207,7 @@ TEST(SheetDrawer, TextsSitAtTheirOffsets)
 {
     // Codes in bold, labels in the normal font, 2 pixels below the line's top,
     // centred in the cell by offsets measured once.
-    Document doc = makeSheetDocument(
+    Document doc = sheetSurvey(
         {
             {"Q1", 0, -1, QuestionA, {{"A", Red}, {"", W}}},
             {"M", 0, -1, W, {{"w", W}, {"", Green}}},

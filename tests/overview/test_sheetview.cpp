@@ -3,7 +3,8 @@
 // hover delay, right clicks and the wheel.
 #include "gui/overview/sheetview.h"
 
-#include "sheetdocument.h"
+#include "surveys.h"
+#include "engine/document/pooledindex.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -31,7 +32,7 @@ Document viewDocument()
     for (int r = 0; r < 40; ++r)
         for (int q = 0; q < 20; ++q)
             answers[std::size_t(r)][std::size_t(q)] = (r * 7 + q) % 3;
-    Document doc = test::makeSheetDocument(questions, {{"B0", "First"}, {"B1", "Second"}}, answers);
+    Document doc = test::sheetSurvey(questions, {{"B0", "First"}, {"B1", "Second"}}, answers);
     doc.properties.sheetColours = {0xDDDDDD, 0xBBBBBB, -1, -1};
     doc.properties.sheetColourB = 0;
     return doc;
@@ -41,7 +42,7 @@ SheetInput viewInput(const Document &doc)
 {
     SheetInput input;
     input.document = &doc;
-    input.rows = test::allRows(doc);
+    input.rows = kel::allRows(doc);
     input.columns = doc.overviewColumns;
     return input;
 }

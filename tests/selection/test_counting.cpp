@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "enginedocument.h"
+#include "surveys.h"
 
 #include "engine/selection/counting.h"
 #include "engine/selection/flextotal.h"
@@ -10,14 +10,14 @@
 #include <random>
 
 using namespace kel;
-using kel::test::EngineDocument;
-using kel::test::QuestionSpec;
+using kel::test::EngineSurvey;
+using kel::test::QuestionRecipe;
 
 namespace {
 
 Document randomCategories(std::mt19937 &gen, CellType type, qint32 rows, const std::vector<qint32> &optionCounts)
 {
-    EngineDocument b;
+    EngineSurvey b;
     std::vector<std::vector<qint32>> columns;
     for (qint32 k : optionCounts) {
         b.addQuestion({.heading = "c", .points = std::vector<qint32>(std::size_t(k), -1), .category = true});
@@ -71,7 +71,7 @@ TEST(CountOptions, AgreesWithThePlainReading)
 
 TEST(CountOptions, CountsWhatEachOptionWouldLeave)
 {
-    EngineDocument b;
+    EngineSurvey b;
     b.addQuestion({.heading = "Unit", .points = {-1, -1, -1}, .category = true});
     b.addQuestion({.heading = "Age", .points = {-1, -1}, .category = true});
     //            rows: 0  1  2  3  4  5
@@ -92,7 +92,7 @@ TEST(CountOptions, CountsWhatEachOptionWouldLeave)
     EXPECT_EQ(selectedRows(doc, selected), (RowList{3, 4}));
 
     // With one category the counts are its whole distribution.
-    EngineDocument one;
+    EngineSurvey one;
     one.addQuestion({.heading = "Unit", .points = {-1, -1, -1}, .category = true});
     const Document single = one.build({{0, 1, 2, 1, 1}});
     SelectionMatrix none = fullSelection(single);
@@ -110,7 +110,7 @@ namespace {
 // answer when the flag is set), and Role (category and flex category).
 Document navigatorDocument(bool firstIsNoAnswer)
 {
-    EngineDocument b;
+    EngineSurvey b;
     b.properties().firstAlternativeIsNoAnswer = firstIsNoAnswer;
     b.properties().minimumComplementSelection = 3;
     b.properties().minimumGraphSelection = 2;
@@ -192,10 +192,6 @@ TEST(SelectionModel, ShadingBlockingAndShow)
     EXPECT_EQ(r.found.at(0, 1), 0);
     EXPECT_EQ(r.found.at(0, 2), 2);
     EXPECT_FALSE(r.shaded[0]);
-
-    EXPECT_EQ(itemsInSelectionText(false, 1234, QLocale(QLocale::English, QLocale::UnitedStates)),
-              QStringLiteral("Items in selection: 1,234"));
-    EXPECT_EQ(itemsInSelectionText(true, 5, QLocale::c()), QStringLiteral("Antal i urval: 5"));
 }
 
 TEST(SelectionModel, PendingChangesAndShow)

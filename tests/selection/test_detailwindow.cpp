@@ -3,9 +3,9 @@
 // them, and that the window follows its content.
 #include "gui/selection/detailwindow.h"
 
-#include "engine/overview/sheetlayout.h"
+#include "engine/overview/celldetails.h"
 
-#include "navigatordocument.h"
+#include "surveys.h"
 
 #include <QLabel>
 #include <QLocale>
@@ -54,30 +54,6 @@ TEST(DetailWindow, RowIsShownExactlyWhenItsLabelIsNotEmpty)
         }
         w.updateLayout();
         EXPECT_EQ(shownRows(w), c.shown);
-    }
-}
-
-TEST(DetailWindow, PropertiesReadBackWhatWasWrittenAndIgnoreBadIndexes)
-{
-    DetailWindow w(true);
-    EXPECT_EQ(w.windowTitle(), QStringLiteral("Detaljinformation"));
-    w.setIndexValue(2, false, QStringLiteral("3,25"));
-    w.setIndexValue(2, true, QStringLiteral("-"));
-    w.setHeaderValue(1, QStringLiteral("Block A"));
-    w.setTextValue(QStringLiteral("Very good"));
-    EXPECT_EQ(w.indexValue(2, false), QStringLiteral("3,25"));
-    EXPECT_EQ(w.indexValue(2, true), QStringLiteral("-"));
-    EXPECT_EQ(w.headerValue(1), QStringLiteral("Block A"));
-    EXPECT_EQ(w.textValue(), QStringLiteral("Very good"));
-    for (int bad : {-1, 5, 1000}) {
-        w.setIndexText(bad, QStringLiteral("x"));
-        w.setIndexValue(bad, true, QStringLiteral("x"));
-        EXPECT_TRUE(w.indexText(bad).isEmpty());
-        EXPECT_TRUE(w.indexValue(bad, false).isEmpty());
-    }
-    for (int bad : {-1, DetailWindow::HeaderCount}) {
-        w.setHeaderValue(bad, QStringLiteral("x"));
-        EXPECT_TRUE(w.headerValue(bad).isEmpty());
     }
 }
 
@@ -142,46 +118,34 @@ TEST(DetailWindow, SizeFollowsContent)
 
 namespace {
 
-TEST(DetailWindow, HoveredCellShowsItsIndexes)
+TEST(DetailWindow, HoveredCellIsFormattedIntoItsRows)
 {
-    // Mood is Good (full points) for rows 0, 3, 6, ...: its index is the
-    // share of Good answers among the rows.
     auto doc = test::navigatorSurvey({.pointsScale = 100});
     ASSERT_TRUE(doc);
-    const qint32 mood = doc->overviewColumns.at(0);
     DetailWindow w(false);
     w.setUpForDocument(*doc);
-    const std::vector<qint32> rows{0, 1, 2, 3}; // two Good of four
-
     SheetHit cell;
     cell.place = SheetPlace::AnswerCell;
-    cell.question = mood;
+    cell.question = doc->overviewColumns.at(0);
     cell.row = 3;
+    const std::vector<qint32> rows{0, 1, 2, 3};
     w.showCell(*doc, cell, doc->overviewColumns, rows);
-    EXPECT_EQ(w.textValue(), QStringLiteral("Good"));
-    EXPECT_EQ(w.headerValue(0), QStringLiteral("Work"));
-    EXPECT_EQ(w.headerValue(1), QString()) << "no sub-block";
-    EXPECT_EQ(w.headerValue(2), QStringLiteral("Mood"));
+    const CellDetails d = cellDetails(*doc, cell, doc->overviewColumns, rows);
     const QLocale locale;
-    EXPECT_EQ(w.indexValue(0, false), locale.toString(1.0, 'f', 2)) << "respondent 3 answered Good";
-    EXPECT_EQ(w.indexValue(1, false), locale.toString(0.5, 'f', 2));
-    EXPECT_EQ(w.indexValue(1, true), locale.toString(doc->questions[std::size_t(mood)].flexTotalIndex, 'f', 2));
-    EXPECT_EQ(w.indexValue(2, false), QStringLiteral("-"));
-    EXPECT_EQ(w.indexValue(3, false), locale.toString(0.5, 'f', 2));
+    EXPECT_EQ(w.textValue(), d.answerText);
+    EXPECT_EQ(w.headerValue(0), d.blockName);
+    EXPECT_EQ(w.headerValue(2), d.questionText);
+    EXPECT_EQ(w.indexValue(0, false), locale.toString(d.respondentIndex, 'f', 2));
+    EXPECT_EQ(w.indexValue(1, true), locale.toString(d.questionTotalIndex, 'f', 2));
+    EXPECT_EQ(w.indexValue(2, false), QStringLiteral("-")) << "no sub-block";
+    EXPECT_EQ(w.indexValue(3, false), locale.toString(d.blockIndex, 'f', 2));
 
-    SheetHit header = cell;
-    header.place = SheetPlace::CodeLine;
-    header.row = -1;
-    w.showCell(*doc, header, doc->overviewColumns, rows);
-    EXPECT_TRUE(w.textValue().isEmpty());
-    EXPECT_EQ(w.indexValue(0, false), QStringLiteral("-"));
-    EXPECT_EQ(w.indexValue(1, false), locale.toString(0.5, 'f', 2));
-
+    // Outside the sheet the cell's values go; the overview's total stays.
     w.setIndexValue(4, false, QStringLiteral("0.35"));
     w.showCell(*doc, SheetHit{}, doc->overviewColumns, rows);
     EXPECT_TRUE(w.indexValue(1, false).isEmpty());
     EXPECT_TRUE(w.headerValue(2).isEmpty());
-    EXPECT_EQ(w.indexValue(4, false), QStringLiteral("0.35")) << "the overview's total stays";
+    EXPECT_EQ(w.indexValue(4, false), QStringLiteral("0.35"));
 }
 
 } // namespace

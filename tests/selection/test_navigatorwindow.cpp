@@ -1,15 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The navigator window on a small survey: the tree it builds, what a tick
 // does to the rest of the tree, the count, the shading and the Show button,
-// what Show hands on, the pending state and the reminder.
+// Show through the engine, the pending state and the reminder.
 #include "gui/selection/navigatorwindow.h"
 
 #include "engine/settings/settingsstore.h"
 #include "texts/statusline.h"
 #include "engine/selection/flextotal.h"
+#include "engine/overview/subsheet.h"
+#include "texts/messages.h"
 #include "gui/selection/navigatortree.h"
 
-#include "navigatordocument.h"
+#include "surveys.h"
 
 #include <QCheckBox>
 #include <cstdlib>
@@ -25,11 +27,6 @@ using namespace kel;
 
 namespace {
 
-struct FlexCall {
-    std::vector<bool> options;
-    bool basedOnCurrentSelection;
-};
-
 class NavigatorWindowTest : public ::testing::Test
 {
 protected:
@@ -37,13 +34,13 @@ protected:
     {
         mDoc = test::navigatorSurvey(o);
         ASSERT_TRUE(mDoc);
+        mFlex.reset(*mDoc);
         NavigatorActions actions;
-        actions.setFlexTotal = [this](const std::vector<bool> &options, bool based) {
-            mFlexCalls.push_back({options, based});
-        };
-        actions.createSubSheet = [this](const SelectionMatrix &selection) {
-            mShown.push_back(selection);
-            return mReply;
+        // The main window's Show: the engine's, on the navigator's edits.
+        actions.show = [this](SelectionModel &model) {
+            const SubSheet sheet = showSelection(*mDoc, model, mFlex, RowOrderOriginal, mRandom);
+            mShown.push_back(model.appliedSelection());
+            return showRefusalMessage(*mDoc, sheet.outcome, false);
         };
         actions.showRefusal = [this](const QString &text) { mRefusals << text; };
         mWindow = std::make_unique<NavigatorWindow>(false, mStatus, mOptions, actions);
@@ -74,9 +71,9 @@ protected:
     UserOptions mOptions;
     std::unique_ptr<Document> mDoc;
     std::unique_ptr<NavigatorWindow> mWindow;
-    std::vector<FlexCall> mFlexCalls;
+    FlexTotal mFlex;
+    RowRandom mRandom{1};
     std::vector<SelectionMatrix> mShown;
-    QString mReply;
     QStringList mRefusals;
 };
 
@@ -197,13 +194,12 @@ TEST_F(NavigatorWindowTest, ShowAppliesAndReportsRefusals)
     EXPECT_EQ(mStatus.text(), QStringLiteral("New overview built!"));
     EXPECT_TRUE(mStatus.isClearPending());
     EXPECT_FALSE(mWindow->hasPendingChanges());
-    EXPECT_TRUE(mFlexCalls.empty()) << "the flex total is left alone when its edits did not change";
+    EXPECT_EQ(mFlex.rowCount(), 20) << "the flex total is left alone when its edits did not change";
     EXPECT_TRUE(mRefusals.isEmpty());
 
     // A refused build: the document's message, status cleared, and the
     // refused selection counts as applied all the same.
-    mReply = mDoc->text(mDoc->properties.selectionTooSmallText);
-    click("R0");
+    click("R0"); // one respondent, below the graph minimum
     mWindow->applySelection();
     ASSERT_EQ(mRefusals.size(), 1);
     EXPECT_EQ(mRefusals.at(0), QStringLiteral("Too few respondents for this selection."));
@@ -212,33 +208,10 @@ TEST_F(NavigatorWindowTest, ShowAppliesAndReportsRefusals)
     EXPECT_FALSE(mWindow->isAppliedSelected(0, 1));
 }
 
-TEST_F(NavigatorWindowTest, ShowHandsOnChangedFlexEditsOnly)
-{
-    open();
-    clickFlexItem(1); // Boss off
-    EXPECT_TRUE(mWindow->hasPendingChanges());
-    mWindow->applySelection();
-    ASSERT_EQ(mFlexCalls.size(), 1u);
-    EXPECT_EQ(mFlexCalls[0].options, (std::vector<bool>{true, true, false}));
-    EXPECT_FALSE(mFlexCalls[0].basedOnCurrentSelection);
-
-    mWindow->applySelection();
-    EXPECT_EQ(mFlexCalls.size(), 1u) << "nothing changed since the last Show";
-
-    QTest::mouseClick(mWindow->flexCheckBox(), Qt::LeftButton);
-    EXPECT_TRUE(mWindow->hasPendingChanges());
-    mWindow->applySelection();
-    ASSERT_EQ(mFlexCalls.size(), 2u);
-    EXPECT_TRUE(mFlexCalls[1].basedOnCurrentSelection);
-    EXPECT_EQ(mFlexCalls[1].options, (std::vector<bool>{true, true, false}));
-}
-
 TEST_F(NavigatorWindowTest, FlexListNamesTheFlexTotal)
 {
     // The list's edits, handed on by Show, name the flex total.
     open({.firstAlternativeIsNoAnswer = false, .flexOnUnit = true});
-    FlexTotal flex;
-    flex.reset(*mDoc);
     struct Case {
         std::vector<int> deselect; ///< list rows to click (toggle) before Show
         bool basedOnCurrent;
@@ -258,9 +231,7 @@ TEST_F(NavigatorWindowTest, FlexListNamesTheFlexTotal)
         if (mWindow->flexCheckBox()->isChecked() != c.basedOnCurrent)
             QTest::mouseClick(mWindow->flexCheckBox(), Qt::LeftButton);
         mWindow->applySelection();
-        ASSERT_FALSE(mFlexCalls.empty());
-        flex.setFlexTotal(*mDoc, mFlexCalls.back().options, mFlexCalls.back().basedOnCurrentSelection);
-        EXPECT_EQ(flex.text(), QString::fromUtf8(c.text));
+        EXPECT_EQ(mFlex.text(), QString::fromUtf8(c.text));
     }
 }
 

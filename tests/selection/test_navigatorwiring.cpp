@@ -10,7 +10,7 @@
 #include "gui/selection/navigatortree.h"
 #include "gui/selection/navigatorwindow.h"
 
-#include "navigatordocument.h"
+#include "surveys.h"
 
 #include <QAction>
 #include <QFile>

@@ -5,6 +5,7 @@
 #include "json.h"
 
 #include "engine/document/documentreader.h"
+#include "texts/messages.h"
 
 #include <cstdio>
 

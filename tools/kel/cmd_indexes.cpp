@@ -92,7 +92,7 @@ int indexesCommand(const Document &base, const QStringList &args, CommandOutput 
     for (const QString &problem : shown->blockProblems)
         output.err += QStringLiteral("kel indexes: settings: %1 (left out)\n").arg(problem);
     if (shown->sheet.outcome != SubSheetOutcome::Ok) {
-        output.err += (QStringLiteral("kel indexes: %1\n").arg(shown->sheet.message));
+        output.err += (QStringLiteral("kel indexes: %1\n").arg(shown->message));
         return 1;
     }
     output.out += (exportIndexes(doc, shown->sheet.steps.selectionText, shown->sheet.rows, options, selection.locale));

@@ -87,7 +87,7 @@ int selectCommand(const Document &base, const QStringList &args, CommandOutput &
     writeArray(json, "blocked", shown->recount.blocked);
     json.member("showEnabled", shown->recount.showEnabled);
     json.member("outcome", outcomeName(sheet.outcome));
-    json.member("message", sheet.message);
+    json.member("message", shown->message);
     json.member("selectionText", sheet.steps.selectionText);
     json.member("differentFromUsedTotal", sheet.steps.differentFromUsedTotal);
     writeArray(json, "splitNotAllowed", sheet.steps.splitNotAllowed);

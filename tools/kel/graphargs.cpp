@@ -43,7 +43,7 @@ int showForGraph(Document &doc, const GraphArgs &args, std::optional<ShownSelect
     const bool isSwedish = args.selection.isSwedish;
     QString refusal;
     if (shown->sheet.outcome != SubSheetOutcome::Ok)
-        refusal = shown->sheet.message;
+        refusal = shown->message;
     else if (!shown->recount.showEnabled)
         refusal = selectionBlockedMessage(isSwedish);
     if (!refusal.isEmpty()) {

@@ -5,6 +5,7 @@
 #include "engine/settings/settingsstore.h"
 
 #include <QFileInfo>
+#include "texts/messages.h"
 
 #include <QDateTime>
 
@@ -149,7 +150,8 @@ std::optional<ShownSelection> showFromArgs(Document &doc, const SelectionArgs &a
     shown.recount = shown.model.recount(doc);
 
     RowRandom random(args.seed ? *args.seed : quint64(QDateTime::currentMSecsSinceEpoch()));
-    shown.sheet = kel::showSelection(doc, shown.model, shown.flex, args.order, random, args.isSwedish);
+    shown.sheet = kel::showSelection(doc, shown.model, shown.flex, args.order, random);
+    shown.message = showRefusalMessage(doc, shown.sheet.outcome, args.isSwedish);
     return shown;
 }
 

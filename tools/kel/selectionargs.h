@@ -43,6 +43,7 @@ struct ShownSelection {
     SubSheet sheet;
     /// Damaged values of the settings file's user blocks, left out.
     QStringList blockProblems;
+    QString message; ///< the refusal, in the chosen language; "" when shown
 };
 
 /// Appends the user blocks that `settingsFile` keeps for `doc`, as the

@@ -2,7 +2,7 @@
 #include "engine/document/documentreader.h"
 
 #include "engine/document/kelformat.h"
-#include "engine/indexes/columnindex.h"
+#include "engine/document/pooledindex.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -585,23 +585,7 @@ std::optional<Failure> PayloadParser::parse(Document &doc)
 void deriveProperties(Document &doc)
 {
     deriveQuestionLists(doc);
-    // Documents older than revision 5 carry no total index: it is the pooled
-    // index of the overview questions that count towards it, over everyone.
-    DocumentProperties &p = doc.properties;
-    // Without rows there is nothing to pool (and a question without
-    // alternatives may carry any first-alternative number then).
-    if (doc.revision < 5 && p.pointsScale > 0 && doc.rowCount() > 0) {
-        QuestionList columns;
-        for (qint32 c : doc.overviewColumns)
-            if (doc.questions[std::size_t(c)].inTotalIndex)
-                columns.push_back(c);
-        if (!columns.empty()) {
-            RowList rows(std::size_t(doc.rowCount()));
-            std::iota(rows.begin(), rows.end(), 0);
-            p.totalIndex = calculateColumnsIndex(doc, columns, rows);
-            p.flexTotalIndex = p.totalIndex;
-        }
-    }
+    computeMissingTotalIndex(doc);
 }
 
 ReadResult fail(const Failure &f)

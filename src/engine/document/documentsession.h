@@ -22,7 +22,7 @@ class DocumentSession : public QObject
     Q_OBJECT
 public:
     /// `recordRecentFiles` is false under the NoRecentDocsMenu policy.
-    explicit DocumentSession(bool isSwedish, bool recordRecentFiles, QObject *parent = nullptr);
+    explicit DocumentSession(bool recordRecentFiles, QObject *parent = nullptr);
     ~DocumentSession() override;
 
     /// The open document, or nullptr.
@@ -32,11 +32,11 @@ public:
     Document *editableDocument() { return mDocument.get(); }
     bool hasDocument() const { return mDocument != nullptr; }
 
-    /// Reads `path`. On failure returns the message for the user and changes
-    /// nothing. On success closes the open document (documentClosing,
+    /// Reads `path`. On failure returns why (the caller words it for the
+    /// user) and changes nothing. On success closes the open document (documentClosing,
     /// documentClosed), installs the new one and emits documentOpened; with
     /// `rememberFolder` the file's folder becomes the current folder.
-    QString loadDocument(const QString &path, bool rememberFolder);
+    OpenResult loadDocument(const QString &path, bool rememberFolder);
 
     /// The second half of loading, for a document already read and checked:
     /// closes the open one and installs `doc` as read from `path`.
@@ -65,7 +65,6 @@ signals:
     void recentFilesChanged();
 
 private:
-    bool mIsSwedish;
     bool mRecordRecentFiles;
     ReadOptions mReadOptions;
     std::unique_ptr<Document> mDocument;

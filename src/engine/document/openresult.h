@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QString>
-
 namespace kel {
 
 /// Outcome of reading a KEL file. The numbers are part of the `kel` tool's
@@ -16,8 +14,5 @@ enum class OpenResult : int {
     Damaged = 5,    ///< lengths, CRC, inflate or payload structure wrong
     TooBig = 6,     ///< answer matrix (or, on 9x systems, the file) too large
 };
-
-/// The user-facing message for a result, "" for Ok.
-QString openResultMessage(OpenResult result, bool isSwedish);
 
 } // namespace kel

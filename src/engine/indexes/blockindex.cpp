@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/indexes/blockindex.h"
 
-#include <numeric>
-
 namespace kel {
 
 QuestionList blockMembers(const Document &doc, qint32 block)
@@ -25,15 +23,6 @@ QuestionList blockMembers(const Document &doc, qint32 block)
         for (qint32 q : doc.overviewColumns)
             if (doc.questions[std::size_t(q)].subBlock == block)
                 members.push_back(q);
-    return members;
-}
-
-QuestionList totalMembers(const Document &doc)
-{
-    QuestionList members;
-    for (qint32 q : doc.overviewColumns)
-        if (doc.questions[std::size_t(q)].inTotalIndex)
-            members.push_back(q);
     return members;
 }
 
@@ -72,13 +61,6 @@ double calculateTotalIndexSpec(const Document &doc, const RowList &rows, QString
     if (members.empty())
         return -1.0;
     return calculateColumnsIndexSpec(doc, members, rows, distribution);
-}
-
-RowList allRows(const Document &doc)
-{
-    RowList rows(std::size_t(qMax(doc.rowCount(), 0)));
-    std::iota(rows.begin(), rows.end(), 0);
-    return rows;
 }
 
 bool hasSubBlocks(const Document &doc)

@@ -12,9 +12,6 @@ namespace kel {
 /// when none does, as their sub-block. Empty for a block out of range.
 QuestionList blockMembers(const Document &doc, qint32 block);
 
-/// The overview questions that count towards the total index.
-QuestionList totalMembers(const Document &doc);
-
 double calculateBlockIndex(const Document &doc, qint32 block, const RowList &rows);
 /// Over every row of the document.
 double calculateBlockTotalIndex(const Document &doc, qint32 block);
@@ -24,9 +21,6 @@ double calculateBlockFlexTotalIndex(const Document &doc, qint32 block, const Row
 double calculateTotalIndex(const Document &doc, const RowList &rows);
 /// The same, with the points distribution of the total's answers in `distribution`.
 double calculateTotalIndexSpec(const Document &doc, const RowList &rows, QString &distribution);
-
-/// Every row number of the document, ascending.
-RowList allRows(const Document &doc);
 
 /// True when some question has a sub-block (the document declares sub-blocks).
 bool hasSubBlocks(const Document &doc);

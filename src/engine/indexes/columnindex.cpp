@@ -1,68 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/indexes/columnindex.h"
 
-#include <vector>
-
 namespace kel {
-
-namespace {
-
-// One pass over questions x rows, reading each column with its own cell
-// width. The accumulators are 64-bit: the same result as 32-bit wherever
-// that one would not overflow, and a right one where it would.
-template<typename PerAnswer>
-void forEachPointedAnswer(const Document &doc, const QuestionList &questions, const RowList &rows, PerAnswer &&add)
-{
-    for (qint32 q : questions) {
-        const Question &question = doc.questions[std::size_t(q)];
-        const Alternative *alts = doc.alternatives.data() + question.firstAlternative;
-        doc.answers.visitColumn(q, [&](const auto *column) {
-            for (qint32 r : rows) {
-                const qint32 p = alts[column[r]].points;
-                if (p != -1)
-                    add(p);
-            }
-        });
-    }
-}
-
-} // namespace
-
-double calculateColumnsIndex(const Document &doc, const QuestionList &questions, const RowList &rows)
-{
-    qint64 sum = 0;
-    qint64 n = 0;
-    forEachPointedAnswer(doc, questions, rows, [&](qint32 p) {
-        sum += p;
-        ++n;
-    });
-    if (n <= 0)
-        return -1.0;
-    return (double(sum) / double(n)) / double(doc.properties.pointsScale);
-}
-
-double calculateColumnsIndexSpec(const Document &doc, const QuestionList &questions, const RowList &rows,
-                                 QString &distribution)
-{
-    distribution.clear();
-    const qint32 maxPoints = doc.properties.maxPoints;
-    std::vector<qint64> counts(std::size_t(std::max(maxPoints, -1) + 1), 0);
-    qint64 sum = 0;
-    qint64 n = 0;
-    forEachPointedAnswer(doc, questions, rows, [&](qint32 p) {
-        sum += p;
-        ++n;
-        if (p >= 0 && p <= maxPoints)
-            ++counts[std::size_t(p)];
-    });
-    if (n < 1)
-        return -1.0;
-    distribution = QStringLiteral("Value\tCount");
-    for (qint32 p = 0; p <= maxPoints; ++p)
-        if (counts[std::size_t(p)] > 0)
-            distribution += QStringLiteral("\r\n%1\t%2").arg(p).arg(counts[std::size_t(p)]);
-    return (double(sum) / double(n)) / double(doc.properties.pointsScale);
-}
 
 QString formatIndex(double value, qint32 decimals, const QLocale &locale)
 {

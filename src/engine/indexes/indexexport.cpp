@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/indexes/indexexport.h"
 
-#include "texts/language.h"
 #include "engine/indexes/blockindex.h"
 
 namespace kel {
@@ -232,22 +231,6 @@ QString formatIndexTable(const Document &doc, const QString &selectionText, cons
         }
     }
     return lines.join(QStringLiteral("\r\n"));
-}
-
-QString indexExportText(IndexExportText which, bool isSwedish)
-{
-    switch (which) {
-    case IndexExportText::Caption: return pickText(isSwedish, "Copy Indexes", "Kopiera index");
-    case IndexExportText::Preparing: return pickText(isSwedish, "Preparing to copy...", "Förbereder kopiering...");
-    case IndexExportText::Calculating: return pickText(isSwedish, "Calculating indexes...", "Ränkar ut index...");
-    case IndexExportText::Copying:
-        return pickText(isSwedish, "Copying indexes to clipboard...", "Kopierar index till urklipp...");
-    case IndexExportText::Canceling: return pickText(isSwedish, "Canceling copy...", "Avbryter kopiering...");
-    case IndexExportText::Copied: return pickText(isSwedish, "Indexes copied to clipboard!", "Index kopierade till urklipp!");
-    case IndexExportText::Canceled:
-        return pickText(isSwedish, "Copying of indexes was canceled!", "Kopieringen av index avbröts!");
-    }
-    return QString();
 }
 
 QString exportIndexes(const Document &doc, const QString &selectionText, const RowList &currentRows,

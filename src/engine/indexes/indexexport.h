@@ -68,18 +68,6 @@ QString formatIndexTable(const Document &doc, const QString &selectionText, cons
                          const std::vector<SubSelection> &subSelections, const std::vector<IndexItem> &items,
                          const std::vector<double> &values, const QLocale &locale);
 
-/// The texts of the export's status line and progress window.
-enum class IndexExportText {
-    Caption,         ///< both windows' caption
-    Preparing,       ///< progress label at the start
-    Calculating,     ///< while the values are computed
-    Copying,         ///< status line and label while the text is put on the clipboard
-    Canceling,       ///< after Cancel
-    Copied,          ///< status line after success
-    Canceled,        ///< status line after Cancel
-};
-QString indexExportText(IndexExportText which, bool isSwedish);
-
 /// All three steps; empty when cancelled.
 QString exportIndexes(const Document &doc, const QString &selectionText, const RowList &currentRows,
                       const IndexExportOptions &options, const QLocale &locale,

@@ -146,11 +146,10 @@ double sheetTotalIndex(const Document &doc, const std::vector<qint32> &columns, 
 {
     if (doc.properties.pointsScale < 1)
         return 0.0;
-    QuestionList counted;
-    for (qint32 q : columns) {
-        if (isReadableColumn(doc, q) && doc.questions[std::size_t(q)].inTotalIndex)
-            counted.push_back(q);
-    }
+    std::vector<qint32> readable;
+    std::copy_if(columns.begin(), columns.end(), std::back_inserter(readable),
+                 [&](qint32 q) { return isReadableColumn(doc, q); });
+    const QuestionList counted = totalMembersAmong(doc, readable);
     const double value = calculateColumnsIndex(doc, counted, rowsInMatrix(doc, rows));
     return value == -1.0 ? 0.0 : value;
 }

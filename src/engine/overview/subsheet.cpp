@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/overview/subsheet.h"
 
-#include "texts/language.h"
 #include "engine/indexes/blockindex.h"
 #include "engine/overview/sheetlayout.h"
 
@@ -109,22 +108,6 @@ SelectionSteps selectionSteps(const Document &doc, const SelectionMatrix &select
     return steps;
 }
 
-QString noAnswersMessage(bool isSwedish)
-{
-    return pickText(isSwedish, "There are no answers matching the selection criterias!",
-                    "Det finns inga svar som stämmer överens med det urval du gjort!");
-}
-
-QString buildingOverviewText(bool isSwedish)
-{
-    return pickText(isSwedish, "Building new overview...", "Skapar ny översikt...");
-}
-
-QString overviewBuiltText(bool isSwedish)
-{
-    return pickText(isSwedish, "New overview built!", "Ny översikt byggd!");
-}
-
 qint32 SubSheet::displayedLines(qint32 maxRowsSetting) const
 {
     if (!dataRowsAllowed || outcome != SubSheetOutcome::Ok)
@@ -140,7 +123,7 @@ qint32 SubSheet::rowInCell(qint32 line, qint32 question) const
 }
 
 SubSheet createSubSheet(Document &doc, const SelectionMatrix &selection, FlexTotal &flex, qint32 userRowOrder,
-                        RowRandom &random, bool isSwedish)
+                        RowRandom &random)
 {
     SubSheet sheet;
     sheet.selection = selection;
@@ -152,12 +135,10 @@ SubSheet createSubSheet(Document &doc, const SelectionMatrix &selection, FlexTot
     const qint32 n = qint32(rows.size());
     if (n == 0) {
         sheet.outcome = SubSheetOutcome::NoAnswers;
-        sheet.message = noAnswersMessage(isSwedish);
         return sheet;
     }
     if (n < doc.properties.minimumGraphSelection) {
         sheet.outcome = SubSheetOutcome::TooSmall;
-        sheet.message = doc.text(doc.properties.selectionTooSmallText);
         return sheet;
     }
 
@@ -184,12 +165,11 @@ SubSheet createSubSheet(Document &doc, const SelectionMatrix &selection, FlexTot
 
 namespace kel {
 
-SubSheet showSelection(Document &doc, SelectionModel &model, FlexTotal &flex, qint32 userRowOrder, RowRandom &random,
-                       bool isSwedish)
+SubSheet showSelection(Document &doc, SelectionModel &model, FlexTotal &flex, qint32 userRowOrder, RowRandom &random)
 {
     if (model.applyShow())
         flex.setFlexTotal(doc, model.appliedFlexOptions(), model.appliedFlexBasedOnCurrentSelection());
-    return createSubSheet(doc, model.appliedSelection(), flex, userRowOrder, random, isSwedish);
+    return createSubSheet(doc, model.appliedSelection(), flex, userRowOrder, random);
 }
 
 } // namespace kel

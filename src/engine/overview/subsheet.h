@@ -71,7 +71,6 @@ enum class SubSheetOutcome { Ok, NoAnswers, TooSmall };
 
 struct SubSheet {
     SubSheetOutcome outcome = SubSheetOutcome::Ok;
-    QString message; ///< empty on success
     SelectionSteps steps;
     bool dataRowsAllowed = false;
     qint32 rowOrder = RowOrderOriginal; ///< the effective order
@@ -91,25 +90,16 @@ struct SubSheet {
 };
 
 /// Builds the overview for `selection`. A refused selection comes back with
-/// its message and no rows; the caller keeps its previous sheet then. When
+/// its outcome and no rows; the caller keeps its previous sheet then. When
 /// the flex total is based on the current selection it is rebuilt here, as
 /// the selection steps require, whether or not the sheet is refused.
 SubSheet createSubSheet(Document &doc, const SelectionMatrix &selection, FlexTotal &flex, qint32 userRowOrder,
-                        RowRandom &random, bool isSwedish);
+                        RowRandom &random);
 
 /// The navigator's Show without its window: applies the edits of `model`,
 /// sets the flex total when its options or check box changed, and builds
-/// the overview for the applied selection. The caller shows the message of
+/// the overview for the applied selection. The caller shows the refusal of
 /// a refused build and keeps its previous sheet then.
-SubSheet showSelection(Document &doc, SelectionModel &model, FlexTotal &flex, qint32 userRowOrder, RowRandom &random,
-                       bool isSwedish);
-
-/// The refusal text for a selection without respondents.
-QString noAnswersMessage(bool isSwedish);
-
-/// Show's status texts: while building ("Building new overview...", no
-/// auto-clear) and after a successful build ("New overview built!").
-QString buildingOverviewText(bool isSwedish);
-QString overviewBuiltText(bool isSwedish);
+SubSheet showSelection(Document &doc, SelectionModel &model, FlexTotal &flex, qint32 userRowOrder, RowRandom &random);
 
 } // namespace kel

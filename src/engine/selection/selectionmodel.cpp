@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/selection/selectionmodel.h"
 
-#include "texts/language.h"
 
 namespace kel {
 
@@ -104,11 +103,6 @@ bool SelectionModel::applyShow()
     }
     mApplied = mSelected;
     return flexChanged;
-}
-
-QString itemsInSelectionText(bool isSwedish, qint32 count, const QLocale &locale)
-{
-    return pickText(isSwedish, "Items in selection: ", "Antal i urval: ") + locale.toString(count);
 }
 
 } // namespace kel

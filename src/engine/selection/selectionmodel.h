@@ -84,7 +84,4 @@ private:
     bool mAppliedFlexBased = false;
 };
 
-/// "Items in selection: 1,234" in the interface language, grouped as `locale` groups.
-QString itemsInSelectionText(bool isSwedish, qint32 count, const QLocale &locale);
-
 } // namespace kel

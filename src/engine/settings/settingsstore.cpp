@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/settings/settingsstore.h"
 
-#include "texts/language.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -179,17 +178,18 @@ SettingsLocation SettingsLocation::platformDefault()
 {
     SettingsLocation location;
     const QString organization = QString::fromUtf8(OrganizationName);
+    const QString application = QString::fromUtf8(ApplicationTitle);
 #ifdef Q_OS_WIN
-    location.file = QStringLiteral("HKEY_CURRENT_USER\\Software\\") + organization + QLatin1Char('\\') + applicationTitle();
+    location.file = QStringLiteral("HKEY_CURRENT_USER\\Software\\") + organization + QLatin1Char('\\') + application;
     location.format = QSettings::NativeFormat;
     location.policyFile = QStringLiteral(
         "HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Policies\\Explorer");
     location.policyFormat = QSettings::NativeFormat;
     location.policyGroup.clear();
 #else
-    location.file = QSettings(QSettings::IniFormat, QSettings::UserScope, organization, applicationTitle()).fileName();
+    location.file = QSettings(QSettings::IniFormat, QSettings::UserScope, organization, application).fileName();
     location.policyFile =
-        QSettings(QSettings::IniFormat, QSettings::SystemScope, organization, applicationTitle()).fileName();
+        QSettings(QSettings::IniFormat, QSettings::SystemScope, organization, application).fileName();
 #endif
     return location;
 }
@@ -408,6 +408,7 @@ WindowPlacement SettingsStore::readWindowPlacement(const QString &name) const
     p.width = readDword(key, QStringLiteral("WWidth"));
     p.height = readDword(key, QStringLiteral("WHeight"));
     p.state = readDword(key, QStringLiteral("WState"));
+    p.dockArea = readDword(key, QStringLiteral("Dock Area"));
     return p;
 }
 
@@ -456,7 +457,20 @@ bool SettingsStore::writeWindowPlacement(const QString &name, BorderStyle style,
         putSize();
         break;
     }
+    put("Dock Area", placement.dockArea);
     return flush();
+}
+
+std::optional<qint32> SettingsStore::readNavigatorFlexHeight() const
+{
+    return readDword(QStringLiteral("Windows/Navigator"), QStringLiteral("Flex Total Height"));
+}
+
+bool SettingsStore::writeNavigatorFlexHeight(qint32 twips)
+{
+    if (mPolicies.noSaveSettings || !canWrite())
+        return false;
+    return writeDword(QStringLiteral("Windows/Navigator"), QStringLiteral("Flex Total Height"), twips);
 }
 
 QString SettingsStore::documentKey(const QString &guidText)

@@ -22,6 +22,9 @@
 namespace kel {
 
 inline constexpr char OrganizationName[] = "Brennvik AB";
+/// The program's name: the settings file is named after it, and the
+/// interface shows it as its title.
+inline constexpr char ApplicationTitle[] = "KEL Viewer";
 
 /// Key "Settings": the user's options (written by the Options dialog).
 struct UserOptions {
@@ -79,6 +82,9 @@ void resolveDefaultFolders(LastSettings &settings, const QString &documentsFolde
 struct WindowPlacement {
     enum State : qint32 { Normal = 0, Minimized = 1, Maximized = 2 };
     std::optional<qint32> left, top, width, height, state;
+    /// A dockable window's side of the main window (Qt's dock-area number),
+    /// 0 when it floats; absent for other windows.
+    std::optional<qint32> dockArea;
 };
 
 /// Which placement values a window keeps depends on how it can be resized.
@@ -158,6 +164,11 @@ public:
     /// Writes the values `style` keeps for a window in `placement.state`;
     /// skipped under NoSaveSettings.
     bool writeWindowPlacement(const QString &name, BorderStyle style, const WindowPlacement &placement);
+
+    /// The navigator's flex-total list height, twips ("Windows\\Navigator",
+    /// "Flex Total Height"); the write is skipped under NoSaveSettings.
+    std::optional<qint32> readNavigatorFlexHeight() const;
+    bool writeNavigatorFlexHeight(qint32 twips);
 
     /// "Documents\\{GUID}": the per-document key of the user-defined blocks.
     static QString documentKey(const QString &guidText);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "gui/graphs/basicgraphwindow.h"
 
-#include "gui/shell/waitcursor.h"
+#include "gui/common/waitcursor.h"
 #include "texts/graphtexts.h"
 #include "texts/language.h"
 #include "texts/statusline.h"

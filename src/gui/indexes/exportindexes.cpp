@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "gui/indexes/exportindexes.h"
+#include "texts/messages.h"
 
 #include "engine/indexes/blockindex.h"
-#include "gui/shell/waitcursor.h"
+#include "gui/common/waitcursor.h"
 #include "texts/language.h"
 
 #include <QCheckBox>

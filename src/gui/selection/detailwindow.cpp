@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "gui/selection/detailwindow.h"
 
-#include "gui/shell/elidinglabel.h"
+#include "gui/common/elidinglabel.h"
 #include "texts/language.h"
 #include "engine/document/document.h"
-#include "engine/indexes/blockindex.h"
 #include "engine/indexes/columnindex.h"
-#include "engine/overview/sheetlayout.h"
+#include "engine/overview/celldetails.h"
 
 #include <QGridLayout>
 #include <QLabel>
@@ -221,10 +220,8 @@ void DetailWindow::showNoCell(const Document &doc, double overviewTotalIndex)
 void DetailWindow::showCell(const Document &doc, const SheetHit &hit, const std::vector<qint32> &overviewColumns,
                             const std::vector<qint32> &selectionRows)
 {
-    const DocumentProperties &p = doc.properties;
-    const bool onQuestion = hit.place != SheetPlace::Outside && hit.question >= 0
-        && hit.question < qint32(doc.questions.size());
-    if (p.pointsScale < 1 || !onQuestion) {
+    const CellDetails d = cellDetails(doc, hit, overviewColumns, selectionRows);
+    if (!d.onQuestion) {
         for (int i = 0; i < HeaderCount; ++i)
             setHeaderValue(i, QString());
         setTextValue(QString());
@@ -236,35 +233,18 @@ void DetailWindow::showCell(const Document &doc, const SheetHit &hit, const std:
         return;
     }
     const QLocale locale;
-    auto format = [&](double value) { return formatIndex(value, p.indexDecimals, locale); };
-    const Question &q = doc.questions[std::size_t(hit.question)];
-    auto validBlock = [&](qint32 b) { return b >= 0 && b < qint32(doc.blocks.size()); };
-
-    setHeaderValue(0, validBlock(q.block) ? doc.blocks[std::size_t(q.block)].name : QString());
-    setHeaderValue(1, validBlock(q.subBlock) ? doc.blocks[std::size_t(q.subBlock)].name : QString());
-    setHeaderValue(2, q.text.isEmpty() ? q.heading : q.text);
-
-    const bool onAnswer = hit.place == SheetPlace::AnswerCell && hit.row >= 0 && hit.row < doc.rowCount();
-    QString answerText;
-    QString respondentIndex = QStringLiteral("-");
-    if (onAnswer) {
-        const qint32 answer = doc.getData(hit.row, hit.question);
-        if (answer >= 0 && answer < q.alternativeCount)
-            answerText = doc.alternatives[std::size_t(q.firstAlternative + answer)].text;
-        respondentIndex = format(calculateColumnsIndex(doc, overviewColumns, {hit.row}));
-    }
-    setTextValue(answerText);
-    setIndexValue(0, false, respondentIndex);
-
-    setIndexValue(1, false, format(calculateColumnsIndex(doc, {hit.question}, selectionRows)));
-    setIndexValue(1, true, format(q.flexTotalIndex));
-    const std::array<qint32, 2> blocks{q.subBlock, q.block};
-    for (int i = 0; i < 2; ++i) {
-        const qint32 b = blocks[std::size_t(i)];
-        const int row = 2 + i;
-        setIndexValue(row, false, validBlock(b) ? format(calculateBlockIndex(doc, b, selectionRows)) : QStringLiteral("-"));
-        setIndexValue(row, true, validBlock(b) ? format(doc.blocks[std::size_t(b)].flexTotalIndex) : QStringLiteral("-"));
-    }
+    auto format = [&](double value) { return formatIndex(value, doc.properties.indexDecimals, locale); };
+    setHeaderValue(0, d.blockName);
+    setHeaderValue(1, d.subBlockName);
+    setHeaderValue(2, d.questionText);
+    setTextValue(d.answerText);
+    setIndexValue(0, false, format(d.respondentIndex));
+    setIndexValue(1, false, format(d.questionIndex));
+    setIndexValue(1, true, format(d.questionTotalIndex));
+    setIndexValue(2, false, format(d.subBlockIndex));
+    setIndexValue(2, true, format(d.subBlockTotalIndex));
+    setIndexValue(3, false, format(d.blockIndex));
+    setIndexValue(3, true, format(d.blockTotalIndex));
     updateLayout();
 }
 

@@ -5,7 +5,7 @@
 // write its cells; the window only lays itself out.
 #pragma once
 
-#include "gui/shell/tooldock.h"
+#include "gui/common/tooldock.h"
 
 #include <array>
 #include <vector>
@@ -50,12 +50,9 @@ public:
     /// indexes, "-" in rows 0-3 (row 0 has no total) and the overview's
     /// total index in row 4.
     void showNoCell(const Document &doc, double overviewTotalIndex);
-    /// The overview cell under the pointer (a document with indexes): the
-    /// question's block, sub-block and text as headers, the answer's text,
-    /// the respondent's index over the overview questions, and the indexes
-    /// of the question, its sub-block and block over `selectionRows` beside
-    /// their flex-total indexes. A header line has no answer; outside the
-    /// sheet the cell values are emptied.
+    /// The overview cell under the pointer (a document with indexes): what
+    /// cellDetails() finds for it, formatted. A header line has no answer;
+    /// outside the sheet the cell values are emptied.
     void showCell(const Document &doc, const SheetHit &hit, const std::vector<qint32> &overviewColumns,
                   const std::vector<qint32> &selectionRows);
     /// Closing a document: headers, text, row labels and values emptied.

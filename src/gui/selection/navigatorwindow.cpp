@@ -3,8 +3,9 @@
 
 #include "texts/language.h"
 #include "engine/settings/settingsstore.h"
+#include "texts/messages.h"
 #include "texts/statusline.h"
-#include "gui/shell/waitcursor.h"
+#include "gui/common/waitcursor.h"
 #include "engine/document/document.h"
 #include "gui/selection/navigatortree.h"
 
@@ -30,7 +31,6 @@ constexpr int ReminderIntervalMs = 800;
 constexpr int MinimumPaneTwips = 285;     // tree and flex list never get smaller
 constexpr int DesignedFlexHeightTwips = 1140;
 constexpr int LabelGapTwips = 120;        // between the count and the Show button
-const QString FlexHeightValue = QStringLiteral("Flex Total Height");
 
 } // namespace
 
@@ -143,7 +143,7 @@ bool NavigatorWindow::eventFilter(QObject *watched, QEvent *event)
 
 void NavigatorWindow::loadSettings(const SettingsStore &store)
 {
-    const std::optional<qint32> twips = store.readDword(QStringLiteral("Windows\\") + settingsName(), FlexHeightValue);
+    const std::optional<qint32> twips = store.readNavigatorFlexHeight();
     if (!twips)
         return;
     const int pixels = twipsToPixels(*twips);
@@ -158,11 +158,8 @@ void NavigatorWindow::loadSettings(const SettingsStore &store)
 void NavigatorWindow::saveSettings(SettingsStore &store) const
 {
     savePlacement(store);
-    if (store.policies().noSaveSettings)
-        return;
     const int pixels = mSplitter->sizes().value(1, designedFlexHeight());
-    store.writeDword(QStringLiteral("Windows\\") + settingsName(), FlexHeightValue,
-                     qint32(qRound(pixels / pixelsPerTwip())));
+    store.writeNavigatorFlexHeight(qint32(qRound(pixels / pixelsPerTwip())));
 }
 
 void NavigatorWindow::setUp(const Document &doc)
@@ -316,13 +313,11 @@ void NavigatorWindow::applySelection()
     if (!mDocument)
         return;
     std::optional<WaitCursor> wait(std::in_place);
-    mStatus.setStatus("Building new overview...", "Skapar ny översikt...", false);
-    if (mModel.applyShow() && mActions.setFlexTotal)
-        mActions.setFlexTotal(mModel.flexOptions(), mModel.flexBasedOnCurrentSelection());
-    const QString message = mActions.createSubSheet ? mActions.createSubSheet(mModel.selected()) : QString();
+    mStatus.setStatus(buildingOverviewText(false), buildingOverviewText(true), false);
+    const QString message = mActions.show ? mActions.show(mModel) : QString();
     wait.reset();
     if (message.isEmpty()) {
-        mStatus.setStatus("New overview built!", "Ny översikt byggd!", true);
+        mStatus.setStatus(overviewBuiltText(false), overviewBuiltText(true), true);
         return;
     }
     if (mActions.showRefusal)

@@ -8,7 +8,7 @@
 #pragma once
 
 #include "engine/selection/selectionmodel.h"
-#include "gui/shell/tooldock.h"
+#include "gui/common/tooldock.h"
 
 #include <QTimer>
 
@@ -32,11 +32,10 @@ struct UserOptions;
 
 /// What Show asks of the main window.
 struct NavigatorActions {
-    /// SetFlexTotal with the flex-option flags and "based on current selection".
-    std::function<void(const std::vector<bool> &options, bool basedOnCurrentSelection)> setFlexTotal;
-    /// CreateSubSheet with the edited selection; returns the message to
-    /// show, empty on success.
-    std::function<QString(const SelectionMatrix &selection)> createSubSheet;
+    /// Show: runs the engine's Show on the navigator's edits (it applies
+    /// them, sets the flex total, builds the overview); returns the refusal
+    /// to show, empty on success.
+    std::function<QString(SelectionModel &model)> show;
     /// Shows a refusal in a critical message box titled with the application title.
     std::function<void(const QString &text)> showRefusal;
 };

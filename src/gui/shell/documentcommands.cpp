@@ -5,6 +5,7 @@
 // line. Kept apart from mainwindow.cpp so the window's own file stays about
 // menus, opening and the sheet.
 #include "gui/shell/mainwindow.h"
+#include "texts/messages.h"
 
 #include "engine/blocks/userblocks.h"
 #include "engine/document/documentsession.h"
@@ -13,7 +14,7 @@
 #include "gui/document/propertiesview.h"
 #include "gui/indexes/exportindexes.h"
 #include "gui/overview/sheetview.h"
-#include "gui/shell/waitcursor.h"
+#include "gui/common/waitcursor.h"
 #include "texts/language.h"
 #include "texts/statusline.h"
 

@@ -49,18 +49,6 @@ private:
     bool mIsSwedish;
 };
 
-void hide(std::initializer_list<QAction *> actions)
-{
-    for (QAction *a : actions)
-        a->setVisible(false);
-}
-
-void disable(std::initializer_list<QAction *> actions)
-{
-    for (QAction *a : actions)
-        a->setEnabled(false);
-}
-
 QAction *newSplitByItem(QMenu *menu, int index)
 {
     QAction *a = menu->addAction(QString());
@@ -194,18 +182,78 @@ MainMenus buildMainMenus(QMenuBar *bar, QWidget *owner, bool isSwedish)
         wheelGroup->addAction(a);
     }
 
-    // The state before any document is opened.
-    hide({m.mnuFPrint, m.mnuPPrint, m.mnuECopyIndexes, m.mnuECopyData, m.mnuPCopyIndexes, m.mnuPCopyData,
-          m.mnuVTotalGraph1, m.mnuPShowTotalGraph1, m.mnuVBlockGraph4->menuAction(), m.mnuVBlockGraph1->menuAction(),
-          m.mnuVBlockGraph2->menuAction(), m.mnuVBlockGraph3->menuAction(), m.mnuFMRUBar, m.mnuTBar2, m.mnuTExport,
-          m.mnuPShowRowsComments, m.mnuPShowColumnsComments, m.mnuPCopyThisRowsAnswers, m.mnuPBar3,
-          m.mnuPMouseWheelScrollDirection[0], m.mnuPMouseWheelScrollDirection[1], m.mnuPS1SplitBy->menuAction(),
-          m.mnuPS2SplitBy->menuAction()});
-    disable({m.mnuFSaveAs, m.mnuFPrint, m.mnuFPrintFormat, m.mnuFProperties, m.mnuECopy, m.mnuECopyHeadersAndTotals,
-             m.mnuECopyToMiniOverview, m.mnuECopyData, m.mnuVNavigator, m.mnuVDetailInfo, m.mnuVDistributionGraph,
-             m.mnuVComments, m.mnuVCloseAllGraphWindows, m.mnuTEditBlocks, m.mnuPCopy, m.mnuPCopyHeadersAndTotals,
-             m.mnuPPrint, m.mnuPSaveAs, m.mnuPCopyToMiniOverview, m.mnuPCopyData});
+    // The state before any document is opened; the popup shows its
+    // place-dependent items when it opens.
+    m.mnuFMRUBar->setVisible(false);
+    for (QAction *a : {m.mnuPShowRowsComments, m.mnuPShowColumnsComments, m.mnuPCopyThisRowsAnswers})
+        a->setVisible(false);
+    applyMenuEnabling(m, menuEnablingFor(MenuState()));
     return m;
+}
+
+void applyMenuEnabling(MainMenus &m, const MenuEnabling &enabling, const std::vector<bool> &splitNotAllowed)
+{
+    auto enable = [&](MenuCommand c, std::initializer_list<QAction *> actions) {
+        for (QAction *a : actions)
+            a->setEnabled(enabling[std::size_t(c)].enabled);
+    };
+    auto enableAll = [&](MenuCommand c, const QList<QAction *> &actions) {
+        for (QAction *a : actions)
+            a->setEnabled(enabling[std::size_t(c)].enabled);
+    };
+    auto show = [&](MenuCommand c, std::initializer_list<QAction *> actions) {
+        for (QAction *a : actions)
+            a->setVisible(enabling[std::size_t(c)].visible);
+    };
+    auto both = [&](MenuCommand c, std::initializer_list<QAction *> actions) {
+        enable(c, actions);
+        show(c, actions);
+    };
+    using C = MenuCommand;
+    enable(C::Open, {m.mnuFOpen});
+    for (QAction *a : m.mnuFMRU)
+        a->setEnabled(enabling[std::size_t(C::Open)].enabled);
+    enable(C::SaveOverviewAs, {m.mnuFSaveAs, m.mnuPSaveAs});
+    both(C::PrintOverview, {m.mnuFPrint, m.mnuPPrint});
+    enable(C::PrintFormat, {m.mnuFPrintFormat});
+    enable(C::Properties, {m.mnuFProperties});
+    enable(C::Exit, {m.mnuFExit});
+    enable(C::CopyOverview, {m.mnuECopy, m.mnuPCopy});
+    enable(C::CopyHeadersAndTotals, {m.mnuECopyHeadersAndTotals, m.mnuPCopyHeadersAndTotals});
+    both(C::CopyIndexes, {m.mnuECopyIndexes, m.mnuPCopyIndexes});
+    enable(C::CopyToMiniOverview, {m.mnuECopyToMiniOverview, m.mnuPCopyToMiniOverview});
+    both(C::CopyData, {m.mnuECopyData, m.mnuPCopyData});
+    enable(C::Navigator, {m.mnuVNavigator});
+    enable(C::DetailInformation, {m.mnuVDetailInfo});
+    enable(C::DistributionGraph, {m.mnuVDistributionGraph});
+    both(C::TotalIndexGraph, {m.mnuVTotalGraph1, m.mnuPShowTotalGraph1});
+    show(C::BlockGraphs, {m.mnuVBlockGraph4->menuAction(), m.mnuVBlockGraph1->menuAction(),
+                          m.mnuVBlockGraph2->menuAction(), m.mnuVBlockGraph3->menuAction()});
+    for (const QList<QAction *> *items : {&m.mnuVB4Item, &m.mnuVB1Item, &m.mnuVB2Item, &m.mnuVB3Item})
+        enableAll(C::BlockGraphs, *items);
+    enable(C::BlockGraphs, {m.mnuPShowBlockGraph4, m.mnuPShowBlockGraph1, m.mnuPShowBlockGraph2,
+                            m.mnuPSB3SortedBy[0], m.mnuPSB3SortedBy[1]});
+    show(C::QuestionGraphs, {m.mnuPS1SplitBy->menuAction(), m.mnuPS2SplitBy->menuAction()});
+    enable(C::QuestionGraphs, {m.mnuPS1Total, m.mnuPS1Split, m.mnuPS2Total, m.mnuPS2Split, m.mnuPSQ3SortedBy[0],
+                               m.mnuPSQ3SortedBy[1]});
+    // A group smaller than the document allows must never be split off.
+    for (QList<QAction *> *items : {&m.mnuPS1SplitByColumn, &m.mnuPS2SplitByColumn}) {
+        for (qsizetype c = 0; c < items->size(); ++c) {
+            const bool refused = std::size_t(c) < splitNotAllowed.size() && splitNotAllowed[std::size_t(c)];
+            (*items)[c]->setEnabled(enabling[std::size_t(C::QuestionGraphs)].enabled && !refused);
+        }
+    }
+    enable(C::Comments, {m.mnuVComments});
+    enable(C::RowsComments, {m.mnuPShowRowsComments});
+    enable(C::ColumnsComments, {m.mnuPShowColumnsComments});
+    enable(C::CopyThisRowsAnswers, {m.mnuPCopyThisRowsAnswers});
+    enable(C::CloseAllGraphWindows, {m.mnuVCloseAllGraphWindows});
+    enable(C::EditBlocks, {m.mnuTEditBlocks});
+    enable(C::Options, {m.mnuTOptions});
+    both(C::Export, {m.mnuTBar2, m.mnuTExport});
+    enable(C::HelpTopics, {m.mnuHHelpTopics});
+    enable(C::About, {m.mnuHAbout});
+    both(C::MouseWheelDirection, {m.mnuPBar3, m.mnuPMouseWheelScrollDirection[0], m.mnuPMouseWheelScrollDirection[1]});
 }
 
 bool setSplitByItem(MainMenus &menus, int index, const QString &heading)

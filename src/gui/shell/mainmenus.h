@@ -4,9 +4,12 @@
 // program refers to them by (every QAction's objectName is that name too).
 #pragma once
 
+#include "engine/overview/menuenabling.h"
+
 #include <QList>
 
 #include <array>
+#include <vector>
 
 class QAction;
 class QMenu;
@@ -109,6 +112,14 @@ struct MainMenus {
 /// captions of the chosen language and the state they have before any
 /// document is opened.
 MainMenus buildMainMenus(QMenuBar *bar, QWidget *owner, bool isSwedish);
+
+/// Shows, hides, enables and disables every item as `enabling` says: the one
+/// place where the menus' state is set. Items that depend on the place of a
+/// popup click are shown by the popup itself. Split-by item c is enabled
+/// only when question graphs are and the shown overview allows splitting by
+/// category c (`splitNotAllowed`, as the overview build decided it).
+void applyMenuEnabling(MainMenus &menus, const MenuEnabling &enabling,
+                       const std::vector<bool> &splitNotAllowed = {});
 
 /// Adds split-by item `index` to both popup split menus when it does not exist
 /// yet and sets its caption; returns false for a negative index.

@@ -1,19 +1,20 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "gui/shell/mainwindow.h"
+#include "gui/common/placement.h"
 
 #include "gui/shell/aboutbox.h"
-#include "gui/graphs/chartcommands.h"
+#include "gui/shell/chartcommands.h"
 #include "engine/document/documentsession.h"
 #include "gui/shell/helpwindow.h"
 #include "gui/shell/optionsdialog.h"
-#include "gui/shell/elidinglabel.h"
-#include "gui/shell/screenplacement.h"
-#include "gui/overview/overviewcommands.h"
+#include "gui/common/elidinglabel.h"
+#include "gui/shell/overviewcommands.h"
 #include "texts/language.h"
 #include "engine/settings/recentfiles.h"
 #include "gui/shell/startup.h"
+#include "texts/messages.h"
 #include "texts/statusline.h"
-#include "gui/shell/waitcursor.h"
+#include "gui/common/waitcursor.h"
 #include "engine/document/document.h"
 #include "engine/document/kelformat.h"
 #include "engine/indexes/columnindex.h"
@@ -22,7 +23,7 @@
 #include "engine/selection/counting.h"
 #include "gui/selection/detailwindow.h"
 #include "gui/selection/navigatorwindow.h"
-#include "gui/graphs/graphcommands.h"
+#include "gui/shell/graphcommands.h"
 
 #include <QAction>
 #include <QApplication>
@@ -108,7 +109,7 @@ MainWindow::MainWindow(SettingsStore &settings, bool isSwedish, const MainWindow
                        QWidget *parent)
     : QMainWindow(parent), mSettings(settings), mIsSwedish(isSwedish), mEnvironment(environment),
       mStatus(new StatusLine(isSwedish, StatusLine::DefaultClearInterval, this)),
-      mSession(new DocumentSession(isSwedish, !settings.policies().noRecentDocsMenu, this)),
+      mSession(new DocumentSession(!settings.policies().noRecentDocsMenu, this)),
       mSheet(new SheetView(this)),
       mRowRandom(quint32(QDateTime::currentMSecsSinceEpoch()))
 {
@@ -141,7 +142,7 @@ MainWindow::MainWindow(SettingsStore &settings, bool isSwedish, const MainWindow
     connect(mStatus, &StatusLine::textChanged, mPanels[0], &QLabel::setText);
 
     mMenus = buildMainMenus(menuBar(), this, isSwedish);
-    mMenus.mnuFPrintFormat->setEnabled(mEnvironment.printerInstalled);
+    updateMenus();
     connectMenus();
     connectDocumentCommands();
     connectBasicGraphCommands(*this);
@@ -160,12 +161,8 @@ MainWindow::MainWindow(SettingsStore &settings, bool isSwedish, const MainWindow
     connect(mSession, &DocumentSession::documentClosing, mSheet, &SheetView::resetDocument);
     mSession->setRecentFiles(mSettings.readRecentFiles());
 
-    if (mEnvironment.mouseWheel) {
-        mMenus.mnuPBar3->setVisible(true);
-        for (QAction *a : mMenus.mnuPMouseWheelScrollDirection)
-            a->setVisible(true);
+    if (mEnvironment.mouseWheel)
         mMenus.mnuPMouseWheelScrollDirection[0]->setChecked(true);
-    }
 
     mAutoOpenTimer.setSingleShot(true);
     mAutoOpenTimer.setInterval(500);
@@ -324,9 +321,9 @@ QString MainWindow::loadDocument(const QString &path, bool rememberFolder)
 {
     // The session reads and checks the whole file before it closes the open
     // document; its signals run resetForNoDocument and installDocument.
-    const QString message = mSession->loadDocument(path, rememberFolder);
-    if (!message.isEmpty())
-        return message;
+    const OpenResult result = mSession->loadDocument(path, rememberFolder);
+    if (result != OpenResult::Ok)
+        return openResultMessage(result, mIsSwedish);
     const Document *doc = document();
     if (doc->upgradeWarning) {
         const QString title = doc->currentFileTitle;
@@ -365,47 +362,9 @@ void MainWindow::installDocument()
     mPanels[1]->setVisible(true);
     mPanels[2]->setVisible(true);
 
-    if (p.indexFlags & 0x100) {
-        mMenus.mnuVTotalGraph1->setVisible(true);
-        mMenus.mnuPShowTotalGraph1->setVisible(true);
-    }
-    if (p.allowCopy) {
-        for (QAction *a : {mMenus.mnuECopy, mMenus.mnuECopyHeadersAndTotals, mMenus.mnuPCopy,
-                           mMenus.mnuPCopyHeadersAndTotals})
-            a->setEnabled(true);
-        if (p.pointsScale > 0) {
-            mMenus.mnuECopyIndexes->setVisible(true);
-            mMenus.mnuPCopyIndexes->setVisible(true);
-        }
-        if (p.allowCopyData) {
-            mMenus.mnuECopyData->setVisible(true);
-            mMenus.mnuPCopyData->setVisible(true);
-        }
-    }
-    // Printing needs both the document's permission and a printer; the two
-    // print commands stay hidden whatever the state.
-    if (p.allowPrint && mEnvironment.printerInstalled) {
-        mMenus.mnuFPrint->setEnabled(true);
-        mMenus.mnuPPrint->setEnabled(true);
-    }
-    if (p.allowSavePicture) {
-        mMenus.mnuFSaveAs->setEnabled(true);
-        mMenus.mnuPSaveAs->setEnabled(true);
-    }
-    mMenus.mnuFProperties->setEnabled(true);
-    mMenus.mnuVComments->setEnabled(!doc.rowComments.empty());
-    mMenus.mnuTEditBlocks->setEnabled(true);
-
     // One split-by item per category question, captioned with its heading.
-    for (std::size_t k = 0; k < doc.categories.size(); ++k) {
-        const Question &q = doc.questions[std::size_t(doc.categories[k])];
-        if (k == 0) {
-            mMenus.mnuPS1SplitBy->menuAction()->setVisible(true);
-            mMenus.mnuPS2SplitBy->menuAction()->setVisible(true);
-            mMenus.mnuVDistributionGraph->setEnabled(true);
-        }
-        setSplitByItem(mMenus, int(k), q.heading);
-    }
+    for (std::size_t k = 0; k < doc.categories.size(); ++k)
+        setSplitByItem(mMenus, int(k), doc.questions[std::size_t(doc.categories[k])].heading);
 
     // The user's own blocks of this document follow its blocks.
     restoreStoredBlocks();
@@ -415,9 +374,6 @@ void MainWindow::installDocument()
     // The flex total starts as every respondent; the navigator (with the
     // categories) and the detail window come up with the document.
     createToolWindows(doc);
-    mMenus.mnuVNavigator->setEnabled(!doc.categories.empty());
-    mMenus.mnuVDetailInfo->setEnabled(true);
-    mMenus.mnuVCloseAllGraphWindows->setEnabled(true);
 
     // The first overview shows everyone. A document too small for any
     // overview opens without a sheet; its panels stay empty.
@@ -425,6 +381,7 @@ void MainWindow::installDocument()
     mSheet->setHoverEnabled(p.pointsScale > 0);
     setDataRowsAllowed(false);
     showSelection(fullSelection(doc));
+    updateMenus();
     // The arrow and page keys scroll the sheet from the start.
     mSheet->setFocus();
 
@@ -436,26 +393,12 @@ void MainWindow::resetForNoDocument()
     // Every window of the three tables shows the old document.
     closeSlotWindows();
     mSteps = SelectionSteps();
-    enableSplitByItems(mMenus, mSteps.splitNotAllowed);
     mShownSheet = SubSheet();
 
-    mMenus.mnuVDetailInfo->setEnabled(false);
     mMenus.mnuVDetailInfo->setChecked(false);
-    mMenus.mnuVNavigator->setEnabled(false);
     mMenus.mnuVNavigator->setChecked(false);
-    mMenus.mnuPS1SplitBy->menuAction()->setVisible(false);
-    mMenus.mnuPS2SplitBy->menuAction()->setVisible(false);
     removeExtraSplitByItems(mMenus);
-
-    for (QAction *a : {mMenus.mnuVDistributionGraph, mMenus.mnuTEditBlocks, mMenus.mnuVComments,
-                       mMenus.mnuVCloseAllGraphWindows, mMenus.mnuFProperties, mMenus.mnuECopyToMiniOverview,
-                       mMenus.mnuPCopyToMiniOverview, mMenus.mnuECopy, mMenus.mnuPCopy,
-                       mMenus.mnuECopyHeadersAndTotals, mMenus.mnuPCopyHeadersAndTotals, mMenus.mnuECopyData,
-                       mMenus.mnuPCopyData, mMenus.mnuFPrint, mMenus.mnuPPrint, mMenus.mnuFSaveAs, mMenus.mnuPSaveAs})
-        a->setEnabled(false);
-    for (QAction *a : {mMenus.mnuECopyIndexes, mMenus.mnuPCopyIndexes, mMenus.mnuECopyData, mMenus.mnuPCopyData,
-                       mMenus.mnuPShowTotalGraph1, mMenus.mnuVTotalGraph1})
-        a->setVisible(false);
+    mDataRowsAllowed = false;
 
     const char *tipsEnglish[] = {"Items in current selection", "Current selection"};
     const char *tipsSwedish[] = {"Antal i aktuellt urval", "Aktuellt urval"};
@@ -466,6 +409,7 @@ void MainWindow::resetForNoDocument()
     }
     mExportOptions.reset();
     rebuildBlockMenus();
+    updateMenus();
     mSheet->resetDocument();
     mSheet->setHoverEnabled(false);
     setWindowTitle(applicationTitle());
@@ -559,9 +503,18 @@ void MainWindow::closeSlotWindows()
 
 void MainWindow::setDataRowsAllowed(bool allowed)
 {
-    for (QAction *a : {mMenus.mnuECopyData, mMenus.mnuPCopyData, mMenus.mnuECopyToMiniOverview,
-                       mMenus.mnuPCopyToMiniOverview})
-        a->setEnabled(allowed && document() != nullptr);
+    mDataRowsAllowed = allowed;
+    updateMenus();
+}
+
+MenuState MainWindow::menuState() const
+{
+    return MenuState::of(document(), mEnvironment.printerInstalled, mEnvironment.mouseWheel, mDataRowsAllowed);
+}
+
+void MainWindow::updateMenus()
+{
+    applyMenuEnabling(mMenus, menuEnablingFor(menuState()), mSteps.splitNotAllowed);
 }
 
 void MainWindow::setSelectionPanels(qint32 rows, const QString &selectionText)
@@ -637,40 +590,14 @@ void MainWindow::closeEvent(QCloseEvent *event)
 
 void MainWindow::loadPlacement()
 {
-    const WindowPlacement p = mSettings.readWindowPlacement(QStringLiteral("Main"));
-    const double pixelsPerTwip = logicalDpiX() / TwipsPerInch;
-    auto toPixels = [&](qint32 twips) { return qRound(twips * pixelsPerTwip); };
-    if (p.width && p.height)
-        resize(std::max(toPixels(*p.width), toPixels(MinimumWidthTwips)),
-               std::max(toPixels(*p.height), toPixels(MinimumHeightTwips)));
-    if (p.left && p.top)
-        move(toPixels(*p.left), toPixels(*p.top));
-
-    // A position from another monitor setup may lie partly off the screens.
-    const QRect placed = keepWhollyOnScreen(QRect(pos(), size()));
-    resize(placed.size());
-    move(placed.topLeft());
-    // A stored minimized state is not restored as minimized.
-    if (p.state && *p.state == WindowPlacement::Maximized)
-        setWindowState(windowState() | Qt::WindowMaximized);
+    const double pixels = kel::pixelsPerTwip(*this);
+    restoreWindowPlacement(*this, mSettings, QStringLiteral("Main"),
+                           QSize(qRound(MinimumWidthTwips * pixels), qRound(MinimumHeightTwips * pixels)));
 }
 
 void MainWindow::savePlacement()
 {
-    const double twipsPerPixel = TwipsPerInch / logicalDpiX();
-    auto toTwips = [&](int pixels) { return qint32(qRound(pixels * twipsPerPixel)); };
-    WindowPlacement p;
-    if (isMinimized())
-        p.state = WindowPlacement::Minimized;
-    else if (isMaximized())
-        p.state = WindowPlacement::Maximized;
-    else
-        p.state = WindowPlacement::Normal;
-    p.left = toTwips(pos().x());
-    p.top = toTwips(pos().y());
-    p.width = toTwips(width());
-    p.height = toTwips(height());
-    mSettings.writeWindowPlacement(QStringLiteral("Main"), BorderStyle::Sizable, p);
+    saveWindowPlacement(*this, mSettings, QStringLiteral("Main"), BorderStyle::Sizable);
 }
 
 // --- Navigator and detail-information windows ---
@@ -697,8 +624,7 @@ void MainWindow::createToolWindows(const Document &doc)
     // window on the right.
     if (!doc.categories.empty()) {
         NavigatorActions actions;
-        actions.setFlexTotal = [this](const std::vector<bool> &options, bool based) { setFlexTotal(options, based); };
-        actions.createSubSheet = [this](const SelectionMatrix &selection) { return showSelection(selection); };
+        actions.show = [this](SelectionModel &model) { return showNavigatorSelection(model); };
         actions.showRefusal = [this](const QString &text) {
             showMessage(QMessageBox::Critical, applicationTitle(), text);
         };
@@ -745,13 +671,18 @@ void MainWindow::showFlexTotalIndex()
                                formatIndex(doc->properties.flexTotalIndex, doc->properties.indexDecimals, QLocale()));
 }
 
-void MainWindow::setFlexTotal(const std::vector<bool> &options, bool basedOnCurrentSelection)
+QString MainWindow::showNavigatorSelection(SelectionModel &model)
 {
     Document *doc = mSession->editableDocument();
     if (!doc)
-        return;
-    mFlexTotal.setFlexTotal(*doc, options, basedOnCurrentSelection);
+        return QString();
+    const SubSheet sheet = kel::showSelection(*doc, model, mFlexTotal, mOptions.overviewRowOrder, mRowRandom);
+    // The flex total changes with Show even when the selection is refused.
     showFlexTotalIndex();
+    if (sheet.outcome != SubSheetOutcome::Ok)
+        return showRefusalMessage(*doc, sheet.outcome, mIsSwedish); // the previous overview stays
+    showSubSheet(*doc, sheet);
+    return QString();
 }
 
 QString MainWindow::showSelection(const SelectionMatrix &selection)
@@ -759,13 +690,12 @@ QString MainWindow::showSelection(const SelectionMatrix &selection)
     Document *doc = mSession->editableDocument();
     if (!doc)
         return QString();
-    const SubSheet sheet = createSubSheet(*doc, selection, mFlexTotal, mOptions.overviewRowOrder, mRowRandom,
-                                          mIsSwedish);
+    const SubSheet sheet = createSubSheet(*doc, selection, mFlexTotal, mOptions.overviewRowOrder, mRowRandom);
     // A flex total based on the current selection is rebuilt even when the
     // selection itself is refused.
     showFlexTotalIndex();
     if (sheet.outcome != SubSheetOutcome::Ok)
-        return sheet.message; // the previous overview stays
+        return showRefusalMessage(*doc, sheet.outcome, mIsSwedish); // the previous overview stays
     showSubSheet(*doc, sheet);
     return QString();
 }
@@ -773,9 +703,8 @@ QString MainWindow::showSelection(const SelectionMatrix &selection)
 void MainWindow::showSubSheet(const Document &doc, const SubSheet &sheet)
 {
     mShownSheet = sheet;
-    setDataRowsAllowed(sheet.dataRowsAllowed);
     mSteps = sheet.steps;
-    enableSplitByItems(mMenus, mSteps.splitNotAllowed);
+    setDataRowsAllowed(sheet.dataRowsAllowed);
     setSelectionPanels(qint32(sheet.rows.size()), sheet.steps.selectionText);
 
     SheetInput input;
@@ -845,8 +774,9 @@ void MainWindow::preparePopup(const SheetHit &hit)
     const PopupEnabling enabling =
         popupEnablingFor(*doc, mSheet->input().rows, mSheet->input().columns, context.randomPerColumn,
                          hit.place == SheetPlace::AnswerCell ? hit.row : -1, hit.question);
-    mMenus.mnuPShowRowsComments->setEnabled(enabling.showRowsComments);
-    mMenus.mnuPShowColumnsComments->setEnabled(enabling.showColumnsComments);
+    mMenus.mnuPShowRowsComments->setEnabled(enabling.showRowsComments && isCommandBuilt(MenuCommand::RowsComments));
+    mMenus.mnuPShowColumnsComments->setEnabled(enabling.showColumnsComments
+                                               && isCommandBuilt(MenuCommand::ColumnsComments));
 }
 
 void MainWindow::showSheetPopup(const SheetHit &hit, const QPoint &globalPos)

@@ -94,6 +94,10 @@ public:
     /// Whether answer rows may be copied as data or to a mini-overview; set
     /// by every overview build.
     void setDataRowsAllowed(bool allowed);
+    /// The facts the menus' enabling follows, as they stand now.
+    MenuState menuState() const;
+    /// Sets every menu item's state from menuState().
+    void updateMenus();
 
     // --- Navigator and detail-information windows ---
     /// Both exist while a document is open (the navigator only when the
@@ -101,12 +105,13 @@ public:
     NavigatorWindow *navigator() const;
     DetailWindow *detailWindow() const;
     const FlexTotal &flexTotal() const { return mFlexTotal; }
-    /// SetFlexTotal: the flex total from the navigator's flex options.
-    void setFlexTotal(const std::vector<bool> &options, bool basedOnCurrentSelection);
-    /// CreateSubSheet, for the navigator's Show and after opening: returns
+    /// CreateSubSheet, after opening: returns
     /// the refusal text, empty when the new overview was built and drawn. A
     /// refusal leaves the previous sheet on screen.
     QString showSelection(const SelectionMatrix &selection);
+    /// The navigator's Show: the engine's Show on `model`, then the new
+    /// overview; returns the refusal, empty on success.
+    QString showNavigatorSelection(SelectionModel &model);
     /// Shows or hides the popup menu's place-dependent items for a right
     /// click on `hit` and enables them for its row and question.
     void preparePopup(const SheetHit &hit);
@@ -188,6 +193,7 @@ private:
     QPointer<HelpWindow> mHelp;
     MessageHandler mMessageHandler;
     bool mClosed = false;
+    bool mDataRowsAllowed = false; ///< the current overview may show answer rows
 
     // Navigator and detail-information windows, and the flex total they edit.
     QPointer<NavigatorWindow> mNavigator;

@@ -2,7 +2,7 @@
 #include "gui/shell/optionsdialog.h"
 
 #include "engine/document/document.h"
-#include "gui/shell/waitcursor.h"
+#include "gui/common/waitcursor.h"
 #include "texts/language.h"
 
 #include <QCheckBox>

@@ -2,6 +2,7 @@
 #include "render/overview/sheetdrawer.h"
 
 #include "engine/indexes/columnindex.h"
+#include "engine/overview/celldetails.h"
 
 #include <QFontMetrics>
 #include <QPaintEngine>
@@ -386,14 +387,12 @@ int drawSheet(QPainter &painter, const SheetInput &input, SheetTextOffsets &offs
         const int decimals = doc.properties.indexDecimals;
         const QRect sheetSpan(0, top, width, g.indexLines * h);
         const std::vector<qint32> rows = rowsInMatrix(doc, input.rows);
+        const std::vector<double> values = columnIndexLine(doc, input.columns, rows);
         for (int c = 0; c < g.columns; ++c) {
-            const qint32 q = input.columns[std::size_t(c)];
-            if (!isReadableColumn(doc, q))
-                continue;
-            const Question *question = &doc.questions[std::size_t(q)];
-            const double value = calculateColumnsIndex(doc, QuestionList{q}, rows);
+            const double value = values[std::size_t(c)];
             if (value == -1.0)
                 continue;
+            const Question *question = &doc.questions[std::size_t(input.columns[std::size_t(c)])];
             const QRect box = QRect(c * w - w / 2, top + (c % 2) * h, 2 * w, h).intersected(sheetSpan);
             fillIfColoured(painter, box, sheetColour(question->sheetColour));
             const QString text = formatIndex(value, decimals, input.locale);
@@ -408,13 +407,7 @@ int drawSheet(QPainter &painter, const SheetInput &input, SheetTextOffsets &offs
                     continue;
                 const QRect box(run.firstColumn * w, lineTop, run.columnCount * w, h);
                 fillIfColoured(painter, box, runColours[std::size_t(2 * level + run.colourSlot)]);
-                QuestionList members;
-                for (int c = run.firstColumn; c < run.firstColumn + run.columnCount; ++c) {
-                    const qint32 q = input.columns[std::size_t(c)];
-                    if (isReadableColumn(doc, q))
-                        members.push_back(q);
-                }
-                const double value = calculateColumnsIndex(doc, members, rows);
+                const double value = columnRunIndex(doc, input.columns, run.firstColumn, run.columnCount, rows);
                 if (value == -1.0)
                     continue;
                 const QString text = formatIndex(value, decimals, input.locale);

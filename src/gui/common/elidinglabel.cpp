@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "gui/shell/elidinglabel.h"
+#include "gui/common/elidinglabel.h"
 
 #include <QHelpEvent>
 #include <QPainter>

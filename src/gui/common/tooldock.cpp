@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "gui/shell/tooldock.h"
+#include "gui/common/tooldock.h"
 
-#include "engine/settings/settingsstore.h"
-#include "gui/shell/screenplacement.h"
+#include "gui/common/placement.h"
 
 #include <QCloseEvent>
 #include <QMainWindow>
@@ -10,11 +9,6 @@
 namespace kel {
 
 namespace {
-
-constexpr double TwipsPerInch = 1440.0;
-// Besides the placement every window keeps, a dock remembers the side of the
-// main window it was docked to; 0 means floating.
-const QString DockAreaValue = QStringLiteral("Dock Area");
 
 bool isDockArea(qint32 value)
 {
@@ -33,7 +27,7 @@ ToolDock::ToolDock(const QString &name, const QString &title, QWidget *parent)
 
 double ToolDock::pixelsPerTwip() const
 {
-    return logicalDpiY() / TwipsPerInch;
+    return kel::pixelsPerTwip(*this);
 }
 
 int ToolDock::twipsToPixels(int twips) const
@@ -44,43 +38,29 @@ int ToolDock::twipsToPixels(int twips) const
 void ToolDock::restorePlacement(QMainWindow &main, const SettingsStore &store, Qt::DockWidgetArea defaultArea,
                                 QSize defaultSize)
 {
-    const WindowPlacement p = store.readWindowPlacement(mName);
-    const QString key = QStringLiteral("Windows\\") + mName;
-    const std::optional<qint32> area = store.readDword(key, DockAreaValue);
-    QSize size = defaultSize;
-    if (p.width && p.height && *p.width > 0 && *p.height > 0)
-        size = QSize(twipsToPixels(*p.width), twipsToPixels(*p.height));
-
-    const bool floating = area && *area == 0 && p.left && p.top;
+    const RestoredPlacement p = readPlacement(*this, store, mName, QRect(QPoint(), defaultSize));
+    const std::optional<qint32> area = p.dockArea;
+    const bool floating = area && *area == 0 && p.hasPosition;
     main.addDockWidget(area && isDockArea(*area) ? Qt::DockWidgetArea(*area) : defaultArea, this);
     if (!floating) {
-        main.resizeDocks({this}, {size.width()}, Qt::Horizontal);
-        main.resizeDocks({this}, {size.height()}, Qt::Vertical);
+        main.resizeDocks({this}, {p.frame.width()}, Qt::Horizontal);
+        main.resizeDocks({this}, {p.frame.height()}, Qt::Vertical);
         return;
     }
     setFloating(true);
-    // A window partly off the screens could not be reached by its title bar.
-    setGeometry(keepWhollyOnScreen(QRect(QPoint(twipsToPixels(*p.left), twipsToPixels(*p.top)), size)));
+    const QRect frame = keepOnScreen(p.frame, availableScreenAreas());
+    resize(frame.size());
+    move(frame.topLeft());
 }
 
 void ToolDock::savePlacement(SettingsStore &store) const
 {
-    if (store.policies().noSaveSettings)
-        return;
-    const double twipsPerPixel = 1.0 / pixelsPerTwip();
-    auto toTwips = [&](int pixels) { return qint32(qRound(pixels * twipsPerPixel)); };
-    WindowPlacement p;
-    p.left = toTwips(geometry().x());
-    p.top = toTwips(geometry().y());
-    p.width = toTwips(width());
-    p.height = toTwips(height());
-    store.writeWindowPlacement(mName, BorderStyle::SizableToolWindow, p);
     qint32 area = 0;
     if (!isFloating()) {
         if (auto *main = qobject_cast<QMainWindow *>(parentWidget()))
             area = main->dockWidgetArea(const_cast<ToolDock *>(this));
     }
-    store.writeDword(QStringLiteral("Windows\\") + mName, DockAreaValue, area);
+    saveWindowPlacement(*this, store, mName, BorderStyle::SizableToolWindow, area);
 }
 
 void ToolDock::closeForGood()

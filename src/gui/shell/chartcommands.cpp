@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "gui/graphs/chartcommands.h"
+#include "gui/shell/chartcommands.h"
 
 #include "engine/graphs/distributiongraph.h"
 #include "engine/graphs/indexgraph.h"
@@ -11,7 +11,7 @@
 #include "gui/graphs/indexgraphdialog.h"
 #include "gui/overview/sheetview.h"
 #include "gui/shell/mainwindow.h"
-#include "gui/shell/waitcursor.h"
+#include "gui/common/waitcursor.h"
 #include "texts/statusline.h"
 
 #include <QAction>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "gui/graphs/graphcommands.h"
+#include "gui/shell/graphcommands.h"
 
 #include "engine/document/document.h"
 #include "engine/indexes/blockindex.h"
@@ -8,7 +8,7 @@
 #include "gui/graphs/questionselectdialog.h"
 #include "gui/overview/sheetview.h"
 #include "gui/shell/mainwindow.h"
-#include "gui/shell/waitcursor.h"
+#include "gui/common/waitcursor.h"
 #include "texts/language.h"
 #include "texts/statusline.h"
 
@@ -209,14 +209,6 @@ void showViewBlockGraph(MainWindow &window, qint32 kind, int block)
     request.block = block;
     request.showTotalIndex = window.selectionSteps().differentFromUsedTotal;
     runGraphCommand(window, command, request);
-}
-
-void enableSplitByItems(MainMenus &menus, const std::vector<bool> &splitNotAllowed)
-{
-    for (QList<QAction *> *items : {&menus.mnuPS1SplitByColumn, &menus.mnuPS2SplitByColumn}) {
-        for (qsizetype c = 0; c < items->size(); ++c)
-            (*items)[c]->setEnabled(std::size_t(c) >= splitNotAllowed.size() || !splitNotAllowed[std::size_t(c)]);
-    }
 }
 
 void connectBasicGraphCommands(MainWindow &window)

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "gui/overview/overviewcommands.h"
+#include "gui/shell/overviewcommands.h"
 
 #include "engine/overview/comments.h"
 #include "gui/overview/minioverviewwindow.h"
 #include "gui/overview/sheetview.h"
 #include "gui/overview/textpopup.h"
 #include "gui/shell/mainwindow.h"
-#include "gui/shell/waitcursor.h"
+#include "gui/common/waitcursor.h"
 #include "texts/language.h"
 #include "texts/statusline.h"
 

@@ -19,11 +19,6 @@ struct MainMenus;
 /// Connects the graph items of the main window's menus.
 void connectBasicGraphCommands(MainWindow &window);
 
-/// Enables split-by item c of both popup submenus exactly when splitting by
-/// category c is allowed for the shown selection; items the list does not
-/// cover are enabled (no document: the menus' first state).
-void enableSplitByItems(MainMenus &menus, const std::vector<bool> &splitNotAllowed);
-
 /// The selection of the shown overview, as graphs are computed from it.
 BasicGraphSelection currentGraphSelection(MainWindow &window);
 

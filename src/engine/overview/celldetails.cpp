@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/overview/celldetails.h"
+
+#include "engine/indexes/blockindex.h"
+
+namespace kel {
+
+CellDetails cellDetails(const Document &doc, const SheetHit &hit, const std::vector<qint32> &overviewColumns,
+                        const RowList &selectionRows)
+{
+    CellDetails d;
+    const bool onQuestion = hit.place != SheetPlace::Outside && hit.question >= 0
+        && hit.question < qint32(doc.questions.size());
+    if (doc.properties.pointsScale < 1 || !onQuestion)
+        return d;
+    d.onQuestion = true;
+    const Question &q = doc.questions[std::size_t(hit.question)];
+    // Block numbers out of the list name no block: no name, no value.
+    auto validBlock = [&](qint32 b) { return b >= 0 && b < qint32(doc.blocks.size()); };
+    if (validBlock(q.block))
+        d.blockName = doc.blocks[std::size_t(q.block)].name;
+    if (validBlock(q.subBlock))
+        d.subBlockName = doc.blocks[std::size_t(q.subBlock)].name;
+    d.questionText = q.text.isEmpty() ? q.heading : q.text;
+
+    if (hit.place == SheetPlace::AnswerCell && hit.row >= 0 && hit.row < doc.rowCount()) {
+        const qint32 answer = doc.getData(hit.row, hit.question);
+        if (answer >= 0 && answer < q.alternativeCount)
+            d.answerText = doc.alternatives[std::size_t(q.firstAlternative + answer)].text;
+        d.respondentIndex = calculateColumnsIndex(doc, overviewColumns, {hit.row});
+    }
+    d.questionIndex = calculateColumnsIndex(doc, {hit.question}, selectionRows);
+    d.questionTotalIndex = q.flexTotalIndex;
+    if (validBlock(q.subBlock)) {
+        d.subBlockIndex = calculateBlockIndex(doc, q.subBlock, selectionRows);
+        d.subBlockTotalIndex = doc.blocks[std::size_t(q.subBlock)].flexTotalIndex;
+    }
+    if (validBlock(q.block)) {
+        d.blockIndex = calculateBlockIndex(doc, q.block, selectionRows);
+        d.blockTotalIndex = doc.blocks[std::size_t(q.block)].flexTotalIndex;
+    }
+    return d;
+}
+
+std::vector<double> columnIndexLine(const Document &doc, const std::vector<qint32> &columns, const RowList &rows)
+{
+    std::vector<double> values(columns.size(), -1.0);
+    if (doc.properties.pointsScale < 1)
+        return values;
+    for (std::size_t c = 0; c < columns.size(); ++c) {
+        if (isReadableColumn(doc, columns[c]))
+            values[c] = calculateColumnsIndex(doc, QuestionList{columns[c]}, rows);
+    }
+    return values;
+}
+
+double columnRunIndex(const Document &doc, const std::vector<qint32> &columns, int first, int count,
+                      const RowList &rows)
+{
+    if (doc.properties.pointsScale < 1 || first < 0 || count < 1)
+        return -1.0;
+    QuestionList members;
+    for (int c = first; c < first + count && std::size_t(c) < columns.size(); ++c) {
+        if (isReadableColumn(doc, columns[std::size_t(c)]))
+            members.push_back(columns[std::size_t(c)]);
+    }
+    return calculateColumnsIndex(doc, members, rows);
+}
+
+} // namespace kel

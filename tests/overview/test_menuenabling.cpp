@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The menus' enabling rule: what each document permission and each fact of
+// the surroundings offers, and that nothing unbuilt is ever enabled.
+#include "engine/overview/menuenabling.h"
+
+#include "surveys.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <iterator>
+
+using namespace kel;
+
+namespace {
+
+MenuState withDocument()
+{
+    MenuState s;
+    s.documentOpen = true;
+    return s;
+}
+
+} // namespace
+
+TEST(MenuEnabling, PermissionsAndSurroundingsDecideEachCommand)
+{
+    struct Expect {
+        MenuCommand command;
+        bool visible;
+        bool enabled;
+    };
+    struct Case {
+        const char *label;
+        MenuState state;
+        std::vector<Expect> expected;
+    };
+    using C = MenuCommand;
+    MenuState none;
+    MenuState plain = withDocument();
+    MenuState copyAll = withDocument();
+    copyAll.allowCopy = copyAll.allowCopyData = copyAll.hasIndexes = copyAll.dataRowsAllowed = true;
+    MenuState dataOnly = withDocument(); // copying data without copying at all gives nothing
+    dataOnly.allowCopyData = dataOnly.hasIndexes = dataOnly.dataRowsAllowed = true;
+    MenuState printNoPrinter = withDocument();
+    printNoPrinter.allowPrint = printNoPrinter.allowSavePicture = true;
+    MenuState printer = printNoPrinter;
+    printer.printerInstalled = true;
+    MenuState belowMinimum = copyAll;
+    belowMinimum.dataRowsAllowed = false;
+    MenuState rich = withDocument();
+    rich.totalIndexGraph = rich.hasRowComments = rich.hasCategories = rich.mouseWheel = true;
+    MenuState printerAlone;
+    printerAlone.printerInstalled = true;
+
+    const Case cases[] = {
+        {"no document", none,
+         {{C::Open, true, true}, {C::Exit, true, true}, {C::Options, true, true}, {C::Properties, true, false},
+          {C::Navigator, true, false}, {C::DetailInformation, true, false}, {C::CloseAllGraphWindows, true, false},
+          {C::CopyIndexes, false, true}, {C::TotalIndexGraph, false, true}, {C::QuestionGraphs, false, false},
+          {C::MouseWheelDirection, false, true}, {C::PrintFormat, true, false}, {C::Export, false, true}}},
+        {"no permissions", plain,
+         {{C::Properties, true, true}, {C::EditBlocks, true, true}, {C::CloseAllGraphWindows, true, true},
+          {C::DetailInformation, true, true}, {C::Navigator, true, false}, {C::CopyOverview, true, false},
+          {C::CopyIndexes, false, true}, {C::CopyData, false, false}, {C::SaveOverviewAs, true, false},
+          {C::DistributionGraph, true, false}, {C::Comments, true, false}, {C::QuestionGraphs, false, true},
+          {C::CopyToMiniOverview, true, false}}},
+        {"copy, data and indexes", copyAll,
+         {{C::CopyOverview, true, true}, {C::CopyHeadersAndTotals, true, true}, {C::CopyIndexes, true, true},
+          {C::CopyData, true, true}, {C::CopyToMiniOverview, true, true}}},
+        {"copy data without copy", dataOnly,
+         {{C::CopyOverview, true, false}, {C::CopyIndexes, false, true}, {C::CopyData, false, true}}},
+        {"print without printer", printNoPrinter,
+         {{C::PrintOverview, false, false}, {C::PrintFormat, true, false}, {C::SaveOverviewAs, true, true}}},
+        {"print with printer", printer, {{C::PrintOverview, false, true}, {C::PrintFormat, true, true}}},
+        {"printer, no document", printerAlone, {{C::PrintOverview, false, false}, {C::PrintFormat, true, true}}},
+        {"selection below minimum", belowMinimum,
+         {{C::CopyData, true, false}, {C::CopyToMiniOverview, true, false}, {C::CopyOverview, true, true}}},
+        {"categories, comments, total graph, wheel", rich,
+         {{C::TotalIndexGraph, true, true}, {C::Comments, true, true}, {C::DistributionGraph, true, true},
+          {C::QuestionGraphs, true, true}, {C::Navigator, true, true}, {C::MouseWheelDirection, true, true},
+          {C::BlockGraphs, false, true}}},
+    };
+    for (const Case &c : cases) {
+        const MenuEnabling rules = menuRulesFor(c.state);
+        for (const Expect &e : c.expected) {
+            const MenuItemState &got = rules[std::size_t(e.command)];
+            EXPECT_EQ(got.visible, e.visible) << c.label << ": command " << int(e.command);
+            EXPECT_EQ(got.enabled, e.enabled) << c.label << ": command " << int(e.command);
+        }
+        // What the menus show: the rules, minus whatever is not built.
+        const MenuEnabling shown = menuEnablingFor(c.state);
+        for (int i = 0; i < MenuCommandCount; ++i) {
+            const auto command = MenuCommand(i);
+            EXPECT_EQ(shown[std::size_t(i)].visible, rules[std::size_t(i)].visible) << c.label << ": " << i;
+            EXPECT_EQ(shown[std::size_t(i)].enabled, rules[std::size_t(i)].enabled && isCommandBuilt(command))
+                << c.label << ": " << i;
+        }
+    }
+}
+
+TEST(MenuEnabling, StateComesFromTheDocument)
+{
+    test::ShellSurveyOptions recipe;
+    recipe.allowCopy = true;
+    recipe.pointsScale = 3;
+    recipe.totalIndexGraph = true;
+    recipe.categoryHeadings = {QStringLiteral("Unit")};
+    const auto doc = test::shellSurvey(recipe);
+    ASSERT_TRUE(doc);
+    EXPECT_FALSE(MenuState::of(nullptr, true, true, true).dataRowsAllowed) << "no document, no rows";
+    const MenuState s = MenuState::of(doc.get(), false, true, true);
+    EXPECT_TRUE(s.documentOpen && s.allowCopy && s.hasIndexes && s.totalIndexGraph && s.hasCategories);
+    EXPECT_TRUE(s.mouseWheel && s.dataRowsAllowed);
+    EXPECT_FALSE(s.allowCopyData || s.allowPrint || s.hasRowComments || s.printerInstalled);
+}
