@@ -2,38 +2,13 @@
 #include "engine/document/documentsession.h"
 
 #include "engine/settings/recentfiles.h"
-#include "engine/indexes/columnindex.h"
+#include "engine/indexes/blockindex.h"
 
 #include <QDir>
 #include <QFileInfo>
 
-#include <numeric>
 
 namespace kel {
-
-namespace {
-
-// Files written before stored total indexes existed get theirs computed from
-// the overview questions that count towards the total.
-void computeMissingTotalIndex(Document &doc)
-{
-    if (doc.revision >= 5 || doc.properties.pointsScale < 1)
-        return;
-    QuestionList questions;
-    for (qint32 q : doc.overviewColumns) {
-        if (doc.questions[std::size_t(q)].inTotalIndex)
-            questions.push_back(q);
-    }
-    if (questions.empty())
-        return;
-    RowList rows(std::size_t(doc.rowCount()));
-    std::iota(rows.begin(), rows.end(), 0);
-    const double index = calculateColumnsIndex(doc, questions, rows);
-    doc.properties.totalIndex = index;
-    doc.properties.flexTotalIndex = index;
-}
-
-} // namespace
 
 DocumentSession::DocumentSession(bool isSwedish, bool recordRecentFiles, QObject *parent)
     : QObject(parent), mIsSwedish(isSwedish), mRecordRecentFiles(recordRecentFiles)

@@ -8,9 +8,10 @@ namespace kel {
 QuestionList blockMembers(const Document &doc, qint32 block)
 {
     QuestionList members;
-    if (block < 0 || block >= qint32(doc.blocks.size()))
+    const Block *b = doc.blockAt(block);
+    if (!b)
         return members;
-    if (!doc.blocks[std::size_t(block)].memberRule) {
+    if (!b->memberRule) {
         for (const BlockItem &item : doc.blockItems)
             if (item.block == block && item.question >= 0 && item.question < qint32(doc.questions.size()))
                 members.push_back(item.question);
@@ -72,6 +73,18 @@ double calculateTotalIndexSpec(const Document &doc, const RowList &rows, QString
     if (members.empty())
         return -1.0;
     return calculateColumnsIndexSpec(doc, members, rows, distribution);
+}
+
+void computeMissingTotalIndex(Document &doc)
+{
+    DocumentProperties &p = doc.properties;
+    if (doc.revision >= 5 || p.pointsScale < 1 || doc.rowCount() < 1)
+        return;
+    const QuestionList members = totalMembers(doc);
+    if (members.empty())
+        return;
+    p.totalIndex = calculateColumnsIndex(doc, members, allRows(doc));
+    p.flexTotalIndex = p.totalIndex;
 }
 
 RowList allRows(const Document &doc)

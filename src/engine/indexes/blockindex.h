@@ -25,6 +25,12 @@ double calculateTotalIndex(const Document &doc, const RowList &rows);
 /// The same, with the points distribution of the total's answers in `distribution`.
 double calculateTotalIndexSpec(const Document &doc, const RowList &rows, QString &distribution);
 
+/// Documents older than revision 5 carry no total index: it is the total's
+/// index over every row, and the flex total starts equal to it. Does nothing
+/// for later revisions, without indexes, rows or total members, so calling
+/// it again on an opened document changes nothing.
+void computeMissingTotalIndex(Document &doc);
+
 /// Every row number of the document, ascending.
 RowList allRows(const Document &doc);
 
