@@ -81,17 +81,18 @@ int indexesCommand(const Document &base, const QStringList &args, CommandOutput 
         }
     }
     if (doc.properties.pointsScale < 1) {
+        // The viewer offers no index copy for such a document.
         output.err += (QStringLiteral("kel indexes: the document has no indexes\n"));
-        return 1;
+        return Refused;
     }
     std::optional<ShownSelection> shown = showFromArgs(doc, selection, error);
     if (!shown) {
         output.err += (QStringLiteral("kel indexes: %1\n").arg(error));
         return UsageError;
     }
-    if (shown->sheet.outcome != SubSheetOutcome::Ok) {
-        output.err += (QStringLiteral("kel indexes: %1\n").arg(shown->sheet.message));
-        return 1;
+    if (shown->refusal) {
+        output.err += QStringLiteral("kel indexes: %1\n").arg(shown->refusal->message);
+        return Refused;
     }
     output.out += (exportIndexes(doc, shown->sheet.steps.selectionText, shown->sheet.rows, options, selection.locale));
     return 0;

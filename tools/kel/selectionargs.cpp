@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "selectionargs.h"
 
+#include "texts/language.h"
+
 #include <QDateTime>
+
+#include <algorithm>
 
 namespace kel::cli {
 
@@ -67,6 +71,15 @@ bool applyFlexSpec(const Document &doc, SelectionModel &model, const QString &te
 
 } // namespace
 
+QString blockedSelectionMessage(bool isSwedish)
+{
+    return pickText(isSwedish,
+                    "The selection can not be shown: a restricted category leaves a group smaller than the "
+                    "document allows.",
+                    "Urvalet kan inte visas: en begränsad kategori lämnar en grupp som är mindre än dokumentet "
+                    "tillåter.");
+}
+
 bool takeSelectionOption(const QStringList &args, qsizetype &i, SelectionArgs &out, QString &error)
 {
     const QString &a = args[i];
@@ -125,9 +138,28 @@ std::optional<ShownSelection> showFromArgs(Document &doc, const SelectionArgs &a
     if (args.flexCurrent && shown.model.flexVisible())
         shown.model.setFlexBasedOnCurrentSelection(true);
     shown.recount = shown.model.recount(doc);
+    if (!shown.recount.showEnabled) {
+        // The navigator's button is disabled: the viewer shows nothing, so
+        // neither may we. The words are those the build would use for the
+        // same selection, and our own for a blocking category.
+        const bool blocked = std::find(shown.recount.blocked.begin(), shown.recount.blocked.end(), true)
+                             != shown.recount.blocked.end();
+        if (blocked)
+            shown.refusal = Refusal{QStringLiteral("blocked"), blockedSelectionMessage(args.isSwedish)};
+        else if (shown.recount.count == 0)
+            shown.refusal = Refusal{QStringLiteral("none"), noAnswersMessage(args.isSwedish)};
+        else
+            shown.refusal = Refusal{QStringLiteral("tooSmall"), doc.text(doc.properties.selectionTooSmallText)};
+        return shown;
+    }
 
     RowRandom random(args.seed ? *args.seed : quint64(QDateTime::currentMSecsSinceEpoch()));
     shown.sheet = kel::showSelection(doc, shown.model, shown.flex, args.order, random, args.isSwedish);
+    switch (shown.sheet.outcome) {
+    case SubSheetOutcome::Ok: break;
+    case SubSheetOutcome::NoAnswers: shown.refusal = Refusal{QStringLiteral("none"), shown.sheet.message}; break;
+    case SubSheetOutcome::TooSmall: shown.refusal = Refusal{QStringLiteral("tooSmall"), shown.sheet.message}; break;
+    }
     return shown;
 }
 

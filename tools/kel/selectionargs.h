@@ -33,16 +33,33 @@ struct SelectionArgs {
 /// ones; returns false when it is not. `error` is set for a bad value.
 bool takeSelectionOption(const QStringList &args, qsizetype &i, SelectionArgs &out, QString &error);
 
+/// Why the viewer would not show a selection: "blocked" (a restricted
+/// category holds a too small complement group), "none" (nobody) or
+/// "tooSmall" (below the document's minimum), and the text it would say.
+struct Refusal {
+    QString outcome;
+    QString message;
+};
+
 /// The navigator, the flex total and the overview after one Show.
 struct ShownSelection {
     SelectionModel model;
     RecountResult recount;
     FlexTotal flex;
     SubSheet sheet;
+    /// Set when Show would be disabled or the overview build refuses; then
+    /// nothing of the selection (counts, rows, indexes) may be printed.
+    std::optional<Refusal> refusal;
 };
 
-/// Ticks what the options ask for, runs Show and builds the overview. On a
-/// bad --select or --flex value returns nothing and sets `error`.
+/// The refusal text for a selection that a blocking category keeps from Show.
+QString blockedSelectionMessage(bool isSwedish);
+
+/// Ticks what the options ask for and presses Show the way the navigator
+/// does: when the recount leaves Show disabled nothing is applied and the
+/// refusal is set; otherwise Show runs and builds the overview, whose own
+/// refusal is taken over. On a bad --select or --flex value returns
+/// nothing and sets `error`.
 std::optional<ShownSelection> showFromArgs(Document &doc, const SelectionArgs &args, QString &error);
 
 } // namespace kel::cli
