@@ -7,6 +7,8 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-deps.sh
+echo "== install list complete?"
+scripts/check-deps.sh
 
 jobs=$(nproc)
 fuzz_seconds=${KEL_FUZZ_SECONDS:-60}
