@@ -21,6 +21,8 @@
 #include <QTemporaryDir>
 #include <QTextStream>
 
+#include <sys/resource.h>
+
 #include <algorithm>
 #include <cstdio>
 #include <functional>
@@ -113,21 +115,47 @@ bool writeFile(const QString &path, const QByteArray &bytes)
     return f.open(QIODevice::WriteOnly) && f.write(bytes) == bytes.size();
 }
 
-/// Runs a program to the end; its output goes to `outputFile`. Returns the
-/// wall time in seconds, or -1 when it could not run or failed.
-double runProcess(const QString &program, const QStringList &args, const QString &inputFile, const QString &outputFile)
+/// Wall time and processor time (user + system of the finished children) in
+/// seconds; the processor time holds still when a shared machine is busy.
+struct Cost {
+    double wall = -1.0;
+    double cpu = 0.0;
+    bool ok() const { return wall >= 0.0; }
+    Cost &operator+=(const Cost &o)
+    {
+        wall = ok() && o.ok() ? wall + o.wall : -1.0;
+        cpu += o.cpu;
+        return *this;
+    }
+};
+
+double childrenCpu()
+{
+    rusage usage{};
+    getrusage(RUSAGE_CHILDREN, &usage);
+    auto seconds = [](const timeval &t) { return double(t.tv_sec) + double(t.tv_usec) / 1e6; };
+    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
+}
+
+/// Runs a program to the end; its output goes to `outputFile`. The cost's
+/// wall time is -1 when it could not run or failed.
+Cost runProcess(const QString &program, const QStringList &args, const QString &inputFile, const QString &outputFile)
 {
     QProcess p;
     if (!inputFile.isEmpty())
         p.setStandardInputFile(inputFile);
     p.setStandardOutputFile(outputFile, QIODevice::Append);
     p.setStandardErrorFile(outputFile, QIODevice::Append);
+    const double cpuBefore = childrenCpu();
     QElapsedTimer timer;
     timer.start();
     p.start(program, args);
+    Cost cost;
     if (!p.waitForFinished(600000) || p.exitStatus() != QProcess::NormalExit || p.exitCode() != 0)
-        return -1.0;
-    return double(timer.nsecsElapsed()) / 1e9;
+        return cost;
+    cost.wall = double(timer.nsecsElapsed()) / 1e9;
+    cost.cpu = childrenCpu() - cpuBefore;
+    return cost;
 }
 
 double median(std::vector<double> values)
@@ -136,33 +164,46 @@ double median(std::vector<double> values)
     return values[values.size() / 2];
 }
 
-/// Times `a` and `b` in turn, one warm-up each; prints the medians and the
-/// median of the pairwise ratios b / a. False when either failed.
-bool compare(const char *title, const char *nameA, const std::function<double()> &a, const char *nameB,
-             const std::function<double()> &b)
+void printRow(const char *name, std::vector<double> values)
 {
-    if (a() < 0 || b() < 0) {
+    std::sort(values.begin(), values.end());
+    std::printf("  %-46s %8.1f ms  (min %.1f, max %.1f)\n", name, median(values) * 1e3, values.front() * 1e3,
+                values.back() * 1e3);
+}
+
+/// Times `a` and `b` in turn, one warm-up each; prints the medians and the
+/// medians of the pairwise ratios b / a. False when either failed.
+bool compare(const char *title, const char *nameA, const std::function<Cost()> &a, const char *nameB,
+             const std::function<Cost()> &b)
+{
+    if (!a().ok() || !b().ok()) {
         std::printf("%s: a run failed\n", title);
         return false;
     }
-    std::vector<double> ta, tb, ratio;
+    std::vector<double> wallA, wallB, cpuA, cpuB, wallRatio, cpuRatio;
     for (int i = 0; i < Runs; ++i) {
-        const double x = a();
-        const double y = b();
-        if (x <= 0 || y <= 0) {
+        const Cost x = a();
+        const Cost y = b();
+        if (!x.ok() || !y.ok()) {
             std::printf("%s: a run failed\n", title);
             return false;
         }
-        ta.push_back(x);
-        tb.push_back(y);
-        ratio.push_back(y / x);
+        wallA.push_back(x.wall);
+        wallB.push_back(y.wall);
+        cpuA.push_back(x.cpu);
+        cpuB.push_back(y.cpu);
+        wallRatio.push_back(y.wall / x.wall);
+        cpuRatio.push_back(x.cpu > 0 ? y.cpu / x.cpu : 0.0);
     }
     std::printf("%s (median of %d runs, whole processes)\n", title, Runs);
-    std::printf("  %-44s %9.1f ms  (min %.1f, max %.1f)\n", nameA, median(ta) * 1e3,
-                *std::min_element(ta.begin(), ta.end()) * 1e3, *std::max_element(ta.begin(), ta.end()) * 1e3);
-    std::printf("  %-44s %9.1f ms  (min %.1f, max %.1f)\n", nameB, median(tb) * 1e3,
-                *std::min_element(tb.begin(), tb.end()) * 1e3, *std::max_element(tb.begin(), tb.end()) * 1e3);
-    std::printf("  ratio, median of pairs: %.1f  (target >= 20)\n\n", median(ratio));
+    std::printf(" wall time\n");
+    printRow(nameA, wallA);
+    printRow(nameB, wallB);
+    std::printf(" processor time (user + system)\n");
+    printRow(nameA, cpuA);
+    printRow(nameB, cpuB);
+    std::printf(" ratio, median of pairs: wall %.1f, processor %.1f  (target >= 20)\n\n", median(wallRatio),
+                median(cpuRatio));
     return true;
 }
 
@@ -227,22 +268,29 @@ int main(int argc, char *argv[])
     writeFile(commands, lines);
     auto batch50 = [&] { return runProcess(kel, {QStringLiteral("batch"), docPath}, commands, out); };
     auto separate100 = [&] {
-        double total = 0;
+        Cost total{0.0, 0.0};
         for (const QString &spec : specs) {
-            const double s = runProcess(kel,
-                                        {QStringLiteral("select"), docPath, QStringLiteral("--max-rows"),
-                                         QStringLiteral("0"), QStringLiteral("--select"), spec},
-                                        QString(), out);
-            const double i =
+            const Cost s = runProcess(kel,
+                                      {QStringLiteral("select"), docPath, QStringLiteral("--max-rows"),
+                                       QStringLiteral("0"), QStringLiteral("--select"), spec},
+                                      QString(), out);
+            const Cost i =
                 runProcess(kel, QStringList{QStringLiteral("indexes"), docPath} + indexesArgs(spec), QString(), out);
-            if (s < 0 || i < 0)
-                return -1.0;
-            total += s + i;
+            total += s;
+            total += i;
+            if (!total.ok())
+                return total;
         }
         return total;
     };
-    compare("(a) 50 selections, counts and indexes", "kel batch, one process", batch50,
-            "kel select + kel indexes, 100 processes", separate100);
+    // "a" or "b" as the argument runs that part only.
+    const QString only = app.arguments().value(1);
+    if (only != QLatin1String("b"))
+        compare("(a) 50 selections, counts and indexes", "kel batch, one process", batch50,
+                "kel select + kel indexes, 100 processes", separate100);
+
+    if (only == QLatin1String("a"))
+        return 0;
 
     // (b) one selection against PSPP.
     const QString pspp = QStandardPaths::findExecutable(QStringLiteral("pspp"));
@@ -260,18 +308,33 @@ int main(int argc, char *argv[])
         QStringLiteral("DATA LIST LIST (\",\") FILE='%1' /%2.\nSAVE OUTFILE='%3'.\n").arg(csv, variables, sav);
     const QString saveSyntax = dir.filePath(QStringLiteral("save.sps"));
     writeFile(saveSyntax, save.toUtf8());
-    if (runProcess(pspp, {saveSyntax}, QString(), out) < 0) {
+    if (!runProcess(pspp, {saveSyntax}, QString(), out).ok()) {
         std::printf("(b) pspp could not save the answers as .sav\n");
         return 1;
     }
-    // Unit 3 (0-based 2): its counts by category, and the mean points of
-    // every scored question for the selection and by role.
+    // Unit 3 (0-based 2): its counts by category, and what the index table
+    // holds for the selection and each role: the mean points of every scored
+    // question, of every block's questions pooled and of all of them pooled.
+    // Every respondent answers every question, so a pooled mean is the mean
+    // of the respondents' own means (PSPP 1.6 has no VARSTOCASES).
+    QString pooled;
+    QString pooledNames = QStringLiteral("total");
+    for (qint32 k = 0; k < Blocks; ++k) {
+        QStringList members;
+        for (qint32 q = k; q < Scored; q += Blocks)
+            members << QStringLiteral("q%1").arg(q + 1);
+        pooled += QStringLiteral("COMPUTE block%1 = MEAN(%2).\n").arg(k + 1).arg(members.join(QLatin1Char(',')));
+        pooledNames += QStringLiteral(" block%1").arg(k + 1);
+    }
     const QString analysis = QStringLiteral("GET FILE='%1'.\n"
                                             "SELECT IF (unit = 2).\n"
                                             "FREQUENCIES VARIABLES=unit role age.\n"
-                                            "MEANS TABLES=q1 TO q%2 BY role.\n")
+                                            "COMPUTE total = MEAN(q1 TO q%2).\n"
+                                            "%3"
+                                            "MEANS TABLES=%4 q1 TO q%2 BY role.\n")
                                  .arg(sav)
-                                 .arg(Scored);
+                                 .arg(Scored)
+                                 .arg(pooled, pooledNames);
     const QString analysisSyntax = dir.filePath(QStringLiteral("analysis.sps"));
     writeFile(analysisSyntax, analysis.toUtf8());
     const QString one = dir.filePath(QStringLiteral("one.txt"));
@@ -285,6 +348,6 @@ int main(int argc, char *argv[])
                           QString(), out);
     };
     compare("(b) one selection, counts and indexes", "kel batch (select + indexes)", batchOne,
-            "GNU PSPP (GET, SELECT IF, FREQUENCIES, MEANS)", psppOne);
+            "GNU PSPP (FREQUENCIES, MEANS of questions, blocks)", psppOne);
     return 0;
 }

@@ -111,25 +111,32 @@ private:
     void appendString(const char *s) { appendString(s, std::char_traits<char>::length(s)); }
     void appendString(const char *s, std::size_t n)
     {
+        // Runs of characters that need no escape are appended whole: `kel
+        // batch` wraps every command's output, often a whole JSON text, in
+        // one string, and a byte at a time would dominate its run time.
+        mOut.reserve(mOut.size() + n + 2);
         mOut += '"';
+        std::size_t run = 0;
         for (std::size_t i = 0; i < n; ++i) {
             const auto c = static_cast<unsigned char>(s[i]);
+            if (c >= 0x20 && c != '"' && c != '\\')
+                continue;
+            mOut.append(s + run, i - run);
+            run = i + 1;
             switch (c) {
             case '"': mOut += "\\\""; break;
             case '\\': mOut += "\\\\"; break;
             case '\n': mOut += "\\n"; break;
             case '\r': mOut += "\\r"; break;
             case '\t': mOut += "\\t"; break;
-            default:
-                if (c < 0x20) {
-                    char buf[8];
-                    std::snprintf(buf, sizeof buf, "\\u%04x", c);
-                    mOut += buf;
-                } else {
-                    mOut += char(c);
-                }
+            default: {
+                char buf[8];
+                std::snprintf(buf, sizeof buf, "\\u%04x", c);
+                mOut += buf;
+            }
             }
         }
+        mOut.append(s + run, n - run);
         mOut += '"';
     }
 
