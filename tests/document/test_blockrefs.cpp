@@ -24,11 +24,11 @@ using namespace kel::test;
 KelFile danglingSurvey()
 {
     KelFile f = richSurvey().build();
-    f.questions[3].block = 9;      // Two: past the block list
-    f.questions[4].subBlock = 99;  // Three: sub-block past the list
-    f.questions[5].block = -2;     // Four: below "none"
-    f.blocks[1].linkedBlock = 4;   // Sub A linked past the list
-    f.blockItems[1].block = -1;    // the item naming Role belongs to no block
+    f.questions[3].block = 9;        // Two: past the block list
+    f.questions[4].subBlock = 99;    // Three: sub-block past the list
+    f.questions[5].block = -2;       // Four: below "none"
+    f.blocks[1].linkedBlock = 4;     // Sub A linked past the list
+    f.blockItems[1].block = -1;      // the item naming Role belongs to no block
     f.blockItems.push_back({12, 2}); // an item of a block that does not exist
     return f;
 }
@@ -96,6 +96,24 @@ TEST(BlockReferences, DanglingNumbersInTheSheetAndTheIndexTable)
     EXPECT_TRUE(table.startsWith(QStringLiteral("All\t"))) << table.toStdString();
 }
 
+// `kel batch` hands every command its own copy of the document: the copy
+// must share the answers (no second matrix per command) and a change to
+// it must not reach the document as read.
+TEST(BlockReferences, CopiesShareTheAnswersAndNothingElse)
+{
+    const ReadResult r = readBytes(danglingSurvey().toBytes());
+    ASSERT_EQ(r.code, OpenResult::Ok) << r.detail.toStdString();
+    const Document &read = *r.document;
+    Document copy = read;
+    EXPECT_EQ(copy.answers.column16(3), read.answers.column16(3));
+    copy.properties.flexTotalIndex = 42.0;
+    copy.blocks[0].flexTotalIndex = 42.0;
+    copy.questions[2].flexTotalIndex = 42.0;
+    EXPECT_NE(read.properties.flexTotalIndex, 42.0);
+    EXPECT_NE(read.blocks[0].flexTotalIndex, 42.0);
+    EXPECT_NE(read.questions[2].flexTotalIndex, 42.0);
+}
+
 // Documents of revision 4 and older carry no total index; it is pooled from
 // the total's members over every row, the same way for the reader and the
 // session, and a document without rows keeps "none" (this used to compute
@@ -104,8 +122,9 @@ TEST(BlockReferences, MissingTotalIndexComputedOnceAndGuarded)
 {
     SurveyBuilder b(4);
     b.header().pointsScale = 10;
-    const qint32 q = b.addQuestion({.heading = QStringLiteral("Q")},
-                                   {{.text = QStringLiteral("lo"), .points = 10}, {.text = QStringLiteral("hi"), .points = 40}});
+    const qint32 q =
+        b.addQuestion({.heading = QStringLiteral("Q")},
+                      {{.text = QStringLiteral("lo"), .points = 10}, {.text = QStringLiteral("hi"), .points = 40}});
     b.addQuestion({.heading = QStringLiteral("Not in total"), .inTotalIndex = false},
                   {{.text = QStringLiteral("x"), .points = 90}});
     b.setAnswers(q, {0, 1, 1, 1});

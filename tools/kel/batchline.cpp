@@ -55,8 +55,8 @@ QStringList splitCommandLine(const QString &line, QString *error)
     }
     if (quote != Quote::None) {
         if (error)
-            *error = QStringLiteral("unterminated %1 quote").arg(quote == Quote::Single ? QStringLiteral("single")
-                                                                                         : QStringLiteral("double"));
+            *error = QStringLiteral("unterminated %1 quote")
+                         .arg(quote == Quote::Single ? QStringLiteral("single") : QStringLiteral("double"));
         return {};
     }
     if (inWord)

@@ -17,13 +17,13 @@ namespace kel::cli {
 namespace {
 
 const char BatchUsage[] = "usage: kel batch FILE [--lang en|sv] < COMMANDS\n"
-                          "  each line: select|indexes ARGUMENTS (without FILE); quotes as in a shell\n";
+                          "  each line: a document command (select, indexes, ...) and its arguments without FILE,\n"
+                          "  quoted as in a shell\n";
 
 QString runLine(const Document &doc, const QString &line, int &status, QString &error)
 {
     QString splitError;
     QStringList words = splitCommandLine(line, &splitError);
-    CommandOutput output;
     if (!splitError.isEmpty()) {
         status = UsageError;
         error = QStringLiteral("kel batch: %1\n").arg(splitError);
@@ -34,12 +34,13 @@ QString runLine(const Document &doc, const QString &line, int &status, QString &
     if (!command) {
         status = UsageError;
         error = QStringLiteral("kel batch: '%1' is not a command that works on a document\n").arg(name)
-                + QLatin1String(BatchUsage);
+            + QLatin1String(BatchUsage);
         return QString();
     }
     // Every command gets the document as read: the commands that change
     // their document (Show stores the flex total's indexes in it) do so on
     // their own copy, which shares the answer matrix's buffer.
+    CommandOutput output;
     status = command(doc, words, output);
     error = output.err;
     return output.out;
