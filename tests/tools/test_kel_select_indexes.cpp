@@ -243,13 +243,13 @@ TEST_F(SelectIndexesCli, BatchAnswersAsTheSeparateCommandsDo)
     QByteArray input;
     for (const QString &line : lines)
         input += line.toUtf8() + '\n';
-    input += "\n# comments and blank lines are skipped\nfrobnicate 1\nselect --select '0:0\n";
+    input += "\n# comments and blank lines are skipped\nfrobnicate 1\nselect --select '0:0\nselect ''\n";
     const KelRun batch = runKel({QStringLiteral("batch"), mPath}, input);
     ASSERT_EQ(batch.exitCode, 0) << batch.err.toStdString();
     QList<QByteArray> answers = batch.out.split('\n');
     ASSERT_TRUE(answers.endsWith(QByteArray()));
     answers.removeLast();
-    ASSERT_EQ(answers.size(), lines.size() + 2);
+    ASSERT_EQ(answers.size(), lines.size() + 3);
 
     // The single-quoted and escaped arguments split as a shell would.
     const QList<QStringList> separate = {
@@ -278,7 +278,8 @@ TEST_F(SelectIndexesCli, BatchAnswersAsTheSeparateCommandsDo)
     }
     EXPECT_EQ(QJsonDocument::fromJson(answers[3]).object()[QStringLiteral("output")].toString().count(QStringLiteral("Everyone")), 2)
         << "the flex text of the line before leaked";
-    for (const QByteArray &bad : {answers[lines.size()], answers[lines.size() + 1]}) {
+    // An unknown command, an open quote, an empty argument.
+    for (const QByteArray &bad : {answers[lines.size()], answers[lines.size() + 1], answers[lines.size() + 2]}) {
         const QJsonObject answer = QJsonDocument::fromJson(bad).object();
         EXPECT_EQ(answer[QStringLiteral("status")].toInt(), 64) << bad.toStdString();
         EXPECT_FALSE(answer[QStringLiteral("error")].toString().isEmpty());

@@ -64,8 +64,6 @@ int indexesCommand(const Document &base, const QStringList &args, CommandOutput 
             error = QStringLiteral("unexpected argument '%1'").arg(a);
         }
     }
-    if (error.isEmpty() && !selection.file.isEmpty())
-        error = QStringLiteral("unexpected argument '%1'").arg(selection.file);
     if (error.isEmpty() && !options.canExport())
         error = QStringLiteral("nothing to export: give --total or --category, and --items");
     if (!error.isEmpty()) {

@@ -45,8 +45,6 @@ int selectCommand(const Document &base, const QStringList &args, CommandOutput &
             error = QStringLiteral("unexpected argument '%1'").arg(args[i]);
         }
     }
-    if (error.isEmpty() && !options.file.isEmpty())
-        error = QStringLiteral("unexpected argument '%1'").arg(options.file);
     if (!error.isEmpty()) {
         output.err += (QStringLiteral("kel select: %1\n").arg(error) + QLatin1String(SelectUsage));
         return UsageError;

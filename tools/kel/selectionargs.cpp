@@ -118,8 +118,6 @@ bool takeSelectionOption(const QStringList &args, qsizetype &i, SelectionArgs &o
         if (error.isEmpty() && v != QLatin1String("en") && v != QLatin1String("sv"))
             error = QStringLiteral("--lang takes en or sv, not '%1'").arg(v);
         out.isSwedish = v == QLatin1String("sv");
-    } else if (!a.startsWith(QLatin1String("--")) && out.file.isEmpty()) {
-        out.file = a;
     } else {
         return false;
     }

@@ -17,7 +17,6 @@
 namespace kel::cli {
 
 struct SelectionArgs {
-    QString file;
     QString selectSpec;
     bool hasSelect = false;
     QString flexSpec;
