@@ -111,7 +111,8 @@ int selectCommand(const Document &base, const QStringList &args, CommandOutput &
     }
     json.endArray();
     json.endObject();
-    output.out += (QString::fromStdString(json.text()) + QLatin1Char('\n'));
+    output.out += QString::fromStdString(json.text());
+    output.out += QLatin1Char('\n');
     return 0;
 }
 

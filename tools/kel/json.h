@@ -50,10 +50,14 @@ public:
     void value(int v) { value(static_cast<long long>(v)); }
     void value(long long v)
     {
-        separate();
+        // The comma and the digits in one append: row lists run to tens of
+        // thousands of numbers.
         char buf[24];
-        auto r = std::to_chars(buf, buf + sizeof buf, v);
-        mOut.append(buf, r.ptr);
+        char *p = buf;
+        if (takeComma())
+            *p++ = ',';
+        p = std::to_chars(p, buf + sizeof buf, v).ptr;
+        mOut.append(buf, std::size_t(p - buf));
     }
     /// Shortest text that reads back to the same double; -1.0 is "-1".
     /// JSON has no NaN or infinity: those become null.
@@ -96,17 +100,24 @@ private:
         mOut += c;
         mFirst.pop_back();
     }
-    void separate()
+    /// Whether the next value needs a comma before it; marks the current
+    /// container as no longer empty.
+    bool takeComma()
     {
         if (mAfterKey) {
             mAfterKey = false;
-            return;
+            return false;
         }
-        if (!mFirst.empty()) {
-            if (!mFirst.back())
-                mOut += ',';
-            mFirst.back() = false;
-        }
+        if (mFirst.empty())
+            return false;
+        const bool comma = !mFirst.back();
+        mFirst.back() = false;
+        return comma;
+    }
+    void separate()
+    {
+        if (takeComma())
+            mOut += ',';
     }
     void appendString(const char *s) { appendString(s, std::char_traits<char>::length(s)); }
     void appendString(const char *s, std::size_t n)
@@ -141,7 +152,7 @@ private:
     }
 
     std::string mOut;
-    std::vector<bool> mFirst; // per open container: nothing written in it yet
+    std::vector<char> mFirst; // per open container: nothing written in it yet
     bool mAfterKey = false;
 };
 
