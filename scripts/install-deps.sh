@@ -1,8 +1,11 @@
 #!/usr/bin/env bash
 # Installs the Debian packages the build, the tests and the viewer need,
-# asking apt only for what is missing.
+# asking apt only for what is missing (no recommends). `--list` prints the
+# list, one name a line, for scripts/check-deps.sh.
 set -euo pipefail
 
+# Real package names only: a virtual name is never "installed" and would
+# send every run to apt.
 packages=(
     build-essential cmake ninja-build pkg-config
     qt6-base-dev qt6-charts-dev libqt6opengl6-dev qt6-svg-dev qt6-qpa-plugins libgl1-mesa-dev
@@ -16,9 +19,18 @@ packages=(
     man-db bash-completion dpkg-dev
 )
 
+if [ "${1:-}" = "--list" ]; then
+    printf '%s\n' "${packages[@]}"
+    exit 0
+fi
+
+# One dpkg-query for the whole list; a package it does not know at all
+# prints nothing and counts as missing too.
+installed=$(dpkg-query -W -f='${Package} ${Status}\n' "${packages[@]}" 2>/dev/null \
+    | awk '$NF == "installed" { print $1 }' || true)
 missing=()
 for p in "${packages[@]}"; do
-    dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
+    grep -qx "$p" <<<"$installed" || missing+=("$p")
 done
 [ ${#missing[@]} -eq 0 ] && exit 0
 

@@ -7,6 +7,8 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-deps.sh
+echo "== install list complete?"
+scripts/check-deps.sh
 
 jobs=$(nproc)
 fuzz_seconds=${KEL_FUZZ_SECONDS:-60}
@@ -35,6 +37,8 @@ for rev in 1 2 3 4 5 6 7 8 9; do
         printf '\000' >>"$seed"
     done
 done
+# Inputs that once failed start the corpus too.
+cp fuzz/crashers/*.bin "$corpus"/
 build-san/fuzz/fuzz_reader -max_total_time="$fuzz_seconds" -rss_limit_mb=2048 -max_len=65536 \
     -dict=fuzz/kel.dict -artifact_prefix=build-san/ -print_final_stats=1 "$corpus" 2>&1 | tail -n 15
 echo "== fuzzing the rich-text reader for 20s"

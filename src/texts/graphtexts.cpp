@@ -67,13 +67,6 @@ QString splitNotAllowedMessage(bool isSwedish)
                     "tillåter!");
 }
 
-QString selectionBlockedMessage(bool isSwedish)
-{
-    return pickText(isSwedish,
-                    "The selection cannot be shown: a category leaves too few respondents outside the selection!",
-                    "Urvalet kan inte visas: en kategori lämnar för få svarande utanför urvalet!");
-}
-
 QString graphTooBigMessage(bool isSwedish)
 {
     return pickText(isSwedish, "The graph is to big for the window!", "Grafen får inte plats i fönstret!");

@@ -33,8 +33,6 @@ TextPair basicGraphFailureText(BasicGraphCommand command);
 QString blockWithoutQuestionsMessage(bool isSwedish);
 /// A split that would show a group smaller than the document allows.
 QString splitNotAllowedMessage(bool isSwedish);
-/// A selection that Show cannot apply because a category is blocked.
-QString selectionBlockedMessage(bool isSwedish);
 /// Shown in a graph window too small for its graph.
 QString graphTooBigMessage(bool isSwedish);
 

@@ -81,4 +81,11 @@ QString itemsInSelectionText(bool isSwedish, qint32 count, const QLocale &locale
     return pickText(isSwedish, "Items in selection: ", "Antal i urval: ") + locale.toString(count);
 }
 
+QString selectionBlockedMessage(bool isSwedish)
+{
+    return pickText(isSwedish,
+                    "The selection cannot be shown: a category leaves too few respondents outside the selection!",
+                    "Urvalet kan inte visas: en kategori lämnar för få svarande utanför urvalet!");
+}
+
 } // namespace kel

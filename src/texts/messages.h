@@ -21,6 +21,9 @@ QString openResultMessage(OpenResult result, bool isSwedish);
 /// document's minimum is refused with the document's own text.
 QString showRefusalMessage(const Document &doc, SubSheetOutcome outcome, bool isSwedish);
 
+/// A selection that Show cannot apply because a category is blocked.
+QString selectionBlockedMessage(bool isSwedish);
+
 /// Show's status texts: while building (no auto-clear) and after a
 /// successful build.
 QString buildingOverviewText(bool isSwedish);

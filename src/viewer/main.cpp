@@ -93,6 +93,22 @@ int printRequestedText(int argc, char *argv[], kel::StartupRequest request, cons
     return 0;
 }
 
+// Qt 6 keeps its own texts per module (qtbase_sv); Qt 6.4 as Debian ships it
+// has Swedish only in the older catalogue that holds every module (qt_sv),
+// so that one is the fallback. Without either the dialogs stay English, and
+// whoever wonders why learns it here.
+bool loadQtSwedish(QTranslator &translator)
+{
+    const QString folder = QLibraryInfo::path(QLibraryInfo::TranslationsPath);
+    for (const char *name : {"qtbase_sv", "qt_sv"})
+        if (translator.load(QString::fromLatin1(name), folder))
+            return true;
+    std::fprintf(stderr, "kelviewer: Qt's Swedish translations (qtbase_sv or qt_sv) not found in %s; "
+                         "Qt's own dialogs stay in English (Debian: install qt6-translations-l10n)\n",
+                 qPrintable(QDir::toNativeSeparators(folder)));
+    return false;
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
@@ -124,7 +140,7 @@ int main(int argc, char *argv[])
 
     // Qt's own dialogs (file dialog, standard buttons) in the same language.
     QTranslator qtTexts;
-    if (isSwedish && qtTexts.load(QStringLiteral("qt_sv"), QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+    if (isSwedish && loadQtSwedish(qtTexts))
         QCoreApplication::installTranslator(&qtTexts);
 
     const char *version = zlibVersion();

@@ -76,12 +76,7 @@ const HostileCase hostileCases[] = {
          f.questions[2].firstAlternative = 0x7FFFFFF0;
          f.questions[2].alternativeCount = 0x7FFFFFF0;
      }},
-    {"BlockPastTheList", [](KelFile &f, const PayloadLayout &) { f.questions[3].block = qint32(f.blocks.size()); }},
-    {"BlockBelowMinusOne", [](KelFile &f, const PayloadLayout &) { f.questions[3].block = -2; }},
-    {"SubBlockPastTheList", [](KelFile &f, const PayloadLayout &) { f.questions[4].subBlock = 99; }},
-    {"LinkedBlockPastTheList", [](KelFile &f, const PayloadLayout &) { f.blocks[1].linkedBlock = 4; }},
     {"BlockItemQuestionPastTheList", [](KelFile &f, const PayloadLayout &) { f.blockItems[0].question = 6; }},
-    {"BlockItemBlockNone", [](KelFile &f, const PayloadLayout &) { f.blockItems[1].block = -1; }},
     {"FewerColumnsThanQuestions", [](KelFile &f, const PayloadLayout &) { f.forgery.columnCount = 5; }},
 };
 

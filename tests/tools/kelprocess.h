@@ -14,10 +14,13 @@ struct KelRun {
     QByteArray err;
 };
 
-inline KelRun runKel(const QStringList &args)
+/// Runs kel with `args`, feeding `input` to its standard input.
+inline KelRun runKel(const QStringList &args, const QByteArray &input = QByteArray())
 {
     QProcess p;
     p.start(QStringLiteral(KEL_TOOL), args);
+    p.write(input);
+    p.closeWriteChannel();
     p.waitForFinished(60000);
     return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1, p.readAllStandardOutput(),
             p.readAllStandardError()};

@@ -77,7 +77,16 @@ TEST_F(KelCli, CheckExitsWithTheResultCodeAndItsMessage)
         const KelRun sv = runKel({QStringLiteral("check"), path, QStringLiteral("--lang"), QStringLiteral("sv")});
         EXPECT_EQ(sv.exitCode, c.code);
         EXPECT_EQ(QString::fromUtf8(sv.out).trimmed(), QString::fromUtf8(c.swedish));
+        // The reader's detail goes to standard error, whatever the language.
+        EXPECT_EQ(en.err.isEmpty(), c.code == 0) << en.err.toStdString();
     }
+    // The detail names what failed and where.
+    KelFile shortAnswers = good;
+    shortAnswers.forgery.answersOffset = 1 << 20;
+    const KelRun damaged = runKel({QStringLiteral("check"), write(shortAnswers.toBytes())});
+    EXPECT_EQ(damaged.exitCode, 5);
+    EXPECT_TRUE(damaged.err.contains("answer matrix of 6 x 6 cells at 1048576 ends past the payload"))
+        << damaged.err.toStdString();
     const KelRun missing = runKel({QStringLiteral("check"), mDir.filePath(QStringLiteral("nothing.kel"))});
     EXPECT_EQ(missing.exitCode, 1);
     EXPECT_EQ(QString::fromUtf8(missing.out).trimmed(), QStringLiteral("Can not open the file!"));
@@ -90,10 +99,17 @@ TEST_F(KelCli, BadCommandLinesAreUsageErrors)
                                     QStringList{QStringLiteral("check")},
                                     QStringList{QStringLiteral("check"), path, QStringLiteral("--lang"), QStringLiteral("de")},
                                     QStringList{QStringLiteral("dump")},
-                                    QStringList{QStringLiteral("dump"), path, path}}) {
+                                    QStringList{QStringLiteral("dump"), path, path},
+                                    QStringList{QStringLiteral("select")},
+                                    QStringList{QStringLiteral("select"), path, QStringLiteral("--order")},
+                                    QStringList{QStringLiteral("select"), path, QStringLiteral("--select"), QStringLiteral("9:0")},
+                                    QStringList{QStringLiteral("indexes"), path, QStringLiteral("--items"), QStringLiteral("total")},
+                                    QStringList{QStringLiteral("indexes"), path, QStringLiteral("--total"), QStringLiteral("--items"), QStringLiteral("nope")},
+                                    QStringList{QStringLiteral("batch")},
+                                    QStringList{QStringLiteral("batch"), path, QStringLiteral("--bogus")}}) {
         SCOPED_TRACE(args.join(QLatin1Char(' ')).toStdString());
         const KelRun r = runKel(args);
-        EXPECT_EQ(r.exitCode, 2);
+        EXPECT_EQ(r.exitCode, 64); // EX_USAGE: never one of the result codes 1-6
         EXPECT_TRUE(r.out.isEmpty());
         EXPECT_FALSE(r.err.isEmpty());
     }
@@ -105,6 +121,7 @@ TEST_F(KelCli, DumpFailsLikeCheck)
     f.forgery.magic2 = 0;
     const KelRun r = runKel({QStringLiteral("dump"), write(f.toBytes())});
     EXPECT_EQ(r.exitCode, 2);
+    EXPECT_TRUE(r.err.contains("magic words do not match")) << r.err.toStdString();
     EXPECT_EQ(QString::fromUtf8(r.out).trimmed(), QStringLiteral("This is not a KEL file!"));
 }
 

@@ -37,6 +37,14 @@ class SelectIndexesCli : public ::testing::Test
 protected:
     void SetUp() override
     {
+        mPath = write(QStringLiteral("units.kel"), false);
+        // The same survey where West (2 respondents) takes part in the
+        // complement check: restricting Unit then blocks Show.
+        mGuardedPath = write(QStringLiteral("guarded.kel"), true);
+    }
+
+    QString write(const QString &name, bool westComplementCheck)
+    {
         SurveyBuilder b(12);
         HeaderFields &h = b.header();
         h.pointsScale = 10;
@@ -50,7 +58,8 @@ protected:
                        .inTotalIndex = false, .isFlexCategory = true},
                       {{.text = QStringLiteral("North"), .countsForPrivacy = true},
                        {.text = QStringLiteral("South"), .countsForPrivacy = true},
-                       {.text = QStringLiteral("West"), .countsForPrivacy = true}});
+                       {.text = QStringLiteral("West"), .complementCheck = westComplementCheck,
+                        .countsForPrivacy = true}});
         b.addQuestion({.heading = QStringLiteral("Role"), .isCategory = true, .inOverview = false,
                        .inTotalIndex = false},
                       {{.text = QStringLiteral("A")}, {.text = QStringLiteral("B")}});
@@ -65,10 +74,11 @@ protected:
             b.setAnswer(r, 1, r % 2);
             b.setAnswer(r, 2, 2 - unit);
         }
-        mPath = mDir.filePath(QStringLiteral("units.kel"));
-        QFile f(mPath);
-        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        const QString path = mDir.filePath(name);
+        QFile f(path);
+        EXPECT_TRUE(f.open(QIODevice::WriteOnly));
         f.write(b.toBytes());
+        return path;
     }
 
     QJsonObject select(const QStringList &extra)
@@ -80,6 +90,7 @@ protected:
 
     QTemporaryDir mDir;
     QString mPath;
+    QString mGuardedPath;
 };
 
 TEST_F(SelectIndexesCli, SelectCountsRowsAndTexts)
@@ -99,17 +110,6 @@ TEST_F(SelectIndexesCli, SelectCountsRowsAndTexts)
     // Q and R pooled over rows 0..9: (6*40 + 4*20 + 10*10) / 20 / 10.
     EXPECT_DOUBLE_EQ(o[QStringLiteral("totalIndex")].toDouble(), 2.1);
 
-    o = select({QStringLiteral("--select"), QStringLiteral("0:")});
-    EXPECT_EQ(o[QStringLiteral("outcome")].toString(), QStringLiteral("none"));
-    EXPECT_EQ(o[QStringLiteral("message")].toString(),
-              QStringLiteral("There are no answers matching the selection criterias!"));
-    EXPECT_TRUE(o[QStringLiteral("rows")].toArray().isEmpty());
-    EXPECT_FALSE(o[QStringLiteral("showEnabled")].toBool());
-
-    o = select({QStringLiteral("--select"), QStringLiteral("0:2")});
-    EXPECT_EQ(o[QStringLiteral("outcome")].toString(), QStringLiteral("tooSmall"));
-    EXPECT_EQ(o[QStringLiteral("message")].toString(), QStringLiteral("Selection too small."));
-
     // Flex total of South on top of the current selection (Role A).
     o = select({QStringLiteral("--select"), QStringLiteral("1:0"), QStringLiteral("--flex"), QStringLiteral("1"),
                 QStringLiteral("--flex-current")});
@@ -117,8 +117,6 @@ TEST_F(SelectIndexesCli, SelectCountsRowsAndTexts)
     EXPECT_EQ(ints(o[QStringLiteral("flexRows")]), (std::vector<int>{6, 8}));
     EXPECT_EQ(o[QStringLiteral("flexTotalIndex")].toDouble(), -1.0); // 2 < graph minimum
 
-    const KelRun bad = runKel({QStringLiteral("select"), mPath, QStringLiteral("--select"), QStringLiteral("7:0")});
-    EXPECT_EQ(bad.exitCode, 2);
 }
 
 TEST_F(SelectIndexesCli, SelectRandomOrdersRepeatWithASeed)
@@ -169,9 +167,130 @@ TEST_F(SelectIndexesCli, IndexesTable)
     for (const QStringList &nothing : {QStringList{QStringLiteral("--total")},
                                        QStringList{QStringLiteral("--items"), QStringLiteral("total")}}) {
         r = runKel(QStringList{QStringLiteral("indexes"), mPath} + nothing);
-        EXPECT_EQ(r.exitCode, 2);
+        EXPECT_EQ(r.exitCode, 64);
         EXPECT_FALSE(r.err.isEmpty());
     }
+}
+
+// What Show refuses prints its refusal and no figure: neither `select`
+// (counts, rows, cells) nor `indexes` (the table) may tell a script what
+// the viewer hides. Exit status 7 in every case.
+TEST_F(SelectIndexesCli, RefusedSelectionsPrintNoFigures)
+{
+    struct Case {
+        const char *name;
+        QString path;
+        QString spec;
+        QString outcome;
+        QString message;
+    };
+    const QString noAnswers = QStringLiteral("There are no answers matching the selection criterias!");
+    const QString blocked = QStringLiteral(
+        "The selection cannot be shown: a category leaves too few respondents outside the selection!");
+    const std::vector<Case> cases = {
+        {"nobody", mPath, QStringLiteral("0:"), QStringLiteral("none"), noAnswers},
+        {"below the graph minimum", mPath, QStringLiteral("0:2"), QStringLiteral("tooSmall"),
+         QStringLiteral("Selection too small.")},
+        // 10 respondents, enough by count: only the complement check refuses.
+        {"blocked by West", mGuardedPath, QStringLiteral("0:0,1"), QStringLiteral("blocked"), blocked},
+        {"blocked, restricted elsewhere too", mGuardedPath, QStringLiteral("0:0,1;1:0"), QStringLiteral("blocked"),
+         blocked},
+    };
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.name);
+        const KelRun s = runKel({QStringLiteral("select"), c.path, QStringLiteral("--select"), c.spec});
+        EXPECT_EQ(s.exitCode, 7);
+        const QJsonObject o = QJsonDocument::fromJson(s.out).object();
+        EXPECT_EQ(o.keys(), (QStringList{QStringLiteral("message"), QStringLiteral("outcome")}));
+        EXPECT_EQ(o[QStringLiteral("outcome")].toString(), c.outcome);
+        EXPECT_EQ(o[QStringLiteral("message")].toString(), c.message);
+        EXPECT_TRUE(QString::fromUtf8(s.err).contains(c.message));
+
+        const KelRun i = runKel({QStringLiteral("indexes"), c.path, QStringLiteral("--select"), c.spec,
+                                 QStringLiteral("--total"), QStringLiteral("--category"), QStringLiteral("1"),
+                                 QStringLiteral("--counts"), QStringLiteral("--items"), QStringLiteral("total")});
+        EXPECT_EQ(i.exitCode, 7);
+        EXPECT_TRUE(i.out.isEmpty()) << i.out.toStdString();
+        EXPECT_TRUE(QString::fromUtf8(i.err).contains(c.message)) << i.err.toStdString();
+    }
+
+    // The same refusal in Swedish; and the guarded survey with Unit left
+    // whole (West shaded but not restricted) is shown.
+    const KelRun sv = runKel({QStringLiteral("select"), mGuardedPath, QStringLiteral("--select"),
+                              QStringLiteral("0:0,1"), QStringLiteral("--lang"), QStringLiteral("sv")});
+    EXPECT_EQ(sv.exitCode, 7);
+    EXPECT_TRUE(QString::fromUtf8(sv.out).contains(QStringLiteral("Urvalet kan inte visas"))) << sv.out.toStdString();
+    const KelRun whole = runKel({QStringLiteral("select"), mGuardedPath, QStringLiteral("--select"),
+                                 QStringLiteral("1:0")});
+    EXPECT_EQ(whole.exitCode, 0) << whole.err.toStdString();
+    EXPECT_EQ(QJsonDocument::fromJson(whole.out).object()[QStringLiteral("count")].toInt(), 6);
+}
+
+// One process, one read: every line's status, output and error are those of
+// the same command run on its own, whatever ran before it.
+TEST_F(SelectIndexesCli, BatchAnswersAsTheSeparateCommandsDo)
+{
+    const QStringList lines = {
+        QStringLiteral("select --select 0:0,1 --max-rows 3"),
+        QStringLiteral("indexes --total --category 0 --counts --items total,blocks,questions"),
+        // The flex total based on the current selection is stored in the
+        // command's own copy of the document: the next line must not see it.
+        QStringLiteral("select --select 1:0 --flex 1 --flex-current"),
+        QStringLiteral("select --max-rows 2"),
+        QStringLiteral("indexes --select \"0:0\" --category 1 --items 'questions' --columns --locale sv_SE"),
+        QStringLiteral("select --select 0:2"),
+        QStringLiteral("select --order"),
+    };
+    QByteArray input;
+    for (const QString &line : lines)
+        input += line.toUtf8() + '\n';
+    input += "\n# comments and blank lines are skipped\nfrobnicate 1\nselect --select '0:0\nselect ''\n";
+    const KelRun batch = runKel({QStringLiteral("batch"), mPath}, input);
+    ASSERT_EQ(batch.exitCode, 0) << batch.err.toStdString();
+    QList<QByteArray> answers = batch.out.split('\n');
+    ASSERT_TRUE(answers.endsWith(QByteArray()));
+    answers.removeLast();
+    ASSERT_EQ(answers.size(), lines.size() + 3);
+
+    // The single-quoted and escaped arguments split as a shell would.
+    const QList<QStringList> separate = {
+        {QStringLiteral("select"), mPath, QStringLiteral("--select"), QStringLiteral("0:0,1"), QStringLiteral("--max-rows"),
+         QStringLiteral("3")},
+        {QStringLiteral("indexes"), mPath, QStringLiteral("--total"), QStringLiteral("--category"), QStringLiteral("0"),
+         QStringLiteral("--counts"), QStringLiteral("--items"), QStringLiteral("total,blocks,questions")},
+        {QStringLiteral("select"), mPath, QStringLiteral("--select"), QStringLiteral("1:0"), QStringLiteral("--flex"),
+         QStringLiteral("1"), QStringLiteral("--flex-current")},
+        {QStringLiteral("select"), mPath, QStringLiteral("--max-rows"), QStringLiteral("2")},
+        {QStringLiteral("indexes"), mPath, QStringLiteral("--select"), QStringLiteral("0:0"), QStringLiteral("--category"),
+         QStringLiteral("1"), QStringLiteral("--items"), QStringLiteral("questions"), QStringLiteral("--columns"),
+         QStringLiteral("--locale"), QStringLiteral("sv_SE")},
+        {QStringLiteral("select"), mPath, QStringLiteral("--select"), QStringLiteral("0:2")},
+        {QStringLiteral("select"), mPath, QStringLiteral("--order")},
+    };
+    for (qsizetype k = 0; k < separate.size(); ++k) {
+        SCOPED_TRACE(lines[k].toStdString());
+        const QJsonObject answer = QJsonDocument::fromJson(answers[k]).object();
+        const KelRun alone = runKel(separate[k]);
+        EXPECT_EQ(answer[QStringLiteral("command")].toString(), lines[k]);
+        EXPECT_EQ(answer[QStringLiteral("status")].toInt(), alone.exitCode);
+        EXPECT_EQ(answer[QStringLiteral("output")].toString(), QString::fromUtf8(alone.out));
+        EXPECT_EQ(answer[QStringLiteral("error")].toString(), QString::fromUtf8(alone.err));
+        EXPECT_EQ(answer.contains(QStringLiteral("error")), !alone.err.isEmpty());
+    }
+    EXPECT_EQ(QJsonDocument::fromJson(answers[3]).object()[QStringLiteral("output")].toString().count(QStringLiteral("Everyone")), 2)
+        << "the flex text of the line before leaked";
+    // An unknown command, an open quote, an empty argument.
+    for (const QByteArray &bad : {answers[lines.size()], answers[lines.size() + 1], answers[lines.size() + 2]}) {
+        const QJsonObject answer = QJsonDocument::fromJson(bad).object();
+        EXPECT_EQ(answer[QStringLiteral("status")].toInt(), 64) << bad.toStdString();
+        EXPECT_FALSE(answer[QStringLiteral("error")].toString().isEmpty());
+        EXPECT_TRUE(answer[QStringLiteral("output")].toString().isEmpty());
+    }
+
+    // A document that cannot be read: its result code and message, no lines.
+    const KelRun missing = runKel({QStringLiteral("batch"), mDir.filePath(QStringLiteral("none.kel"))}, input);
+    EXPECT_EQ(missing.exitCode, 1);
+    EXPECT_EQ(missing.out.trimmed(), QByteArray("Can not open the file!"));
 }
 
 TEST(SelectIndexesSample, BundledSurvey)
@@ -225,6 +344,6 @@ TEST_F(SelectIndexesCli, IndexesTakeTheUserBlocksOfASettingsFile)
     EXPECT_TRUE(with.err.contains("40")) << with.err.toStdString();
 
     const KelRun missing = runKel(args + QStringList{QStringLiteral("--settings"), mDir.filePath(QStringLiteral("no.ini"))});
-    EXPECT_EQ(missing.exitCode, 2);
+    EXPECT_EQ(missing.exitCode, 64);
     EXPECT_TRUE(missing.out.isEmpty());
 }

@@ -30,6 +30,10 @@ OpenedDocument openForCommand(const QString &path, bool isSwedish)
     opened.exitCode = int(r.code);
     if (r.code != OpenResult::Ok) {
         printOut(openResultMessage(r.code, isSwedish) + QLatin1Char('\n'));
+        // The message says only which kind of failure; the detail says what
+        // and where, for whoever has to look at the file.
+        if (!r.detail.isEmpty())
+            printErr(QStringLiteral("kel: %1: %2\n").arg(path, r.detail));
         return opened;
     }
     opened.document = std::move(r.document);

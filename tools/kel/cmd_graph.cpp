@@ -192,8 +192,6 @@ int graphCommand(const Document &base, const QStringList &args, CommandOutput &o
     const std::optional<GraphArgs> parsed = parseGraphArgs(args, error);
     if (!parsed)
         return usageError(output, error);
-    if (!parsed->selection.file.isEmpty())
-        return usageError(output, QStringLiteral("unexpected argument '%1'").arg(parsed->selection.file));
     const GraphKindEntry *entry = nullptr;
     for (const GraphKindEntry &k : GraphKinds) {
         if (parsed->kind == QLatin1String(k.name))

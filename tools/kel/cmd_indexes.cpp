@@ -64,8 +64,6 @@ int indexesCommand(const Document &base, const QStringList &args, CommandOutput 
             error = QStringLiteral("unexpected argument '%1'").arg(a);
         }
     }
-    if (error.isEmpty() && !selection.file.isEmpty())
-        error = QStringLiteral("unexpected argument '%1'").arg(selection.file);
     if (error.isEmpty() && !options.canExport())
         error = QStringLiteral("nothing to export: give --total or --category, and --items");
     if (!error.isEmpty()) {
@@ -81,8 +79,9 @@ int indexesCommand(const Document &base, const QStringList &args, CommandOutput 
         }
     }
     if (doc.properties.pointsScale < 1) {
+        // The viewer offers no index copy for such a document.
         output.err += (QStringLiteral("kel indexes: the document has no indexes\n"));
-        return 1;
+        return Refused;
     }
     std::optional<ShownSelection> shown = showFromArgs(doc, selection, error);
     if (!shown) {
@@ -91,9 +90,9 @@ int indexesCommand(const Document &base, const QStringList &args, CommandOutput 
     }
     for (const QString &problem : shown->blockProblems)
         output.err += QStringLiteral("kel indexes: settings: %1 (left out)\n").arg(problem);
-    if (shown->sheet.outcome != SubSheetOutcome::Ok) {
-        output.err += (QStringLiteral("kel indexes: %1\n").arg(shown->message));
-        return 1;
+    if (shown->refusal) {
+        output.err += QStringLiteral("kel indexes: %1\n").arg(shown->refusal->message);
+        return Refused;
     }
     output.out += (exportIndexes(doc, shown->sheet.steps.selectionText, shown->sheet.rows, options, selection.locale));
     return 0;

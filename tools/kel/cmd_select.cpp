@@ -12,16 +12,6 @@ namespace {
 const char SelectUsage[] = "usage: kel select FILE [--select SPEC] [--flex OPTS] [--flex-current] [--order 0|1|2] "
                            "[--seed N] [--max-rows N] [--locale NAME]\n";
 
-const char *outcomeName(SubSheetOutcome outcome)
-{
-    switch (outcome) {
-    case SubSheetOutcome::Ok: return "ok";
-    case SubSheetOutcome::NoAnswers: return "none";
-    case SubSheetOutcome::TooSmall: return "tooSmall";
-    }
-    return "ok";
-}
-
 template<typename Container>
 void writeArray(JsonWriter &json, const char *name, const Container &values)
 {
@@ -55,8 +45,6 @@ int selectCommand(const Document &base, const QStringList &args, CommandOutput &
             error = QStringLiteral("unexpected argument '%1'").arg(args[i]);
         }
     }
-    if (error.isEmpty() && !options.file.isEmpty())
-        error = QStringLiteral("unexpected argument '%1'").arg(options.file);
     if (!error.isEmpty()) {
         output.err += (QStringLiteral("kel select: %1\n").arg(error) + QLatin1String(SelectUsage));
         return UsageError;
@@ -67,6 +55,18 @@ int selectCommand(const Document &base, const QStringList &args, CommandOutput &
     if (!shown) {
         output.err += (QStringLiteral("kel select: %1\n").arg(error));
         return UsageError;
+    }
+    if (shown->refusal) {
+        // Only what the viewer's message box would say: no counts, rows or
+        // cells of a selection the viewer does not show.
+        JsonWriter json;
+        json.beginObject();
+        json.member("outcome", shown->refusal->outcome);
+        json.member("message", shown->refusal->message);
+        json.endObject();
+        output.out += QString::fromStdString(json.text()) + QLatin1Char('\n');
+        output.err += QStringLiteral("kel select: %1\n").arg(shown->refusal->message);
+        return Refused;
     }
     const SubSheet &sheet = shown->sheet;
     const qint32 categories = qint32(doc.categories.size());
@@ -86,8 +86,8 @@ int selectCommand(const Document &base, const QStringList &args, CommandOutput &
     writeArray(json, "shaded", shown->recount.shaded);
     writeArray(json, "blocked", shown->recount.blocked);
     json.member("showEnabled", shown->recount.showEnabled);
-    json.member("outcome", outcomeName(sheet.outcome));
-    json.member("message", shown->message);
+    json.member("outcome", "ok");
+    json.member("message", QString());
     json.member("selectionText", sheet.steps.selectionText);
     json.member("differentFromUsedTotal", sheet.steps.differentFromUsedTotal);
     writeArray(json, "splitNotAllowed", sheet.steps.splitNotAllowed);
@@ -111,7 +111,8 @@ int selectCommand(const Document &base, const QStringList &args, CommandOutput &
     }
     json.endArray();
     json.endObject();
-    output.out += (QString::fromStdString(json.text()) + QLatin1Char('\n'));
+    output.out += QString::fromStdString(json.text());
+    output.out += QLatin1Char('\n');
     return 0;
 }
 

@@ -12,16 +12,21 @@
 
 namespace kel::cli {
 
-/// Exit status for a command line that makes no sense.
-inline constexpr int UsageError = 2;
+/// Exit status for a command line that makes no sense: EX_USAGE of
+/// <sysexits.h>, clear of the result codes 1-6 of opening a document.
+inline constexpr int UsageError = 64;
+/// Exit status when the viewer would refuse what was asked (Show refuses the
+/// selection, the document has no indexes): no figures are printed then.
+inline constexpr int Refused = 7;
 
 /// Writes UTF-8 text to standard output / standard error.
 void printOut(const QString &text);
 void printErr(const QString &text);
 
 /// Opens a document the way every command does. On failure it prints the
-/// result code's message (English, or Swedish with isSwedish) and sets
-/// `exitCode` to the result code; `document` is then null.
+/// result code's message (English, or Swedish with isSwedish) on standard
+/// output and the reader's detail (what failed, and where) on standard
+/// error, and sets `exitCode` to the result code; `document` is then null.
 struct OpenedDocument {
     int exitCode = 0;
     std::unique_ptr<Document> document;
@@ -48,6 +53,11 @@ int runOnFile(const char *name, const char *usage, DocumentCommand command, cons
 
 int runCheck(const QStringList &args);
 int runDump(const QStringList &args);
+/// `kel batch FILE`: document commands from standard input, one JSON line each.
+int runBatch(const QStringList &args);
+
+/// The document command called `name` (select, indexes, ...), or null.
+DocumentCommand findDocumentCommand(const QString &name);
 
 int selectCommand(const Document &doc, const QStringList &args, CommandOutput &output);
 int indexesCommand(const Document &doc, const QStringList &args, CommandOutput &output);

@@ -40,14 +40,8 @@ int showForGraph(Document &doc, const GraphArgs &args, std::optional<ShownSelect
         output.err += QStringLiteral("kel graph: %1\n").arg(error);
         return GraphUsageError;
     }
-    const bool isSwedish = args.selection.isSwedish;
-    QString refusal;
-    if (shown->sheet.outcome != SubSheetOutcome::Ok)
-        refusal = shown->message;
-    else if (!shown->recount.showEnabled)
-        refusal = selectionBlockedMessage(isSwedish);
-    if (!refusal.isEmpty()) {
-        output.err += refusal + QLatin1Char('\n');
+    if (shown->refusal) {
+        output.err += shown->refusal->message + QLatin1Char('\n');
         return GraphRefused;
     }
     return 0;

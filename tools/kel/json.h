@@ -50,10 +50,14 @@ public:
     void value(int v) { value(static_cast<long long>(v)); }
     void value(long long v)
     {
-        separate();
+        // The comma and the digits in one append: row lists run to tens of
+        // thousands of numbers.
         char buf[24];
-        auto r = std::to_chars(buf, buf + sizeof buf, v);
-        mOut.append(buf, r.ptr);
+        char *p = buf;
+        if (takeComma())
+            *p++ = ',';
+        p = std::to_chars(p, buf + sizeof buf, v).ptr;
+        mOut.append(buf, std::size_t(p - buf));
     }
     /// Shortest text that reads back to the same double; -1.0 is "-1".
     /// JSON has no NaN or infinity: those become null.
@@ -96,45 +100,59 @@ private:
         mOut += c;
         mFirst.pop_back();
     }
-    void separate()
+    /// Whether the next value needs a comma before it; marks the current
+    /// container as no longer empty.
+    bool takeComma()
     {
         if (mAfterKey) {
             mAfterKey = false;
-            return;
+            return false;
         }
-        if (!mFirst.empty()) {
-            if (!mFirst.back())
-                mOut += ',';
-            mFirst.back() = false;
-        }
+        if (mFirst.empty())
+            return false;
+        const bool comma = !mFirst.back();
+        mFirst.back() = false;
+        return comma;
+    }
+    void separate()
+    {
+        if (takeComma())
+            mOut += ',';
     }
     void appendString(const char *s) { appendString(s, std::char_traits<char>::length(s)); }
     void appendString(const char *s, std::size_t n)
     {
+        // Runs of characters that need no escape are appended whole: `kel
+        // batch` wraps every command's output, often a whole JSON text, in
+        // one string, and a byte at a time would dominate its run time.
+        mOut.reserve(mOut.size() + n + 2);
         mOut += '"';
+        std::size_t run = 0;
         for (std::size_t i = 0; i < n; ++i) {
             const auto c = static_cast<unsigned char>(s[i]);
+            if (c >= 0x20 && c != '"' && c != '\\')
+                continue;
+            mOut.append(s + run, i - run);
+            run = i + 1;
             switch (c) {
             case '"': mOut += "\\\""; break;
             case '\\': mOut += "\\\\"; break;
             case '\n': mOut += "\\n"; break;
             case '\r': mOut += "\\r"; break;
             case '\t': mOut += "\\t"; break;
-            default:
-                if (c < 0x20) {
-                    char buf[8];
-                    std::snprintf(buf, sizeof buf, "\\u%04x", c);
-                    mOut += buf;
-                } else {
-                    mOut += char(c);
-                }
+            default: {
+                char buf[8];
+                std::snprintf(buf, sizeof buf, "\\u%04x", c);
+                mOut += buf;
+            }
             }
         }
+        mOut.append(s + run, n - run);
         mOut += '"';
     }
 
     std::string mOut;
-    std::vector<bool> mFirst; // per open container: nothing written in it yet
+    std::vector<char> mFirst; // per open container: nothing written in it yet
     bool mAfterKey = false;
 };
 

@@ -18,6 +18,7 @@ struct FileCommand {
 const FileCommand FileCommands[] = {
     {"check", kel::cli::runCheck, "check FILE [--lang en|sv]"},
     {"dump", kel::cli::runDump, "dump FILE"},
+    {"batch", kel::cli::runBatch, "batch FILE [--lang en|sv] < COMMANDS"},
 };
 
 /// Commands that work on a document read once (so `kel batch` can run them).
@@ -56,6 +57,14 @@ int usage()
 }
 
 } // namespace
+
+kel::cli::DocumentCommand kel::cli::findDocumentCommand(const QString &name)
+{
+    for (const Command &c : Commands)
+        if (name == QLatin1String(c.name))
+            return c.run;
+    return nullptr;
+}
 
 int main(int argc, char *argv[])
 {

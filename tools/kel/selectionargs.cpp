@@ -9,6 +9,8 @@
 
 #include <QDateTime>
 
+#include <algorithm>
+
 namespace kel::cli {
 
 namespace {
@@ -113,8 +115,6 @@ bool takeSelectionOption(const QStringList &args, qsizetype &i, SelectionArgs &o
         if (error.isEmpty() && v != QLatin1String("en") && v != QLatin1String("sv"))
             error = QStringLiteral("--lang takes en or sv, not '%1'").arg(v);
         out.isSwedish = v == QLatin1String("sv");
-    } else if (!a.startsWith(QLatin1String("--")) && out.file.isEmpty()) {
-        out.file = a;
     } else {
         return false;
     }
@@ -148,10 +148,29 @@ std::optional<ShownSelection> showFromArgs(Document &doc, const SelectionArgs &a
     if (args.flexCurrent && shown.model.flexVisible())
         shown.model.setFlexBasedOnCurrentSelection(true);
     shown.recount = shown.model.recount(doc);
+    if (!shown.recount.showEnabled) {
+        // The navigator's button is disabled: the viewer shows nothing, so
+        // neither may we. The words are those the build would use for the
+        // same selection, and our own for a blocking category.
+        const bool blocked = std::find(shown.recount.blocked.begin(), shown.recount.blocked.end(), true)
+                             != shown.recount.blocked.end();
+        if (blocked)
+            shown.refusal = Refusal{QStringLiteral("blocked"), selectionBlockedMessage(args.isSwedish)};
+        else if (shown.recount.count == 0)
+            shown.refusal = Refusal{QStringLiteral("none"), showRefusalMessage(doc, SubSheetOutcome::NoAnswers, args.isSwedish)};
+        else
+            shown.refusal = Refusal{QStringLiteral("tooSmall"), showRefusalMessage(doc, SubSheetOutcome::TooSmall, args.isSwedish)};
+        return shown;
+    }
 
     RowRandom random(args.seed ? *args.seed : quint64(QDateTime::currentMSecsSinceEpoch()));
     shown.sheet = kel::showSelection(doc, shown.model, shown.flex, args.order, random);
-    shown.message = showRefusalMessage(doc, shown.sheet.outcome, args.isSwedish);
+    const QString message = showRefusalMessage(doc, shown.sheet.outcome, args.isSwedish);
+    switch (shown.sheet.outcome) {
+    case SubSheetOutcome::Ok: break;
+    case SubSheetOutcome::NoAnswers: shown.refusal = Refusal{QStringLiteral("none"), message}; break;
+    case SubSheetOutcome::TooSmall: shown.refusal = Refusal{QStringLiteral("tooSmall"), message}; break;
+    }
     return shown;
 }
 

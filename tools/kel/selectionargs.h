@@ -17,7 +17,6 @@
 namespace kel::cli {
 
 struct SelectionArgs {
-    QString file;
     QString selectSpec;
     bool hasSelect = false;
     QString flexSpec;
@@ -35,6 +34,14 @@ struct SelectionArgs {
 /// ones; returns false when it is not. `error` is set for a bad value.
 bool takeSelectionOption(const QStringList &args, qsizetype &i, SelectionArgs &out, QString &error);
 
+/// Why the viewer would not show a selection: "blocked" (a restricted
+/// category holds a too small complement group), "none" (nobody) or
+/// "tooSmall" (below the document's minimum), and the text it would say.
+struct Refusal {
+    QString outcome;
+    QString message;
+};
+
 /// The navigator, the flex total and the overview after one Show.
 struct ShownSelection {
     SelectionModel model;
@@ -43,16 +50,23 @@ struct ShownSelection {
     SubSheet sheet;
     /// Damaged values of the settings file's user blocks, left out.
     QStringList blockProblems;
-    QString message; ///< the refusal, in the chosen language; "" when shown
-};
 
 /// Appends the user blocks that `settingsFile` keeps for `doc`, as the
 /// viewer does when it opens the document; the file is only read. False
 /// with `error` set when the file does not exist.
 bool applyStoredBlocks(Document &doc, const QString &settingsFile, QStringList &problems, QString &error);
 
-/// Ticks what the options ask for (after the stored user blocks), runs Show and builds the overview. On a
-/// bad --select or --flex value returns nothing and sets `error`.
+    /// Set when Show would be disabled or the overview build refuses; then
+    /// nothing of the selection (counts, rows, indexes) may be printed.
+    std::optional<Refusal> refusal;
+};
+
+/// Ticks what the options ask for (after the stored user blocks) and
+/// presses Show the way the navigator
+/// does: when the recount leaves Show disabled nothing is applied and the
+/// refusal is set; otherwise Show runs and builds the overview, whose own
+/// refusal is taken over. On a bad --select or --flex value returns
+/// nothing and sets `error`.
 std::optional<ShownSelection> showFromArgs(Document &doc, const SelectionArgs &args, QString &error);
 
 } // namespace kel::cli

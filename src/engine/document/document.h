@@ -43,8 +43,8 @@ struct Question {
     bool isFlexCategory = false;
     qint32 sheetColour = -1; ///< fill of the question's cell in the code line
     qint32 kept20 = 0;
-    qint32 block = -1;    ///< index into Document::blocks; not range-checked by the reader
-    qint32 subBlock = -1; ///< -1 = none; not range-checked by the reader
+    qint32 block = -1;    ///< index into Document::blocks, -1 = none; may lie outside it (see blockAt)
+    qint32 subBlock = -1; ///< -1 = none; may lie outside Document::blocks (see blockAt)
     double totalIndex = -1.0;     ///< over all rows, from the file; -1 = none
     double flexTotalIndex = -1.0; ///< over the flex total; starts as totalIndex
     qint32 graphFlags = 3;
@@ -62,7 +62,7 @@ struct Block {
     qint32 kept16 = 0;
     qint16 kept20 = 0;
     bool memberRule = false; ///< selects how member questions are found (rule vs. item list)
-    qint32 linkedBlock = -1; ///< -1 = none; otherwise this block is a sub-block of that one
+    qint32 linkedBlock = -1; ///< -1 = none; otherwise this block is a sub-block of that one (may dangle)
     double totalIndex = -1.0;
     double flexTotalIndex = -1.0;
     qint32 graphFlags = 3;
@@ -71,7 +71,7 @@ struct Block {
 };
 
 struct BlockItem {
-    qint32 block = 0;
+    qint32 block = 0; ///< may lie outside Document::blocks; the question never does
     qint32 question = 0;
 };
 
@@ -257,6 +257,13 @@ struct Document {
         if (!hasCellComments)
             return -1;
         return cellComments[std::size_t(column) * std::size_t(rowCount()) + std::size_t(row)];
+    }
+
+    /// Block `number`, or null for -1 and for a number outside the block
+    /// list: files carry such numbers, and they mean a block without members.
+    const Block *blockAt(qint32 number) const
+    {
+        return (number >= 0 && std::size_t(number) < blocks.size()) ? &blocks[std::size_t(number)] : nullptr;
     }
 
     /// Points of the alternative chosen by `answer` in `question`.

@@ -13,7 +13,6 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
-#include <numeric>
 #include <optional>
 
 namespace kel {
@@ -429,14 +428,15 @@ void PayloadParser::parseRecords(Document &doc, const Section &alt, const Sectio
     }
 }
 
-// Every cross reference must land inside its list (or be -1 where "none" is
-// allowed), so that no later lookup can leave its array.
+// Cross references that index an array without a guard must land inside it.
+// Block numbers are the exception: older tools wrote questions, sub-blocks
+// and block items naming blocks that are not in the list, and such a number
+// simply means a block without members, so every lookup of a block number
+// goes through Document::blockAt instead.
 std::optional<Failure> PayloadParser::checkReferences(const Document &doc) const
 {
     const auto alternatives = qint64(doc.alternatives.size());
-    const auto blocks = qint32(doc.blocks.size());
     const auto questions = qint32(doc.questions.size());
-    auto blockRef = [&](qint32 b) { return b >= -1 && b < blocks; };
     for (qint32 i = 0; i < questions; ++i) {
         const Question &q = doc.questions[std::size_t(i)];
         if (q.alternativeCount < 0
@@ -447,23 +447,15 @@ std::optional<Failure> PayloadParser::checkReferences(const Document &doc) const
                                .arg(q.firstAlternative)
                                .arg(qint64(q.firstAlternative) + q.alternativeCount - 1)
                                .arg(alternatives));
-        if (!blockRef(q.block) || !blockRef(q.subBlock))
-            return damaged(QStringLiteral("question %1 refers to block %2 / sub-block %3 of %4")
-                               .arg(i)
-                               .arg(q.block)
-                               .arg(q.subBlock)
-                               .arg(blocks));
     }
-    for (qint32 i = 0; i < blocks; ++i)
-        if (!blockRef(doc.blocks[std::size_t(i)].linkedBlock))
-            return damaged(QStringLiteral("block %1 is linked to block %2 of %3")
-                               .arg(i)
-                               .arg(doc.blocks[std::size_t(i)].linkedBlock)
-                               .arg(blocks));
     for (std::size_t i = 0; i < doc.blockItems.size(); ++i) {
         const BlockItem &it = doc.blockItems[i];
-        if (it.block < 0 || it.block >= blocks || it.question < 0 || it.question >= questions)
-            return damaged(QStringLiteral("block item %1 pairs block %2 with question %3").arg(i).arg(it.block).arg(it.question));
+        if (it.question < 0 || it.question >= questions)
+            return damaged(QStringLiteral("block item %1 pairs block %2 with question %3 of %4")
+                               .arg(i)
+                               .arg(it.block)
+                               .arg(it.question)
+                               .arg(questions));
     }
     if (!doc.answers.isEmpty() && doc.columnCount() != questions)
         return damaged(QStringLiteral("answer matrix has %1 columns for %2 questions").arg(doc.columnCount()).arg(questions));

@@ -13,8 +13,15 @@ namespace {
 template<typename PerAnswer>
 void forEachPointedAnswer(const Document &doc, const QuestionList &questions, const RowList &rows, PerAnswer &&add)
 {
+    if (rows.empty())
+        return;
     for (qint32 q : questions) {
         const Question &question = doc.questions[std::size_t(q)];
+        // Without alternatives no answer can be valid (the reader allows
+        // that only without rows), and the first-alternative number may
+        // point anywhere: nothing to add.
+        if (question.alternativeCount < 1)
+            continue;
         const Alternative *alts = doc.alternatives.data() + question.firstAlternative;
         doc.answers.visitColumn(q, [&](const auto *column) {
             for (qint32 r : rows) {

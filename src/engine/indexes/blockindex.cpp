@@ -6,9 +6,10 @@ namespace kel {
 QuestionList blockMembers(const Document &doc, qint32 block)
 {
     QuestionList members;
-    if (block < 0 || block >= qint32(doc.blocks.size()))
+    const Block *b = doc.blockAt(block);
+    if (!b)
         return members;
-    if (!doc.blocks[std::size_t(block)].memberRule) {
+    if (!b->memberRule) {
         for (const BlockItem &item : doc.blockItems)
             if (item.block == block && item.question >= 0 && item.question < qint32(doc.questions.size()))
                 members.push_back(item.question);

@@ -14,10 +14,8 @@ bool isSwedishDocument(const Document &doc)
 
 bool blockListed(const Document &doc, qint32 block)
 {
-    if (block < 0 || block >= qint32(doc.blocks.size()))
-        return false;
-    const Block &b = doc.blocks[std::size_t(block)];
-    return b.includeInCopy && b.totalIndex != -1.0;
+    const Block *b = doc.blockAt(block);
+    return b && b->includeInCopy && b->totalIndex != -1.0;
 }
 
 // Pooled indexes are sums over their questions, so every cell of the table
@@ -36,17 +34,21 @@ void addQuestion(const Document &doc, qint32 q, const RowList &rows, QuestionSum
     if (sums.done[std::size_t(q)])
         return;
     const Question &question = doc.questions[std::size_t(q)];
-    const Alternative *alts = doc.alternatives.data() + question.firstAlternative;
     qint64 sum = 0;
     qint64 n = 0;
-    doc.answers.visitColumn(q, [&](const auto *column) {
-        for (qint32 r : rows) {
-            const qint32 p = alts[column[r]].points;
-            const bool scored = p != -1;
-            sum += scored ? p : 0;
-            n += scored;
-        }
-    });
+    // A question without alternatives scores nothing, and its first
+    // alternative may point anywhere (as in the column index).
+    if (question.alternativeCount > 0 && !rows.empty()) {
+        const Alternative *alts = doc.alternatives.data() + question.firstAlternative;
+        doc.answers.visitColumn(q, [&](const auto *column) {
+            for (qint32 r : rows) {
+                const qint32 p = alts[column[r]].points;
+                const bool scored = p != -1;
+                sum += scored ? p : 0;
+                n += scored;
+            }
+        });
+    }
     sums.sum[std::size_t(q)] = sum;
     sums.count[std::size_t(q)] = n;
     sums.done[std::size_t(q)] = true;
@@ -103,12 +105,12 @@ std::vector<IndexItem> buildIndexItems(const Document &doc, const IndexExportOpt
         if (options.indexFor[O::ForBlocks] && question.block != previousBlock) {
             previousBlock = question.block;
             if (blockListed(doc, previousBlock))
-                items.push_back({IndexItem::Block, previousBlock, doc.blocks[std::size_t(previousBlock)].name});
+                items.push_back({IndexItem::Block, previousBlock, doc.blockAt(previousBlock)->name});
         }
         if (options.indexFor[O::ForSubBlocks] && question.subBlock != previousSubBlock) {
             previousSubBlock = question.subBlock;
             if (blockListed(doc, previousSubBlock))
-                items.push_back({IndexItem::Block, previousSubBlock, doc.blocks[std::size_t(previousSubBlock)].name});
+                items.push_back({IndexItem::Block, previousSubBlock, doc.blockAt(previousSubBlock)->name});
         }
         if (options.indexFor[O::ForQuestions] && question.totalIndex != -1.0)
             items.push_back({IndexItem::Question, q,

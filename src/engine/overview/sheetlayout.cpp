@@ -76,10 +76,8 @@ std::vector<HeaderRun> headerRuns(const Document &doc, const std::vector<qint32>
     if (!runs.empty())
         runs.back().isLast = true;
     for (HeaderRun &run : runs) {
-        if (run.block < 0 || std::size_t(run.block) >= doc.blocks.size())
-            continue;
-        const Block &block = doc.blocks[std::size_t(run.block)];
-        run.text = run.isLast ? block.name : block.code;
+        if (const Block *block = doc.blockAt(run.block))
+            run.text = run.isLast ? block->name : block->code;
     }
     return runs;
 }

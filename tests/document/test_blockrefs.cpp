@@ -1,0 +1,163 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Documents whose block numbers dangle open, and every engine lookup of a
+// block number treats such a number as a block without members. Also the
+// total index that revisions before 5 lack, computed once for reader and
+// session alike.
+#include "engine/document/documentsession.h"
+#include "engine/indexes/blockindex.h"
+#include "engine/indexes/indexexport.h"
+#include "engine/overview/sheetlayout.h"
+
+#include "readerfixture.h"
+
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace kel;
+using namespace kel::test;
+
+// richSurvey: blocks Main (0), Sub A (1), Sub B (2), Items (3); questions
+// Unit (0), Role (1), One..Four (2..5); One and Two in Sub A, Three in Sub B.
+KelFile danglingSurvey()
+{
+    KelFile f = richSurvey().build();
+    f.questions[3].block = 9;        // Two: past the block list
+    f.questions[4].subBlock = 99;    // Three: sub-block past the list
+    f.questions[5].block = -2;       // Four: below "none"
+    f.blocks[1].linkedBlock = 4;     // Sub A linked past the list
+    f.blockItems[1].block = -1;      // the item naming Role belongs to no block
+    f.blockItems.push_back({12, 2}); // an item of a block that does not exist
+    return f;
+}
+
+TEST(BlockReferences, DanglingNumbersOpenAsBlocksWithoutMembers)
+{
+    for (const bool compressed : {true, false}) {
+        KelFile f = danglingSurvey();
+        f.options.compressed = compressed;
+        const ReadResult r = readBytes(f.toBytes());
+        ASSERT_EQ(r.code, OpenResult::Ok) << r.detail.toStdString();
+        const Document &d = *r.document;
+        // The numbers are kept as written.
+        EXPECT_EQ(d.questions[3].block, 9);
+        EXPECT_EQ(d.questions[4].subBlock, 99);
+        EXPECT_EQ(d.questions[5].block, -2);
+        EXPECT_EQ(d.blocks[1].linkedBlock, 4);
+        ASSERT_EQ(d.blockItems.size(), 3u);
+        EXPECT_EQ(d.blockItems[2].block, 12);
+
+        EXPECT_EQ(d.blockAt(9), nullptr);
+        EXPECT_EQ(d.blockAt(-2), nullptr);
+        EXPECT_EQ(d.blockAt(3), &d.blocks[3]);
+        const RowList rows = allRows(d);
+        for (qint32 b : {9, 99, -2, 4, 12, -1}) {
+            EXPECT_TRUE(blockMembers(d, b).empty()) << b;
+            EXPECT_EQ(calculateBlockIndex(d, b, rows), -1.0) << b;
+            EXPECT_EQ(calculateBlockFlexTotalIndex(d, b, rows), -1.0) << b;
+        }
+        // Main keeps One (and Three, still naming it); Items keeps only Four.
+        EXPECT_EQ(blockMembers(d, 0), (QuestionList{2, 4}));
+        EXPECT_EQ(blockMembers(d, 3), (QuestionList{5}));
+    }
+}
+
+TEST(BlockReferences, DanglingNumbersInTheSheetAndTheIndexTable)
+{
+    const ReadResult r = readBytes(danglingSurvey().toBytes());
+    ASSERT_EQ(r.code, OpenResult::Ok) << r.detail.toStdString();
+    const Document &d = *r.document;
+
+    // Header runs: a dangling block is a run of its own without a text.
+    const std::vector<HeaderRun> blocks = headerRuns(d, d.overviewColumns, false);
+    const std::vector<HeaderRun> subBlocks = headerRuns(d, d.overviewColumns, true);
+    std::vector<qint32> numbers;
+    for (const HeaderRun &run : blocks) {
+        numbers.push_back(run.block);
+        EXPECT_EQ(run.text.isEmpty(), d.blockAt(run.block) == nullptr) << run.block;
+    }
+    EXPECT_EQ(numbers, (std::vector<qint32>{0, 9, 0, -2}));
+    for (const HeaderRun &run : subBlocks)
+        EXPECT_EQ(run.text.isEmpty(), d.blockAt(run.block) == nullptr) << run.block;
+
+    // The index table lists existing blocks only.
+    IndexExportOptions options;
+    options.subSelTotal = true;
+    options.indexFor.fill(true);
+    std::vector<qint32> listed;
+    for (const IndexItem &item : buildIndexItems(d, options))
+        if (item.kind == IndexItem::Block)
+            listed.push_back(item.number);
+    for (qint32 b : listed)
+        EXPECT_NE(d.blockAt(b), nullptr) << b;
+    const QString table = exportIndexes(d, QStringLiteral("All"), allRows(d), options, QLocale::c());
+    EXPECT_TRUE(table.startsWith(QStringLiteral("All\t"))) << table.toStdString();
+}
+
+// `kel batch` hands every command its own copy of the document: the copy
+// must share the answers (no second matrix per command) and a change to
+// it must not reach the document as read.
+TEST(BlockReferences, CopiesShareTheAnswersAndNothingElse)
+{
+    const ReadResult r = readBytes(danglingSurvey().toBytes());
+    ASSERT_EQ(r.code, OpenResult::Ok) << r.detail.toStdString();
+    const Document &read = *r.document;
+    Document copy = read;
+    EXPECT_EQ(copy.answers.column16(3), read.answers.column16(3));
+    copy.properties.flexTotalIndex = 42.0;
+    copy.blocks[0].flexTotalIndex = 42.0;
+    copy.questions[2].flexTotalIndex = 42.0;
+    EXPECT_NE(read.properties.flexTotalIndex, 42.0);
+    EXPECT_NE(read.blocks[0].flexTotalIndex, 42.0);
+    EXPECT_NE(read.questions[2].flexTotalIndex, 42.0);
+}
+
+// Documents of revision 4 and older carry no total index; it is pooled from
+// the total's members over every row, the same way for the reader and the
+// session, and a document without rows keeps "none" (this used to compute
+// with an alternatives pointer offset from null in the session).
+TEST(BlockReferences, MissingTotalIndexComputedOnceAndGuarded)
+{
+    SurveyBuilder b(4);
+    b.header().pointsScale = 10;
+    const qint32 q =
+        b.addQuestion({.heading = QStringLiteral("Q")},
+                      {{.text = QStringLiteral("lo"), .points = 10}, {.text = QStringLiteral("hi"), .points = 40}});
+    b.addQuestion({.heading = QStringLiteral("Not in total"), .inTotalIndex = false},
+                  {{.text = QStringLiteral("x"), .points = 90}});
+    b.setAnswers(q, {0, 1, 1, 1});
+    KelFile f = b.build();
+    f.options.revision = 4;
+    ReadResult r = readBytes(f.toBytes());
+    ASSERT_EQ(r.code, OpenResult::Ok) << r.detail.toStdString();
+    // (10 + 3 x 40) / 4 / 10
+    EXPECT_DOUBLE_EQ(r.document->properties.totalIndex, 3.25);
+    EXPECT_DOUBLE_EQ(r.document->properties.flexTotalIndex, 3.25);
+    // Revision 5 stores it: the stored value stands.
+    f.options.revision = 5;
+    f.header.totalIndex = 7.0;
+    EXPECT_DOUBLE_EQ(readBytes(f.toBytes()).document->properties.totalIndex, 7.0);
+
+    // No rows, no alternatives, a first-alternative number past the empty
+    // list: read and installed by the session, the index stays "none".
+    SurveyBuilder e(0);
+    e.header().pointsScale = 10;
+    e.addQuestion({.heading = QStringLiteral("Empty")}, {});
+    KelFile empty = e.build();
+    empty.options.revision = 4;
+    empty.questions[0].firstAlternative = 5;
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("empty4.kel"));
+    ASSERT_TRUE(empty.writeFile(path));
+    DocumentSession session(false);
+    ASSERT_EQ(session.loadDocument(path, false), OpenResult::Ok);
+    const Document &d = *session.document();
+    EXPECT_EQ(d.rowCount(), 0);
+    EXPECT_EQ(d.properties.totalIndex, -1.0);
+    EXPECT_EQ(calculateTotalIndex(d, allRows(d)), -1.0);
+    EXPECT_EQ(calculateColumnsIndex(d, {0}, RowList{}), -1.0);
+}
+
+} // namespace

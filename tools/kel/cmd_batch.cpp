@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// `kel batch FILE`: reads and checks the document once, then runs one
+// document command per line of standard input and writes one JSON object
+// per command, so that a script asking many questions about one document
+// pays for one process and one read.
+#include "batchline.h"
+#include "commands.h"
+#include "json.h"
+
+#include <QTextStream>
+
+#include <cstdio>
+#include <string>
+
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
+
+namespace kel::cli {
+
+namespace {
+
+const char BatchUsage[] = "usage: kel batch FILE [--lang en|sv] < COMMANDS\n"
+                          "  each line: a document command (select, indexes, ...) and its arguments without FILE,\n"
+                          "  quoted as in a shell\n";
+
+QString runLine(const Document &doc, const QString &line, int &status, QString &error)
+{
+    QString splitError;
+    QStringList words = splitCommandLine(line, &splitError);
+    if (!splitError.isEmpty()) {
+        status = UsageError;
+        error = QStringLiteral("kel batch: %1\n").arg(splitError);
+        return QString();
+    }
+    const QString name = words.takeFirst();
+    const DocumentCommand command = findDocumentCommand(name);
+    if (!command) {
+        status = UsageError;
+        error = QStringLiteral("kel batch: '%1' is not a command that works on a document\n").arg(name)
+            + QLatin1String(BatchUsage);
+        return QString();
+    }
+    // Every command gets the document as read: the commands that change
+    // their document (Show stores the flex total's indexes in it) do so on
+    // their own copy, which shares the answer matrix's buffer.
+    CommandOutput output;
+    status = command(doc, words, output);
+    error = output.err;
+    return output.out;
+}
+
+} // namespace
+
+int runBatch(const QStringList &args)
+{
+    QString file;
+    bool isSwedish = false;
+    for (qsizetype i = 0; i < args.size(); ++i) {
+        if (args[i] == QLatin1String("--lang") && i + 1 < args.size()
+            && (args[i + 1] == QLatin1String("en") || args[i + 1] == QLatin1String("sv"))) {
+            isSwedish = args[++i] == QLatin1String("sv");
+        } else if (file.isEmpty() && !args[i].startsWith(QLatin1String("--"))) {
+            file = args[i];
+        } else {
+            printErr(QStringLiteral("kel batch: unexpected argument '%1'\n").arg(args[i]) + QLatin1String(BatchUsage));
+            return UsageError;
+        }
+    }
+    if (file.isEmpty()) {
+        printErr(QStringLiteral("kel batch: no file given\n") + QLatin1String(BatchUsage));
+        return UsageError;
+    }
+    const OpenedDocument opened = openForCommand(file, isSwedish);
+    if (!opened.document)
+        return opened.exitCode;
+
+#if defined(__GLIBC__)
+    // Each command builds and drops output of a few hundred kilobytes. By
+    // default such blocks are mapped from the kernel and handed back each
+    // time, and faulting fresh pages in then costs more than the command;
+    // kept in the heap they are reused.
+    mallopt(M_MMAP_THRESHOLD, 64 << 20);
+    mallopt(M_TRIM_THRESHOLD, 128 << 20);
+#endif
+    QTextStream in(stdin);
+    in.setEncoding(QStringConverter::Utf8);
+    QString line;
+    while (in.readLineInto(&line)) {
+        const QString command = line.trimmed();
+        if (command.isEmpty() || command.startsWith(QLatin1Char('#')))
+            continue;
+        int status = 0;
+        QString error;
+        const QString out = runLine(*opened.document, command, status, error);
+        JsonWriter json;
+        json.beginObject();
+        json.member("command", command);
+        json.member("status", status);
+        json.member("output", out);
+        if (!error.isEmpty())
+            json.member("error", error);
+        json.endObject();
+        // One line per command, written at once, so that a reader of the
+        // pipe sees each answer as soon as it is ready.
+        const std::string &text = json.text();
+        std::fwrite(text.data(), 1, text.size(), stdout);
+        std::fputc('\n', stdout);
+        std::fflush(stdout);
+    }
+    return 0;
+}
+
+} // namespace kel::cli
