@@ -6,12 +6,13 @@ set -euo pipefail
 packages=(
     build-essential cmake ninja-build pkg-config
     qt6-base-dev qt6-charts-dev libqt6opengl6-dev qt6-svg-dev qt6-qpa-plugins libgl1-mesa-dev
-    qt6-translations-l10n
+    qt6-translations-l10n libgif-dev
     zlib1g-dev libuemf-dev
     libgtest-dev libgmock-dev libbenchmark-dev
     clang libclang-rt-14-dev
     fonts-liberation
     xvfb xauth
+    emf2svg libwmf-bin
 )
 
 missing=()

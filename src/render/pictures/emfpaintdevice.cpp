@@ -1,0 +1,284 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "render/pictures/emfpaintdevice.h"
+
+#include <QFontMetricsF>
+#include <QPaintEngine>
+#include <QPainterPath>
+#include <QPixmap>
+#include <QTextItem>
+#include <QtMath>
+
+#include <algorithm>
+#include <cmath>
+
+namespace kel {
+
+namespace {
+
+QRgb solidColour(const QBrush &brush)
+{
+    if (const QGradient *g = brush.gradient(); g && !g->stops().isEmpty())
+        return g->stops().constFirst().second.rgba();
+    return brush.color().rgba();
+}
+
+} // namespace
+
+// Every drawing call ends here with the painter's state already applied
+// (pen, brush, font, transform); coordinates are mapped to device pixels
+// before they are kept.
+class MetafilePaintEngine : public QPaintEngine
+{
+public:
+    explicit MetafilePaintEngine(const QSize &size) : QPaintEngine(AllFeatures) { mRecording.size = size; }
+
+    bool begin(QPaintDevice *device) override
+    {
+        mDevice = device;
+        mTransform = QTransform();
+        mPen = QPen();
+        mBrush = QBrush();
+        setActive(true);
+        return true;
+    }
+    bool end() override
+    {
+        setActive(false);
+        return true;
+    }
+    Type type() const override { return Type(QPaintEngine::User + 7); }
+
+    void updateState(const QPaintEngineState &state) override
+    {
+        const DirtyFlags flags = state.state();
+        if (flags & DirtyPen)
+            mPen = state.pen();
+        if (flags & DirtyBrush)
+            mBrush = state.brush();
+        if (flags & DirtyFont)
+            mFont = state.font();
+        if (flags & DirtyTransform)
+            mTransform = state.transform();
+    }
+
+    void drawRects(const QRectF *rects, int rectCount) override
+    {
+        for (int i = 0; i < rectCount; ++i) {
+            const QRectF &r = rects[i];
+            if (mTransform.type() <= QTransform::TxScale && !pen().visible && brush().visible) {
+                const QRectF m = mTransform.mapRect(r);
+                MetafileOp op;
+                op.kind = MetafileOp::FillRect;
+                const int left = qRound(m.left()), top = qRound(m.top());
+                op.rect = QRect(QPoint(left, top), QPoint(qRound(m.right()) - 1, qRound(m.bottom()) - 1));
+                op.brush = brush();
+                if (op.rect.isValid())
+                    mRecording.ops.push_back(std::move(op));
+                continue;
+            }
+            addShape(MetafileOp::Polygon, mTransform.map(QPolygonF(r)).toPolygon(), pen(), brush());
+        }
+    }
+    void drawRects(const QRect *rects, int rectCount) override
+    {
+        for (int i = 0; i < rectCount; ++i) {
+            const QRectF r(rects[i]);
+            drawRects(&r, 1);
+        }
+    }
+
+    void drawLines(const QLineF *lines, int lineCount) override
+    {
+        const MetafilePen p = pen();
+        if (!p.visible)
+            return;
+        for (int i = 0; i < lineCount; ++i) {
+            QPolygonF line;
+            line << lines[i].p1() << lines[i].p2();
+            addShape(MetafileOp::Polyline, mTransform.map(line).toPolygon(), p, MetafileBrush{});
+        }
+    }
+    void drawLines(const QLine *lines, int lineCount) override
+    {
+        for (int i = 0; i < lineCount; ++i) {
+            const QLineF l(lines[i]);
+            drawLines(&l, 1);
+        }
+    }
+
+    void drawPolygon(const QPointF *points, int pointCount, PolygonDrawMode mode) override
+    {
+        QPolygonF polygon;
+        polygon.reserve(pointCount);
+        for (int i = 0; i < pointCount; ++i)
+            polygon << points[i];
+        const QPolygon mapped = mTransform.map(polygon).toPolygon();
+        if (mode == PolylineMode)
+            addShape(MetafileOp::Polyline, mapped, pen(), MetafileBrush{});
+        else
+            addShape(MetafileOp::Polygon, mapped, pen(), brush());
+    }
+    void drawPolygon(const QPoint *points, int pointCount, PolygonDrawMode mode) override
+    {
+        std::vector<QPointF> converted(points, points + pointCount);
+        drawPolygon(converted.data(), pointCount, mode);
+    }
+
+    void drawPath(const QPainterPath &path) override
+    {
+        const QPainterPath mapped = mTransform.map(path);
+        const MetafileBrush b = brush();
+        if (b.visible) {
+            MetafileOp op;
+            op.kind = MetafileOp::PolyPolygon;
+            for (const QPolygonF &polygon : mapped.toFillPolygons())
+                if (polygon.size() >= 3)
+                    op.shapes.push_back(polygon.toPolygon());
+            op.brush = b;
+            if (!op.shapes.empty())
+                mRecording.ops.push_back(std::move(op));
+        }
+        const MetafilePen p = pen();
+        if (p.visible)
+            for (const QPolygonF &polygon : mapped.toSubpathPolygons())
+                addShape(MetafileOp::Polyline, polygon.toPolygon(), p, MetafileBrush{});
+    }
+
+    void drawPixmap(const QRectF &r, const QPixmap &pixmap, const QRectF &source) override
+    {
+        drawImage(r, pixmap.toImage(), source, Qt::AutoColor);
+    }
+    void drawImage(const QRectF &r, const QImage &image, const QRectF &source,
+                   Qt::ImageConversionFlags) override
+    {
+        MetafileOp op;
+        op.kind = MetafileOp::Image;
+        op.rect = mTransform.mapRect(r).toAlignedRect();
+        op.image = image.copy(source.toAlignedRect()).convertToFormat(QImage::Format_ARGB32);
+        if (op.rect.isValid() && !op.image.isNull())
+            mRecording.ops.push_back(std::move(op));
+    }
+
+    void drawTextItem(const QPointF &p, const QTextItem &textItem) override
+    {
+        const QString text = textItem.text();
+        if (text.isEmpty())
+            return;
+        const QFont font = textItem.font();
+        MetafileOp op;
+        op.kind = MetafileOp::Text;
+        op.text = text;
+        op.origin = mTransform.map(p).toPoint();
+        const qreal scaleX = std::hypot(mTransform.m11(), mTransform.m12());
+        const qreal scaleY = std::hypot(mTransform.m21(), mTransform.m22());
+        const qreal em = font.pixelSize() > 0 ? font.pixelSize() : font.pointSizeF() * MetafileDotsPerInch / 72.0;
+        op.font.family = font.family();
+        op.font.pixelHeight = std::max(1, qRound(em * scaleY));
+        op.font.weight = std::clamp(int(font.weight()), 100, 900);
+        op.font.italic = font.italic();
+        op.font.escapement = qRound(-qRadiansToDegrees(std::atan2(mTransform.m12(), mTransform.m11())) * 10.0);
+        // Advances from the positions of the text's ends, so that rounding
+        // never adds up along a long label.
+        const QFontMetricsF metrics(font, mDevice);
+        op.advances.reserve(std::size_t(text.size()));
+        int previous = 0;
+        for (qsizetype i = 0; i < text.size(); ++i) {
+            const int next = qRound(metrics.horizontalAdvance(text.left(i + 1)) * scaleX);
+            op.advances.push_back(next - previous);
+            previous = next;
+        }
+        op.pen.visible = true;
+        op.pen.colour = mPen.color().rgba();
+        mRecording.ops.push_back(std::move(op));
+    }
+
+    const MetafileRecording &recording() const { return mRecording; }
+    MetafileRecording take()
+    {
+        MetafileRecording taken = std::move(mRecording);
+        mRecording = MetafileRecording{taken.size, {}};
+        return taken;
+    }
+
+private:
+    MetafilePen pen() const
+    {
+        MetafilePen p;
+        p.visible = mPen.style() != Qt::NoPen && mPen.brush().style() != Qt::NoBrush
+                    && qAlpha(solidColour(mPen.brush())) != 0;
+        p.colour = solidColour(mPen.brush());
+        const qreal scale = std::sqrt(std::abs(mTransform.determinant()));
+        p.width = mPen.isCosmetic() ? std::max(1, qRound(mPen.widthF()))
+                                    : std::max(1, qRound(mPen.widthF() * scale));
+        return p;
+    }
+    MetafileBrush brush() const
+    {
+        MetafileBrush b;
+        b.visible = mBrush.style() != Qt::NoBrush && qAlpha(solidColour(mBrush)) != 0;
+        b.colour = solidColour(mBrush);
+        return b;
+    }
+    void addShape(MetafileOp::Kind kind, const QPolygon &polygon, const MetafilePen &p, const MetafileBrush &b)
+    {
+        if (polygon.size() < 2 || (!p.visible && !b.visible))
+            return;
+        MetafileOp op;
+        op.kind = kind;
+        op.shapes.push_back(polygon);
+        op.pen = p;
+        op.brush = b;
+        mRecording.ops.push_back(std::move(op));
+    }
+
+    MetafileRecording mRecording;
+    QPaintDevice *mDevice = nullptr;
+    QTransform mTransform;
+    QPen mPen;
+    QBrush mBrush;
+    QFont mFont;
+};
+
+MetafilePaintDevice::MetafilePaintDevice(const QSize &size)
+    : mSize(size), mEngine(std::make_unique<MetafilePaintEngine>(size))
+{
+}
+
+MetafilePaintDevice::~MetafilePaintDevice() = default;
+
+QPaintEngine *MetafilePaintDevice::paintEngine() const
+{
+    return mEngine.get();
+}
+
+const MetafileRecording &MetafilePaintDevice::recording() const
+{
+    return mEngine->recording();
+}
+
+MetafileRecording MetafilePaintDevice::takeRecording()
+{
+    return mEngine->take();
+}
+
+int MetafilePaintDevice::metric(PaintDeviceMetric metric) const
+{
+    switch (metric) {
+    case PdmWidth: return mSize.width();
+    case PdmHeight: return mSize.height();
+    case PdmWidthMM: return qRound(mSize.width() * 25.4 / MetafileDotsPerInch);
+    case PdmHeightMM: return qRound(mSize.height() * 25.4 / MetafileDotsPerInch);
+    case PdmNumColors: return 0x7fffffff;
+    case PdmDepth: return 32;
+    case PdmDpiX:
+    case PdmDpiY:
+    case PdmPhysicalDpiX:
+    case PdmPhysicalDpiY: return MetafileDotsPerInch;
+    case PdmDevicePixelRatio: return 1;
+    case PdmDevicePixelRatioScaled: return int(devicePixelRatioFScale());
+    default: break;
+    }
+    return 0;
+}
+
+} // namespace kel
