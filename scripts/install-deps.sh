@@ -12,7 +12,7 @@ packages=(
     clang libclang-rt-14-dev
     fonts-liberation
     xvfb xauth
-    emf2svg libwmf-bin
+    emf2svg libwmf-bin gsfonts
 )
 
 missing=()

@@ -124,7 +124,7 @@ public:
         if (mFailed)
             return QByteArray();
         // The header goes in front now that the records are counted.
-        const QRect bounds(0, 0, size.width(), size.height());
+        const QRect bounds(QPoint(0, 0), size);
         const U_RECTL frame = rectl_set(point32_set(0, 0),
                                         point32_set(qRound((size.width() - 1) * 2540.0 / MetafileDotsPerInch),
                                                     qRound((size.height() - 1) * 2540.0 / MetafileDotsPerInch)));
@@ -136,7 +136,7 @@ public:
         if (text.size() % 2)
             text.push_back(0);
         // A 96 dpi reference screen of 1920 x 1080 pixels.
-        char *header = U_EMRHEADER_set(rectl(bounds.adjusted(0, 0, -1, -1)), frame, nullptr, U_CBSTR(text.size()),
+        char *header = U_EMRHEADER_set(rectl(bounds), frame, nullptr, U_CBSTR(text.size()),
                                        text.data(), sizel_set(1920, 1080), sizel_set(508, 286), 0);
         if (!header)
             return QByteArray();

@@ -224,7 +224,7 @@ QByteArray placeableWmfHeader(const QRect &bounds)
 
 QByteArray encodeWmf(const MetafileRecording &recording)
 {
-    const QRect bounds(QPoint(0, 0), recording.size - QSize(1, 1));
+    const QRect bounds(QPoint(0, 0), recording.size);
     if (recording.size.isEmpty() || !fitsInt16(bounds))
         return QByteArray();
     WmfBuilder wmf;
