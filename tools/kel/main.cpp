@@ -33,6 +33,9 @@ const Command Commands[] = {
     {"indexes", kel::cli::indexesCommand,
      "indexes FILE [--select SPEC] [--flex OPTS] [--flex-current] [--total] [--category Q]... [--counts] "
      "[--items total,blocks,subblocks,questions,userblocks] [--full-text] [--columns]"},
+    {"render", kel::cli::renderCommand,
+     "render FILE [selection options] overview [--mode 1|2|3] [--headers-only] | graph KIND [graph options] "
+     "-o OUT.emf|wmf|png|bmp|jpg|gif|svg|pdf"},
 };
 
 int usage()
@@ -50,7 +53,7 @@ int usage()
 
 int main(int argc, char *argv[])
 {
-    QCoreApplication app(argc, argv);
+    const auto app = kel::cli::makeApplication(argc, argv);
     QStringList args = QCoreApplication::arguments().mid(1);
     if (args.isEmpty())
         return usage();
