@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "gui/shell/mainwindow.h"
 
+#include "gui/pictures/overviewcommands.h"
+
 #include "gui/shell/aboutbox.h"
 #include "engine/document/documentsession.h"
 #include "gui/shell/helpwindow.h"
@@ -115,6 +117,7 @@ MainWindow::MainWindow(SettingsStore &settings, bool isSwedish, const MainWindow
     mMenus = buildMainMenus(menuBar(), this, isSwedish);
     mMenus.mnuFPrintFormat->setEnabled(mEnvironment.printerInstalled);
     connectMenus();
+    new OverviewCommands(*this);
 
     mLastSettings = mSettings.readLastSettings();
     resolveDefaultFolders(mLastSettings, documentsFolder(), picturesFolder());

@@ -71,6 +71,8 @@ public:
     /// The overview sheet, the window's central view.
     SheetView *sheetView() const { return mSheet; }
     const LastSettings &lastSettings() const { return mLastSettings; }
+    /// The save and print commands remember folders, formats and margins here.
+    LastSettings &lastSettings() { return mLastSettings; }
     const UserOptions &options() const { return mOptions; }
     bool isSwedish() const { return mIsSwedish; }
 
