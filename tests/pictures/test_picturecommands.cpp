@@ -262,6 +262,15 @@ TEST_F(OverviewCommandsTest, CopiesPictureAndData)
     EXPECT_EQ(QApplication::clipboard()->text(), overviewDataText(*mWindow->document(), input.rows, input.columns));
     EXPECT_EQ(QApplication::clipboard()->text().count(QStringLiteral("\r\n")), 11);
     EXPECT_TRUE(mMessages.isEmpty());
+
+    // A copied picture outlives the document it was drawn from.
+    m.mnuPCopy->trigger();
+    mWindow->closeDocument();
+    QImage afterClose;
+    ASSERT_TRUE(afterClose.loadFromData(QApplication::clipboard()->mimeData()->data(QStringLiteral("image/png"))));
+    EXPECT_EQ(afterClose.size(), copied.size());
+    EXPECT_TRUE(QApplication::clipboard()->mimeData()->data(QStringLiteral("image/x-emf")).startsWith(
+        QByteArray::fromHex("01000000")));
 }
 
 TEST_F(OverviewCommandsTest, SavesAsChosenAndRemembersIt)

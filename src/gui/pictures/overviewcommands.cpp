@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "gui/pictures/overviewcommands.h"
 
+#include "engine/document/documentsession.h"
 #include "engine/overview/overviewtext.h"
 #include "gui/overview/sheetview.h"
 #include "gui/pictures/picturecommands.h"
@@ -36,6 +37,8 @@ OverviewCommands::OverviewCommands(MainWindow &window) : QObject(&window), mWind
         connect(a, &QAction::triggered, this, &OverviewCommands::printOverview);
     connect(m.mnuPCopyThisRowsAnswers, &QAction::triggered, this, &OverviewCommands::copyThisRowsAnswers);
     connect(m.mnuFPrintFormat, &QAction::triggered, this, &OverviewCommands::printFormat);
+    // A copied overview draws from the document when it is pasted.
+    connect(&window.session(), &DocumentSession::documentClosing, this, [this] { settlePictureClipboard(mClipboard); });
     // The row under the pointer when the popup menu opens.
     connect(window.sheetView(), &SheetView::popupRequested, this, [this](const SheetHit &hit, const QPoint &) {
         mPopupRow = hit.place == SheetPlace::AnswerCell ? hit.row : -1;

@@ -10,6 +10,7 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QGuiApplication>
+#include <QHash>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPainter>
@@ -45,24 +46,78 @@ double twipsToMm(qint32 twips)
     return twips * 25.4 / 1440.0;
 }
 
+// The picture's formats are made when a program asks for one: a large
+// overview costs seconds to encode as every format, and the program that
+// pastes takes one.
+class PictureMimeData : public QMimeData
+{
+public:
+    PictureMimeData(const Picture &picture, bool withMetafiles) : mPicture(picture), mMetafiles(withMetafiles) {}
+
+    QStringList formats() const override
+    {
+        QStringList list{QStringLiteral("image/png"), QStringLiteral("application/x-qt-image")};
+        if (mMetafiles)
+            list << QStringLiteral("image/svg+xml") << QString::fromLatin1(EmfMime)
+                 << QString::fromLatin1(WindowsEmfMime);
+        return list;
+    }
+    bool hasFormat(const QString &mimeType) const override { return formats().contains(mimeType); }
+
+protected:
+    QVariant retrieveData(const QString &mimeType, QMetaType type) const override
+    {
+        if (!hasFormat(mimeType))
+            return QVariant();
+        if (mimeType == QLatin1String("application/x-qt-image") && type.id() != QMetaType::QByteArray)
+            return renderPictureImage(mPicture, Qt::white);
+        auto cached = mCache.constFind(mimeType);
+        if (cached != mCache.constEnd())
+            return *cached;
+        QByteArray bytes;
+        if (mimeType == QLatin1String("image/svg+xml"))
+            bytes = encodePicture(mPicture, PictureFormat::Svg);
+        else if (mimeType == QLatin1String(EmfMime) || mimeType == QLatin1String(WindowsEmfMime))
+            bytes = encodePicture(mPicture, PictureFormat::Emf);
+        else
+            bytes = encodePicture(mPicture, PictureFormat::Png);
+        mCache.insert(mimeType, bytes);
+        return bytes;
+    }
+
+private:
+    Picture mPicture;
+    bool mMetafiles;
+    mutable QHash<QString, QByteArray> mCache;
+};
+
+// A picture that can be made at all: its size fits an image.
+bool canBeMade(const Picture &picture)
+{
+    return picture.isValid() && qint64(picture.size.width()) * picture.size.height() <= qint64(256) * 1024 * 1024;
+}
+
 } // namespace
+
+void settlePictureClipboard(QClipboard *clipboard)
+{
+    clipboard = clipboardOr(clipboard);
+    const auto *lazy = dynamic_cast<const PictureMimeData *>(clipboard->mimeData());
+    if (!lazy)
+        return;
+    auto *settled = new QMimeData;
+    for (const QString &format : lazy->formats())
+        if (format != QLatin1String("application/x-qt-image"))
+            settled->setData(format, lazy->data(format));
+    settled->setImageData(lazy->imageData());
+    clipboard->setMimeData(settled);
+}
 
 int copyPictureToClipboard(const Picture &picture, QClipboard *clipboard)
 {
-    const QImage image = renderPictureImage(picture, Qt::white);
-    const QByteArray png = encodePicture(picture, PictureFormat::Png);
-    if (image.isNull() || png.isEmpty())
+    if (!canBeMade(picture))
         return ClipboardNoPicture;
-    auto *data = new QMimeData;
-    data->setData(QStringLiteral("image/png"), png);
-    data->setData(QStringLiteral("image/svg+xml"), encodePicture(picture, PictureFormat::Svg));
-    const QByteArray emf = encodePicture(picture, PictureFormat::Emf);
-    if (!emf.isEmpty()) {
-        data->setData(QString::fromLatin1(EmfMime), emf);
-        data->setData(QString::fromLatin1(WindowsEmfMime), emf);
-    }
-    data->setImageData(image);
-    return setMime(clipboardOr(clipboard), data, QStringLiteral("image/png"));
+    return setMime(clipboardOr(clipboard), new PictureMimeData(picture, true), QStringLiteral("image/png"));
 }
 
 int copyTextToClipboard(const QString &text, QClipboard *clipboard)
@@ -272,15 +327,10 @@ Picture basicGraphPicture(const QSize &clientSize, const BasicGraphPictureOption
 
 int copyChartPicture(const Picture &picture, qint32 graphCopyFormat, QClipboard *clipboard)
 {
-    if (graphCopyFormat == 1)
-        return copyPictureToClipboard(picture, clipboard);
-    const QImage image = renderPictureImage(picture, Qt::white);
-    if (image.isNull())
+    if (!canBeMade(picture))
         return ClipboardNoPicture;
-    auto *data = new QMimeData;
-    data->setImageData(image);
-    data->setData(QStringLiteral("image/png"), encodePicture(picture, PictureFormat::Png));
-    return setMime(clipboardOr(clipboard), data, QStringLiteral("image/png"));
+    return setMime(clipboardOr(clipboard), new PictureMimeData(picture, graphCopyFormat == 1),
+                   QStringLiteral("image/png"));
 }
 
 bool copyGraphPicture(const Picture &picture, const StatusReporter &status)

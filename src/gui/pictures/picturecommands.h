@@ -35,6 +35,10 @@ enum ClipboardError : int {
 /// Puts the picture on the clipboard as PNG, SVG, EMF (for programs that
 /// take Windows metafiles) and a plain image.
 int copyPictureToClipboard(const Picture &picture, QClipboard *clipboard = nullptr);
+/// The formats of a picture are made when another program asks for them.
+/// Before what the picture draws goes away (the document closes), this
+/// makes every format of a picture still on the clipboard.
+void settlePictureClipboard(QClipboard *clipboard = nullptr);
 /// Clears the clipboard and sets `text` as plain text.
 int copyTextToClipboard(const QString &text, QClipboard *clipboard = nullptr);
 
