@@ -49,6 +49,8 @@ public:
         ++mRecords;
     }
 
+    void reserve(qsizetype bytes) { mData.reserve(bytes); }
+
     void selectPen(const MetafilePen &pen)
     {
         if (!pen.visible) {
@@ -265,6 +267,7 @@ QByteArray encodeEmf(const MetafileRecording &recording, const QString &descript
     if (recording.size.isEmpty())
         return QByteArray();
     EmfBuilder emf;
+    emf.reserve(qsizetype(recording.ops.size()) * 64);
     emf.add(U_EMRSETMAPMODE_set(U_MM_TEXT));
     emf.add(U_EMRSETBKMODE_set(U_TRANSPARENT));
     emf.add(U_EMRSETTEXTALIGN_set(U_TA_BASELINE));

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 
 namespace kel {
 
@@ -164,26 +165,48 @@ public:
         const QString text = textItem.text();
         if (text.isEmpty())
             return;
-        const QFont font = textItem.font();
+        // Consecutive texts mostly share one font: its description and
+        // metrics are worked out once per font.
+        const QFont &font = textItem.font();
+        if (!mTextFont || !(font == *mTextFont) || mTextTransform != mTransform) {
+            mTextFont = font;
+            mTextTransform = mTransform;
+            mTextMetrics.emplace(font, mDevice);
+            mScaleX = std::hypot(mTransform.m11(), mTransform.m12());
+            const qreal scaleY = std::hypot(mTransform.m21(), mTransform.m22());
+            const qreal em =
+                font.pixelSize() > 0 ? font.pixelSize() : font.pointSizeF() * MetafileDotsPerInch / 72.0;
+            mTextLook.family = font.family();
+            mTextLook.pixelHeight = std::max(1, qRound(em * scaleY));
+            mTextLook.weight = std::clamp(int(font.weight()), 100, 900);
+            mTextLook.italic = font.italic();
+            mTextLook.escapement =
+                qRound(-qRadiansToDegrees(std::atan2(mTransform.m12(), mTransform.m11())) * 10.0);
+        }
         MetafileOp op;
         op.kind = MetafileOp::Text;
         op.text = text;
         op.origin = mTransform.map(p).toPoint();
-        const qreal scaleX = std::hypot(mTransform.m11(), mTransform.m12());
-        const qreal scaleY = std::hypot(mTransform.m21(), mTransform.m22());
-        const qreal em = font.pixelSize() > 0 ? font.pixelSize() : font.pointSizeF() * MetafileDotsPerInch / 72.0;
-        op.font.family = font.family();
-        op.font.pixelHeight = std::max(1, qRound(em * scaleY));
-        op.font.weight = std::clamp(int(font.weight()), 100, 900);
-        op.font.italic = font.italic();
-        op.font.escapement = qRound(-qRadiansToDegrees(std::atan2(mTransform.m12(), mTransform.m11())) * 10.0);
-        // Advances from the positions of the text's ends, so that rounding
-        // never adds up along a long label.
-        const QFontMetricsF metrics(font, mDevice);
+        op.font = mTextLook;
+        // Advances from the running sum of the characters' own widths
+        // (measuring whole prefixes would lay the text out again each time),
+        // rounded at each end so that rounding never adds up along a label.
         op.advances.reserve(std::size_t(text.size()));
+        qreal position = 0;
         int previous = 0;
         for (qsizetype i = 0; i < text.size(); ++i) {
-            const int next = qRound(metrics.horizontalAdvance(text.left(i + 1)) * scaleX);
+            const QChar c = text.at(i);
+            if (c.isHighSurrogate() && i + 1 < text.size() && text.at(i + 1).isLowSurrogate()) {
+                position += mTextMetrics->horizontalAdvance(text.mid(i, 2));
+                const int next = qRound(position * mScaleX);
+                op.advances.push_back(next - previous);
+                op.advances.push_back(0);
+                previous = next;
+                ++i;
+                continue;
+            }
+            position += mTextMetrics->horizontalAdvance(c);
+            const int next = qRound(position * mScaleX);
             op.advances.push_back(next - previous);
             previous = next;
         }
@@ -237,6 +260,12 @@ private:
     QPen mPen;
     QBrush mBrush;
     QFont mFont;
+    // The last text's font, as drawn.
+    std::optional<QFont> mTextFont;
+    QTransform mTextTransform;
+    std::optional<QFontMetricsF> mTextMetrics;
+    qreal mScaleX = 1.0;
+    MetafileFont mTextLook;
 };
 
 MetafilePaintDevice::MetafilePaintDevice(const QSize &size)

@@ -13,6 +13,7 @@
 #include <QRgb>
 #include <QString>
 
+#include <deque>
 #include <memory>
 #include <vector>
 
@@ -60,7 +61,9 @@ struct MetafileOp {
 
 struct MetafileRecording {
     QSize size; ///< pixels
-    std::vector<MetafileOp> ops;
+    /// A deque: a sheet records a few hundred thousand operations, which a
+    /// vector would copy again at every growth.
+    std::deque<MetafileOp> ops;
 };
 
 /// A QPaintDevice that records into a MetafileRecording. Paint on it with a
