@@ -113,6 +113,18 @@ public:
         select(created, mFont);
     }
 
+    // Fills do not depend on the background mode, but libwmf's readers
+    // draw every fill half transparent under the transparent mode: shapes
+    // are drawn in the opaque mode, texts (which must not get a background
+    // box) in the transparent one.
+    void setOpaqueBackground(bool opaque)
+    {
+        if (mOpaque == opaque)
+            return;
+        mOpaque = opaque;
+        add(U_WMRSETBKMODE_set(opaque ? U_OPAQUE : U_TRANSPARENT));
+    }
+
     void setTextColour(QRgb colour)
     {
         if (mTextColour == colour)
@@ -165,6 +177,7 @@ private:
     ObjectCache<MetafileFont> mFonts;
     int mPen = -1, mBrush = -1, mFont = -1;
     QRgb mTextColour = 0xFF000000;
+    bool mOpaque = false;
 };
 
 void addShape(WmfBuilder &wmf, const MetafileOp &op)
@@ -197,6 +210,7 @@ void addText(WmfBuilder &wmf, const MetafileOp &op)
         dx.push_back(int16_t(std::clamp(op.advances[std::size_t(i)], -0x7FFF, 0x7FFF)));
     wmf.selectFont(op.font);
     wmf.setTextColour(op.pen.colour);
+    wmf.setOpaqueBackground(false);
     wmf.add(U_WMREXTTEXTOUT_set(point16(op.origin), int16_t(text.size()), 0, text.constData(), dx.data(),
                                 U_RECT16_set(point16_set(0, 0), point16_set(0, 0))));
 }
@@ -232,10 +246,13 @@ QByteArray encodeWmf(const MetafileRecording &recording)
     wmf.add(U_WMRSETWINDOWORG_set(point16_set(0, 0)));
     wmf.add(U_WMRSETWINDOWEXT_set(point16_set(int16_t(recording.size.width()), int16_t(recording.size.height()))));
     wmf.add(U_WMRSETBKMODE_set(U_TRANSPARENT));
+    wmf.add(U_WMRSETROP2_set(U_R2_COPYPEN));
     wmf.add(U_WMRSETTEXTALIGN_set(U_TA_BASELINE));
     wmf.add(U_WMRSETPOLYFILLMODE_set(U_ALTERNATE));
     wmf.add(U_WMRSETTEXTCOLOR_set(colourRef(0xFF000000)));
     for (const MetafileOp &op : recording.ops) {
+        if (op.kind != MetafileOp::Text)
+            wmf.setOpaqueBackground(true);
         switch (op.kind) {
         case MetafileOp::FillRect: {
             const QRect r = op.rect.adjusted(0, 0, 1, 1);
