@@ -19,6 +19,7 @@
 #include <QComboBox>
 #include <QFile>
 #include <QLineEdit>
+#include <QMenu>
 #include <QMimeData>
 #include <QPainter>
 #include <QPrinter>
@@ -271,6 +272,30 @@ TEST_F(OverviewCommandsTest, CopiesPictureAndData)
     EXPECT_EQ(afterClose.size(), copied.size());
     EXPECT_TRUE(QApplication::clipboard()->mimeData()->data(QStringLiteral("image/x-emf")).startsWith(
         QByteArray::fromHex("01000000")));
+}
+
+TEST_F(OverviewCommandsTest, CopiesTheRowUnderThePopup)
+{
+    SheetHit hit;
+    hit.place = SheetPlace::AnswerCell;
+    hit.column = 1;
+    hit.line = 3;
+    hit.question = mWindow->sheetView()->input().columns[1];
+    hit.row = 7;
+    emit mWindow->sheetView()->popupRequested(hit, QPoint(10, 10));
+    mWindow->menus().mnuPopUp->hide();
+    EXPECT_EQ(mCommands->popupRow(), 7);
+    mWindow->menus().mnuPCopyThisRowsAnswers->trigger();
+    const QString text = QApplication::clipboard()->text();
+    EXPECT_EQ(text, rowAnswersText(*mWindow->document(), 7, mWindow->sheetView()->input().columns));
+    EXPECT_TRUE(text.startsWith(QStringLiteral("A0. I like it here\t"))) << text.toStdString();
+
+    // A header line has no row: nothing is copied from there.
+    hit.place = SheetPlace::CodeLine;
+    hit.row = -1;
+    emit mWindow->sheetView()->popupRequested(hit, QPoint(10, 10));
+    mWindow->menus().mnuPopUp->hide();
+    EXPECT_EQ(mCommands->popupRow(), -1);
 }
 
 TEST_F(OverviewCommandsTest, SavesAsChosenAndRemembersIt)
