@@ -56,8 +56,8 @@ public:
             mPen = state.pen();
         if (flags & DirtyBrush)
             mBrush = state.brush();
-        if (flags & DirtyFont)
-            mFont = state.font();
+        // Texts arrive with their own font (QTextItem), so the painter's
+        // font needs no tracking.
         if (flags & DirtyTransform)
             mTransform = state.transform();
     }
@@ -259,7 +259,6 @@ private:
     QTransform mTransform;
     QPen mPen;
     QBrush mBrush;
-    QFont mFont;
     // The last text's font, as drawn.
     std::optional<QFont> mTextFont;
     QTransform mTextTransform;
