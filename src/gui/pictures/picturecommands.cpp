@@ -370,12 +370,13 @@ bool saveGraphPicture(QWidget *parent, const Picture &picture, SaveKind kind, bo
         return false;
     }
     WaitCursor wait;
-    QString error;
-    if (!writePicture(picture, *choice.format, choice.path, &error)) {
+    // The writer's own reason is for logs and the command line; the user
+    // gets the message in the interface's language and the file's name.
+    if (!writePicture(picture, *choice.format, choice.path)) {
         status("The graph could not be saved!", "Grafen kunde inte sparas!", true);
         QMessageBox::critical(parent, applicationTitle(),
                               pickText(isSwedish, "The graph could not be saved!", "Grafen kunde inte sparas!")
-                                  + QStringLiteral("\n\n") + error);
+                                  + QStringLiteral("\n\n") + QDir::toNativeSeparators(choice.path));
         return false;
     }
     status("The graph has been saved!", "Grafen har sparats!", true);
