@@ -219,13 +219,14 @@ TEST(PictureCommands, PrintsToPdfWithTheCreatedByLine)
 class OverviewCommandsTest : public testing::Test
 {
 protected:
-    void SetUp() override
+    void SetUp() override { start(false); }
+    void start(bool isSwedish)
     {
         SettingsLocation l;
         l.file = mDir.filePath(QStringLiteral("KEL Viewer.ini"));
         l.policyFile = mDir.filePath(QStringLiteral("policy.ini"));
         mStore = std::make_unique<SettingsStore>(l);
-        mWindow = std::make_unique<MainWindow>(*mStore, false, MainWindowEnvironment{});
+        mWindow = std::make_unique<MainWindow>(*mStore, isSwedish, MainWindowEnvironment{});
         mCommands = mWindow->findChild<OverviewCommands *>();
         ASSERT_TRUE(mCommands);
         mCommands->setMessageHandler([this](QMessageBox::Icon, const QString &title, const QString &text) {
@@ -333,6 +334,31 @@ TEST_F(OverviewCommandsTest, SavesAsChosenAndRemembersIt)
     answerPath.clear();
     mWindow->menus().mnuFSaveAs->trigger();
     EXPECT_EQ(mWindow->statusLine().text(), QString());
+}
+
+TEST_F(OverviewCommandsTest, SwedishTexts)
+{
+    mWindow.reset();
+    start(true);
+    mWindow->menus().mnuECopy->trigger();
+    EXPECT_EQ(mWindow->statusLine().text(), QStringLiteral("Översikt kopierad!"));
+    QString seenTitle;
+    QStringList seenFilters;
+    mCommands->setFileChooser([&](const QString &title, const QString &, const QString &, const QStringList &filters,
+                                  int) {
+        seenTitle = title;
+        seenFilters = filters;
+        return std::make_pair(mDir.filePath(QStringLiteral("x.emf")), QStringLiteral("?"));
+    });
+    mWindow->menus().mnuFSaveAs->trigger();
+    EXPECT_EQ(seenTitle, QStringLiteral("Spara översikt"));
+    EXPECT_EQ(seenFilters, QStringList({QStringLiteral("Windows utökad metafil (*.emf)"),
+                                        QStringLiteral("Windows metafil (*.wmf)")}));
+    ASSERT_EQ(mMessages.size(), 1);
+    EXPECT_EQ(mMessages[0], QStringLiteral("Spara översikt|Översikten kunde inte sparas eftersom du inte angav vilket "
+                                           "filformat du ville ha!"));
+    mCommands->printOverview(); // the menu item needs a printer
+    EXPECT_EQ(mWindow->statusLine().text(), QStringLiteral("Översikt utskriven!"));
 }
 
 } // namespace
