@@ -189,6 +189,37 @@ TEST(EmfFile, HeaderAndRecordsCarryTheDrawing)
                     .startsWith(QStringLiteral("KEL Viewer")));
 }
 
+TEST(Metafiles, PenStylesAndWidths)
+{
+    Picture p;
+    p.size = QSize(100, 100);
+    p.paint = [](QPainter &painter) {
+        painter.setPen(QPen(Qt::black, 1, Qt::DashLine));
+        painter.drawLine(0, 10, 90, 10);
+        painter.setPen(QPen(Qt::blue, 3, Qt::DotLine));
+        painter.drawLine(0, 20, 90, 20);
+        painter.scale(2, 2); // a 2-pixel pen drawn at twice the size
+        painter.setPen(QPen(Qt::red, 2));
+        painter.drawLine(0, 20, 40, 20);
+    };
+    const QByteArray emf = encodePicture(p, PictureFormat::Emf);
+    bool ok = false;
+    QStringList pens;
+    for (const MetaRecord &r : emfRecords(emf, &ok))
+        if (r.type == 38) // CREATEPEN: handle, style, width
+            pens << QStringLiteral("%1/%2").arg(u32At(emf, r.offset + 12)).arg(i32At(emf, r.offset + 16));
+    ASSERT_TRUE(ok);
+    EXPECT_EQ(pens, QStringList({QStringLiteral("1/1"), QStringLiteral("2/3"), QStringLiteral("0/4")}));
+
+    const QByteArray wmf = encodePicture(p, PictureFormat::Wmf);
+    QStringList wmfPens;
+    for (const MetaRecord &r : wmfRecords(wmf, &ok))
+        if (r.type == 0x02FA) // CREATEPENINDIRECT: style, width
+            wmfPens << QStringLiteral("%1/%2").arg(u16At(wmf, r.offset + 6)).arg(i16At(wmf, r.offset + 8));
+    ASSERT_TRUE(ok);
+    EXPECT_EQ(wmfPens, pens);
+}
+
 TEST(RasterFiles, ReadBackWithTheirColours)
 {
     for (PictureFormat format : {PictureFormat::Png, PictureFormat::Bmp, PictureFormat::Jpg, PictureFormat::Gif}) {

@@ -66,7 +66,7 @@ public:
             remove(mPens.evict(int(mPen)));
         const int created = mSlots.take();
         add(U_EMRCREATEPEN_set(uint32_t(created),
-                               logpen_set(U_PS_SOLID, point32_set(pen.width, 0), colourRef(pen.colour))));
+                               logpen_set(uint32_t(pen.style), point32_set(pen.width, 0), colourRef(pen.colour))));
         mPens.add(pen, created);
         select(uint32_t(created), mPen);
     }
@@ -278,7 +278,7 @@ QByteArray encodeEmf(const MetafileRecording &recording, const QString &descript
         case MetafileOp::FillRect: {
             // An outline in the fill's colour makes the rectangle cover its
             // right and bottom edge too, as the painter's fill does.
-            emf.selectPen(MetafilePen{true, op.brush.colour, 1});
+            emf.selectPen(MetafilePen{true, op.brush.colour, 1, MetafilePen::Solid});
             emf.selectBrush(op.brush);
             emf.add(U_EMRRECTANGLE_set(rectl(op.rect.adjusted(0, 0, 1, 1))));
             break;

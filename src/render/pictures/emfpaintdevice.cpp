@@ -233,6 +233,13 @@ private:
         const qreal scale = std::sqrt(std::abs(mTransform.determinant()));
         p.width = mPen.isCosmetic() ? std::max(1, qRound(mPen.widthF()))
                                     : std::max(1, qRound(mPen.widthF() * scale));
+        switch (mPen.style()) {
+        case Qt::DashLine: p.style = MetafilePen::Dash; break;
+        case Qt::DotLine: p.style = MetafilePen::Dot; break;
+        case Qt::DashDotLine: p.style = MetafilePen::DashDot; break;
+        case Qt::DashDotDotLine: p.style = MetafilePen::DashDotDot; break;
+        default: p.style = MetafilePen::Solid; break; // custom dashes draw solid
+        }
         return p;
     }
     MetafileBrush brush() const

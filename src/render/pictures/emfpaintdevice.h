@@ -23,9 +23,12 @@ namespace kel {
 inline constexpr int MetafileDotsPerInch = 96;
 
 struct MetafilePen {
+    /// Line styles as the metafile formats number them.
+    enum Style : int { Solid = 0, Dash = 1, Dot = 2, DashDot = 3, DashDotDot = 4 };
     bool visible = false;
     QRgb colour = 0xFF000000;
     int width = 1; ///< pixels, at least 1
+    int style = Solid;
     bool operator==(const MetafilePen &) const = default;
 };
 

@@ -67,7 +67,7 @@ public:
         if (mPens.isFull())
             remove(mPens.evict(mPen));
         const int created = mSlots.take();
-        add(U_WMRCREATEPENINDIRECT_set(U_PEN_set(pen.visible ? U_PS_SOLID : U_PS_NULL,
+        add(U_WMRCREATEPENINDIRECT_set(U_PEN_set(pen.visible ? uint16_t(pen.style) : uint16_t(U_PS_NULL),
                                                  uint16_t(std::clamp(pen.width, 1, 0x7FFF)), colourRef(pen.colour))));
         mPens.add(look, created);
         select(created, mPen);
@@ -258,7 +258,7 @@ QByteArray encodeWmf(const MetafileRecording &recording)
             const QRect r = op.rect.adjusted(0, 0, 1, 1);
             if (!fitsInt16(r))
                 break;
-            wmf.selectPen(MetafilePen{true, op.brush.colour, 1});
+            wmf.selectPen(MetafilePen{true, op.brush.colour, 1, MetafilePen::Solid});
             wmf.selectBrush(op.brush);
             wmf.add(U_WMRRECTANGLE_set(U_RECT16_set(point16(r.topLeft()), point16(r.bottomRight()))));
             break;
