@@ -220,6 +220,65 @@ TEST(Metafiles, PenStylesAndWidths)
     EXPECT_EQ(wmfPens, pens);
 }
 
+TEST(Metafiles, ClipsAreSavedStates)
+{
+    Picture p;
+    p.size = QSize(100, 100);
+    p.paint = [](QPainter &painter) {
+        painter.save();
+        painter.translate(10, 10);
+        painter.setClipRect(QRect(0, 0, 30, 20));
+        painter.fillRect(QRect(0, 0, 90, 90), Qt::red);
+        painter.restore();
+        painter.fillRect(QRect(50, 50, 10, 10), Qt::red);
+    };
+    const QByteArray emf = encodePicture(p, PictureFormat::Emf);
+    bool ok = false;
+    QStringList steps;
+    for (const MetaRecord &r : emfRecords(emf, &ok)) {
+        if (r.type == 33)
+            steps << QStringLiteral("save");
+        else if (r.type == 30)
+            steps << QStringLiteral("clip %1,%2,%3,%4")
+                         .arg(i32At(emf, r.offset + 8))
+                         .arg(i32At(emf, r.offset + 12))
+                         .arg(i32At(emf, r.offset + 16))
+                         .arg(i32At(emf, r.offset + 20));
+        else if (r.type == 34)
+            steps << QStringLiteral("restore");
+        else if (r.type == 37)
+            steps << QStringLiteral("select");
+        else if (r.type == 43)
+            steps << QStringLiteral("rect");
+    }
+    ASSERT_TRUE(ok);
+    // The clip is in device pixels (the translation applied); after the
+    // restore the fill's objects are selected again.
+    EXPECT_EQ(steps.join(QLatin1Char(' ')),
+              QStringLiteral("save clip 10,10,40,30 select select rect restore select select rect"));
+
+    const QByteArray wmf = encodePicture(p, PictureFormat::Wmf);
+    QStringList wmfSteps;
+    for (const MetaRecord &r : wmfRecords(wmf, &ok)) {
+        if (r.type == 0x001E)
+            wmfSteps << QStringLiteral("save");
+        else if (r.type == 0x0416) // bottom, right, top, left
+            wmfSteps << QStringLiteral("clip %1,%2,%3,%4")
+                            .arg(i16At(wmf, r.offset + 12))
+                            .arg(i16At(wmf, r.offset + 10))
+                            .arg(i16At(wmf, r.offset + 8))
+                            .arg(i16At(wmf, r.offset + 6));
+        else if (r.type == 0x0127)
+            wmfSteps << QStringLiteral("restore");
+        else if (r.type == 0x012D)
+            wmfSteps << QStringLiteral("select");
+        else if (r.type == 0x041B)
+            wmfSteps << QStringLiteral("rect");
+    }
+    ASSERT_TRUE(ok);
+    EXPECT_EQ(wmfSteps, steps);
+}
+
 TEST(RasterFiles, ReadBackWithTheirColours)
 {
     for (PictureFormat format : {PictureFormat::Png, PictureFormat::Bmp, PictureFormat::Jpg, PictureFormat::Gif}) {

@@ -119,6 +119,26 @@ public:
         add(U_EMRSETTEXTCOLOR_set(colourRef(colour)));
     }
 
+    // A clip lives in a saved state of the player: restoring it lifts the
+    // clip, and brings back the objects and text colour selected when it
+    // was saved, so those are selected again as needed.
+    void setClip(bool clipped, const QRect &rect)
+    {
+        if (!clipped && !mClipped)
+            return;
+        if (mClipped) {
+            add(U_EMRRESTOREDC_set(-1));
+            mPen = mBrush = mFont = 0;
+            mTextColour = 0;
+        }
+        mClipped = clipped;
+        if (clipped) {
+            add(U_EMRSAVEDC_set());
+            add(U_EMRINTERSECTCLIPRECT_set(rectl(rect.isEmpty() ? QRect(rect.topLeft(), QSize(0, 0))
+                                                                : rect.adjusted(0, 0, 1, 1))));
+        }
+    }
+
     QByteArray finish(const QSize &size, const QString &description)
     {
         EMFTRACK track{};
@@ -179,6 +199,7 @@ private:
     ObjectCache<MetafileFont> mFonts;
     uint32_t mPen = 0, mBrush = 0, mFont = 0;
     QRgb mTextColour = 0xFF000000;
+    bool mClipped = false;
 };
 
 void addShape(EmfBuilder &emf, const MetafileOp &op)
@@ -298,6 +319,9 @@ QByteArray encodeEmf(const MetafileRecording &recording, const QString &descript
             break;
         case MetafileOp::Image:
             addImage(emf, op);
+            break;
+        case MetafileOp::Clip:
+            emf.setClip(op.clipped, op.rect);
             break;
         }
     }

@@ -39,6 +39,7 @@ public:
         mTransform = QTransform();
         mPen = QPen();
         mBrush = QBrush();
+        mClip.reset();
         setActive(true);
         return true;
     }
@@ -60,6 +61,8 @@ public:
         // font needs no tracking.
         if (flags & DirtyTransform)
             mTransform = state.transform();
+        if (flags & (DirtyClipRegion | DirtyClipPath | DirtyClipEnabled))
+            updateClip(state, flags);
     }
 
     void drawRects(const QRectF *rects, int rectCount) override
@@ -215,6 +218,35 @@ public:
         mRecording.ops.push_back(std::move(op));
     }
 
+    // Clips are kept as their bounding rectangles in device pixels: what
+    // this program draws clips to rectangles (chart plot areas, text boxes).
+    // The painter replays saved clips with the transform they were made
+    // under, which the state carries.
+    void updateClip(const QPaintEngineState &state, DirtyFlags flags)
+    {
+        std::optional<QRect> clip = mClip;
+        if (flags & (DirtyClipRegion | DirtyClipPath)) {
+            const Qt::ClipOperation operation = state.clipOperation();
+            const QRect area = (flags & DirtyClipPath)
+                                   ? state.transform().map(state.clipPath()).boundingRect().toAlignedRect()
+                                   : state.transform().map(state.clipRegion()).boundingRect();
+            if (operation == Qt::NoClip)
+                clip.reset();
+            else if (operation == Qt::IntersectClip && clip)
+                clip = clip->intersected(area);
+            else
+                clip = area;
+        }
+        if ((flags & DirtyClipEnabled) && !state.isClipEnabled())
+            clip.reset();
+        mClip = clip;
+        MetafileOp op;
+        op.kind = MetafileOp::Clip;
+        op.clipped = clip.has_value();
+        op.rect = clip.value_or(QRect());
+        mRecording.ops.push_back(std::move(op));
+    }
+
     const MetafileRecording &recording() const { return mRecording; }
     MetafileRecording take()
     {
@@ -264,6 +296,7 @@ private:
     MetafileRecording mRecording;
     QPaintDevice *mDevice = nullptr;
     QTransform mTransform;
+    std::optional<QRect> mClip;
     QPen mPen;
     QBrush mBrush;
     // The last text's font, as drawn.

@@ -48,7 +48,9 @@ struct MetafileFont {
 };
 
 struct MetafileOp {
-    enum Kind { FillRect, Polygon, PolyPolygon, Polyline, Text, Image };
+    /// Clip: from here on drawing is limited to `rect` (device pixels,
+    /// possibly empty) when `clipped`, else not limited.
+    enum Kind { FillRect, Polygon, PolyPolygon, Polyline, Text, Image, Clip };
     Kind kind = FillRect;
     QRect rect;                  ///< FillRect, Image (target)
     std::vector<QPolygon> shapes; ///< Polygon/Polyline: one; PolyPolygon: several
@@ -60,6 +62,7 @@ struct MetafileOp {
     std::vector<int> advances; ///< per UTF-16 unit, pixels
     MetafileFont font;
     QImage image;
+    bool clipped = false;
 };
 
 struct MetafileRecording {

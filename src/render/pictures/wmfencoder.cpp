@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <optional>
 
 namespace kel {
 
@@ -133,6 +134,26 @@ public:
         add(U_WMRSETTEXTCOLOR_set(colourRef(colour)));
     }
 
+    // As in the EMF writer: a clip is a saved state, and restoring it
+    // brings back what was selected when it was saved.
+    void setClip(bool clipped, const QRect &rect)
+    {
+        if (!clipped && !mClipped)
+            return;
+        if (mClipped) {
+            add(U_WMRRESTOREDC_set(-1));
+            mPen = mBrush = mFont = -1;
+            mTextColour = 0;
+            mOpaque.reset();
+        }
+        mClipped = clipped;
+        if (clipped) {
+            add(U_WMRSAVEDC_set());
+            const QRect r = rect.isEmpty() ? QRect(rect.topLeft(), QSize(0, 0)) : rect.adjusted(0, 0, 1, 1);
+            add(U_WMRINTERSECTCLIPRECT_set(U_RECT16_set(point16(r.topLeft()), point16(r.bottomRight()))));
+        }
+    }
+
     bool failed() const { return mFailed; }
 
     /// The metafile's own 18-byte header and the records after it.
@@ -177,7 +198,8 @@ private:
     ObjectCache<MetafileFont> mFonts;
     int mPen = -1, mBrush = -1, mFont = -1;
     QRgb mTextColour = 0xFF000000;
-    bool mOpaque = false;
+    std::optional<bool> mOpaque = false; ///< none: not known after a restore
+    bool mClipped = false;
 };
 
 void addShape(WmfBuilder &wmf, const MetafileOp &op)
@@ -251,7 +273,7 @@ QByteArray encodeWmf(const MetafileRecording &recording)
     wmf.add(U_WMRSETPOLYFILLMODE_set(U_ALTERNATE));
     wmf.add(U_WMRSETTEXTCOLOR_set(colourRef(0xFF000000)));
     for (const MetafileOp &op : recording.ops) {
-        if (op.kind != MetafileOp::Text)
+        if (op.kind != MetafileOp::Text && op.kind != MetafileOp::Clip)
             wmf.setOpaqueBackground(true);
         switch (op.kind) {
         case MetafileOp::FillRect: {
@@ -278,6 +300,9 @@ QByteArray encodeWmf(const MetafileRecording &recording)
             break;
         case MetafileOp::Image:
             break; // bitmaps are kept in EMF pictures only; nothing drawn here needs one
+        case MetafileOp::Clip:
+            wmf.setClip(op.clipped, op.rect);
+            break;
         }
     }
     const QByteArray body = wmf.finish();
