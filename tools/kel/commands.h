@@ -10,6 +10,8 @@
 
 #include <memory>
 
+class QCoreApplication;
+
 namespace kel::cli {
 
 /// Exit status for a command line that makes no sense: EX_USAGE of
@@ -62,5 +64,10 @@ DocumentCommand findDocumentCommand(const QString &name);
 int selectCommand(const Document &doc, const QStringList &args, CommandOutput &output);
 int indexesCommand(const Document &doc, const QStringList &args, CommandOutput &output);
 int graphCommand(const Document &doc, const QStringList &args, CommandOutput &output);
+int renderCommand(const Document &doc, const QStringList &args, CommandOutput &output);
+
+/// The application object: a GUI one (off-screen without a display) for the
+/// commands that draw pictures, a core one for the others.
+std::unique_ptr<QCoreApplication> makeApplication(int &argc, char **argv);
 
 } // namespace kel::cli

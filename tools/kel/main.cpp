@@ -37,6 +37,9 @@ const Command Commands[] = {
     {"graph", kel::cli::graphCommand,
      "graph FILE [--select SPEC] [--flex OPTS] [--flex-current] [--reversed] [--short-names] [--locale NAME] "
      "KIND [KIND OPTIONS]"},
+    {"render", kel::cli::renderCommand,
+     "render FILE [selection options] overview [--mode 1|2|3] [--headers-only] | graph KIND [graph options] "
+     "-o OUT.emf|wmf|png|bmp|jpg|gif|svg|pdf"},
 };
 
 QString usageText()
@@ -68,7 +71,7 @@ kel::cli::DocumentCommand kel::cli::findDocumentCommand(const QString &name)
 
 int main(int argc, char *argv[])
 {
-    QCoreApplication app(argc, argv);
+    const auto app = kel::cli::makeApplication(argc, argv);
     QStringList args = QCoreApplication::arguments().mid(1);
     if (args.isEmpty())
         return usage();

@@ -50,13 +50,6 @@ inline constexpr int MenuCommandCount = int(MenuCommand::Count);
 /// whatever the state, so that nothing is enabled without an action behind
 /// it; whoever builds one removes it from this list.
 inline constexpr MenuCommand NotYetBuiltCommands[] = {
-    MenuCommand::SaveOverviewAs,
-    MenuCommand::PrintOverview,
-    MenuCommand::PrintFormat,
-    MenuCommand::CopyOverview,
-    MenuCommand::CopyHeadersAndTotals,
-    MenuCommand::CopyData,
-    MenuCommand::CopyThisRowsAnswers,
     MenuCommand::Export,
 };
 

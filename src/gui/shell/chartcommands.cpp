@@ -133,7 +133,7 @@ void ChartCommands::totalIndexGraph()
         status.clearStatus();
         return;
     }
-    dialog.storeSettings(mWindow.editableLastSettings());
+    dialog.storeSettings(mWindow.lastSettings());
     WaitCursor wait;
     showChart(generateIndexGraph(doc, context(), dialog.request()));
     status.setStatus("Total index graph generated!", "Totalindexgraf skapad!", true);
@@ -152,7 +152,7 @@ void ChartCommands::blockIndexGraph(qint32 block)
         status.clearStatus();
         return;
     }
-    dialog.storeSettings(mWindow.editableLastSettings());
+    dialog.storeSettings(mWindow.lastSettings());
     WaitCursor wait;
     showChart(generateIndexGraph(*doc, context(), dialog.request()));
     status.setStatus("Block index graph generated!", "Blockindexgraf skapad!", true);
@@ -206,7 +206,7 @@ void ChartCommands::distributionGraph()
         status.clearStatus();
         return;
     }
-    dialog.storeSettings(mWindow.editableLastSettings());
+    dialog.storeSettings(mWindow.lastSettings());
     WaitCursor wait;
     showChart(generateDistributionGraph(doc, context(), mWindow.shownSheet().selection, dialog.request()));
     status.setStatus("Distribution graph generated!", "Fördelningsgraf skapad!", true);

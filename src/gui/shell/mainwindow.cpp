@@ -2,6 +2,8 @@
 #include "gui/shell/mainwindow.h"
 #include "gui/common/placement.h"
 
+#include "gui/shell/overviewpicturecommands.h"
+
 #include "gui/shell/aboutbox.h"
 #include "gui/shell/chartcommands.h"
 #include "engine/document/documentsession.h"
@@ -147,6 +149,7 @@ MainWindow::MainWindow(SettingsStore &settings, bool isSwedish, const MainWindow
     connectDocumentCommands();
     connectBasicGraphCommands(*this);
     mCharts = new ChartCommands(*this);
+    new OverviewCommands(*this);
 
     mLastSettings = mSettings.readLastSettings();
     resolveDefaultFolders(mLastSettings, documentsFolder(), picturesFolder());

@@ -76,12 +76,13 @@ public:
     SheetView *sheetView() const { return mSheet; }
     const LastSettings &lastSettings() const { return mLastSettings; }
     /// The launch dialogs of graphs remember their choices here.
-    LastSettings &editableLastSettings() { return mLastSettings; }
     /// The overview Show built last (rows, selection text, privacy steps).
     const SubSheet &shownSheet() const { return mShownSheet; }
     /// Where the overview's popup menu was opened last.
     const SheetHit &lastPopupHit() const;
     ChartCommands &chartCommands() { return *mCharts; }
+    /// The save and print commands remember folders, formats and margins here.
+    LastSettings &lastSettings() { return mLastSettings; }
     const UserOptions &options() const { return mOptions; }
     bool isSwedish() const { return mIsSwedish; }
 

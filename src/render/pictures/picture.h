@@ -1,17 +1,35 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// A picture that copy, save and print can draw at its size.
+// A picture is a size and a routine that paints it. Every copy, save and
+// print of the overview and the graphs goes through one, so the clipboard,
+// the files and the printer always show the same drawing.
 #pragma once
 
-#include <QPainter>
 #include <QSize>
+#include <QString>
 
 #include <functional>
+#include <optional>
+
+class QPainter;
 
 namespace kel {
 
 struct Picture {
-    QSize size;
-    std::function<void(QPainter &painter)> paint; ///< paints in the size's pixel coordinates
+    QSize size; ///< pixels
+    /// Paints the picture in the size's pixel coordinates, origin top left.
+    std::function<void(QPainter &painter)> paint;
+    /// Who made it, kept in the files that have room for it (EMF, SVG).
+    QString description;
+
+    bool isValid() const { return size.width() > 0 && size.height() > 0 && bool(paint); }
 };
+
+enum class PictureFormat { Emf, Wmf, Png, Bmp, Jpg, Gif, Svg, Pdf };
+
+/// The format a file name's extension asks for (any case; ".jpeg" counts as
+/// JPG); nothing for an unknown or missing extension.
+std::optional<PictureFormat> pictureFormatForFileName(const QString &fileName);
+/// The usual extension of a format, without the dot ("emf").
+QString pictureFormatSuffix(PictureFormat format);
 
 } // namespace kel

@@ -1,0 +1,162 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "render/pictures/picturewriter.h"
+
+#include "render/pictures/emfpaintdevice.h"
+#include "render/pictures/gifencoder.h"
+#include "render/pictures/metafilewriter.h"
+
+#include <QBuffer>
+#include <QImageWriter>
+#include <QPageSize>
+#include <QPainter>
+#include <QPdfWriter>
+#include <QSaveFile>
+#include <QSvgGenerator>
+
+namespace kel {
+
+namespace {
+
+// Beyond this many pixels an image would take more than a gigabyte.
+constexpr qint64 MaxImagePixels = qint64(256) * 1024 * 1024;
+
+void setError(QString *error, const QString &text)
+{
+    if (error)
+        *error = text;
+}
+
+MetafileRecording recordPicture(const Picture &picture)
+{
+    MetafilePaintDevice device(picture.size);
+    QPainter painter(&device);
+    picture.paint(painter);
+    painter.end();
+    return device.takeRecording();
+}
+
+QByteArray encodeImage(const Picture &picture, const char *format, QColor background, QString *error)
+{
+    const QImage image = renderPictureImage(picture, background);
+    if (image.isNull()) {
+        setError(error, QStringLiteral("The picture is too large to be made as an image."));
+        return QByteArray();
+    }
+    if (qstrcmp(format, "gif") == 0)
+        return encodeGif(image, error);
+    QByteArray out;
+    QBuffer buffer(&out);
+    buffer.open(QIODevice::WriteOnly);
+    QImageWriter writer(&buffer, format);
+    if (qstrcmp(format, "jpg") == 0)
+        writer.setQuality(90);
+    if (!writer.write(image)) {
+        setError(error, writer.errorString());
+        return QByteArray();
+    }
+    return out;
+}
+
+QByteArray encodeSvg(const Picture &picture)
+{
+    QByteArray out;
+    QBuffer buffer(&out);
+    buffer.open(QIODevice::WriteOnly);
+    QSvgGenerator generator;
+    generator.setOutputDevice(&buffer);
+    generator.setSize(picture.size);
+    generator.setViewBox(QRect(QPoint(0, 0), picture.size));
+    generator.setResolution(MetafileDotsPerInch);
+    generator.setTitle(picture.description);
+    QPainter painter(&generator);
+    picture.paint(painter);
+    painter.end();
+    return out;
+}
+
+QByteArray encodePdf(const Picture &picture, QString *error)
+{
+    QByteArray out;
+    QBuffer buffer(&out);
+    buffer.open(QIODevice::WriteOnly);
+    QPdfWriter writer(&buffer);
+    writer.setCreator(picture.description);
+    writer.setResolution(MetafileDotsPerInch);
+    const QSizeF points(picture.size.width() * 72.0 / MetafileDotsPerInch,
+                        picture.size.height() * 72.0 / MetafileDotsPerInch);
+    writer.setPageSize(QPageSize(points, QPageSize::Point, QString(), QPageSize::ExactMatch));
+    writer.setPageMargins(QMarginsF(0, 0, 0, 0));
+    QPainter painter;
+    if (!painter.begin(&writer)) {
+        setError(error, QStringLiteral("The PDF file could not be started."));
+        return QByteArray();
+    }
+    picture.paint(painter);
+    painter.end();
+    return out;
+}
+
+} // namespace
+
+QImage renderPictureImage(const Picture &picture, QColor background)
+{
+    if (!picture.isValid() || qint64(picture.size.width()) * picture.size.height() > MaxImagePixels)
+        return QImage();
+    QImage image(picture.size, QImage::Format_ARGB32_Premultiplied);
+    if (image.isNull())
+        return image;
+    image.setDotsPerMeterX(qRound(MetafileDotsPerInch / 0.0254));
+    image.setDotsPerMeterY(qRound(MetafileDotsPerInch / 0.0254));
+    image.fill(background);
+    QPainter painter(&image);
+    picture.paint(painter);
+    painter.end();
+    return image;
+}
+
+QByteArray encodePicture(const Picture &picture, PictureFormat format, QString *error)
+{
+    if (!picture.isValid()) {
+        setError(error, QStringLiteral("There is no picture to write."));
+        return QByteArray();
+    }
+    QByteArray out;
+    switch (format) {
+    case PictureFormat::Emf:
+        out = encodeEmf(recordPicture(picture), picture.description);
+        break;
+    case PictureFormat::Wmf:
+        out = encodeWmf(recordPicture(picture));
+        if (out.isEmpty()) {
+            setError(error, QStringLiteral("The picture is too large for a Windows metafile."));
+            return out;
+        }
+        break;
+    case PictureFormat::Png: return encodeImage(picture, "png", Qt::transparent, error);
+    case PictureFormat::Bmp: return encodeImage(picture, "bmp", Qt::white, error);
+    case PictureFormat::Jpg: return encodeImage(picture, "jpg", Qt::white, error);
+    case PictureFormat::Gif: return encodeImage(picture, "gif", Qt::white, error);
+    case PictureFormat::Svg:
+        out = encodeSvg(picture);
+        break;
+    case PictureFormat::Pdf: return encodePdf(picture, error);
+    }
+    if (out.isEmpty())
+        setError(error, QStringLiteral("The picture could not be encoded."));
+    return out;
+}
+
+bool writePicture(const Picture &picture, PictureFormat format, const QString &path, QString *error)
+{
+    const QByteArray bytes = encodePicture(picture, format, error);
+    if (bytes.isEmpty())
+        return false;
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
+        setError(error, file.errorString());
+        return false;
+    }
+    return true;
+}
+
+} // namespace kel

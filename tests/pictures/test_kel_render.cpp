@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// `kel render` as scripts see it: files in every format, the Show gates,
+// and clear refusals.
+#include "kelprocess.h"
+#include "picturedocument.h"
+
+#include <QFile>
+#include <QImage>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace kel::test {
+namespace {
+
+class KelRender : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(mDir.isValid());
+        mFile = mDir.filePath(QStringLiteral("survey.kel"));
+        ASSERT_TRUE(pictureSurvey(20).build().writeFile(mFile));
+    }
+    QString out(const QString &name) const { return mDir.filePath(name); }
+    static QByteArray read(const QString &path)
+    {
+        QFile f(path);
+        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+    }
+
+    QTemporaryDir mDir;
+    QString mFile;
+};
+
+TEST_F(KelRender, WritesEveryFormat)
+{
+    const struct {
+        const char *name;
+        QByteArray start;
+    } formats[] = {{"o.emf", QByteArray::fromHex("01000000")}, {"o.wmf", QByteArray::fromHex("D7CDC69A")},
+                   {"o.png", QByteArray("\x89PNG")},            {"o.bmp", QByteArray("BM")},
+                   {"o.jpg", QByteArray::fromHex("FFD8")},      {"o.gif", QByteArray("GIF8")},
+                   {"o.svg", QByteArray("<?xml")},              {"o.pdf", QByteArray("%PDF")}};
+    for (const auto &f : formats) {
+        SCOPED_TRACE(f.name);
+        const QString path = out(QString::fromLatin1(f.name));
+        const KelRun run = runKel({QStringLiteral("render"), mFile, QStringLiteral("overview"), QStringLiteral("-o"), path});
+        EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
+        EXPECT_TRUE(read(path).startsWith(f.start));
+    }
+    // The image is the 32-pixel sheet: four columns, 20 answer lines.
+    const QImage image(out(QStringLiteral("o.png")));
+    EXPECT_EQ(image.width(), 4 * 32);
+    EXPECT_GT(image.height(), 20 * 32);
+}
+
+TEST_F(KelRender, HeadersOnlyAndSelections)
+{
+    const QString all = out(QStringLiteral("all.png")), headers = out(QStringLiteral("headers.png")),
+                  north = out(QStringLiteral("north.png"));
+    ASSERT_EQ(runKel({QStringLiteral("render"), mFile, QStringLiteral("overview"), QStringLiteral("-o"), all}).exitCode, 0);
+    ASSERT_EQ(runKel({QStringLiteral("render"), mFile, QStringLiteral("overview"), QStringLiteral("--headers-only"),
+                      QStringLiteral("-o"), headers})
+                  .exitCode,
+              0);
+    ASSERT_EQ(runKel({QStringLiteral("render"), mFile, QStringLiteral("--select"), QStringLiteral("0:0"),
+                      QStringLiteral("overview"), QStringLiteral("-o"), north})
+                  .exitCode,
+              0);
+    EXPECT_EQ(QImage(all).height() - QImage(headers).height(), 20 * 32);
+    EXPECT_EQ(QImage(all).height() - QImage(north).height(), 10 * 32);
+}
+
+TEST_F(KelRender, RefusalsWriteNothing)
+{
+    const QString path = out(QStringLiteral("x.png"));
+    // Nothing selected: Show's refusal, exit 7, its message on stderr.
+    KelRun run = runKel({QStringLiteral("render"), mFile, QStringLiteral("--select"), QStringLiteral("0:"),
+                         QStringLiteral("overview"), QStringLiteral("-o"), path});
+    EXPECT_EQ(run.exitCode, 7);
+    EXPECT_FALSE(run.err.isEmpty());
+    EXPECT_TRUE(run.out.isEmpty());
+    EXPECT_FALSE(QFile::exists(path));
+
+    run = runKel({QStringLiteral("render"), mFile, QStringLiteral("graph"), QStringLiteral("distribution"),
+                  QStringLiteral("-o"), path});
+    EXPECT_NE(run.exitCode, 0);
+    EXPECT_TRUE(run.err.contains("not available")) << run.err.toStdString();
+    EXPECT_FALSE(QFile::exists(path));
+
+    for (const QStringList &bad : {QStringList{QStringLiteral("overview"), QStringLiteral("-o"), out(QStringLiteral("x.tiff"))},
+                                   QStringList{QStringLiteral("overview")},
+                                   QStringList{QStringLiteral("-o"), path},
+                                   QStringList{QStringLiteral("overview"), QStringLiteral("--mode"), QStringLiteral("4"),
+                                               QStringLiteral("-o"), path}}) {
+        run = runKel(QStringList{QStringLiteral("render"), mFile} + bad);
+        EXPECT_EQ(run.exitCode, 64) << bad.join(QLatin1Char(' ')).toStdString();
+        EXPECT_TRUE(run.err.contains("usage")) << run.err.toStdString();
+    }
+    EXPECT_FALSE(QFile::exists(path));
+}
+
+} // namespace
+} // namespace kel::test
