@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "gui/graphs/distributiondialog.h"
 
+#include "gui/common/dialogbuttons.h"
+
 #include "texts/language.h"
 
 #include <QCheckBox>
@@ -77,18 +79,10 @@ DistributionDialog::DistributionDialog(const LastSettings &settings, bool isSwed
         boxes->addWidget(box);
     layout->addLayout(boxes, 5, 1);
 
-    auto *buttons = new QHBoxLayout;
-    cmdOK = new QPushButton(QStringLiteral("OK"), this);
-    cmdOK->setObjectName(QStringLiteral("cmdOK"));
-    cmdOK->setDefault(true);
-    cmdCancel = new QPushButton(pickText(isSwedish, "Cancel", "Avbryt"), this);
-    cmdCancel->setObjectName(QStringLiteral("cmdCancel"));
-    buttons->addStretch(1);
-    buttons->addWidget(cmdOK);
-    buttons->addWidget(cmdCancel);
-    layout->addLayout(buttons, 7, 0, 1, 2);
-    connect(cmdOK, &QPushButton::clicked, this, &QDialog::accept);
-    connect(cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
+    const OkCancelRow buttons = makeOkCancelRow(*this, isSwedish);
+    cmdOK = buttons.ok;
+    cmdCancel = buttons.cancel;
+    layout->addLayout(buttons.layout, 7, 0, 1, 2);
     for (QRadioButton *option : optGraphType)
         connect(option, &QRadioButton::toggled, this, &DistributionDialog::updateControls);
     connect(lstMainCategory, &QListWidget::itemSelectionChanged, this, &DistributionDialog::mainCategoryChosen);

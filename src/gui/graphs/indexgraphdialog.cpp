@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "gui/graphs/indexgraphdialog.h"
 
+#include "gui/common/dialogbuttons.h"
+
 #include "texts/language.h"
 
 #include <QCheckBox>
@@ -135,18 +137,10 @@ IndexGraphDialog::IndexGraphDialog(const Document &doc, qint32 block, const Sele
         chkDataLabels->setChecked(settings.totalIndexGraphHasDataLabels);
     }
 
-    auto *buttons = new QHBoxLayout;
-    cmdOK = new QPushButton(QStringLiteral("OK"), this);
-    cmdOK->setObjectName(QStringLiteral("cmdOK"));
-    cmdOK->setDefault(true);
-    cmdCancel = new QPushButton(pickText(isSwedish, "Cancel", "Avbryt"), this);
-    cmdCancel->setObjectName(QStringLiteral("cmdCancel"));
-    buttons->addStretch(1);
-    buttons->addWidget(cmdOK);
-    buttons->addWidget(cmdCancel);
-    layout->addLayout(buttons);
-    connect(cmdOK, &QPushButton::clicked, this, &QDialog::accept);
-    connect(cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
+    const OkCancelRow buttons = makeOkCancelRow(*this, isSwedish);
+    cmdOK = buttons.ok;
+    cmdCancel = buttons.cancel;
+    layout->addLayout(buttons.layout);
     updateOk();
 }
 
