@@ -168,20 +168,6 @@ TEST_F(NavigatorWindowTest, ShadingAndBlockingFollowTheComplementMinimum)
     EXPECT_TRUE(mWindow->showButton()->toolTip().contains(QStringLiteral("fewer respondents")));
 }
 
-TEST_F(NavigatorWindowTest, CountUsesTheLocalesDigitGrouping)
-{
-    const QLocale saved;
-    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
-    open({.rows = 1234});
-    click("A1-2");
-    EXPECT_EQ(countText(), QStringLiteral("Items in selection: 1,224"));
-    QLocale::setDefault(QLocale(QLocale::Swedish, QLocale::Sweden));
-    click("A1-2");
-    EXPECT_EQ(countText(), QStringLiteral("Items in selection: ") + QLocale(QLocale::Swedish).toString(1234));
-    EXPECT_NE(QLocale(QLocale::Swedish).toString(1234), QStringLiteral("1234"));
-    QLocale::setDefault(saved);
-}
-
 TEST_F(NavigatorWindowTest, ShowAppliesAndReportsRefusals)
 {
     open();
