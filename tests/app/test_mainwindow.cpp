@@ -493,7 +493,7 @@ SelectionMatrix unitOnly(const Document &doc, qint32 unit)
 
 } // namespace
 
-TEST_F(MainWindowTest, OverviewFollowsOpenShowRefusalAndClose)
+TEST_F(MainWindowTest, OverviewFollowsOpenShowAndClose)
 {
     auto w = makeWindow();
     SheetView *sheet = w->sheetView();
@@ -520,16 +520,6 @@ TEST_F(MainWindowTest, OverviewFollowsOpenShowRefusalAndClose)
     EXPECT_EQ(w->statusPanel(3)->text(), QLatin1Char(' ') + sheet->input().selectionText);
     EXPECT_NE(sheet->input().selectionText, QStringLiteral("Everyone"));
 
-    // Nobody left: refused, and the unit-1 overview stays as it was.
-    const QImage unit1 = sheet->sheetImage();
-    SelectionMatrix nobody = fullSelection(*w->document());
-    for (qint32 o = 0; o < nobody.optionCount(); ++o)
-        nobody.set(0, o, false);
-    EXPECT_FALSE(w->showSelection(nobody).isEmpty());
-    EXPECT_EQ(sheet->sheetImage(), unit1);
-    EXPECT_EQ(sheet->input().rows, (std::vector<qint32>{4, 5, 6, 7}));
-    EXPECT_EQ(w->statusPanel(2)->text(), QStringLiteral(" 4"));
-
     w->closeDocument();
     EXPECT_FALSE(sheet->hasSheet());
     EXPECT_TRUE(sheet->input().rows.empty());
@@ -551,10 +541,6 @@ TEST_F(MainWindowTest, PopupOffersTheItemsOfThePlaceClicked)
          {"mnuPShowRowsComments", "mnuPCopyThisRowsAnswers", "mnuPBar1", "mnuPShowQuestionGraph1",
           "mnuPShowQuestionGraph2", "mnuPBar2"},
          0},
-        {"answer cell without one", -1, 0, 5,
-         {"mnuPShowRowsComments", "mnuPCopyThisRowsAnswers", "mnuPBar1", "mnuPShowQuestionGraph1",
-          "mnuPShowQuestionGraph2", "mnuPBar2"},
-         5},
         {"code line", -1, 0, -1, {"mnuPShowQuestionGraph1", "mnuPShowQuestionGraph2", "mnuPBar2"}, -1},
         {"block line", -1, 0, -2,
          {"mnuPShowBlockGraph1", "mnuPShowBlockGraph2", "mnuPShowBlockGraph4", "mnuPBar2"}, -2},

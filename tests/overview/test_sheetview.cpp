@@ -118,22 +118,6 @@ TEST_F(SheetViewTest, ANewSheetKeepsTheScrollPositionOfBarsThatStay)
     EXPECT_EQ(view.scrollLine(), 0);
 }
 
-TEST_F(SheetViewTest, HitTestFollowsTheScrollPosition)
-{
-    view.setScrollPosition(2, 4);
-    SheetHit hit = view.hitTest(cellCentre(1, 0));
-    EXPECT_EQ(hit.place, SheetPlace::AnswerCell);
-    EXPECT_EQ(hit.column, 3);
-    EXPECT_EQ(hit.row, 4);
-    hit = view.hitTest(cellCentre(1, -2));
-    EXPECT_EQ(hit.place, SheetPlace::BlockLine);
-    EXPECT_EQ(hit.question, 3);
-    // Under the scroll bar is not the sheet.
-    EXPECT_EQ(view.hitTest(QPointF(10, view.viewport()->height() - 2)).place, SheetPlace::AnswerCell);
-    EXPECT_EQ(view.hitTest(QPointF(10, view.viewport()->height() - 1)).place, SheetPlace::Outside); // margin
-    EXPECT_EQ(view.hitTest(QPointF(view.viewport()->width() - 1, 10)).place, SheetPlace::Outside);
-}
-
 TEST_F(SheetViewTest, HoverReportsOnceAfterTheDelay)
 {
     view.setHoverEnabled(true);

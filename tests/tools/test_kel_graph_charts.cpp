@@ -106,13 +106,6 @@ TEST_F(KelGraphCharts, SelectionsAndLocalesReachTheChart)
 
 TEST_F(KelGraphCharts, RefusalsAndNonsenseGetTheirExitStatus)
 {
-    // Nobody selected: Show refuses, no graph.
-    const KelRun none = runKel({QStringLiteral("graph"), path, QStringLiteral("--select"), QStringLiteral("0:"),
-                                QStringLiteral("ranking"), QStringLiteral("--block"), QStringLiteral("1")});
-    EXPECT_EQ(none.exitCode, 7);
-    EXPECT_TRUE(none.out.isEmpty());
-    EXPECT_FALSE(none.err.trimmed().isEmpty());
-
     // Unit counts for privacy: Role A has two respondents in each unit,
     // fewer than the minimum graph selection, so Unit may not split it.
     const KelRun split = runKel({QStringLiteral("graph"), path, QStringLiteral("--select"), QStringLiteral("1:0"),

@@ -163,13 +163,6 @@ TEST_F(SelectIndexesCli, IndexesTable)
     EXPECT_EQ(QString::fromUtf8(r.out), QStringLiteral("Unit North\tRole: A\tRole: B\r\n"
                                                        "Q\t4,0\t4,0\r\n"
                                                        "R\t1,0\t1,0"));
-
-    for (const QStringList &nothing : {QStringList{QStringLiteral("--total")},
-                                       QStringList{QStringLiteral("--items"), QStringLiteral("total")}}) {
-        r = runKel(QStringList{QStringLiteral("indexes"), mPath} + nothing);
-        EXPECT_EQ(r.exitCode, 64);
-        EXPECT_FALSE(r.err.isEmpty());
-    }
 }
 
 // What Show refuses prints its refusal and no figure: neither `select`
