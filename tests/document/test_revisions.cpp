@@ -279,23 +279,5 @@ TEST(Revisions, ComputedTotalIndexBeforeRevisionFive)
     }
 }
 
-// Fuzz find: an old document without answers whose counting question has no
-// alternatives (and a first-alternative number pointing nowhere) must not
-// send the total-index calculation into the empty alternative list.
-TEST(Revisions, NoRowsNoComputedTotal)
-{
-    KelFile f;
-    f.options.revision = 4;
-    f.header.pointsScale = 10;
-    QuestionRecord q;
-    q.inOverview = q.inTotalIndex = FileTrue;
-    q.firstAlternative = 33280;
-    f.questions.push_back(q);
-    const ReadResult r = readBytes(f.toBytes());
-    ASSERT_EQ(r.code, OpenResult::Ok) << r.detail.toStdString();
-    EXPECT_EQ(r.document->rowCount(), 0);
-    EXPECT_EQ(r.document->properties.totalIndex, -1.0);
-}
-
 } // namespace
 } // namespace kel::test

@@ -57,7 +57,6 @@ TEST(DetailWindow, RowIsShownExactlyWhenItsLabelIsNotEmpty)
 TEST(DetailWindow, DocumentSetsRowLabelsAndHeaders)
 {
     DetailWindow w(false);
-    EXPECT_EQ(w.windowTitle(), QStringLiteral("Detail Information"));
 
     auto plain = test::navigatorSurvey({.subBlockLabel = false});
     ASSERT_TRUE(plain);
