@@ -345,23 +345,6 @@ TEST_F(MainWindowTest, ClosingTheWindowRecordsAndSavesInOrder)
     EXPECT_EQ(again->session().currentFolder(), QStringLiteral("/s"));
 }
 
-TEST_F(MainWindowTest, NoSaveSettingsStillSavesRecentFiles)
-{
-    {
-        QSettings policy(location().policyFile, QSettings::IniFormat);
-        policy.setValue(QStringLiteral("Explorer/NoSaveSettings"), 1);
-    }
-    {
-        auto w = makeWindow();
-        open(*w, {}, QStringLiteral("/s/first.kel"));
-        w->close();
-    }
-    QSettings raw(location().file, QSettings::IniFormat);
-    EXPECT_EQ(raw.value(QStringLiteral("MRU List/Item 00")).toString(), QStringLiteral("/s/first.kel"));
-    EXPECT_FALSE(raw.childGroups().contains(QStringLiteral("Last Settings")));
-    EXPECT_FALSE(raw.childGroups().contains(QStringLiteral("Windows")));
-}
-
 TEST_F(MainWindowTest, NoRecentDocsMenuHidesTheList)
 {
     {
@@ -381,23 +364,10 @@ TEST_F(MainWindowTest, NoRecentDocsMenuHidesTheList)
 // Real files through the reader: the bundled survey, and variants of it.
 TEST_F(MainWindowTest, OpensRealFilesWithTheirPermissions)
 {
-    struct Case {
-        const char *label;
-        std::function<void(writer::KelFile &)> change;
-        bool copyAndPictures;
-    };
-    const Case cases[] = {
-        {"as bundled", [](writer::KelFile &) {}, true},
-        {"no copy, no pictures",
-         [](writer::KelFile &f) {
-             f.header.allowCopy = writer::FileFalse;
-             f.header.allowSavePicture = writer::FileFalse;
-         },
-         false},
-    };
-    for (const Case &c : cases) {
-        writer::KelFile file = writer::employeeSurvey(false);
-        c.change(file);
+    // What each permission does to the menus is the enabling rule's; here the
+    // whole way from a file on disk to the menus, sheet and panels.
+    {
+        const writer::KelFile file = writer::employeeSurvey(false);
         const QString path = mDir.filePath(QStringLiteral("survey.kel"));
         ASSERT_TRUE(file.writeFile(path));
         auto w = makeWindow();
@@ -406,18 +376,17 @@ TEST_F(MainWindowTest, OpensRealFilesWithTheirPermissions)
         EXPECT_EQ(w->statusLine().text(), QStringLiteral("survey.kel has been opened!"));
         EXPECT_EQ(w->session().currentFolder(), mDir.path());
         const MenuState state = w->menuState();
-        EXPECT_EQ(state.allowCopy, c.copyAndPictures) << c.label;
-        EXPECT_EQ(state.allowSavePicture, c.copyAndPictures) << c.label;
-        EXPECT_TRUE(state.hasIndexes && state.allowCopyData && state.hasRowComments && state.hasCategories) << c.label;
+        EXPECT_TRUE(state.allowCopy && state.allowSavePicture && state.hasIndexes);
+        EXPECT_TRUE(state.allowCopyData && state.hasRowComments && state.hasCategories);
         EXPECT_EQ(w->menus().mnuPS1SplitByColumn.size(), qsizetype(w->document()->categories.size()));
         EXPECT_TRUE(w->statusPanel(2)->isVisibleTo(w.get()));
         EXPECT_EQ(w->statusPanel(2)->text(), QStringLiteral(" %1").arg(w->document()->rowCount()));
         // The first overview holds everyone, cut to "Overview Max Rows".
         const SheetView *sheet = w->sheetView();
-        ASSERT_TRUE(sheet->hasSheet()) << c.label;
-        EXPECT_EQ(qint32(sheet->input().rows.size()), w->document()->rowCount()) << c.label;
-        EXPECT_EQ(sheet->input().columns, w->document()->overviewColumns) << c.label;
-        EXPECT_EQ(sheet->sheetGeometry().answerLines, std::min(w->document()->rowCount(), 300)) << c.label;
+        ASSERT_TRUE(sheet->hasSheet());
+        EXPECT_EQ(qint32(sheet->input().rows.size()), w->document()->rowCount());
+        EXPECT_EQ(sheet->input().columns, w->document()->overviewColumns);
+        EXPECT_EQ(sheet->sheetGeometry().answerLines, std::min(w->document()->rowCount(), 300));
         EXPECT_EQ(w->statusPanel(3)->text(), QLatin1Char(' ') + w->document()->text(w->document()->properties.totalText));
     }
 }
@@ -438,18 +407,6 @@ TEST_F(MainWindowTest, NewerRevisionOpensWithTheUpgradeWarning)
             .arg(int(QMessageBox::Warning))))
         << mMessages.first().toStdString();
     EXPECT_EQ(w->statusLine().text(), QStringLiteral("newer.kel har öppnats!"));
-
-    // A damaged copy of it is refused and the open document stays.
-    QByteArray bytes = file.toBytes();
-    bytes[bytes.size() - 1] = char(bytes[bytes.size() - 1] ^ 0x5A);
-    const QString damaged = mDir.filePath(QStringLiteral("damaged.kel"));
-    ASSERT_TRUE(writer::writeBytes(damaged, bytes));
-    const Document *before = w->document();
-    EXPECT_FALSE(w->openDocument(damaged, true, QStringLiteral("Öppna datafil")));
-    EXPECT_EQ(mMessages.last(),
-              QStringLiteral("%1|Öppna datafil|Den här KEL-filen är skadad!").arg(int(QMessageBox::Critical)));
-    EXPECT_EQ(w->document(), before);
-    EXPECT_EQ(w->windowTitle(), QStringLiteral("KEL Viewer - newer.kel"));
 }
 
 TEST_F(MainWindowTest, StoredPlacementIsRestoredSensibly)
@@ -536,7 +493,7 @@ SelectionMatrix unitOnly(const Document &doc, qint32 unit)
 
 } // namespace
 
-TEST_F(MainWindowTest, OverviewFollowsOpenShowRefusalAndClose)
+TEST_F(MainWindowTest, OverviewFollowsOpenShowAndClose)
 {
     auto w = makeWindow();
     SheetView *sheet = w->sheetView();
@@ -563,33 +520,11 @@ TEST_F(MainWindowTest, OverviewFollowsOpenShowRefusalAndClose)
     EXPECT_EQ(w->statusPanel(3)->text(), QLatin1Char(' ') + sheet->input().selectionText);
     EXPECT_NE(sheet->input().selectionText, QStringLiteral("Everyone"));
 
-    // Nobody left: refused, and the unit-1 overview stays as it was.
-    const QImage unit1 = sheet->sheetImage();
-    SelectionMatrix nobody = fullSelection(*w->document());
-    for (qint32 o = 0; o < nobody.optionCount(); ++o)
-        nobody.set(0, o, false);
-    EXPECT_FALSE(w->showSelection(nobody).isEmpty());
-    EXPECT_EQ(sheet->sheetImage(), unit1);
-    EXPECT_EQ(sheet->input().rows, (std::vector<qint32>{4, 5, 6, 7}));
-    EXPECT_EQ(w->statusPanel(2)->text(), QStringLiteral(" 4"));
-
     w->closeDocument();
     EXPECT_FALSE(sheet->hasSheet());
     EXPECT_TRUE(sheet->input().rows.empty());
     EXPECT_FALSE(sheet->hoverEnabled());
     EXPECT_FALSE(w->statusPanel(2)->isVisibleTo(w.get()));
-}
-
-TEST_F(MainWindowTest, DocumentTooSmallForAnOverviewOpensWithoutASheet)
-{
-    auto w = makeWindow();
-    auto doc = unitDocument();
-    doc->properties.minimumGraphSelection = 20;
-    w->session().installDocument(std::move(doc), QStringLiteral("/s/tiny.kel"), true);
-    ASSERT_NE(w->document(), nullptr);
-    EXPECT_FALSE(w->sheetView()->hasSheet());
-    EXPECT_TRUE(w->statusPanel(2)->text().isEmpty());
-    EXPECT_FALSE(w->menuState().dataRowsAllowed);
 }
 
 TEST_F(MainWindowTest, PopupOffersTheItemsOfThePlaceClicked)
@@ -606,10 +541,6 @@ TEST_F(MainWindowTest, PopupOffersTheItemsOfThePlaceClicked)
          {"mnuPShowRowsComments", "mnuPCopyThisRowsAnswers", "mnuPBar1", "mnuPShowQuestionGraph1",
           "mnuPShowQuestionGraph2", "mnuPBar2"},
          0},
-        {"answer cell without one", -1, 0, 5,
-         {"mnuPShowRowsComments", "mnuPCopyThisRowsAnswers", "mnuPBar1", "mnuPShowQuestionGraph1",
-          "mnuPShowQuestionGraph2", "mnuPBar2"},
-         5},
         {"code line", -1, 0, -1, {"mnuPShowQuestionGraph1", "mnuPShowQuestionGraph2", "mnuPBar2"}, -1},
         {"block line", -1, 0, -2,
          {"mnuPShowBlockGraph1", "mnuPShowBlockGraph2", "mnuPShowBlockGraph4", "mnuPBar2"}, -2},

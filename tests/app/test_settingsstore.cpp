@@ -55,17 +55,6 @@ protected:
 
 } // namespace
 
-TEST_F(SettingsStoreTest, EmptyStoreGivesEveryDefault)
-{
-    SettingsStore store(location());
-    EXPECT_EQ(store.openError(), 0);
-    EXPECT_EQ(store.readSettings(), UserOptions());
-    EXPECT_EQ(store.readLastSettings(), LastSettings());
-    EXPECT_TRUE(store.readRecentFiles().isEmpty());
-    const WindowPlacement p = store.readWindowPlacement(QStringLiteral("Main"));
-    EXPECT_FALSE(p.left || p.top || p.width || p.height || p.state || p.dockArea);
-}
-
 TEST_F(SettingsStoreTest, NamedKeysRoundTripThroughAFreshStore)
 {
     UserOptions options;
@@ -257,23 +246,17 @@ TEST_F(SettingsStoreTest, StoreThatCannotBeCreatedIsReadOnly)
     EXPECT_EQ(store.readSettings(), UserOptions());
 }
 
-TEST_F(SettingsStoreTest, DocumentKeysHoldValuesAndCanBeRemoved)
+TEST_F(SettingsStoreTest, DockAreaIsKeptWithThePlacement)
 {
     SettingsStore store(location());
-    const QString key = SettingsStore::documentKey(QStringLiteral("{0A1B2C3D-0000-0000-0000-000000000001}"));
-    EXPECT_EQ(key, QStringLiteral("Documents\\{0A1B2C3D-0000-0000-0000-000000000001}"));
-    EXPECT_FALSE(store.keyExists(key));
-    ASSERT_TRUE(store.writeDword(key, QStringLiteral("Block Items"), 2));
-    ASSERT_TRUE(store.writeString(key + QStringLiteral("\\Block 0"), QStringLiteral("Name"), QStringLiteral("Mine")));
-    EXPECT_TRUE(store.keyExists(key));
-    EXPECT_EQ(store.readDword(key, QStringLiteral("Block Items")), 2);
-    EXPECT_EQ(store.readString(key, QStringLiteral("Block Items")), std::nullopt);
-    EXPECT_EQ(store.subKeys(key), QStringList{QStringLiteral("Block 0")});
-    ASSERT_TRUE(store.removeValue(key, QStringLiteral("Block Items")));
-    EXPECT_EQ(store.readDword(key, QStringLiteral("Block Items")), std::nullopt);
-    ASSERT_TRUE(store.removeKey(key));
-    EXPECT_FALSE(store.keyExists(key));
-    EXPECT_TRUE(store.subKeys(QStringLiteral("Documents")).isEmpty());
+    WindowPlacement p;
+    p.left = 10, p.top = 20, p.width = 3000, p.height = 4000, p.dockArea = 0;
+    ASSERT_TRUE(store.writeWindowPlacement(QStringLiteral("Navigator"), BorderStyle::SizableToolWindow, p));
+    const WindowPlacement back = store.readWindowPlacement(QStringLiteral("Navigator"));
+    EXPECT_EQ(back.dockArea, std::optional<qint32>(0)) << "floating";
+    EXPECT_EQ(back.left, p.left);
+    EXPECT_EQ(back.height, p.height);
+    EXPECT_FALSE(store.readWindowPlacement(QStringLiteral("Main")).dockArea) << "other windows have none";
 }
 
 TEST(SettingsDefaults, EmptyFoldersFallBackToTheUsersFolders)

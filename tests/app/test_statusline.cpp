@@ -8,17 +8,6 @@
 
 using namespace kel;
 
-TEST(StatusLine, ShowsTheTextOfTheChosenLanguage)
-{
-    StatusLine english(false);
-    StatusLine swedish(true);
-    english.setStatus("Opening data file...", "Öppnar datafil...", false);
-    swedish.setStatus("Opening data file...", "Öppnar datafil...", false);
-    EXPECT_EQ(english.text(), QStringLiteral("Opening data file..."));
-    EXPECT_EQ(swedish.text(), QStringLiteral("Öppnar datafil..."));
-    EXPECT_EQ(english.clearInterval(), 7000);
-}
-
 TEST(StatusLine, AutoClearEmptiesTheLineOnce)
 {
     StatusLine status(false, 20);

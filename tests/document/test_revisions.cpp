@@ -178,29 +178,6 @@ TEST(Revisions, StridesFollowTheFieldTables)
     }
 }
 
-TEST(Revisions, RevisionOneFileCarriesItsOwnStrides)
-{
-    KelFile f = richSurvey().build();
-    f.options.revision = 1;
-    f.options.compressed = false;
-    const QByteArray payload = f.payload();
-    const auto *p = reinterpret_cast<const uchar *>(payload.constData());
-    EXPECT_EQ(qFromLittleEndian<qint32>(p + format::PhAlternatives + 4), 28);
-    EXPECT_EQ(qFromLittleEndian<qint32>(p + format::PhQuestions + 4), 52);
-    EXPECT_EQ(qFromLittleEndian<qint32>(p + format::PhBlocks + 4), 32);
-    const ReadResult r = readBytes(f.toBytes());
-    ASSERT_EQ(r.code, OpenResult::Ok) << r.detail.toStdString();
-    // Spot checks of what the field-by-field comparison above also covers.
-    const Document &d = *r.document;
-    EXPECT_EQ(d.alternatives[5].sortValue, d.alternatives[5].points);
-    EXPECT_EQ(d.alternatives[5].graphColour, d.alternatives[5].sheetColour);
-    EXPECT_EQ(d.questions[2].subBlock, -1);
-    EXPECT_EQ(d.questions[2].graphFlags, 0x103);
-    EXPECT_EQ(d.questions[0].graphFlags, 3); // a category has no index
-    EXPECT_EQ(d.properties.sheetColours[2], -1);
-    EXPECT_EQ(d.properties.sheetColours[3], -1);
-}
-
 // A writer newer than the reader may use longer records; only the stride
 // tells where the next one starts.
 TEST(Revisions, WiderStridesOfANewerWriterAreFollowed)
@@ -277,24 +254,6 @@ TEST(Revisions, ComputedTotalIndexBeforeRevisionFive)
             EXPECT_EQ(r.document->properties.totalIndex, -1.0) << c.name;
         }
     }
-}
-
-// Fuzz find: an old document without answers whose counting question has no
-// alternatives (and a first-alternative number pointing nowhere) must not
-// send the total-index calculation into the empty alternative list.
-TEST(Revisions, NoRowsNoComputedTotal)
-{
-    KelFile f;
-    f.options.revision = 4;
-    f.header.pointsScale = 10;
-    QuestionRecord q;
-    q.inOverview = q.inTotalIndex = FileTrue;
-    q.firstAlternative = 33280;
-    f.questions.push_back(q);
-    const ReadResult r = readBytes(f.toBytes());
-    ASSERT_EQ(r.code, OpenResult::Ok) << r.detail.toStdString();
-    EXPECT_EQ(r.document->rowCount(), 0);
-    EXPECT_EQ(r.document->properties.totalIndex, -1.0);
 }
 
 } // namespace

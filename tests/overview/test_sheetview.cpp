@@ -73,27 +73,6 @@ protected:
 
 } // namespace
 
-TEST_F(SheetViewTest, ScrollBarsCountInCells)
-{
-    const SheetGeometry &g = view.sheetGeometry();
-    EXPECT_EQ(g.headerLines, 2);
-    const int bar = view.style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, &view);
-    const int availableWidth = 200 - 2 - bar;
-    const int availableHeight = 150 - 2 - bar;
-    EXPECT_TRUE(view.horizontalScrollBar()->isVisible());
-    EXPECT_TRUE(view.verticalScrollBar()->isVisible());
-    EXPECT_EQ(view.horizontalScrollBar()->maximum(), (320 - availableWidth + 15) / 16);
-    EXPECT_EQ(view.verticalScrollBar()->maximum(), (42 * 16 - availableHeight + 15) / 16);
-    EXPECT_EQ(view.horizontalScrollBar()->pageStep(), availableWidth / 16);
-    EXPECT_EQ(view.verticalScrollBar()->pageStep(), (availableHeight - 32) / 16);
-
-    // A window large enough for the whole sheet has no bars.
-    view.resize(400, 800);
-    EXPECT_FALSE(view.horizontalScrollBar()->isVisible());
-    EXPECT_FALSE(view.verticalScrollBar()->isVisible());
-    EXPECT_EQ(view.scrollLine(), 0);
-}
-
 TEST_F(SheetViewTest, HeaderStaysWhileTheBodyScrolls)
 {
     const QImage sheet = view.sheetImage().convertToFormat(QImage::Format_RGB32);
@@ -137,22 +116,6 @@ TEST_F(SheetViewTest, ANewSheetKeepsTheScrollPositionOfBarsThatStay)
     ASSERT_TRUE(view.setSheet(viewInput(doc)));
     EXPECT_EQ(view.scrollColumn(), 0);
     EXPECT_EQ(view.scrollLine(), 0);
-}
-
-TEST_F(SheetViewTest, HitTestFollowsTheScrollPosition)
-{
-    view.setScrollPosition(2, 4);
-    SheetHit hit = view.hitTest(cellCentre(1, 0));
-    EXPECT_EQ(hit.place, SheetPlace::AnswerCell);
-    EXPECT_EQ(hit.column, 3);
-    EXPECT_EQ(hit.row, 4);
-    hit = view.hitTest(cellCentre(1, -2));
-    EXPECT_EQ(hit.place, SheetPlace::BlockLine);
-    EXPECT_EQ(hit.question, 3);
-    // Under the scroll bar is not the sheet.
-    EXPECT_EQ(view.hitTest(QPointF(10, view.viewport()->height() - 2)).place, SheetPlace::AnswerCell);
-    EXPECT_EQ(view.hitTest(QPointF(10, view.viewport()->height() - 1)).place, SheetPlace::Outside); // margin
-    EXPECT_EQ(view.hitTest(QPointF(view.viewport()->width() - 1, 10)).place, SheetPlace::Outside);
 }
 
 TEST_F(SheetViewTest, HoverReportsOnceAfterTheDelay)

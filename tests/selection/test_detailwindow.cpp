@@ -3,12 +3,9 @@
 // them, and that the window follows its content.
 #include "gui/selection/detailwindow.h"
 
-#include "engine/overview/celldetails.h"
-
 #include "surveys.h"
 
 #include <QLabel>
-#include <QLocale>
 
 #include <gtest/gtest.h>
 
@@ -60,7 +57,6 @@ TEST(DetailWindow, RowIsShownExactlyWhenItsLabelIsNotEmpty)
 TEST(DetailWindow, DocumentSetsRowLabelsAndHeaders)
 {
     DetailWindow w(false);
-    EXPECT_EQ(w.windowTitle(), QStringLiteral("Detail Information"));
 
     auto plain = test::navigatorSurvey({.subBlockLabel = false});
     ASSERT_TRUE(plain);
@@ -112,40 +108,6 @@ TEST(DetailWindow, SizeFollowsContent)
         w.setIndexText(r, QString());
     w.updateLayout();
     EXPECT_LT(w.contentSize().height(), one.height());
-}
-
-} // namespace
-
-namespace {
-
-TEST(DetailWindow, HoveredCellIsFormattedIntoItsRows)
-{
-    auto doc = test::navigatorSurvey({.pointsScale = 100});
-    ASSERT_TRUE(doc);
-    DetailWindow w(false);
-    w.setUpForDocument(*doc);
-    SheetHit cell;
-    cell.place = SheetPlace::AnswerCell;
-    cell.question = doc->overviewColumns.at(0);
-    cell.row = 3;
-    const std::vector<qint32> rows{0, 1, 2, 3};
-    w.showCell(*doc, cell, doc->overviewColumns, rows);
-    const CellDetails d = cellDetails(*doc, cell, doc->overviewColumns, rows);
-    const QLocale locale;
-    EXPECT_EQ(w.textValue(), d.answerText);
-    EXPECT_EQ(w.headerValue(0), d.blockName);
-    EXPECT_EQ(w.headerValue(2), d.questionText);
-    EXPECT_EQ(w.indexValue(0, false), locale.toString(d.respondentIndex, 'f', 2));
-    EXPECT_EQ(w.indexValue(1, true), locale.toString(d.questionTotalIndex, 'f', 2));
-    EXPECT_EQ(w.indexValue(2, false), QStringLiteral("-")) << "no sub-block";
-    EXPECT_EQ(w.indexValue(3, false), locale.toString(d.blockIndex, 'f', 2));
-
-    // Outside the sheet the cell's values go; the overview's total stays.
-    w.setIndexValue(4, false, QStringLiteral("0.35"));
-    w.showCell(*doc, SheetHit{}, doc->overviewColumns, rows);
-    EXPECT_TRUE(w.indexValue(1, false).isEmpty());
-    EXPECT_TRUE(w.headerValue(2).isEmpty());
-    EXPECT_EQ(w.indexValue(4, false), QStringLiteral("0.35"));
 }
 
 } // namespace

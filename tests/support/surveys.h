@@ -72,11 +72,6 @@ private:
     std::vector<BlockItem> mUserBlockItems;     // items of the user blocks
 };
 
-/// n copies of v.
-inline std::vector<qint32> repeat(qint32 v, std::size_t n)
-{
-    return std::vector<qint32>(n, v);
-}
 /// Concatenation of runs, e.g. runs({{0, 3}, {1, 2}}) = 0 0 0 1 1.
 inline std::vector<qint32> runs(std::initializer_list<std::pair<qint32, std::size_t>> parts)
 {

@@ -14,6 +14,18 @@ struct KelRun {
     QByteArray err;
 };
 
+/// The words of `line`, split at blanks: a command line without quoting.
+inline QStringList words(const char *line)
+{
+    return QString::fromUtf8(line).split(QLatin1Char(' '), Qt::SkipEmptyParts);
+}
+
+/// `command FILE` followed by the words of `rest`.
+inline QStringList kelArgs(const char *command, const QString &file, const char *rest = "")
+{
+    return QStringList{QString::fromUtf8(command), file} + words(rest);
+}
+
 /// Runs kel with `args`, feeding `input` to its standard input.
 inline KelRun runKel(const QStringList &args, const QByteArray &input = QByteArray())
 {

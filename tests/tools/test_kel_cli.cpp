@@ -18,7 +18,9 @@ namespace {
 using namespace kel::writer;
 
 using kel::test::KelRun;
+using kel::test::kelArgs;
 using kel::test::runKel;
+using kel::test::words;
 
 class KelCli : public ::testing::Test
 {
@@ -71,10 +73,10 @@ TEST_F(KelCli, CheckExitsWithTheResultCodeAndItsMessage)
     for (const Case &c : cases) {
         SCOPED_TRACE(c.name);
         const QString path = write(c.bytes, QString::fromLatin1(c.name) + QStringLiteral(".kel"));
-        const KelRun en = runKel({QStringLiteral("check"), path});
+        const KelRun en = runKel(kelArgs("check", path));
         EXPECT_EQ(en.exitCode, c.code);
         EXPECT_EQ(QString::fromUtf8(en.out).trimmed(), QString::fromUtf8(c.english));
-        const KelRun sv = runKel({QStringLiteral("check"), path, QStringLiteral("--lang"), QStringLiteral("sv")});
+        const KelRun sv = runKel(kelArgs("check", path, "--lang sv"));
         EXPECT_EQ(sv.exitCode, c.code);
         EXPECT_EQ(QString::fromUtf8(sv.out).trimmed(), QString::fromUtf8(c.swedish));
         // The reader's detail goes to standard error, whatever the language.
@@ -95,18 +97,12 @@ TEST_F(KelCli, CheckExitsWithTheResultCodeAndItsMessage)
 TEST_F(KelCli, BadCommandLinesAreUsageErrors)
 {
     const QString path = write(kel::test::richSurvey().toBytes());
-    for (const QStringList &args : {QStringList{}, QStringList{QStringLiteral("frobnicate")},
-                                    QStringList{QStringLiteral("check")},
-                                    QStringList{QStringLiteral("check"), path, QStringLiteral("--lang"), QStringLiteral("de")},
-                                    QStringList{QStringLiteral("dump")},
-                                    QStringList{QStringLiteral("dump"), path, path},
-                                    QStringList{QStringLiteral("select")},
-                                    QStringList{QStringLiteral("select"), path, QStringLiteral("--order")},
-                                    QStringList{QStringLiteral("select"), path, QStringLiteral("--select"), QStringLiteral("9:0")},
-                                    QStringList{QStringLiteral("indexes"), path, QStringLiteral("--items"), QStringLiteral("total")},
-                                    QStringList{QStringLiteral("indexes"), path, QStringLiteral("--total"), QStringLiteral("--items"), QStringLiteral("nope")},
-                                    QStringList{QStringLiteral("batch")},
-                                    QStringList{QStringLiteral("batch"), path, QStringLiteral("--bogus")}}) {
+    const QList<QStringList> nonsense = {
+        {}, words("frobnicate"), words("check"), kelArgs("check", path, "--lang de"), words("dump"),
+        QStringList{QStringLiteral("dump"), path, path}, words("select"), kelArgs("select", path, "--order"),
+        kelArgs("select", path, "--select 9:0"), kelArgs("indexes", path, "--items total"),
+        kelArgs("indexes", path, "--total --items nope"), words("batch"), kelArgs("batch", path, "--bogus")};
+    for (const QStringList &args : nonsense) {
         SCOPED_TRACE(args.join(QLatin1Char(' ')).toStdString());
         const KelRun r = runKel(args);
         EXPECT_EQ(r.exitCode, 64); // EX_USAGE: never one of the result codes 1-6
@@ -139,7 +135,7 @@ TEST_F(KelCli, DumpHoldsTheWholeDocument)
     ASSERT_EQ(read.code, kel::OpenResult::Ok);
     const kel::Document &d = *read.document;
 
-    const KelRun r = runKel({QStringLiteral("dump"), path});
+    const KelRun r = runKel(kelArgs("dump", path));
     ASSERT_EQ(r.exitCode, 0) << r.out.toStdString();
     QJsonParseError error;
     const QJsonObject o = QJsonDocument::fromJson(r.out, &error).object();

@@ -17,7 +17,9 @@ namespace {
 
 using namespace kel::writer;
 using kel::test::KelRun;
+using kel::test::kelArgs;
 using kel::test::runKel;
+using kel::test::words;
 
 QJsonObject json(const KelRun &run)
 {
@@ -74,7 +76,7 @@ protected:
 
 TEST_F(KelGraph, QuestionHistogramIsTheWindowsDescription)
 {
-    const KelRun run = graph({QStringLiteral("histogram"), QStringLiteral("--question"), QStringLiteral("2")});
+    const KelRun run = graph(words("histogram --question 2"));
     ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
     const QJsonObject d = json(run);
     EXPECT_EQ(d.value(QStringLiteral("graphKind")).toInt(), 1);
@@ -102,8 +104,7 @@ TEST_F(KelGraph, QuestionHistogramIsTheWindowsDescription)
 TEST_F(KelGraph, BlockAndSplitKindsWithTheCommonOptions)
 {
     // North only: differs from the used total, so the block graph compares.
-    KelRun run = graph({QStringLiteral("--select"), QStringLiteral("0:0"), QStringLiteral("fraction"),
-                        QStringLiteral("--block"), QStringLiteral("0")});
+    KelRun run = graph(words("--select 0:0 fraction --block 0"));
     ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
     QJsonObject d = json(run);
     EXPECT_EQ(d.value(QStringLiteral("caption")).toString(), QStringLiteral("Blockgraf: Work"));
@@ -111,8 +112,7 @@ TEST_F(KelGraph, BlockAndSplitKindsWithTheCommonOptions)
     EXPECT_EQ(d.value(QStringLiteral("groups")).toArray().at(0).toObject().value(QStringLiteral("label")).toString(),
               QStringLiteral("Q (1.3 / 1.2) Is it?"));
 
-    run = graph({QStringLiteral("--short-names"), QStringLiteral("--reversed"), QStringLiteral("histogram"),
-                 QStringLiteral("--question"), QStringLiteral("2"), QStringLiteral("--split"), QStringLiteral("1")});
+    run = graph(words("--short-names --reversed histogram --question 2 --split 1"));
     ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
     d = json(run);
     EXPECT_EQ(d.value(QStringLiteral("title")).toString(), QStringLiteral("Load fördelad på Role"));
@@ -129,34 +129,28 @@ TEST_F(KelGraph, BlockAndSplitKindsWithTheCommonOptions)
 TEST_F(KelGraph, RefusalsAndUsage)
 {
     // Nothing selected, and a selection below the minimum: exit 7, message only.
-    KelRun run = graph({QStringLiteral("--select"), QStringLiteral("0:"), QStringLiteral("histogram"),
-                        QStringLiteral("--question"), QStringLiteral("2")});
+    KelRun run = graph(words("--select 0: histogram --question 2"));
     EXPECT_EQ(run.exitCode, 7);
     EXPECT_TRUE(run.out.isEmpty());
     EXPECT_FALSE(run.err.isEmpty());
-    run = graph({QStringLiteral("--select"), QStringLiteral("0:2"), QStringLiteral("histogram"),
-                 QStringLiteral("--question"), QStringLiteral("2")});
+    run = graph(words("--select 0:2 histogram --question 2"));
     EXPECT_EQ(run.exitCode, 7);
     EXPECT_EQ(run.err.trimmed(), QByteArrayLiteral("Too few."));
     // West has two respondents: splitting by Unit would show them.
-    run = graph({QStringLiteral("fraction"), QStringLiteral("--question"), QStringLiteral("2"),
-                 QStringLiteral("--split"), QStringLiteral("0")});
+    run = graph(words("fraction --question 2 --split 0"));
     EXPECT_EQ(run.exitCode, 7);
     EXPECT_TRUE(run.out.isEmpty());
 
     const QList<QStringList> nonsense{
         {},
-        {QStringLiteral("pie")},
-        {QStringLiteral("histogram")},
-        {QStringLiteral("histogram"), QStringLiteral("--block"), QStringLiteral("0"), QStringLiteral("--question"),
-         QStringLiteral("2")},
-        {QStringLiteral("histogram"), QStringLiteral("--block"), QStringLiteral("9")},
-        {QStringLiteral("histogram"), QStringLiteral("--question"), QStringLiteral("x")},
-        {QStringLiteral("histogram"), QStringLiteral("--block"), QStringLiteral("0"), QStringLiteral("--split"),
-         QStringLiteral("1")},
-        {QStringLiteral("--bogus"), QStringLiteral("histogram"), QStringLiteral("--question"), QStringLiteral("2")},
-        {QStringLiteral("--select"), QStringLiteral("7:0"), QStringLiteral("histogram"), QStringLiteral("--question"),
-         QStringLiteral("2")},
+        words("pie"),
+        words("histogram"),
+        words("histogram --block 0 --question 2"),
+        words("histogram --block 9"),
+        words("histogram --question x"),
+        words("histogram --block 0 --split 1"),
+        words("--bogus histogram --question 2"),
+        words("--select 7:0 histogram --question 2"),
     };
     for (const QStringList &args : nonsense) {
         run = graph(args);
@@ -164,7 +158,7 @@ TEST_F(KelGraph, RefusalsAndUsage)
         EXPECT_TRUE(run.out.isEmpty());
     }
     // The empty block has nothing to draw.
-    run = graph({QStringLiteral("histogram"), QStringLiteral("--block"), QStringLiteral("1")});
+    run = graph(words("histogram --block 1"));
     EXPECT_NE(run.exitCode, 0);
     EXPECT_EQ(run.err.trimmed(), QByteArrayLiteral("The block did not contain any questions!"));
 }
@@ -172,13 +166,10 @@ TEST_F(KelGraph, RefusalsAndUsage)
 TEST(KelGraphSample, SplitGroupsMatchTheSelectionCounts)
 {
     // The split graph's group sizes are the counts `kel select` finds.
-    const KelRun select = runKel({QStringLiteral("select"), QStringLiteral(KEL_SAMPLE), QStringLiteral("--max-rows"),
-                                  QStringLiteral("0")});
+    const KelRun select = runKel(kelArgs("select", QStringLiteral(KEL_SAMPLE), "--max-rows 0"));
     ASSERT_EQ(select.exitCode, 0);
     const QJsonArray found = json(select).value(QStringLiteral("found")).toArray().at(2).toArray();
-    const KelRun run = runKel({QStringLiteral("graph"), QStringLiteral(KEL_SAMPLE), QStringLiteral("fraction"),
-                               QStringLiteral("--question"), QStringLiteral("45"), QStringLiteral("--split"),
-                               QStringLiteral("2")});
+    const KelRun run = runKel(kelArgs("graph", QStringLiteral(KEL_SAMPLE), "fraction --question 45 --split 2"));
     ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
     const QJsonArray groups = json(run).value(QStringLiteral("groups")).toArray();
     ASSERT_EQ(groups.size(), 3);

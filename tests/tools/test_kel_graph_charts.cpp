@@ -37,7 +37,7 @@ protected:
 
     QJsonObject graph(const QStringList &args)
     {
-        const KelRun run = runKel(QStringList{QStringLiteral("graph"), path} + args);
+        const KelRun run = runKel(kelArgs("graph", path) + args);
         EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
         return QJsonDocument::fromJson(run.out).object();
     }
@@ -48,16 +48,9 @@ protected:
 
 TEST_F(KelGraphCharts, PrintsTheChartDescriptionByTheContractsNames)
 {
-    const QJsonObject chart = graph({QStringLiteral("block-index"), QStringLiteral("--block"), QStringLiteral("0"),
-                                     QStringLiteral("--main"), QStringLiteral("--questions"),
-                                     QStringLiteral("--lines"), QStringLiteral("3"), QStringLiteral("--explain")});
-    const QStringList keys{QStringLiteral("caption"),        QStringLiteral("categoryAxisTitle"),
-                           QStringLiteral("chartType"),      QStringLiteral("dataLabels"),
-                           QStringLiteral("horizontal"),     QStringLiteral("indexLines"),
-                           QStringLiteral("legendPosition"), QStringLiteral("selectionCaption"),
-                           QStringLiteral("series"),         QStringLiteral("threeD"),
-                           QStringLiteral("title"),          QStringLiteral("valueAxis"),
-                           QStringLiteral("valueAxisTitle"), QStringLiteral("verticalLabels")};
+    const QJsonObject chart = graph(words("block-index --block 0 --main --questions --lines 3 --explain"));
+    const QStringList keys = words("caption categoryAxisTitle chartType dataLabels horizontal indexLines legendPosition "
+                                   "selectionCaption series threeD title valueAxis valueAxisTitle verticalLabels");
     EXPECT_EQ(chart.keys(), keys);
     EXPECT_EQ(chart[QStringLiteral("chartType")].toString(), QStringLiteral("bar"));
     EXPECT_EQ(chart[QStringLiteral("title")].toString(), QStringLiteral("Work and it's question indexes"));
@@ -80,24 +73,21 @@ TEST_F(KelGraphCharts, PrintsTheChartDescriptionByTheContractsNames)
 TEST_F(KelGraphCharts, SelectionsAndLocalesReachTheChart)
 {
     // North only (Unit option 0), numbers in Swedish format.
-    const QJsonObject chart = graph({QStringLiteral("--select"), QStringLiteral("0:0"), QStringLiteral("--locale"),
-                                     QStringLiteral("sv_SE"), QStringLiteral("total-index"), QStringLiteral("--main")});
+    const QJsonObject chart = graph(words("--select 0:0 --locale sv_SE total-index --main"));
     const QJsonObject point =
         chart[QStringLiteral("series")].toArray()[0].toObject()[QStringLiteral("points")].toArray()[0].toObject();
     EXPECT_EQ(point[QStringLiteral("value")].toDouble(), 7.5);
     EXPECT_EQ(point[QStringLiteral("dataLabel")].toString(), QStringLiteral("7,5"));
     EXPECT_EQ(chart[QStringLiteral("selectionCaption")].toString(), QStringLiteral("Unit N [4]"));
 
-    const QJsonObject pie = graph({QStringLiteral("distribution"), QStringLiteral("--category"), QStringLiteral("2"),
-                                   QStringLiteral("--pie"), QStringLiteral("--percent")});
+    const QJsonObject pie = graph(words("distribution --category 2 --pie --percent"));
     EXPECT_EQ(pie[QStringLiteral("chartType")].toString(), QStringLiteral("pie"));
     const QJsonArray slices = pie[QStringLiteral("series")].toArray()[0].toObject()[QStringLiteral("points")].toArray();
     ASSERT_EQ(slices.size(), 3);
     EXPECT_EQ(slices[0].toObject()[QStringLiteral("label")].toString(), QStringLiteral("X (12 %)"));
     EXPECT_EQ(slices[1].toObject()[QStringLiteral("value")].toDouble(), 38);
 
-    const QJsonObject ranking = graph({QStringLiteral("--short-names"), QStringLiteral("ranking"),
-                                       QStringLiteral("--question"), QStringLiteral("7"), QStringLiteral("--unsorted")});
+    const QJsonObject ranking = graph(words("--short-names ranking --question 7 --unsorted"));
     const QJsonArray bars = ranking[QStringLiteral("series")].toArray()[0].toObject()[QStringLiteral("points")].toArray();
     ASSERT_EQ(bars.size(), 3) << "Date is kept out of ranking graphs";
     EXPECT_EQ(bars[0].toObject()[QStringLiteral("label")].toString(), QStringLiteral("Apple"));
@@ -106,37 +96,25 @@ TEST_F(KelGraphCharts, SelectionsAndLocalesReachTheChart)
 
 TEST_F(KelGraphCharts, RefusalsAndNonsenseGetTheirExitStatus)
 {
-    // Nobody selected: Show refuses, no graph.
-    const KelRun none = runKel({QStringLiteral("graph"), path, QStringLiteral("--select"), QStringLiteral("0:"),
-                                QStringLiteral("ranking"), QStringLiteral("--block"), QStringLiteral("1")});
-    EXPECT_EQ(none.exitCode, 7);
-    EXPECT_TRUE(none.out.isEmpty());
-    EXPECT_FALSE(none.err.trimmed().isEmpty());
-
     // Unit counts for privacy: Role A has two respondents in each unit,
     // fewer than the minimum graph selection, so Unit may not split it.
-    const KelRun split = runKel({QStringLiteral("graph"), path, QStringLiteral("--select"), QStringLiteral("1:0"),
-                                 QStringLiteral("total-index"), QStringLiteral("--main"), QStringLiteral("--split"),
-                                 QStringLiteral("0")});
+    const KelRun split = runKel(kelArgs("graph", path, "--select 1:0 total-index --main --split 0"));
     EXPECT_EQ(split.exitCode, 7) << split.out.toStdString();
     EXPECT_TRUE(split.out.isEmpty());
     EXPECT_TRUE(split.err.contains("not allowed"));
-    const KelRun allowed = runKel({QStringLiteral("graph"), path, QStringLiteral("total-index"),
-                                   QStringLiteral("--main"), QStringLiteral("--split"), QStringLiteral("0")});
+    const KelRun allowed = runKel(kelArgs("graph", path, "total-index --main --split 0"));
     EXPECT_EQ(allowed.exitCode, 0) << "everyone may be split by unit";
 
     for (const QStringList &args :
-         {QStringList{QStringLiteral("pie-chart")}, QStringList{QStringLiteral("ranking")},
-          QStringList{QStringLiteral("ranking"), QStringLiteral("--block"), QStringLiteral("9")},
-          QStringList{QStringLiteral("total-index")},
-          QStringList{QStringLiteral("total-index"), QStringLiteral("--blocks"), QStringLiteral("--questions")},
-          QStringList{QStringLiteral("total-index"), QStringLiteral("--main"), QStringLiteral("--lines"),
-                      QStringLiteral("4")},
-          QStringList{QStringLiteral("block-index"), QStringLiteral("--main")},
-          QStringList{QStringLiteral("distribution"), QStringLiteral("--category"), QStringLiteral("1"),
-                      QStringLiteral("--group"), QStringLiteral("1")},
-          QStringList{QStringLiteral("--wrong"), QStringLiteral("ranking")}}) {
-        const KelRun run = runKel(QStringList{QStringLiteral("graph"), path} + args);
+         {words("pie-chart"), words("ranking"),
+          words("ranking --block 9"),
+          words("total-index"),
+          words("total-index --blocks --questions"),
+          words("total-index --main --lines 4"),
+          words("block-index --main"),
+          words("distribution --category 1 --group 1"),
+          words("--wrong ranking")}) {
+        const KelRun run = runKel(kelArgs("graph", path) + args);
         EXPECT_EQ(run.exitCode, 64) << args.join(QLatin1Char(' ')).toStdString();
         EXPECT_TRUE(run.out.isEmpty());
     }
@@ -146,11 +124,9 @@ TEST(KelGraphSample, SplitTotalIndexAgreesWithTheIndexExport)
 {
     // The sample survey's total index by department, once as a chart and
     // once as the exported index table.
-    const KelRun chart = runKel({QStringLiteral("graph"), QStringLiteral(KEL_SAMPLE), QStringLiteral("total-index"),
-                                 QStringLiteral("--main"), QStringLiteral("--split"), QStringLiteral("0")});
+    const KelRun chart = runKel(kelArgs("graph", QStringLiteral(KEL_SAMPLE), "total-index --main --split 0"));
     ASSERT_EQ(chart.exitCode, 0) << chart.err.toStdString();
-    const KelRun table = runKel({QStringLiteral("indexes"), QStringLiteral(KEL_SAMPLE), QStringLiteral("--category"),
-                                 QStringLiteral("0"), QStringLiteral("--items"), QStringLiteral("total")});
+    const KelRun table = runKel(kelArgs("indexes", QStringLiteral(KEL_SAMPLE), "--category 0 --items total"));
     ASSERT_EQ(table.exitCode, 0) << table.err.toStdString();
     const QStringList lines = QString::fromUtf8(table.out).split(QStringLiteral("\r\n"));
     const QJsonArray points = QJsonDocument::fromJson(chart.out)
