@@ -4,8 +4,8 @@
 // description, so later graphs never change it.
 #pragma once
 
-#include "render/graphs/basicgraphrenderer.h"
 #include "gui/pictures/picturecommands.h"
+#include "render/graphs/basicgraphrenderer.h"
 #include "render/pictures/picture.h"
 
 #include <QWidget>

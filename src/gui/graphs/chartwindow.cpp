@@ -72,7 +72,6 @@ void ChartWindow::setPictureContext(StatusLine &status, const GraphPictureContex
 {
     mStatus = &status;
     mContext = context;
-    mPermissions = permissions;
     const bool ready = context.options && context.settings;
     mnuPCopy->setEnabled(ready && permissions.allowCopy);
     mnuPPrint->setEnabled(ready && permissions.allowPrint);

@@ -58,7 +58,6 @@ private:
     bool mIsSwedish;
     StatusLine *mStatus = nullptr;
     GraphPictureContext mContext;
-    GraphPermissions mPermissions;
     ChartDescription mDescription;
     QChartView *mView;
     QMenu *mPopup;
