@@ -406,6 +406,13 @@ TEST_F(GraphCommandsTest, PopupQuestionGraphsOpenInPooledWindows)
     EXPECT_EQ(graphs[0]->description().graphKind, FractionGraph);
     EXPECT_EQ(graphs[0]->description().selectionText, QStringLiteral("Everyone [12]"));
     EXPECT_EQ(window->statusLine().text(), QStringLiteral("Question fraction graph generated!"));
+    // The document allows copying only: the picture items follow it, and
+    // the copy reaches the clipboard with the main window's settings.
+    EXPECT_TRUE(graphs[0]->mnuPCopy->isEnabled());
+    EXPECT_FALSE(graphs[0]->mnuPSave->isEnabled());
+    EXPECT_FALSE(graphs[0]->mnuPPrint->isEnabled());
+    graphs[0]->mnuPCopy->trigger();
+    EXPECT_EQ(window->statusLine().text(), QStringLiteral("The graph has been copied to the clipboard!"));
 
     window->menus().mnuPShowBlockGraph1->trigger();
     graphs = visibleGraphs();
