@@ -180,13 +180,15 @@ int main(int argc, char **argv)
         const QSize window = kel::basicGraphWindowSize(renderer, 9300, 46, 96);
         kel::Picture fraction;
         fraction.size = (window - QSize(20, 20)) * 2;
+        bool drawn = false;
         fraction.paint = [&](QPainter &painter) {
-            kel::drawScaledBasicGraph(painter, renderer, QRect(QPoint(0, 0), fraction.size), 2, false);
+            drawn = kel::drawScaledBasicGraph(painter, renderer, QRect(QPoint(0, 0), fraction.size), 2, false);
         };
         qsizetype size = 0;
         const double ms = medianMs([&] { size = kel::encodePicture(fraction, kel::PictureFormat::Emf).size(); });
-        std::printf("fraction graph of 45 questions, %d x %d pixels, as EMF: %.1f ms (cpu %.1f ms) %lld bytes\n",
-                    fraction.size.width(), fraction.size.height(), ms, lastCpuMs, static_cast<long long>(size));
+        std::printf("fraction graph of 45 questions, %d x %d pixels, as EMF: %.1f ms (cpu %.1f ms) %lld bytes%s\n",
+                    fraction.size.width(), fraction.size.height(), ms, lastCpuMs, static_cast<long long>(size),
+                    drawn ? "" : "  -- too big, nothing drawn");
     }
 
     if (kelTool.isEmpty()) {

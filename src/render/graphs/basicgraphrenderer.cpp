@@ -459,13 +459,13 @@ QSize basicGraphWindowSize(const BasicGraphRenderer &renderer, qint32 windowWidt
     return QSize(std::max(width, 200), int(std::clamp<qint64>(height, 120, 30000)));
 }
 
-void drawScaledBasicGraph(QPainter &painter, const BasicGraphRenderer &renderer, const QRect &area, int scale,
+bool drawScaledBasicGraph(QPainter &painter, const BasicGraphRenderer &renderer, const QRect &area, int scale,
                           bool percentage)
 {
     scale = std::max(scale, 1);
     const BasicGraphUnits screen = renderer.units();
     const BasicGraphRenderer scaled(renderer.description(), BasicGraphUnits{screen.sx * scale, screen.sy * scale});
-    scaled.draw(painter, area, scale, percentage);
+    return scaled.draw(painter, area, scale, percentage);
 }
 
 } // namespace kel

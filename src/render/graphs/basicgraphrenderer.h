@@ -88,7 +88,8 @@ QSize basicGraphWindowSize(const BasicGraphRenderer &renderer, qint32 windowWidt
 
 /// Draws `renderer`'s graph into `area` of a surface `scale` times finer than
 /// the screen the renderer was set up for (pictures are made at 2 or 4).
-void drawScaledBasicGraph(QPainter &painter, const BasicGraphRenderer &renderer, const QRect &area, int scale,
+/// False, having drawn nothing, when the graph does not fit.
+bool drawScaledBasicGraph(QPainter &painter, const BasicGraphRenderer &renderer, const QRect &area, int scale,
                           bool percentage);
 
 } // namespace kel
