@@ -106,6 +106,37 @@ TEST_F(KelRender, GraphsInEveryFormat)
     EXPECT_NE(read(north), read(out(QStringLiteral("fraction.svg"))));
 }
 
+TEST_F(KelRender, AHistogramTooWideForItsWindowIsNotWrittenEmpty)
+{
+    // 16 questions of three answers: 48 bars do not fit 620 pixels.
+    SurveyBuilder b(6, 1);
+    const qint32 block = b.addBlock({.code = QStringLiteral("W"), .name = QStringLiteral("Wide")});
+    const QList<AlternativeSpec> scale = {{.text = QStringLiteral("a"), .points = 0},
+                                          {.text = QStringLiteral("b"), .points = 1},
+                                          {.text = QStringLiteral("c"), .points = 2}};
+    qint32 first = -1;
+    for (int q = 0; q < 16; ++q) {
+        const QuestionSpec spec{.code = QStringLiteral("Q%1").arg(q), .heading = QStringLiteral("Q%1").arg(q),
+                                .block = block};
+        const qint32 added = first < 0 ? b.addQuestion(spec, scale) : b.addQuestionLike(spec, first);
+        first = first < 0 ? added : first;
+        for (qint32 r = 0; r < 6; ++r)
+            b.setAnswer(r, added, r % 3);
+    }
+    const QString wide = out(QStringLiteral("wide.kel")), path = out(QStringLiteral("wide.png"));
+    ASSERT_TRUE(b.build().writeFile(wide));
+    KelRun run = runKel({QStringLiteral("render"), wide, QStringLiteral("graph"), QStringLiteral("histogram"),
+                         QStringLiteral("--block"), QStringLiteral("0"), QStringLiteral("-o"), path});
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_TRUE(run.err.contains("The graph is to big for the window!")) << run.err.toStdString();
+    EXPECT_FALSE(QFile::exists(path));
+    // The fraction graph of the same block grows with it and is written.
+    run = runKel({QStringLiteral("render"), wide, QStringLiteral("graph"), QStringLiteral("fraction"),
+                  QStringLiteral("--block"), QStringLiteral("0"), QStringLiteral("-o"), path});
+    EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
+    EXPECT_TRUE(QFile::exists(path));
+}
+
 TEST_F(KelRender, HeadersOnlyAndSelections)
 {
     const QString all = out(QStringLiteral("all.png")), headers = out(QStringLiteral("headers.png")),

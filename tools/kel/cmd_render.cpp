@@ -10,9 +10,12 @@
 #include "render/graphs/basicgraphrenderer.h"
 #include "render/overview/overviewpicture.h"
 #include "render/pictures/picturewriter.h"
+#include "texts/graphtexts.h"
 #include "texts/language.h"
 
 #include <QApplication>
+#include <QPainter>
+#include <QPicture>
 
 #include <cstring>
 
@@ -95,8 +98,9 @@ bool splitGraphCommandLine(const QStringList &args, QStringList &graphArgs, QStr
 
 // The graph as a graph window opens with it and saves it with the stored
 // defaults: a screen of 96 dots per inch, twice the size, no margin kept,
-// transparent where the format allows.
-Picture basicGraphFilePicture(const BasicGraphDescription &description)
+// transparent where the format allows. Nothing when the graph does not fit
+// in that window (the window would say so instead of drawing it).
+std::optional<Picture> basicGraphFilePicture(const BasicGraphDescription &description)
 {
     constexpr int Scale = 2;
     const BasicGraphRenderer renderer(description, BasicGraphUnits{});
@@ -106,8 +110,14 @@ Picture basicGraphFilePicture(const BasicGraphDescription &description)
     Picture picture;
     picture.size = (window - QSize(2 * BasicGraphMargin, 2 * BasicGraphMargin)) * Scale;
     const QRect area(QPoint(0, 0), picture.size);
-    picture.paint = [renderer, area](QPainter &painter) {
-        drawScaledBasicGraph(painter, renderer, area, Scale, false);
+    QPicture probe; // a recording only, to learn whether it fits
+    QPainter painter(&probe);
+    const bool fits = drawScaledBasicGraph(painter, renderer, area, Scale, false);
+    painter.end();
+    if (!fits)
+        return std::nullopt;
+    picture.paint = [renderer, area](QPainter &target) {
+        drawScaledBasicGraph(target, renderer, area, Scale, false);
     };
     return picture;
 }
@@ -130,11 +140,15 @@ int renderGraph(const Document &base, const QStringList &graphArgs, const QStrin
         output.err += QStringLiteral("kel render: charts can only be drawn when kel starts with render or batch\n");
         return UsageError;
     }
-    Picture picture = graph.chart ? chartPicture(*graph.chart, DefaultChartPictureSize)
-                                  : basicGraphFilePicture(*graph.basic);
-    picture.description = applicationTitle();
+    std::optional<Picture> picture = graph.chart ? chartPicture(*graph.chart, DefaultChartPictureSize)
+                                                 : basicGraphFilePicture(*graph.basic);
+    if (!picture) {
+        output.err += QStringLiteral("kel render: %1\n").arg(graphTooBigMessage(false));
+        return 1;
+    }
+    picture->description = applicationTitle();
     QString error;
-    if (!writePicture(picture, *pictureFormatForFileName(outputPath), outputPath, &error)) {
+    if (!writePicture(*picture, *pictureFormatForFileName(outputPath), outputPath, &error)) {
         output.err += QStringLiteral("kel render: %1: %2\n").arg(outputPath, error);
         return 1;
     }
