@@ -330,6 +330,30 @@ TEST_F(GraphPictureTest, SaveWritesEachFormatAndRemembersIt)
     EXPECT_EQ(seenFilters.value(0), QStringLiteral("Windows utökad metafil (*.emf)"));
 }
 
+TEST_F(GraphPictureTest, StatusTextsStartAndEndEachCommand)
+{
+    StatusLine swedish(true);
+    QStringList seen;
+    QObject::connect(&swedish, &StatusLine::textChanged, [&](const QString &text) { seen << text; });
+    BasicGraphWindow w(true, swedish);
+    w.setUpGraph(twoGroups(FractionGraph), {.allowCopy = true, .allowSavePicture = true}, {});
+    w.setPictureContext(context());
+    ASSERT_TRUE(w.doCopy());
+    EXPECT_EQ(seen, QStringList({QStringLiteral("Kopierar grafen till urklipp..."),
+                                 QStringLiteral("Grafen har kopierats till urklipp!")}));
+    EXPECT_TRUE(swedish.isClearPending()) << "the result clears itself";
+    seen.clear();
+    answer = {dir.filePath(QStringLiteral("g.wmf")), QStringLiteral("Windows metafil (*.wmf)")};
+    ASSERT_TRUE(w.saveGraph());
+    EXPECT_EQ(seen, QStringList({QStringLiteral("Spara grafen..."), QStringLiteral("Grafen har sparats!")}));
+    // Cancelling the dialog leaves an empty line, not the start text.
+    seen.clear();
+    answer = {};
+    EXPECT_FALSE(w.saveGraph());
+    EXPECT_EQ(seen.value(0), QStringLiteral("Spara grafen..."));
+    EXPECT_TRUE(swedish.text().isEmpty());
+}
+
 // The commands through the main window, on a written document.
 class GraphCommandsTest : public ::testing::Test
 {
