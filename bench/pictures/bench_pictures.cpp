@@ -3,10 +3,13 @@
 // as EMF, WMF, SVG, PDF and PNG, each timed from the drawing routine to the
 // finished bytes, with the file sizes; and `kel render` of the overview to
 // PNG as a whole process (start-up, reading the document, Show, drawing,
-// writing). Prints median milliseconds.
+// writing). Then a fraction graph of 45 questions as EMF, and `kel render` of
+// a chart to PNG as a whole process. Prints median milliseconds.
 #include "engine/document/documentreader.h"
+#include "engine/graphs/basicgraph.h"
 #include "engine/overview/subsheet.h"
 #include "kelwriter.h"
+#include "render/graphs/basicgraphrenderer.h"
 #include "render/overview/overviewpicture.h"
 #include "render/pictures/emfpaintdevice.h"
 #include "render/pictures/picturewriter.h"
@@ -154,6 +157,40 @@ int main(int argc, char **argv)
                     f.format == kel::PictureFormat::Emf ? "   (target < 150 ms)" : "");
     }
 
+    // A fraction graph of 45 questions, saved as the graph window saves it
+    // with its default size: twice the size, no margin.
+    {
+        kel::BasicGraphRequest request;
+        request.kind = kel::FractionGraph;
+        for (qint32 q = 0; q < 45; ++q)
+            request.questions.push_back(doc.overviewColumns[std::size_t(q)]);
+        request.name = QStringLiteral("Forty-five questions");
+        kel::BasicGraphSelection selection;
+        selection.rows = &sheet.rows;
+        selection.splitNotAllowed = &sheet.steps.splitNotAllowed;
+        selection.selectionText = sheet.steps.selectionText;
+        selection.usedTotalText = flex.text();
+        selection.usedTotalSize = flex.rowCount();
+        const kel::BasicGraphResult graph = kel::generateBasicGraph(doc, request, selection);
+        if (graph.outcome != kel::BasicGraphOutcome::Ok) {
+            std::fprintf(stderr, "the fraction graph could not be made\n");
+            return 1;
+        }
+        const kel::BasicGraphRenderer renderer(graph.description, kel::BasicGraphUnits{});
+        const QSize window = kel::basicGraphWindowSize(renderer, 9300, 46, 96);
+        kel::Picture fraction;
+        fraction.size = (window - QSize(20, 20)) * 2;
+        bool drawn = false;
+        fraction.paint = [&](QPainter &painter) {
+            drawn = kel::drawScaledBasicGraph(painter, renderer, QRect(QPoint(0, 0), fraction.size), 2, false);
+        };
+        qsizetype size = 0;
+        const double ms = medianMs([&] { size = kel::encodePicture(fraction, kel::PictureFormat::Emf).size(); });
+        std::printf("fraction graph of 45 questions, %d x %d pixels, as EMF: %.1f ms (cpu %.1f ms) %lld bytes%s\n",
+                    fraction.size.width(), fraction.size.height(), ms, lastCpuMs, static_cast<long long>(size),
+                    drawn ? "" : "  -- too big, nothing drawn");
+    }
+
     if (kelTool.isEmpty()) {
         std::printf("kel render: pass the kel tool's path to time it\n");
         return 0;
@@ -173,5 +210,19 @@ int main(int argc, char **argv)
     });
     std::printf("kel render overview -o PNG, whole process: %.1f ms (target < 400 ms)%s\n", ms,
                 exitCode ? "  -- kel failed" : "");
+
+    // A chart: the total index and the 25 block indexes, drawn by Qt Charts.
+    const QString chart = dir.filePath(QStringLiteral("chart.png"));
+    exitCode = 0;
+    const double chartMs = medianMs([&] {
+        QProcess process;
+        process.start(kelTool, {QStringLiteral("render"), documentPath, QStringLiteral("graph"),
+                                QStringLiteral("total-index"), QStringLiteral("--main"), QStringLiteral("--blocks"),
+                                QStringLiteral("-o"), chart});
+        process.waitForFinished(60000);
+        exitCode = std::max(exitCode, process.exitCode());
+    });
+    std::printf("kel render graph total-index -o PNG (800 x 600), whole process: %.1f ms (target < 400 ms)%s\n",
+                chartMs, exitCode ? "  -- kel failed" : "");
     return 0;
 }

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Manual check of the question and block graphs as the user opens them:
 // `graphpreview FILE [--lang sv] (--question Q [--split S | --category C] |
-// --block B [--view]) [--kind 1|2] [--png OUT] [--hold MS]` opens the main
-// window on FILE, right-clicks the question's column (or the block line)
-// through the overview's popup signal, chooses the menu item and, with --png,
-// saves the graph window's picture. --hold keeps the windows up for a
-// screenshot before quitting.
+// --block B [--view]) [--kind 1|2] [--png OUT] [--save OUT...] [--hold MS]`
+// opens the main window on FILE, right-clicks the question's column (or the
+// block line) through the overview's popup signal, chooses the menu item and,
+// with --png, saves the graph window's grab. Each --save presses Ctrl+S in the
+// graph window and answers the save dialog with OUT and the file type of its
+// extension, as a user would. --hold keeps the windows up for a screenshot
+// before quitting.
 #include "engine/document/document.h"
 #include "gui/graphs/basicgraphwindow.h"
 #include "gui/overview/sheetview.h"
@@ -15,6 +17,10 @@
 #include <QAction>
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QTest>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QMenu>
 #include <QPushButton>
@@ -30,7 +36,7 @@ int main(int argc, char **argv)
     QApplication app(argc, argv);
     QCommandLineParser parser;
     parser.addPositionalArgument(QStringLiteral("file"), QStringLiteral("KEL document"));
-    for (const char *name : {"lang", "question", "split", "category", "block", "kind", "png", "hold"})
+    for (const char *name : {"lang", "question", "split", "category", "block", "kind", "png", "save", "hold"})
         parser.addOption({QString::fromUtf8(name), QString::fromUtf8(name), QStringLiteral("V")});
     parser.addOption({QStringLiteral("view"), QStringLiteral("the View menu's block item")});
     parser.process(app);
@@ -115,6 +121,29 @@ int main(int argc, char **argv)
     QTimer::singleShot(std::max(hold, 200), [&] {
         if (!png.isEmpty())
             graph->grab().save(png);
+        for (const QString &path : parser.values(QStringLiteral("save"))) {
+            // The dialog is modal: answer it from the event loop it runs.
+            QTimer::singleShot(300, [path] {
+                auto *dialog = qobject_cast<QFileDialog *>(QApplication::activeModalWidget());
+                if (!dialog) {
+                    std::fprintf(stderr, "no save dialog\n");
+                    return;
+                }
+                std::printf("dialog: %s\n", qPrintable(dialog->windowTitle()));
+                const QString suffix = QStringLiteral("(*.") + QFileInfo(path).suffix() + QLatin1Char(')');
+                for (const QString &filter : dialog->nameFilters())
+                    if (filter.endsWith(suffix))
+                        dialog->selectNameFilter(filter);
+                dialog->selectFile(path);
+                // Typed into the name box, as a user does.
+                if (auto *name = dialog->findChild<QLineEdit *>(QStringLiteral("fileNameEdit")))
+                    name->setText(path);
+                static_cast<QDialog *>(dialog)->accept(); // as the Save button does
+            });
+            graph->activateWindow();
+            QTest::keyClick(graph, Qt::Key_S, Qt::ControlModifier);
+            std::printf("status: %s\n", qPrintable(window.statusLine().text()));
+        }
         app.quit();
     });
     return app.exec();

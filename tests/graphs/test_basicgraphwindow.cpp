@@ -11,6 +11,7 @@
 #include "gui/shell/mainwindow.h"
 #include "gui/shell/windowpool.h"
 #include "kelwriter.h"
+#include "engine/settings/settingsstore.h"
 #include "texts/statusline.h"
 
 #include <QAction>
@@ -21,6 +22,8 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QMenu>
+#include <QMimeData>
+#include <QPainter>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -90,7 +93,7 @@ TEST_F(GraphWindowTest, MenuFollowsKindAndPermissions)
     EXPECT_TRUE(w.mnuPUsePercentage->isVisible());
     EXPECT_FALSE(w.mnuPSetAsDefaultSize->isVisible());
     EXPECT_TRUE(w.mnuPCopyValues->isEnabled());
-    // The picture commands wait for the picture writers.
+    // The picture commands wait for the settings they need.
     EXPECT_FALSE(w.mnuPCopy->isEnabled());
     EXPECT_FALSE(w.mnuPPrint->isEnabled());
     EXPECT_FALSE(w.mnuPSave->isEnabled());
@@ -162,6 +165,193 @@ TEST_F(GraphWindowTest, TooSmallWindowShowsTheMessageInstead)
     w.resize(600, 400);
     w.render(&image);
     EXPECT_FALSE(w.graphTooBig());
+}
+
+// Copy, save and print of the graph picture, with the settings the main
+// window would give and the save dialog answered by the test.
+class GraphPictureTest : public GraphWindowTest
+{
+protected:
+    GraphPictureContext context(QStringList *messages = nullptr)
+    {
+        GraphPictureContext c;
+        c.options = &options;
+        c.settings = &settings;
+        c.chooseFile = [this](const QString &title, const QString &, const QString &defaultName,
+                              const QStringList &filters, int preselected) {
+            seenTitle = title;
+            seenDefaultName = defaultName;
+            seenFilters = filters;
+            seenPreselected = preselected;
+            return answer;
+        };
+        c.reportError = [messages](const QString &, const QString &text) {
+            if (messages)
+                *messages << text;
+        };
+        return c;
+    }
+    static QImage clipboardPng()
+    {
+        QImage png;
+        if (const QMimeData *data = QGuiApplication::clipboard()->mimeData())
+            png.loadFromData(data->data(QStringLiteral("image/png")));
+        return png;
+    }
+    static QByteArray head(const QString &path, int bytes)
+    {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.read(bytes) : QByteArray();
+    }
+
+    UserOptions options;
+    LastSettings settings;
+    QTemporaryDir dir;
+    std::pair<QString, QString> answer;
+    QString seenTitle, seenDefaultName;
+    QStringList seenFilters;
+    int seenPreselected = -1;
+};
+
+TEST_F(GraphPictureTest, PermissionsGateItemsAndShortcuts)
+{
+    BasicGraphWindow w(false, status);
+    w.setUpGraph(twoGroups(FractionGraph), {.allowCopy = true}, {});
+    EXPECT_FALSE(w.mnuPCopy->isEnabled()) << "nothing to copy with before the settings are known";
+    w.setPictureContext(context());
+    EXPECT_TRUE(w.mnuPCopy->isEnabled());
+    EXPECT_FALSE(w.mnuPPrint->isEnabled());
+    EXPECT_FALSE(w.mnuPSave->isEnabled());
+
+    QGuiApplication::clipboard()->setText(QStringLiteral("untouched"));
+    answer = {dir.filePath(QStringLiteral("g.emf")), QStringLiteral("Windows enhanced meta file (*.emf)")};
+    QTest::keyClick(&w, Qt::Key_S, Qt::ControlModifier);
+    EXPECT_TRUE(seenTitle.isEmpty()) << "no save dialog without AllowSavePicture";
+    QTest::keyClick(&w, Qt::Key_P, Qt::ControlModifier);
+    EXPECT_TRUE(status.text().isEmpty()) << "no printing without AllowPrint";
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), QStringLiteral("untouched"));
+    QTest::keyClick(&w, Qt::Key_C, Qt::ControlModifier);
+    EXPECT_FALSE(clipboardPng().isNull());
+    EXPECT_EQ(status.text(), QStringLiteral("The graph has been copied to the clipboard!"));
+
+    // Another document's graph in the same window takes that one's rights.
+    w.setUpGraph(twoGroups(FractionGraph), {.allowSavePicture = true}, {});
+    EXPECT_FALSE(w.mnuPCopy->isEnabled());
+    QGuiApplication::clipboard()->setText(QStringLiteral("untouched"));
+    QTest::keyClick(&w, Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), QStringLiteral("untouched"));
+    QTest::keyClick(&w, Qt::Key_S, Qt::ControlModifier);
+    EXPECT_EQ(seenTitle, QStringLiteral("Save Graph"));
+    EXPECT_TRUE(QFile::exists(answer.first));
+}
+
+TEST_F(GraphPictureTest, CopySizeFollowsWhiteSpaceScaleAndOpaque)
+{
+    BasicGraphWindow w(false, status);
+    w.setUpGraph(twoGroups(FractionGraph), {.allowCopy = true}, {});
+    w.setPictureContext(context());
+    w.resize(400, 300);
+    ASSERT_TRUE(w.doCopy());
+    const QImage plain = clipboardPng();
+    EXPECT_EQ(plain.size(), QSize(380 * 2, 280 * 2));
+    EXPECT_EQ(qAlpha(plain.pixel(0, plain.height() - 1)), 0) << "transparent unless opaque";
+    const QMimeData *data = QGuiApplication::clipboard()->mimeData();
+    EXPECT_TRUE(data->data(QStringLiteral("image/svg+xml")).contains("<svg"));
+    EXPECT_TRUE(data->data(QStringLiteral("image/x-emf")).startsWith(QByteArray::fromHex("01000000")));
+
+    options.graphCopySaveWhiteSpace = true;
+    options.graphCopySaveOpaque = true;
+    ASSERT_TRUE(w.doCopy());
+    const QImage spaced = clipboardPng();
+    EXPECT_EQ(spaced.size() - plain.size(), QSize(20 * 2, 20 * 2));
+    EXPECT_EQ(qAlpha(spaced.pixel(0, 0)), 255);
+
+    // The picture is the graph as it was copied, not as the window shows
+    // it later.
+    const Picture picture = w.picture();
+    w.setUpGraph(twoGroups(HistogramGraph), {.allowCopy = true}, {});
+    w.resize(200, 200);
+    EXPECT_EQ(picture.size, spaced.size());
+    QImage image(picture.size, QImage::Format_ARGB32);
+    image.fill(Qt::white);
+    QPainter painter(&image);
+    picture.paint(painter);
+    painter.end();
+    EXPECT_EQ(image, spaced.convertToFormat(QImage::Format_ARGB32));
+}
+
+TEST_F(GraphPictureTest, SaveWritesEachFormatAndRemembersIt)
+{
+    BasicGraphWindow w(false, status);
+    w.setUpGraph(twoGroups(HistogramGraph), {.allowSavePicture = true}, {});
+    QStringList messages;
+    w.setPictureContext(context(&messages));
+
+    answer = {dir.filePath(QStringLiteral("graph")), QStringLiteral("Windows meta file (*.wmf)")};
+    ASSERT_TRUE(w.saveGraph());
+    EXPECT_EQ(seenFilters, QStringList({QStringLiteral("Windows enhanced meta file (*.emf)"),
+                                        QStringLiteral("Windows meta file (*.wmf)")}));
+    EXPECT_EQ(seenPreselected, 0);
+    EXPECT_EQ(seenDefaultName, QStringLiteral("abc.emf"));
+    EXPECT_EQ(head(dir.filePath(QStringLiteral("graph.wmf")), 4), QByteArray::fromHex("D7CDC69A"));
+    EXPECT_EQ(settings.graphSaveFormat, 2);
+    EXPECT_EQ(settings.graphSaveFolder, dir.path());
+    EXPECT_EQ(status.text(), QStringLiteral("The graph has been saved!"));
+
+    answer = {dir.filePath(QStringLiteral("graph.emf")), QStringLiteral("Windows enhanced meta file (*.emf)")};
+    ASSERT_TRUE(w.saveGraph());
+    EXPECT_EQ(seenPreselected, 1) << "the last type is offered first";
+    EXPECT_EQ(seenDefaultName, QStringLiteral("abc.wmf"));
+    const QByteArray emf = head(answer.first, 64);
+    ASSERT_EQ(emf.size(), 64);
+    EXPECT_EQ(emf.left(4), QByteArray::fromHex("01000000"));
+    EXPECT_EQ(emf.mid(40, 4), QByteArray(" EMF"));
+    EXPECT_EQ(settings.graphSaveFormat, 1);
+
+    // A type the dialog does not know: the message, and nothing written.
+    answer = {dir.filePath(QStringLiteral("other.emf")), QStringLiteral("All files (*)")};
+    EXPECT_FALSE(w.saveGraph());
+    EXPECT_FALSE(QFile::exists(answer.first));
+    ASSERT_EQ(messages.size(), 1);
+    EXPECT_EQ(messages[0], QStringLiteral("The graph could not be saved since you did not select what file format "
+                                          "you wanted!"));
+    EXPECT_TRUE(status.text().isEmpty());
+    // A folder that cannot be written: the failure, not a crash.
+    answer = {dir.filePath(QStringLiteral("missing/g.emf")), QStringLiteral("Windows enhanced meta file (*.emf)")};
+    EXPECT_FALSE(w.saveGraph());
+    EXPECT_EQ(status.text(), QStringLiteral("The graph could not be saved!"));
+
+    BasicGraphWindow sv(true, status);
+    sv.setUpGraph(twoGroups(HistogramGraph), {.allowSavePicture = true}, {});
+    sv.setPictureContext(context());
+    answer = {};
+    EXPECT_FALSE(sv.saveGraph());
+    EXPECT_EQ(seenTitle, QStringLiteral("Spara diagram"));
+    EXPECT_EQ(seenFilters.value(0), QStringLiteral("Windows utökad metafil (*.emf)"));
+}
+
+TEST_F(GraphPictureTest, StatusTextsStartAndEndEachCommand)
+{
+    StatusLine swedish(true);
+    QStringList seen;
+    QObject::connect(&swedish, &StatusLine::textChanged, [&](const QString &text) { seen << text; });
+    BasicGraphWindow w(true, swedish);
+    w.setUpGraph(twoGroups(FractionGraph), {.allowCopy = true, .allowSavePicture = true}, {});
+    w.setPictureContext(context());
+    ASSERT_TRUE(w.doCopy());
+    EXPECT_EQ(seen, QStringList({QStringLiteral("Kopierar grafen till urklipp..."),
+                                 QStringLiteral("Grafen har kopierats till urklipp!")}));
+    EXPECT_TRUE(swedish.isClearPending()) << "the result clears itself";
+    seen.clear();
+    answer = {dir.filePath(QStringLiteral("g.wmf")), QStringLiteral("Windows metafil (*.wmf)")};
+    ASSERT_TRUE(w.saveGraph());
+    EXPECT_EQ(seen, QStringList({QStringLiteral("Spara grafen..."), QStringLiteral("Grafen har sparats!")}));
+    // Cancelling the dialog leaves an empty line, not the start text.
+    seen.clear();
+    answer = {};
+    EXPECT_FALSE(w.saveGraph());
+    EXPECT_EQ(seen.value(0), QStringLiteral("Spara grafen..."));
+    EXPECT_TRUE(swedish.text().isEmpty());
 }
 
 // The commands through the main window, on a written document.
@@ -240,6 +430,13 @@ TEST_F(GraphCommandsTest, PopupQuestionGraphsOpenInPooledWindows)
     EXPECT_EQ(graphs[0]->description().graphKind, FractionGraph);
     EXPECT_EQ(graphs[0]->description().selectionText, QStringLiteral("Everyone [12]"));
     EXPECT_EQ(window->statusLine().text(), QStringLiteral("Question fraction graph generated!"));
+    // The document allows copying only: the picture items follow it, and
+    // the copy reaches the clipboard with the main window's settings.
+    EXPECT_TRUE(graphs[0]->mnuPCopy->isEnabled());
+    EXPECT_FALSE(graphs[0]->mnuPSave->isEnabled());
+    EXPECT_FALSE(graphs[0]->mnuPPrint->isEnabled());
+    graphs[0]->mnuPCopy->trigger();
+    EXPECT_EQ(window->statusLine().text(), QStringLiteral("The graph has been copied to the clipboard!"));
 
     window->menus().mnuPShowBlockGraph1->trigger();
     graphs = visibleGraphs();

@@ -12,6 +12,7 @@
 #include "gui/graphs/indexgraphdialog.h"
 #include "gui/overview/sheetview.h"
 #include "gui/shell/mainwindow.h"
+#include "engine/settings/settingsstore.h"
 #include "texts/statusline.h"
 
 #include <QAction>
@@ -19,6 +20,12 @@
 #include <QBarSeries>
 #include <QBarSet>
 #include <QChart>
+#include <QChartView>
+#include <QClipboard>
+#include <QFileInfo>
+#include <QGuiApplication>
+#include <QMimeData>
+#include <QSet>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QGraphicsSimpleTextItem>
@@ -173,6 +180,67 @@ TEST(ChartBuilder, LegendCodesMapToSides)
     EXPECT_EQ(legendAlignment(4), Qt::AlignTop);
     EXPECT_EQ(legendAlignment(6), Qt::AlignBottom);
     EXPECT_EQ(legendAlignment(17), Qt::AlignBottom);
+}
+
+// The chart window's copy, save and print with the settings the main window
+// would give it.
+TEST(ChartPictures, CopyFormatSaveByExtensionAndPermissions)
+{
+    StatusLine status(true);
+    UserOptions options;
+    LastSettings settings;
+    QTemporaryDir dir;
+    std::pair<QString, QString> answer;
+    QString seenTitle;
+    GraphPictureContext context;
+    context.options = &options;
+    context.settings = &settings;
+    context.chooseFile = [&](const QString &title, const QString &, const QString &, const QStringList &, int) {
+        seenTitle = title;
+        return answer;
+    };
+    ChartWindow w(true, nullptr);
+    w.setUpChart(twoGroupChart());
+    w.resize(500, 400);
+    w.setPictureContext(status, context, {.allowCopy = true, .allowPrint = false, .allowSavePicture = true});
+    EXPECT_TRUE(w.mnuPCopy->isEnabled());
+    EXPECT_FALSE(w.mnuPPrint->isEnabled());
+    EXPECT_TRUE(w.mnuPSave->isEnabled());
+
+    // "Graph Copy Format" 2: a bitmap only; 1: the metafile too.
+    QClipboard *clipboard = QGuiApplication::clipboard();
+    w.mnuPCopy->trigger();
+    EXPECT_EQ(status.text(), QStringLiteral("Grafen har kopierats till urklipp!"));
+    EXPECT_TRUE(clipboard->mimeData()->hasImage());
+    EXPECT_FALSE(clipboard->mimeData()->hasFormat(QStringLiteral("image/x-emf")));
+    options.graphCopyFormat = 1;
+    w.mnuPCopy->trigger();
+    EXPECT_TRUE(clipboard->mimeData()->data(QStringLiteral("image/x-emf")).startsWith(QByteArray::fromHex("01000000")));
+
+    // The name's extension decides over the chosen type.
+    answer = {dir.filePath(QStringLiteral("chart.png")), QStringLiteral("Windows enhanced meta file (*.emf)")};
+    w.mnuPSave->trigger();
+    EXPECT_EQ(seenTitle, QStringLiteral("Spara graf"));
+    EXPECT_EQ(status.text(), QStringLiteral("Grafen har sparats!"));
+    EXPECT_EQ(settings.graphSaveFormat, 3);
+    QImage png(answer.first);
+    ASSERT_FALSE(png.isNull());
+    EXPECT_EQ(png.size(), w.chartView()->size());
+    // The chart is drawn, not an empty page: its bars bring colours.
+    QSet<QRgb> colours;
+    for (int y = 0; y < png.height(); y += 4)
+        for (int x = 0; x < png.width(); x += 4)
+            colours.insert(png.pixel(x, y));
+    EXPECT_GT(colours.size(), 3);
+    for (const char *name : {"chart.gif", "chart.jpg", "chart.svg", "chart.pdf", "chart.wmf"}) {
+        answer = {dir.filePath(QString::fromUtf8(name)), QString()};
+        w.mnuPSave->trigger();
+        EXPECT_GT(QFileInfo(answer.first).size(), 100) << name;
+    }
+
+    w.setPictureContext(status, context, {});
+    EXPECT_FALSE(w.mnuPCopy->isEnabled());
+    EXPECT_FALSE(w.doCopy());
 }
 
 class LaunchDialogs : public ::testing::Test
@@ -333,8 +401,9 @@ TEST_F(ChartCommandsTest, TotalIndexGraphFromTheViewMenuOpensAPooledWindowAfterT
     EXPECT_EQ(charts().autoShowTimer().interval(), 300);
     EXPECT_TRUE(charts().autoShowTimer().isSingleShot());
     EXPECT_TRUE(QTest::qWaitFor([&] { return chart->isVisible(); }, 2000));
-    // Copy, print and save wait for the picture writers.
+    // The survey allows neither copying nor saving pictures.
     EXPECT_FALSE(chart->mnuPCopy->isEnabled());
+    EXPECT_FALSE(chart->mnuPSave->isEnabled());
     EXPECT_TRUE(chart->mnuPClose->isEnabled());
     EXPECT_FALSE(chart->picture().size.isEmpty());
 

@@ -74,7 +74,7 @@ void writeBasicGraph(JsonWriter &json, const BasicGraphDescription &d)
 }
 
 // histogram / fraction: --block B | --question Q [--split S]
-int basicGraphKind(const GraphInput &in, qint32 kind, CommandOutput &output)
+int basicGraphKind(const GraphInput &in, qint32 kind, MadeGraph &graph, CommandOutput &output)
 {
     qint32 block = -1;
     qint32 question = -1;
@@ -148,31 +148,33 @@ int basicGraphKind(const GraphInput &in, qint32 kind, CommandOutput &output)
         return GraphRefused;
     case BasicGraphOutcome::Failed: return usageError(output, QStringLiteral("the graph could not be generated"));
     }
-    JsonWriter json;
-    writeBasicGraph(json, result.description);
-    output.out += QString::fromStdString(json.text()) + QLatin1Char('\n');
+    graph.basic = result.description;
     return 0;
 }
 
-int histogramKind(const GraphInput &in, CommandOutput &output)
+int histogramKind(const GraphInput &in, MadeGraph &graph, CommandOutput &output)
 {
-    return basicGraphKind(in, HistogramGraph, output);
+    return basicGraphKind(in, HistogramGraph, graph, output);
 }
 
-int fractionKind(const GraphInput &in, CommandOutput &output)
+int fractionKind(const GraphInput &in, MadeGraph &graph, CommandOutput &output)
 {
-    return basicGraphKind(in, FractionGraph, output);
+    return basicGraphKind(in, FractionGraph, graph, output);
 }
 
 /// The graph kinds: adding one is one line here.
 struct GraphKindEntry {
     const char *name;
-    int (*run)(const GraphInput &in, CommandOutput &output);
+    int (*run)(const GraphInput &in, MadeGraph &graph, CommandOutput &output);
 };
-int chartKind(const GraphInput &in, CommandOutput &output)
+int chartKind(const GraphInput &in, MadeGraph &graph, CommandOutput &output)
 {
-    return chartGraphKind(in.doc, in.shown, in.args.kind, in.args.kindArgs, in.args.reversed, in.args.shortNames,
-                          in.args.selection.locale, output);
+    ChartDescription chart;
+    const int status = makeChartGraph(in.doc, in.shown, in.args.kind, in.args.kindArgs, in.args.reversed,
+                                      in.args.shortNames, in.args.selection.locale, chart, output);
+    if (status == 0)
+        graph.chart = std::move(chart);
+    return status;
 }
 
 const GraphKindEntry GraphKinds[] = {
@@ -186,7 +188,7 @@ const GraphKindEntry GraphKinds[] = {
 
 } // namespace
 
-int graphCommand(const Document &base, const QStringList &args, CommandOutput &output)
+int makeGraph(const Document &base, const QStringList &args, MadeGraph &graph, CommandOutput &output)
 {
     QString error;
     const std::optional<GraphArgs> parsed = parseGraphArgs(args, error);
@@ -204,7 +206,23 @@ int graphCommand(const Document &base, const QStringList &args, CommandOutput &o
     std::optional<ShownSelection> shown;
     if (const int status = showForGraph(doc, *parsed, shown, output); status != 0)
         return status;
-    return entry->run(GraphInput{doc, *parsed, *shown}, output);
+    return entry->run(GraphInput{doc, *parsed, *shown}, graph, output);
+}
+
+int graphCommand(const Document &base, const QStringList &args, CommandOutput &output)
+{
+    MadeGraph graph;
+    const int status = makeGraph(base, args, graph, output);
+    if (status != 0)
+        return status;
+    if (graph.chart) {
+        writeChart(*graph.chart, output);
+        return 0;
+    }
+    JsonWriter json;
+    writeBasicGraph(json, *graph.basic);
+    output.out += QString::fromStdString(json.text()) + QLatin1Char('\n');
+    return 0;
 }
 
 } // namespace kel::cli

@@ -20,6 +20,23 @@ const char ChartKindsUsage[] =
     "              [--horizontal] [--no-vertical-labels] [--no-data-labels]\n"
     "  block-index --block B [--main] [--questions] [--split Q] ...the same look options\n";
 
+
+/// Reads the number after args[i]; false (with `error`) when missing or bad.
+bool takeNumber(const QStringList &args, qsizetype &i, qint32 low, qint32 high, qint32 &value, QString &error)
+{
+    const QString name = args[i];
+    bool ok = false;
+    if (i + 1 < args.size())
+        value = args[++i].toInt(&ok);
+    if (!ok || value < low || value > high) {
+        error = QStringLiteral("%1 takes a number from %2 to %3").arg(name).arg(low).arg(high);
+        return false;
+    }
+    return true;
+}
+
+} // namespace
+
 void writeChart(const ChartDescription &chart, CommandOutput &output)
 {
     JsonWriter json;
@@ -85,30 +102,14 @@ void writeChart(const ChartDescription &chart, CommandOutput &output)
     output.out += QString::fromStdString(json.text()) + QLatin1Char('\n');
 }
 
-/// Reads the number after args[i]; false (with `error`) when missing or bad.
-bool takeNumber(const QStringList &args, qsizetype &i, qint32 low, qint32 high, qint32 &value, QString &error)
-{
-    const QString name = args[i];
-    bool ok = false;
-    if (i + 1 < args.size())
-        value = args[++i].toInt(&ok);
-    if (!ok || value < low || value > high) {
-        error = QStringLiteral("%1 takes a number from %2 to %3").arg(name).arg(low).arg(high);
-        return false;
-    }
-    return true;
-}
-
-} // namespace
-
 bool isChartGraphKind(const QString &kind)
 {
     return kind == QLatin1String("ranking") || kind == QLatin1String("distribution")
         || kind == QLatin1String("total-index") || kind == QLatin1String("block-index");
 }
 
-int chartGraphKind(const Document &doc, const ShownSelection &shown, const QString &kind,
-                   const QStringList &args, bool reversed, bool shortNames, const QLocale &locale,
+int makeChartGraph(const Document &doc, const ShownSelection &shown, const QString &kind, const QStringList &args,
+                   bool reversed, bool shortNames, const QLocale &locale, ChartDescription &chart,
                    CommandOutput &output)
 {
     Q_UNUSED(reversed); // the value order setting belongs to the basic graphs
@@ -157,7 +158,7 @@ int chartGraphKind(const Document &doc, const ShownSelection &shown, const QStri
             request.questions = {question};
             request.titleText = doc.questions[std::size_t(question)].heading;
         }
-        writeChart(generateRankingGraph(doc, context, request), output);
+        chart = generateRankingGraph(doc, context, request);
         return 0;
     }
 
@@ -195,7 +196,7 @@ int chartGraphKind(const Document &doc, const ShownSelection &shown, const QStri
         request.type = pie ? DistributionGraphType::Pie
             : request.groupByCategory >= 0 ? DistributionGraphType::GroupedBar
                                            : DistributionGraphType::Bar;
-        writeChart(generateDistributionGraph(doc, context, shown.sheet.selection, request), output);
+        chart = generateDistributionGraph(doc, context, shown.sheet.selection, request);
         return 0;
     }
 
@@ -255,7 +256,7 @@ int chartGraphKind(const Document &doc, const ShownSelection &shown, const QStri
                                                      request.splitQuestion)
                               : blockIndexGraphTitle(doc, request.block, request.includeMainIndex, questionsWanted,
                                                      request.splitQuestion);
-        writeChart(generateIndexGraph(doc, context, request), output);
+        chart = generateIndexGraph(doc, context, request);
         return 0;
     }
     return fail(QStringLiteral("unknown kind '%1'").arg(kind));

@@ -1,15 +1,21 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// `kel render`: the overview picture of a selection written to a file,
+// `kel render`: the overview or a graph of a selection written to a file,
 // without a display, in the format of the file's extension; for folders of
 // report pictures made by scripts.
 #include "commands.h"
+#include "graphargs.h"
 #include "selectionargs.h"
 
+#include "gui/graphs/chartpicture.h"
+#include "render/graphs/basicgraphrenderer.h"
 #include "render/overview/overviewpicture.h"
 #include "render/pictures/picturewriter.h"
+#include "texts/graphtexts.h"
 #include "texts/language.h"
 
-#include <QGuiApplication>
+#include <QApplication>
+#include <QPainter>
+#include <QPicture>
 
 #include <cstring>
 
@@ -20,7 +26,8 @@ namespace {
 const char RenderUsage[] =
     "usage: kel render FILE [--select SPEC] [--flex OPTS] [--flex-current] [--order 0|1|2] [--seed N]\n"
     "                  [--max-rows N] [--locale NAME] overview [--mode 1|2|3] [--headers-only] -o OUT\n"
-    "       kel render FILE [selection options] graph KIND [graph options] -o OUT\n"
+    "       kel render FILE [selection options] [--reversed] [--short-names] graph KIND [KIND OPTIONS] -o OUT\n"
+    "KIND and its options as for kel graph; charts are drawn at 800 x 600\n"
     "OUT ends in .emf, .wmf, .png, .bmp, .jpg, .gif, .svg or .pdf\n";
 
 // Show refused the selection (nothing selected, too few respondents).
@@ -28,8 +35,7 @@ constexpr int SelectionRefused = 7;
 
 struct RenderArgs {
     SelectionArgs selection;
-    QString what; ///< "overview" or "graph"
-    QString graphKind;
+    QString what; ///< "overview" (graphs are `kel graph` command lines)
     QString output;
     int mode = 0; ///< 0: from the output's format
     bool headersOnly = false;
@@ -56,18 +62,8 @@ QString parse(const QStringList &args, RenderArgs &out)
             out.maxRows = args[++i].toInt(&ok);
             if (!ok || out.maxRows < 0)
                 error = QStringLiteral("--max-rows takes a non-negative number, not '%1'").arg(args[i]);
-        } else if ((a == QLatin1String("overview") || a == QLatin1String("graph")) && out.what.isEmpty()) {
+        } else if (a == QLatin1String("overview") && out.what.isEmpty()) {
             out.what = a;
-            if (a == QLatin1String("graph")) {
-                if (!hasValue)
-                    error = QStringLiteral("graph needs a KIND");
-                else
-                    out.graphKind = args[++i];
-            }
-        } else if (!out.what.isEmpty() && out.what == QLatin1String("graph") && a.startsWith(QLatin1String("--"))) {
-            // Graph options belong to the graph kinds; they are checked there.
-            if (hasValue && !args[i + 1].startsWith(QLatin1String("-")))
-                ++i;
         } else if (!takeSelectionOption(args, i, out.selection, error) && error.isEmpty()) {
             error = QStringLiteral("unexpected argument '%1'").arg(a);
         }
@@ -79,6 +75,84 @@ QString parse(const QStringList &args, RenderArgs &out)
     if (error.isEmpty() && !pictureFormatForFileName(out.output))
         error = QStringLiteral("'%1' does not end in a picture format's extension").arg(out.output);
     return error;
+}
+
+// Where the command line names the graph (before any "overview"), the rest
+// of it, less "-o OUT", is a `kel graph` command line.
+bool splitGraphCommandLine(const QStringList &args, QStringList &graphArgs, QString &output)
+{
+    bool graph = false;
+    for (qsizetype i = 0; i < args.size(); ++i) {
+        const QString &a = args[i];
+        if (a == QLatin1String("-o") && i + 1 < args.size())
+            output = args[++i];
+        else if (!graph && a == QLatin1String("overview"))
+            return false;
+        else if (!graph && a == QLatin1String("graph"))
+            graph = true;
+        else
+            graphArgs << a;
+    }
+    return graph;
+}
+
+// The graph as a graph window opens with it and saves it with the stored
+// defaults: a screen of 96 dots per inch, twice the size, no margin kept,
+// transparent where the format allows. Nothing when the graph does not fit
+// in that window (the window would say so instead of drawing it).
+std::optional<Picture> basicGraphFilePicture(const BasicGraphDescription &description)
+{
+    constexpr int Scale = 2;
+    const BasicGraphRenderer renderer(description, BasicGraphUnits{});
+    const LastSettings defaults;
+    const QSize window = basicGraphWindowSize(renderer, defaults.questionGraphWindowWidth,
+                                              defaults.questionGraphBarWidth, 96);
+    Picture picture;
+    picture.size = (window - QSize(2 * BasicGraphMargin, 2 * BasicGraphMargin)) * Scale;
+    const QRect area(QPoint(0, 0), picture.size);
+    QPicture probe; // a recording only, to learn whether it fits
+    QPainter painter(&probe);
+    const bool fits = drawScaledBasicGraph(painter, renderer, area, Scale, false);
+    painter.end();
+    if (!fits)
+        return std::nullopt;
+    picture.paint = [renderer, area](QPainter &target) {
+        drawScaledBasicGraph(target, renderer, area, Scale, false);
+    };
+    return picture;
+}
+
+int renderGraph(const Document &base, const QStringList &graphArgs, const QString &outputPath,
+                CommandOutput &output)
+{
+    if (outputPath.isEmpty() || !pictureFormatForFileName(outputPath)) {
+        output.err += (outputPath.isEmpty()
+                           ? QStringLiteral("kel render: -o OUT is missing\n")
+                           : QStringLiteral("kel render: '%1' does not end in a picture format's extension\n")
+                                 .arg(outputPath))
+            + QLatin1String(RenderUsage);
+        return UsageError;
+    }
+    MadeGraph graph;
+    if (const int status = makeGraph(base, graphArgs, graph, output); status != 0)
+        return status;
+    if (graph.chart && !qobject_cast<QApplication *>(QCoreApplication::instance())) {
+        output.err += QStringLiteral("kel render: charts can only be drawn when kel starts with render or batch\n");
+        return UsageError;
+    }
+    std::optional<Picture> picture = graph.chart ? chartPicture(*graph.chart, DefaultChartPictureSize)
+                                                 : basicGraphFilePicture(*graph.basic);
+    if (!picture) {
+        output.err += QStringLiteral("kel render: %1\n").arg(graphTooBigMessage(false));
+        return 1;
+    }
+    picture->description = applicationTitle();
+    QString error;
+    if (!writePicture(*picture, *pictureFormatForFileName(outputPath), outputPath, &error)) {
+        output.err += QStringLiteral("kel render: %1: %2\n").arg(outputPath, error);
+        return 1;
+    }
+    return 0;
 }
 
 SheetMode modeFor(int mode, PictureFormat format)
@@ -97,15 +171,25 @@ std::unique_ptr<QCoreApplication> makeApplication(int &argc, char **argv)
     const bool draws = argc > 1 && (std::strcmp(argv[1], "render") == 0 || std::strcmp(argv[1], "batch") == 0);
     if (!draws)
         return std::make_unique<QCoreApplication>(argc, argv);
-    // Fonts need a GUI application; without a display it runs off-screen.
+    // Fonts need a GUI application, charts (graphics widgets) a widget
+    // one; without a display it runs off-screen.
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && qEnvironmentVariableIsEmpty("DISPLAY")
         && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
-    return std::make_unique<QGuiApplication>(argc, argv);
+    return std::make_unique<QApplication>(argc, argv);
 }
 
 int renderCommand(const Document &base, const QStringList &args, CommandOutput &output)
 {
+    QStringList graphArgs;
+    QString graphOutput;
+    if (splitGraphCommandLine(args, graphArgs, graphOutput)) {
+        if (!qobject_cast<QGuiApplication *>(QCoreApplication::instance())) {
+            output.err += QStringLiteral("kel render: pictures can only be drawn when kel starts with render or batch\n");
+            return UsageError;
+        }
+        return renderGraph(base, graphArgs, graphOutput, output);
+    }
     RenderArgs options;
     QString error = parse(args, options);
     if (!error.isEmpty()) {
@@ -116,13 +200,6 @@ int renderCommand(const Document &base, const QStringList &args, CommandOutput &
         output.err += QStringLiteral("kel render: pictures can only be drawn when kel starts with render or batch\n");
         return UsageError;
     }
-    if (options.what == QLatin1String("graph")) {
-        output.err += QStringLiteral("kel render: graph pictures (%1) are not available in this version; "
-                                     "render the overview instead\n")
-                          .arg(options.graphKind);
-        return UsageError;
-    }
-
     Document doc = base;
     const std::optional<ShownSelection> shown = showFromArgs(doc, options.selection, error);
     if (!shown) {

@@ -7,6 +7,9 @@
 #include "commands.h"
 #include "selectionargs.h"
 
+#include "engine/graphs/basicgraph.h"
+#include "engine/graphs/chartdescription.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -43,6 +46,18 @@ struct GraphInput {
 /// and returns GraphRefused; a bad option returns GraphUsageError; on
 /// success returns 0 and fills `shown`.
 int showForGraph(Document &doc, const GraphArgs &args, std::optional<ShownSelection> &shown, CommandOutput &output);
+
+/// A graph as its window would be handed it: one of the two.
+struct MadeGraph {
+    std::optional<BasicGraphDescription> basic; ///< histogram, fraction
+    std::optional<ChartDescription> chart;      ///< ranking, distribution, index graphs
+};
+
+/// `kel graph`'s command line (FILE taken off) turned into its graph: Show
+/// on the selection options, then KIND with its options. 0 and `graph`
+/// filled, or the exit status (7 refused, 64 usage) with the message in
+/// `output.err`.
+int makeGraph(const Document &base, const QStringList &args, MadeGraph &graph, CommandOutput &output);
 
 /// Reads a number option's value at args[i + 1]; false (and `error`) when
 /// it is missing or not a number.

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "gui/graphs/basicgraphwindow.h"
 
+#include "engine/settings/settingsstore.h"
 #include "gui/common/waitcursor.h"
+#include "gui/pictures/picturecommands.h"
 #include "texts/graphtexts.h"
 #include "texts/language.h"
 #include "texts/statusline.h"
@@ -20,7 +22,7 @@ namespace kel {
 
 namespace {
 
-constexpr int Margin = 10;
+constexpr int Margin = BasicGraphMargin;
 constexpr double TwipsPerInch = 1440.0;
 
 } // namespace
@@ -56,10 +58,13 @@ BasicGraphWindow::BasicGraphWindow(bool isSwedish, StatusLine &status, QWidget *
     mnuPSetAsDefaultSize = item("mnuPSetAsDefaultSize", "Set as &Default Size", "Sätt som stan&dardstorlek");
     bar("mnuPBar2");
     mnuPClose = item("mnuPClose", "C&lose", "S&täng");
-    // The picture commands go through the picture writers, which this window
-    // does not have yet: they stay disabled until then.
+    // Until the window knows its settings and the document's permissions
+    // the picture commands cannot be chosen.
     for (QAction *a : {mnuPCopy, mnuPPrint, mnuPSave})
         a->setEnabled(false);
+    connect(mnuPCopy, &QAction::triggered, this, &BasicGraphWindow::doCopy);
+    connect(mnuPPrint, &QAction::triggered, this, &BasicGraphWindow::printGraph);
+    connect(mnuPSave, &QAction::triggered, this, &BasicGraphWindow::saveGraph);
 
     connect(mnuPUsePercentage, &QAction::triggered, this, [this](bool on) {
         WaitCursor wait;
@@ -99,16 +104,10 @@ bool BasicGraphWindow::setUpGraph(const BasicGraphDescription &description, cons
     mnuPBar3->setVisible(!histogram);
     mnuPCopyValues->setEnabled(permissions.allowCopy);
     mnuPCopyLegends->setEnabled(permissions.allowCopy);
+    updatePictureItems();
 
-    if (description.graphKind == FractionGraph) {
-        const BasicGraphUnits &u = mRenderer->units();
-        const int width = qRound(defaults.windowWidthTwips * logicalDpiX() / TwipsPerInch);
-        const int inner = std::max(1, width - 2 * Margin);
-        const int height = int(description.groups.size()) * defaults.barWidth + mRenderer->titleBlockHeight() + 2 * Margin
-            + mRenderer->selectionBlockHeight(inner) + mRenderer->legendBlockHeight(inner) + u.textHeight() + u.gapY()
-            + u.borderHeight();
-        resize(std::max(width, 200), std::max(height, 120));
-    }
+    if (description.graphKind == FractionGraph)
+        resize(basicGraphWindowSize(*mRenderer, defaults.windowWidthTwips, defaults.barWidth, logicalDpiX()));
     update();
     return true;
 }
@@ -150,8 +149,8 @@ void BasicGraphWindow::mouseReleaseEvent(QMouseEvent *event)
 void BasicGraphWindow::keyPressEvent(QKeyEvent *event)
 {
     if (event->modifiers() == Qt::ControlModifier) {
-        // Each key only with the document's permission, and only once its
-        // command is connected.
+        // Each key only with the document's permission, and only while its
+        // item can be chosen.
         QAction *action = nullptr;
         if (event->key() == Qt::Key_C && mPermissions.allowCopy)
             action = mnuPCopy;
@@ -215,26 +214,69 @@ void BasicGraphWindow::setAsDefaultSize()
         mStoreDefaultSize(*size);
 }
 
-QSize BasicGraphWindow::pictureSize(bool keepWhiteSpace, int scale) const
+void BasicGraphWindow::setPictureContext(const GraphPictureContext &context)
 {
-    const QSize client = keepWhiteSpace ? size() : size() - QSize(2 * Margin, 2 * Margin);
-    return client * std::max(scale, 1);
+    mContext = context;
+    updatePictureItems();
 }
 
-void BasicGraphWindow::paintPicture(QPainter &painter, bool keepWhiteSpace, bool opaque, int scale) const
+void BasicGraphWindow::updatePictureItems()
+{
+    const bool ready = mContext.options && mContext.settings && mRenderer;
+    mnuPCopy->setEnabled(ready && mPermissions.allowCopy);
+    mnuPPrint->setEnabled(ready && mPermissions.allowPrint);
+    mnuPSave->setEnabled(ready && mPermissions.allowSavePicture);
+}
+
+Picture BasicGraphWindow::picture() const
+{
+    BasicGraphPictureOptions options;
+    if (mContext.options) {
+        options.opaque = mContext.options->graphCopySaveOpaque;
+        options.whiteSpace = mContext.options->graphCopySaveWhiteSpace;
+        options.toOffice = mContext.options->graphCopyToMsOffice;
+    }
+    return picture(options);
+}
+
+Picture BasicGraphWindow::picture(const BasicGraphPictureOptions &options) const
 {
     if (!mRenderer)
-        return;
-    scale = std::max(scale, 1);
-    const QSize size = pictureSize(keepWhiteSpace, scale);
-    if (opaque)
-        painter.fillRect(QRect(QPoint(0, 0), size), palette().base());
-    const BasicGraphUnits screen = mRenderer->units();
-    BasicGraphRenderer picture(description(), BasicGraphUnits{screen.sx * scale, screen.sy * scale});
-    QRect area(QPoint(0, 0), size);
-    if (keepWhiteSpace)
-        area.adjust(Margin * scale, Margin * scale, -Margin * scale, -Margin * scale);
-    picture.draw(painter, area, scale, mPercentage);
+        return Picture{};
+    // The clipboard draws later, when another program asks: the picture
+    // must not depend on this window still showing the same graph.
+    const BasicGraphRenderer renderer = *mRenderer;
+    const bool percentage = mPercentage;
+    Picture picture = basicGraphPicture(size(), options, [renderer, percentage](QPainter &painter, const QRect &area,
+                                                                               int scale) {
+        drawScaledBasicGraph(painter, renderer, area, scale, percentage);
+    });
+    picture.description = applicationTitle();
+    return picture;
+}
+
+bool BasicGraphWindow::doCopy()
+{
+    if (!mnuPCopy->isEnabled())
+        return false;
+    return copyGraphPicture(picture(), statusReporter(mStatus));
+}
+
+bool BasicGraphWindow::printGraph()
+{
+    if (!mnuPPrint->isEnabled())
+        return false;
+    return printGraphPicture(picture(), *mContext.settings, graphPrintFooter(mContext.documentIsSwedish),
+                             statusReporter(mStatus));
+}
+
+bool BasicGraphWindow::saveGraph()
+{
+    if (!mnuPSave->isEnabled())
+        return false;
+    return saveGraphPicture(this, picture(), SaveKind::BasicGraph, mIsSwedish, *mContext.settings,
+                            statusReporter(mStatus), mContext.chooseFile,
+                            mContext.reportError);
 }
 
 } // namespace kel

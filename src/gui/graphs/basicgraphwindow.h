@@ -4,7 +4,9 @@
 // description, so later graphs never change it.
 #pragma once
 
+#include "gui/pictures/picturecommands.h"
 #include "render/graphs/basicgraphrenderer.h"
+#include "render/pictures/picture.h"
 
 #include <QWidget>
 
@@ -17,12 +19,24 @@ class QMenu;
 namespace kel {
 
 class StatusLine;
+struct UserOptions;
 
 /// What the document allows the window to do with its graph.
 struct GraphPermissions {
     bool allowCopy = false;
     bool allowPrint = false;
     bool allowSavePicture = false;
+};
+
+/// Where the graph windows' copy, print and save find their settings (the
+/// main window owns them; options may change while a window is open).
+struct GraphPictureContext {
+    const UserOptions *options = nullptr; ///< opaque, white space, copy format
+    LastSettings *settings = nullptr;     ///< printer, save folder and format
+    bool documentIsSwedish = false;       ///< the printed line's language
+    /// Empty: the save dialog and the message box (tests answer instead).
+    PictureFileChooser chooseFile;
+    PictureErrorReporter reportError;
 };
 
 /// The stored default size of fraction graph windows.
@@ -58,10 +72,15 @@ public:
     /// Whether the last paint found the graph too big for the window.
     bool graphTooBig() const { return mTooBig; }
 
-    // The copy / print / save commands of the picture pipeline, for whoever
-    // wires them: the picture's size and a routine that paints it.
-    QSize pictureSize(bool keepWhiteSpace, int scale) const;
-    void paintPicture(QPainter &painter, bool keepWhiteSpace, bool opaque, int scale) const;
+    /// Copy, print and save need the settings that shape and keep the
+    /// picture, and the document's language for the printed line; until they
+    /// are given those items stay disabled.
+    void setPictureContext(const GraphPictureContext &context);
+    /// The graph as copy and save make it: at twice the window's size (four
+    /// times for the office option), the margin and background as the
+    /// settings say. It keeps its own copy of the graph.
+    Picture picture() const;
+    Picture picture(const BasicGraphPictureOptions &options) const;
 
     QMenu *popupMenu() const { return mPopup; }
     QAction *mnuPUsePercentage = nullptr;
@@ -78,6 +97,10 @@ public:
     void copyValues();
     void copyLegends();
     void setAsDefaultSize();
+    /// DoCopy: the picture to the clipboard. False when it failed.
+    bool doCopy();
+    bool printGraph();
+    bool saveGraph();
 
 protected:
     void paintEvent(QPaintEvent *event) override;
@@ -86,6 +109,7 @@ protected:
 
 private:
     BasicGraphUnits screenUnits() const;
+    void updatePictureItems();
 
     bool mIsSwedish;
     StatusLine &mStatus;
@@ -95,6 +119,7 @@ private:
     bool mTooBig = false;
     QMenu *mPopup;
     std::function<void(const FractionGraphDefaultSize &)> mStoreDefaultSize;
+    GraphPictureContext mContext;
 };
 
 } // namespace kel

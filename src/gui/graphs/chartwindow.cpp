@@ -1,20 +1,23 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "gui/graphs/chartwindow.h"
 
+#include "engine/settings/settingsstore.h"
 #include "gui/graphs/chartbuilder.h"
+#include "gui/graphs/chartpicture.h"
+#include "gui/pictures/picturecommands.h"
 #include "texts/language.h"
+#include "texts/statusline.h"
 
 #include <QChart>
 #include <QChartView>
 #include <QMenu>
 #include <QMouseEvent>
-#include <QPointer>
 #include <QVBoxLayout>
 
 namespace kel {
 
 ChartWindow::ChartWindow(bool isSwedish, QWidget *parent)
-    : QWidget(parent, Qt::Window), mView(new QChartView(this)), mPopup(new QMenu(this))
+    : QWidget(parent, Qt::Window), mIsSwedish(isSwedish), mView(new QChartView(this)), mPopup(new QMenu(this))
 {
     setObjectName(QStringLiteral("frmGraph"));
     setAttribute(Qt::WA_DeleteOnClose);
@@ -36,10 +39,12 @@ ChartWindow::ChartWindow(bool isSwedish, QWidget *parent)
     mnuPSave = item("mnuPSave", "&Save As...", "&Spara som...");
     mPopup->addSeparator();
     mnuPClose = item("mnuPClose", "C&lose", "S&täng");
-    // Copy, print and save come with the picture writers; until then they
-    // are shown but cannot be chosen.
+    // Copy, print and save wait for the settings and the permissions.
     for (QAction *a : {mnuPCopy, mnuPPrint, mnuPSave})
         a->setEnabled(false);
+    connect(mnuPCopy, &QAction::triggered, this, &ChartWindow::doCopy);
+    connect(mnuPPrint, &QAction::triggered, this, &ChartWindow::printGraph);
+    connect(mnuPSave, &QAction::triggered, this, &ChartWindow::saveGraph);
     connect(mnuPClose, &QAction::triggered, this, &QWidget::close);
 }
 
@@ -59,14 +64,40 @@ QChart *ChartWindow::chart() const
 
 Picture ChartWindow::picture() const
 {
-    Picture picture;
-    picture.size = mView->size();
-    const QPointer<QChartView> view = mView;
-    picture.paint = [view](QPainter &painter) {
-        if (view)
-            view->render(&painter, QRectF(), view->rect());
-    };
-    return picture;
+    return chartPicture(mDescription, mView->size());
+}
+
+void ChartWindow::setPictureContext(StatusLine &status, const GraphPictureContext &context,
+                                    const GraphPermissions &permissions)
+{
+    mStatus = &status;
+    mContext = context;
+    const bool ready = context.options && context.settings;
+    mnuPCopy->setEnabled(ready && permissions.allowCopy);
+    mnuPPrint->setEnabled(ready && permissions.allowPrint);
+    mnuPSave->setEnabled(ready && permissions.allowSavePicture);
+}
+
+bool ChartWindow::doCopy()
+{
+    if (!mnuPCopy->isEnabled())
+        return false;
+    return copyGraphPicture(picture(), statusReporter(*mStatus), mContext.options->graphCopyFormat);
+}
+
+bool ChartWindow::printGraph()
+{
+    if (!mnuPPrint->isEnabled())
+        return false;
+    return printGraphPicture(picture(), *mContext.settings, graphPrintFooter(mContext.documentIsSwedish), statusReporter(*mStatus));
+}
+
+bool ChartWindow::saveGraph()
+{
+    if (!mnuPSave->isEnabled())
+        return false;
+    return saveGraphPicture(this, picture(), SaveKind::Chart, mIsSwedish, *mContext.settings, statusReporter(*mStatus),
+                            mContext.chooseFile, mContext.reportError);
 }
 
 bool ChartWindow::eventFilter(QObject *watched, QEvent *event)

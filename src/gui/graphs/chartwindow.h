@@ -4,6 +4,7 @@
 #pragma once
 
 #include "engine/graphs/chartdescription.h"
+#include "gui/graphs/basicgraphwindow.h"
 #include "render/pictures/picture.h"
 
 #include <QWidget>
@@ -18,6 +19,8 @@ QT_END_NAMESPACE
 
 namespace kel {
 
+class StatusLine;
+
 class ChartWindow : public QWidget
 {
     Q_OBJECT
@@ -30,8 +33,17 @@ public:
     QChart *chart() const;
     QChartView *chartView() const { return mView; }
 
-    /// The chart as it is drawn now, at the window's chart size.
+    /// The chart at the window's chart size, drawn from its own copy of the
+    /// description.
     Picture picture() const;
+
+    /// What copy, print and save need: the status line, the settings that
+    /// shape and keep the picture, the document's permissions and language.
+    /// Until given, those items stay disabled.
+    void setPictureContext(StatusLine &status, const GraphPictureContext &context, const GraphPermissions &permissions);
+    bool doCopy();
+    bool printGraph();
+    bool saveGraph();
 
     QMenu *popupMenu() const { return mPopup; }
     QAction *mnuPCopy = nullptr;
@@ -43,6 +55,9 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
+    bool mIsSwedish;
+    StatusLine *mStatus = nullptr;
+    GraphPictureContext mContext;
     ChartDescription mDescription;
     QChartView *mView;
     QMenu *mPopup;

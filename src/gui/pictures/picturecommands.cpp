@@ -4,6 +4,7 @@
 #include "gui/common/waitcursor.h"
 #include "render/pictures/picturewriter.h"
 #include "texts/language.h"
+#include "texts/statusline.h"
 
 #include <QClipboard>
 #include <QDir>
@@ -19,6 +20,7 @@
 #include <QPrinter>
 #include <QPrinterInfo>
 #include <QStandardPaths>
+#include <QVersionNumber>
 
 namespace kel {
 
@@ -210,7 +212,7 @@ SaveChoice resolveSaveChoice(const std::vector<SaveFilter> &filters, const QStri
 }
 
 SaveChoice askPictureFile(QWidget *parent, SaveKind kind, const QString &title, const QString &defaultName,
-                          bool isSwedish, LastSettings &settings)
+                          bool isSwedish, LastSettings &settings, const PictureFileChooser &chooser)
 {
     const bool showsExtensions = platformShowsFileExtensions();
     const std::vector<SaveFilter> filters = saveFilters(kind, isSwedish, true);
@@ -220,17 +222,25 @@ SaveChoice askPictureFile(QWidget *parent, SaveKind kind, const QString &title, 
     const QString folder =
         pictureSaveFolder(settings.graphSaveFolder, QStandardPaths::writableLocation(QStandardPaths::PicturesLocation),
                           QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
-    QFileDialog dialog(parent, title, QDir(folder).filePath(defaultName));
-    dialog.setAcceptMode(QFileDialog::AcceptSave);
-    dialog.setFileMode(QFileDialog::AnyFile);
-    // Without shown extensions the patterns stay out of sight.
-    if (!showsExtensions)
-        dialog.setOption(QFileDialog::HideNameFilterDetails);
-    dialog.setNameFilters(names);
-    dialog.selectNameFilter(names.value(preselectedFilter(filters, settings.graphSaveFormat)));
-    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+    const int preselected = preselectedFilter(filters, settings.graphSaveFormat);
+    std::pair<QString, QString> chosen;
+    if (chooser) {
+        chosen = chooser(title, folder, defaultName, names, preselected);
+    } else {
+        QFileDialog dialog(parent, title, QDir(folder).filePath(defaultName));
+        dialog.setAcceptMode(QFileDialog::AcceptSave);
+        dialog.setFileMode(QFileDialog::AnyFile);
+        // Without shown extensions the patterns stay out of sight.
+        if (!showsExtensions)
+            dialog.setOption(QFileDialog::HideNameFilterDetails);
+        dialog.setNameFilters(names);
+        dialog.selectNameFilter(names.value(preselected));
+        if (dialog.exec() == QDialog::Accepted && !dialog.selectedFiles().isEmpty())
+            chosen = {dialog.selectedFiles().constFirst(), dialog.selectedNameFilter()};
+    }
+    if (chosen.first.isEmpty())
         return SaveChoice{};
-    SaveChoice choice = resolveSaveChoice(filters, dialog.selectedFiles().constFirst(), dialog.selectedNameFilter(),
+    SaveChoice choice = resolveSaveChoice(filters, chosen.first, chosen.second,
                                           kind == SaveKind::Chart);
     if (!choice.path.isEmpty())
         settings.graphSaveFolder = QFileInfo(choice.path).absolutePath();
@@ -244,6 +254,12 @@ QString createdByLine(bool documentIsSwedish, const QString &applicationTitle, i
     return (documentIsSwedish ? QStringLiteral("Skapad av ") : QStringLiteral("Created by ")) + applicationTitle
            + QStringLiteral(" version ") + QString::number(major) + QLatin1Char('.')
            + QStringLiteral("%1").arg(minor, 2, 10, QLatin1Char('0')) + QLatin1Char('.');
+}
+
+QString graphPrintFooter(bool documentIsSwedish)
+{
+    const QVersionNumber version = QVersionNumber::fromString(QCoreApplication::applicationVersion());
+    return createdByLine(documentIsSwedish, applicationTitle(), version.majorVersion(), version.minorVersion());
 }
 
 void applyPrintFormat(QPrinter &printer, const LastSettings &settings)
@@ -333,11 +349,23 @@ int copyChartPicture(const Picture &picture, qint32 graphCopyFormat, QClipboard 
                    QStringLiteral("image/png"));
 }
 
-bool copyGraphPicture(const Picture &picture, const StatusReporter &status)
+StatusReporter statusReporter(StatusLine &line)
+{
+    return [&line](const char *english, const char *swedish, bool autoClear) {
+        if (*english)
+            line.setStatus(english, swedish, autoClear);
+        else
+            line.clearStatus();
+    };
+}
+
+bool copyGraphPicture(const Picture &picture, const StatusReporter &status, std::optional<qint32> chartCopyFormat)
 {
     WaitCursor wait;
     status("Copying the graph to the clipboard...", "Kopierar grafen till urklipp...", false);
-    const bool ok = copyPictureToClipboard(picture) == ClipboardOk;
+    const int result =
+        chartCopyFormat ? copyChartPicture(picture, *chartCopyFormat) : copyPictureToClipboard(picture);
+    const bool ok = result == ClipboardOk;
     if (ok)
         status("The graph has been copied to the clipboard!", "Grafen har kopierats till urklipp!", true);
     else
@@ -346,8 +374,15 @@ bool copyGraphPicture(const Picture &picture, const StatusReporter &status)
 }
 
 bool saveGraphPicture(QWidget *parent, const Picture &picture, SaveKind kind, bool isSwedish, LastSettings &settings,
-                      const StatusReporter &status)
+                      const StatusReporter &status, const PictureFileChooser &chooser,
+                      const PictureErrorReporter &reportError)
 {
+    const auto error = [&](const QString &text) {
+        if (reportError)
+            reportError(applicationTitle(), text);
+        else
+            QMessageBox::critical(parent, applicationTitle(), text);
+    };
     const bool chart = kind == SaveKind::Chart;
     status("Saving the graph...", chart ? "Sparar grafen..." : "Spara grafen...", false);
     const std::vector<SaveFilter> filters = saveFilters(kind, isSwedish, true);
@@ -355,17 +390,15 @@ bool saveGraphPicture(QWidget *parent, const Picture &picture, SaveKind kind, bo
     const QString title = chart ? pickText(isSwedish, "Save Graph", "Spara graf")
                                 : pickText(isSwedish, "Save Graph", "Spara diagram");
     const SaveChoice choice = askPictureFile(parent, kind, title, QStringLiteral("abc.") + pictureFormatSuffix(offered),
-                                             isSwedish, settings);
+                                             isSwedish, settings, chooser);
     if (choice.path.isEmpty()) {
         status("", "", false);
         return false;
     }
     if (!choice.format) {
-        QMessageBox::critical(parent, applicationTitle(),
-                              pickText(isSwedish,
-                                       "The graph could not be saved since you did not select what file format you "
-                                       "wanted!",
-                                       "Grafen kunde inte sparas eftersom du inte angav vilket filformat du ville ha!"));
+        error(pickText(isSwedish,
+                       "The graph could not be saved since you did not select what file format you wanted!",
+                       "Grafen kunde inte sparas eftersom du inte angav vilket filformat du ville ha!"));
         status("", "", false);
         return false;
     }
@@ -374,9 +407,8 @@ bool saveGraphPicture(QWidget *parent, const Picture &picture, SaveKind kind, bo
     // gets the message in the interface's language and the file's name.
     if (!writePicture(picture, *choice.format, choice.path)) {
         status("The graph could not be saved!", "Grafen kunde inte sparas!", true);
-        QMessageBox::critical(parent, applicationTitle(),
-                              pickText(isSwedish, "The graph could not be saved!", "Grafen kunde inte sparas!")
-                                  + QStringLiteral("\n\n") + QDir::toNativeSeparators(choice.path));
+        error(pickText(isSwedish, "The graph could not be saved!", "Grafen kunde inte sparas!") + QStringLiteral("\n\n")
+              + QDir::toNativeSeparators(choice.path));
         return false;
     }
     status("The graph has been saved!", "Grafen har sparats!", true);

@@ -13,6 +13,7 @@
 
 #include <functional>
 #include <optional>
+#include <utility>
 #include <vector>
 
 class QClipboard;
@@ -21,6 +22,8 @@ class QPrinter;
 class QWidget;
 
 namespace kel {
+
+class StatusLine;
 
 // --- Clipboard ---
 
@@ -86,18 +89,28 @@ struct SaveChoice {
 SaveChoice resolveSaveChoice(const std::vector<SaveFilter> &filters, const QString &fileName,
                              const QString &selectedFilter, bool extensionDecides);
 
+/// Stands in for the save dialog (tests answer it): returns the chosen path
+/// and the chosen filter text; an empty path is a cancel.
+using PictureFileChooser = std::function<std::pair<QString, QString>(
+    const QString &title, const QString &folder, const QString &defaultName, const QStringList &filters,
+    int preselected)>;
+/// Stands in for the error message box.
+using PictureErrorReporter = std::function<void(const QString &title, const QString &text)>;
+
 /// The save dialog: `title`, `defaultName` in the folder of the rules
 /// above, the filters of `kind`, preselected from "Graph Save Format".
 /// Nothing (no path) when cancelled. On a choice `settings` gets the new
 /// folder and, when the type was recognised, its format value.
 SaveChoice askPictureFile(QWidget *parent, SaveKind kind, const QString &title, const QString &defaultName,
-                          bool isSwedish, LastSettings &settings);
+                          bool isSwedish, LastSettings &settings, const PictureFileChooser &chooser = {});
 
 // --- Printing ---
 
 /// The "Created by ..." line printed below a graph, in the document's
 /// language.
 QString createdByLine(bool documentIsSwedish, const QString &applicationTitle, int major, int minor);
+/// The line with this program's title and the running application's version.
+QString graphPrintFooter(bool documentIsSwedish);
 
 /// Sets `printer` up from the print format settings: the chosen printer
 /// (when it exists), binding margin on the left, the others elsewhere.
@@ -134,10 +147,17 @@ int copyChartPicture(const Picture &picture, qint32 graphCopyFormat, QClipboard 
 
 /// The graph windows' commands with their status texts and messages.
 /// `setStatus(english, swedish, autoClear)` reports to the status line.
+/// Empty texts clear the line.
 using StatusReporter = std::function<void(const char *english, const char *swedish, bool autoClear)>;
-bool copyGraphPicture(const Picture &picture, const StatusReporter &status);
+StatusReporter statusReporter(StatusLine &line);
+/// `chartCopyFormat`: a chart window's copy, with its "Graph Copy Format".
+bool copyGraphPicture(const Picture &picture, const StatusReporter &status,
+                      std::optional<qint32> chartCopyFormat = std::nullopt);
+/// The dialog and the message box go to `chooser` and `reportError` when
+/// they are given.
 bool saveGraphPicture(QWidget *parent, const Picture &picture, SaveKind kind, bool isSwedish,
-                      LastSettings &settings, const StatusReporter &status);
+                      LastSettings &settings, const StatusReporter &status, const PictureFileChooser &chooser = {},
+                      const PictureErrorReporter &reportError = {});
 bool printGraphPicture(const Picture &picture, const LastSettings &settings, const QString &footer,
                        const StatusReporter &status);
 

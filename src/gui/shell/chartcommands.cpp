@@ -105,6 +105,16 @@ ChartWindow *ChartCommands::showChart(const ChartDescription &chart)
     if (!window)
         return nullptr;
     window->setUpChart(chart);
+    const Document &doc = *mWindow.document();
+    GraphPermissions permissions;
+    permissions.allowCopy = doc.properties.allowCopy;
+    permissions.allowPrint = doc.properties.allowPrint;
+    permissions.allowSavePicture = doc.properties.allowSavePicture;
+    GraphPictureContext context;
+    context.options = &mWindow.options();
+    context.settings = &mWindow.lastSettings();
+    context.documentIsSwedish = documentIsSwedish(doc);
+    window->setPictureContext(mWindow.statusLine(), context, permissions);
     mPending = window;
     mAutoShow.start();
     return window;

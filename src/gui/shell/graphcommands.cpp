@@ -2,6 +2,7 @@
 #include "gui/shell/graphcommands.h"
 
 #include "engine/document/document.h"
+#include "engine/graphs/chartdescription.h"
 #include "engine/indexes/blockindex.h"
 #include "engine/overview/sheetlayout.h"
 #include "gui/graphs/basicgraphwindow.h"
@@ -100,6 +101,11 @@ BasicGraphWindow *openBasicGraph(MainWindow &window, const BasicGraphRequest &re
     defaults.barWidth = window.lastSettings().questionGraphBarWidth;
     if (!graph->setUpGraph(result.description, permissions, defaults))
         return nullptr;
+    GraphPictureContext context;
+    context.options = &window.options();
+    context.settings = &window.lastSettings();
+    context.documentIsSwedish = documentIsSwedish(*doc);
+    graph->setPictureContext(context);
     graph->show();
     graph->raise();
     graph->activateWindow();

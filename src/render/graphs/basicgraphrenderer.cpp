@@ -441,4 +441,31 @@ bool BasicGraphRenderer::drawFraction(QPainter &painter, const QRect &R, int out
     return true;
 }
 
+QSize basicGraphWindowSize(const BasicGraphRenderer &renderer, qint32 windowWidthTwips, qint32 barWidth,
+                           double dotsPerInch)
+{
+    const BasicGraphDescription &d = renderer.description();
+    if (d.graphKind != FractionGraph)
+        return QSize(620, 460);
+    const BasicGraphUnits &u = renderer.units();
+    // Stored values may be anything; the window stays usable.
+    const double twips = std::clamp(double(windowWidthTwips), 0.0, 1440.0 * 100);
+    const qint64 perGroup = std::clamp<qint64>(barWidth, 0, 2000);
+    const int width = int(std::lround(twips * dotsPerInch / 1440.0));
+    const int inner = std::max(1, width - 2 * BasicGraphMargin);
+    const qint64 height = qint64(d.groups.size()) * perGroup + renderer.titleBlockHeight() + 2 * BasicGraphMargin
+        + renderer.selectionBlockHeight(inner) + renderer.legendBlockHeight(inner) + u.textHeight() + u.gapY()
+        + u.borderHeight();
+    return QSize(std::max(width, 200), int(std::clamp<qint64>(height, 120, 30000)));
+}
+
+bool drawScaledBasicGraph(QPainter &painter, const BasicGraphRenderer &renderer, const QRect &area, int scale,
+                          bool percentage)
+{
+    scale = std::max(scale, 1);
+    const BasicGraphUnits screen = renderer.units();
+    const BasicGraphRenderer scaled(renderer.description(), BasicGraphUnits{screen.sx * scale, screen.sy * scale});
+    return scaled.draw(painter, area, scale, percentage);
+}
+
 } // namespace kel

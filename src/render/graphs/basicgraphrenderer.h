@@ -9,6 +9,7 @@
 
 #include <QFont>
 #include <QRect>
+#include <QSize>
 #include <QString>
 
 class QPainter;
@@ -75,5 +76,20 @@ private:
 
 /// The fill of a stored colour (0x00BBGGRR).
 QColor graphColour(qint32 stored);
+
+/// The space a graph window keeps free on every side of the graph.
+inline constexpr int BasicGraphMargin = 10;
+
+/// The client size a graph window opens with at `dotsPerInch`: a fraction
+/// graph is `windowWidthTwips` wide and `barWidth` pixels high per group
+/// plus its text blocks; a histogram keeps the window's 620 x 460.
+QSize basicGraphWindowSize(const BasicGraphRenderer &renderer, qint32 windowWidthTwips, qint32 barWidth,
+                           double dotsPerInch);
+
+/// Draws `renderer`'s graph into `area` of a surface `scale` times finer than
+/// the screen the renderer was set up for (pictures are made at 2 or 4).
+/// False, having drawn nothing, when the graph does not fit.
+bool drawScaledBasicGraph(QPainter &painter, const BasicGraphRenderer &renderer, const QRect &area, int scale,
+                          bool percentage);
 
 } // namespace kel

@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "gui/graphs/chartpicture.h"
+
+#include "gui/graphs/chartbuilder.h"
+#include "texts/language.h"
+
+#include <QChart>
+#include <QGraphicsLayout>
+#include <QGraphicsScene>
+#include <QPainter>
+
+#include <memory>
+
+namespace kel {
+
+Picture chartPicture(const ChartDescription &chart, const QSize &size)
+{
+    Picture picture;
+    picture.size = size;
+    picture.description = applicationTitle();
+    picture.paint = [chart, size](QPainter &painter) {
+        QGraphicsScene scene;
+        QChart *built = buildChart(chart);
+        scene.addItem(built); // the scene owns it now
+        const QRectF area(QPointF(0, 0), QSizeF(size));
+        scene.setSceneRect(area);
+        built->setGeometry(area);
+        // The layout places the plot area, which the data labels follow;
+        // without a view nobody asks for it before drawing.
+        if (built->layout())
+            built->layout()->activate();
+        painter.save();
+        painter.setRenderHint(QPainter::Antialiasing);
+        scene.render(&painter, area, area);
+        painter.restore();
+    };
+    return picture;
+}
+
+} // namespace kel
