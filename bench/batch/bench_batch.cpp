@@ -207,23 +207,23 @@ bool compare(const char *title, const char *nameA, const std::function<Cost()> &
     return true;
 }
 
-QStringList selectionSpecs()
+QStringList benchmarkSelections()
 {
     // 50 selections: every unit, every unit with a role, units with an age.
-    QStringList specs;
+    QStringList selections;
     for (qint32 u = 0; u < Units; ++u)
-        specs << QStringLiteral("0:%1").arg(u);
+        selections << QStringLiteral("0:%1").arg(u);
     for (qint32 u = 0; u < Units; ++u)
         for (qint32 r = 0; r < 3; ++r)
-            specs << QStringLiteral("0:%1;1:%2").arg(u).arg(r);
+            selections << QStringLiteral("0:%1;1:%2").arg(u).arg(r);
     for (qint32 u = 0; u < Units; ++u)
-        specs << QStringLiteral("0:%1,%2;2:0,1,2").arg(u).arg((u + 1) % Units);
-    return specs;
+        selections << QStringLiteral("0:%1,%2;2:0,1,2").arg(u).arg((u + 1) % Units);
+    return selections;
 }
 
-QStringList indexesArgs(const QString &spec)
+QStringList indexesArgs(const QString &selection)
 {
-    return {QStringLiteral("--select"), spec,
+    return {QStringLiteral("--select"), selection,
             QStringLiteral("--total"),  QStringLiteral("--category"),
             QStringLiteral("1"),        QStringLiteral("--counts"),
             QStringLiteral("--items"),  QStringLiteral("total,blocks,questions")};
@@ -257,25 +257,25 @@ int main(int argc, char *argv[])
     std::printf("document: %d rows x %d questions, %lld bytes\n\n", Rows, Scored + 3, qlonglong(survey.kel.size()));
 
     // (a) 50 selections.
-    const QStringList specs = selectionSpecs();
+    const QStringList selections = benchmarkSelections();
     QByteArray lines;
-    for (const QString &spec : specs) {
+    for (const QString &selection : selections) {
         lines += batchLine(QStringList{QStringLiteral("select"), QStringLiteral("--max-rows"), QStringLiteral("0"),
-                                       QStringLiteral("--select"), spec});
-        lines += batchLine(QStringList{QStringLiteral("indexes")} + indexesArgs(spec));
+                                       QStringLiteral("--select"), selection});
+        lines += batchLine(QStringList{QStringLiteral("indexes")} + indexesArgs(selection));
     }
     const QString commands = dir.filePath(QStringLiteral("commands.txt"));
     writeFile(commands, lines);
     auto batch50 = [&] { return runProcess(kel, {QStringLiteral("batch"), docPath}, commands, out); };
     auto separate100 = [&] {
         Cost total{0.0, 0.0};
-        for (const QString &spec : specs) {
+        for (const QString &selection : selections) {
             const Cost s = runProcess(kel,
                                       {QStringLiteral("select"), docPath, QStringLiteral("--max-rows"),
-                                       QStringLiteral("0"), QStringLiteral("--select"), spec},
+                                       QStringLiteral("0"), QStringLiteral("--select"), selection},
                                       QString(), out);
             const Cost i =
-                runProcess(kel, QStringList{QStringLiteral("indexes"), docPath} + indexesArgs(spec), QString(), out);
+                runProcess(kel, QStringList{QStringLiteral("indexes"), docPath} + indexesArgs(selection), QString(), out);
             total += s;
             total += i;
             if (!total.ok())

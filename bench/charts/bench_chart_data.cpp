@@ -43,13 +43,13 @@ std::unique_ptr<Document> makeDocument()
     b.setAnswers(unit, answers);
     qint32 first = -1;
     for (int q = 0; q < Questions; ++q) {
-        const QuestionSpec spec{.code = QString::number(q), .heading = QStringLiteral("Question %1").arg(q)};
-        const qint32 question = first < 0 ? b.addQuestion(spec, {{.text = QStringLiteral("1"), .points = 0},
+        const QuestionSpec recipe{.code = QString::number(q), .heading = QStringLiteral("Question %1").arg(q)};
+        const qint32 question = first < 0 ? b.addQuestion(recipe, {{.text = QStringLiteral("1"), .points = 0},
                                                                  {.text = QStringLiteral("2"), .points = 25},
                                                                  {.text = QStringLiteral("3"), .points = 50},
                                                                  {.text = QStringLiteral("4"), .points = 75},
                                                                  {.text = QStringLiteral("5"), .points = 100}})
-                                          : b.addQuestionLike(spec, first);
+                                          : b.addQuestionLike(recipe, first);
         if (first < 0)
             first = question;
         for (qint32 &a : answers)

@@ -54,10 +54,10 @@ QByteArray makeSurvey()
         {.text = QStringLiteral("Strongly disagree"), .points = 0, .colour = rgb(210, 50, 40)}};
     qint32 first = -1;
     for (int i = 0; i < Questions; ++i) {
-        const writer::QuestionSpec spec{.code = QString::number(i + 1), .heading = QStringLiteral("Question %1").arg(i + 1),
+        const writer::QuestionSpec recipe{.code = QString::number(i + 1), .heading = QStringLiteral("Question %1").arg(i + 1),
                                         .text = QStringLiteral("Statement number %1 of the survey").arg(i + 1),
                                         .block = block};
-        const qint32 q = first < 0 ? b.addQuestion(spec, scale) : b.addQuestionLike(spec, first);
+        const qint32 q = first < 0 ? b.addQuestion(recipe, scale) : b.addQuestionLike(recipe, first);
         first = first < 0 ? q : first;
         std::vector<qint32> answers(Rows);
         for (qint32 &a : answers)

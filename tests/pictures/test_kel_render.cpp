@@ -116,9 +116,9 @@ TEST_F(KelRender, AHistogramTooWideForItsWindowIsNotWrittenEmpty)
                                           {.text = QStringLiteral("c"), .points = 2}};
     qint32 first = -1;
     for (int q = 0; q < 16; ++q) {
-        const QuestionSpec spec{.code = QStringLiteral("Q%1").arg(q), .heading = QStringLiteral("Q%1").arg(q),
+        const QuestionSpec recipe{.code = QStringLiteral("Q%1").arg(q), .heading = QStringLiteral("Q%1").arg(q),
                                 .block = block};
-        const qint32 added = first < 0 ? b.addQuestion(spec, scale) : b.addQuestionLike(spec, first);
+        const qint32 added = first < 0 ? b.addQuestion(recipe, scale) : b.addQuestionLike(recipe, first);
         first = first < 0 ? added : first;
         for (qint32 r = 0; r < 6; ++r)
             b.setAnswer(r, added, r % 3);

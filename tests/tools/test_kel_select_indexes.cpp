@@ -169,7 +169,7 @@ TEST_F(SelectIndexesCli, RefusedSelectionsPrintNoFigures)
     struct Case {
         const char *name;
         QString path;
-        QString spec;
+        QString ticks;
         QString outcome;
         QString message;
     };
@@ -187,7 +187,7 @@ TEST_F(SelectIndexesCli, RefusedSelectionsPrintNoFigures)
     };
     for (const Case &c : cases) {
         SCOPED_TRACE(c.name);
-        const KelRun s = runKel(kelArgs("select", c.path, "--select") << c.spec);
+        const KelRun s = runKel(kelArgs("select", c.path, "--select") << c.ticks);
         EXPECT_EQ(s.exitCode, 7);
         const QJsonObject o = QJsonDocument::fromJson(s.out).object();
         EXPECT_EQ(o.keys(), (words("message outcome")));
@@ -195,7 +195,7 @@ TEST_F(SelectIndexesCli, RefusedSelectionsPrintNoFigures)
         EXPECT_EQ(o[QStringLiteral("message")].toString(), c.message);
         EXPECT_TRUE(QString::fromUtf8(s.err).contains(c.message));
 
-        const KelRun i = runKel(kelArgs("indexes", c.path, "--select") << c.spec
+        const KelRun i = runKel(kelArgs("indexes", c.path, "--select") << c.ticks
                                 << words("--total --category 1 --counts --items total"));
         EXPECT_EQ(i.exitCode, 7);
         EXPECT_TRUE(i.out.isEmpty()) << i.out.toStdString();
