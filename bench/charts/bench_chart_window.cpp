@@ -3,7 +3,7 @@
 // in-process, for the first window of the run and for later ones (targets
 // 150 ms and 50 ms), showing the total index graph of every question split
 // by a 10-alternative category over 20,000 respondents. Prints milliseconds.
-#include "kelwriter.h"
+#include "chartsurvey.h"
 
 #include "engine/document/documentreader.h"
 #include "engine/graphs/indexgraph.h"
@@ -25,54 +25,7 @@
 namespace {
 
 using namespace kel;
-using namespace kel::writer;
-
-constexpr int Rows = 20000;
-constexpr int Questions = 45; // with the category, as many cells as a file may hold
-constexpr int Runs = 21;
-
-std::unique_ptr<Document> makeDocument()
-{
-    SurveyBuilder b(Rows);
-    b.header().pointsScale = 100;
-    b.header().indexLineTexts[4] = b.text(QStringLiteral("Total index"));
-    QList<AlternativeSpec> units;
-    for (int a = 0; a < 10; ++a)
-        units << AlternativeSpec{.text = QStringLiteral("Unit %1").arg(a)};
-    const qint32 unit = b.addQuestion({.heading = QStringLiteral("Unit"), .isCategory = true, .inOverview = false,
-                                       .inTotalIndex = false},
-                                      units);
-    Random random(7);
-    std::vector<qint32> answers(Rows);
-    for (qint32 &a : answers)
-        a = random.below(10);
-    b.setAnswers(unit, answers);
-    qint32 first = -1;
-    for (int q = 0; q < Questions; ++q) {
-        const QuestionSpec recipe{.code = QString::number(q), .heading = QStringLiteral("Question %1").arg(q)};
-        const qint32 question = first < 0 ? b.addQuestion(recipe, {{.text = QStringLiteral("1"), .points = 0},
-                                                                 {.text = QStringLiteral("2"), .points = 25},
-                                                                 {.text = QStringLiteral("3"), .points = 50},
-                                                                 {.text = QStringLiteral("4"), .points = 75},
-                                                                 {.text = QStringLiteral("5"), .points = 100}})
-                                          : b.addQuestionLike(recipe, first);
-        if (first < 0)
-            first = question;
-        for (qint32 &a : answers)
-            a = random.below(5);
-        b.setAnswers(question, answers);
-    }
-    ReadResult read = readDocumentBytes(b.toBytes());
-    if (!read.document)
-        std::fprintf(stderr, "%d %s\n", int(read.code), qPrintable(read.detail));
-    return std::move(read.document);
-}
-
-double median(std::vector<double> values)
-{
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
-}
+using namespace kel::bench;
 
 /// Counts paints of the chart view's viewport.
 class PaintWatch : public QObject
