@@ -67,18 +67,7 @@ int main(int argc, char **argv)
         std::fprintf(stderr, "the benchmark document did not read back\n");
         return 1;
     }
-    const RowList rows = allRows(*doc);
-    ChartContext context;
-    context.rows = &rows;
-    context.selectionText = QStringLiteral("Everyone");
-    IndexGraphRequest request;
-    request.includeSubIndexes = true;
-    request.useQuestionsInsteadOfBlocks = true;
-    request.splitQuestion = 0;
-    request.indexLines = TotalIndexForTotal | TotalIndexForSelection;
-    request.title = totalIndexGraphTitle(*doc, true, false, true, 0);
-
-    const ChartDescription chart = generateIndexGraph(*doc, context, request);
+    const ChartDescription chart = totalIndexGraphOfEveryone(*doc);
     const double first = openWindow(chart);
     std::vector<double> later;
     for (int run = 0; run < Runs; ++run)

@@ -7,6 +7,8 @@
 #include "kelwriter.h"
 
 #include "engine/document/documentreader.h"
+#include "engine/document/pooledindex.h"
+#include "engine/graphs/indexgraph.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -62,6 +64,23 @@ inline double median(std::vector<double> values)
 {
     std::sort(values.begin(), values.end());
     return values[values.size() / 2];
+}
+
+/// The graph both benchmarks measure: the total index of every question split
+/// by the category, with both total index lines, for everyone.
+inline ChartDescription totalIndexGraphOfEveryone(const Document &doc)
+{
+    const RowList rows = allRows(doc);
+    ChartContext context;
+    context.rows = &rows;
+    context.selectionText = QStringLiteral("Everyone");
+    IndexGraphRequest request;
+    request.includeSubIndexes = true;
+    request.useQuestionsInsteadOfBlocks = true;
+    request.splitQuestion = 0;
+    request.indexLines = TotalIndexForTotal | TotalIndexForSelection;
+    request.title = totalIndexGraphTitle(doc, true, false, true, 0);
+    return generateIndexGraph(doc, context, request);
 }
 
 } // namespace kel::bench

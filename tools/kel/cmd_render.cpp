@@ -212,15 +212,8 @@ int renderCommand(const Document &base, const QStringList &args, CommandOutput &
         return SelectionRefused;
     }
 
-    SheetInput input;
-    input.document = &doc;
-    input.rows = sheet.rows;
-    input.columns = doc.overviewColumns;
-    if (sheet.randomPerColumn)
-        input.columnRowOffsets = sheet.columnRowOffsets;
+    SheetInput input = sheetInputFor(doc, sheet);
     input.overviewMaxRows = options.maxRows;
-    input.selectionText = sheet.steps.selectionText;
-    input.totalIndex = sheet.totalIndex;
     input.locale = options.selection.locale;
     const PictureFormat format = *pictureFormatForFileName(options.output);
     Picture picture = overviewPicture(input, modeFor(options.mode, format),

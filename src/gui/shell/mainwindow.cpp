@@ -710,17 +710,9 @@ void MainWindow::showSubSheet(const Document &doc, const SubSheet &sheet)
     setDataRowsAllowed(sheet.dataRowsAllowed);
     setSelectionPanels(qint32(sheet.rows.size()), sheet.steps.selectionText);
 
-    SheetInput input;
-    input.document = &doc;
-    input.rows = sheet.rows;
-    input.columns = doc.overviewColumns;
-    if (sheet.randomPerColumn)
-        input.columnRowOffsets = sheet.columnRowOffsets;
+    SheetInput input = sheetInputFor(doc, sheet);
     input.overviewMaxRows = mOptions.overviewMaxRows;
-    input.maxRowsDisplayed = sheet.maxRowsDisplayed();
     input.groupLines = mOptions.overviewGroupLines;
-    input.selectionText = sheet.steps.selectionText;
-    input.totalIndex = sheet.totalIndex;
     input.locale = QLocale();
     if (!mSheet->setSheet(std::move(input)))
         showMessage(QMessageBox::Critical, applicationTitle(),

@@ -3,6 +3,7 @@
 
 #include "engine/indexes/columnindex.h"
 #include "engine/overview/celldetails.h"
+#include "engine/overview/subsheet.h"
 
 #include <QFontMetrics>
 #include <QPaintEngine>
@@ -14,6 +15,20 @@
 #include <mutex>
 
 namespace kel {
+
+SheetInput sheetInputFor(const Document &doc, const SubSheet &sheet)
+{
+    SheetInput input;
+    input.document = &doc;
+    input.rows = sheet.rows;
+    input.columns = doc.overviewColumns;
+    if (sheet.randomPerColumn)
+        input.columnRowOffsets = sheet.columnRowOffsets;
+    input.maxRowsDisplayed = sheet.maxRowsDisplayed();
+    input.selectionText = sheet.steps.selectionText;
+    input.totalIndex = sheet.totalIndex;
+    return input;
+}
 
 namespace {
 

@@ -36,6 +36,13 @@ struct SheetInput {
     QLocale locale = QLocale::c(); ///< formats index values and counts
 };
 
+struct SubSheet;
+
+/// What every picture of a built overview shares: its document, rows,
+/// columns, row offsets, row limit, caption and total index. The user's
+/// options and the locale are the caller's to set.
+SheetInput sheetInputFor(const Document &doc, const SubSheet &sheet);
+
 /// The background of the sheet where nothing else is drawn: cells of
 /// alternatives without a colour, runs without a block. Plain white, so that
 /// the black labels stay readable on colour-less cells.
