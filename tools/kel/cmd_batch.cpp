@@ -52,7 +52,7 @@ QString runLine(const Document &doc, const QString &line, int &status, QString &
 
 } // namespace
 
-int runBatch(const QStringList &args)
+int runBatch(const QStringList &args, const std::function<void()> &preparePictures)
 {
     QString file;
     bool isSwedish = false;
@@ -90,6 +90,8 @@ int runBatch(const QStringList &args)
         const QString command = line.trimmed();
         if (command.isEmpty() || command.startsWith(QLatin1Char('#')))
             continue;
+        if (command.startsWith(QLatin1String("render")))
+            preparePictures();
         int status = 0;
         QString error;
         const QString out = runLine(*opened.document, command, status, error);

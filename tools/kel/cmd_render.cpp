@@ -166,11 +166,8 @@ SheetMode modeFor(int mode, PictureFormat format)
 
 } // namespace
 
-std::unique_ptr<QCoreApplication> makeApplication(int &argc, char **argv)
+std::unique_ptr<QCoreApplication> makePictureApplication(int &argc, char **argv)
 {
-    const bool draws = argc > 1 && (std::strcmp(argv[1], "render") == 0 || std::strcmp(argv[1], "batch") == 0);
-    if (!draws)
-        return std::make_unique<QCoreApplication>(argc, argv);
     // Fonts need a GUI application, charts (graphics widgets) a widget
     // one; without a display it runs off-screen.
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && qEnvironmentVariableIsEmpty("DISPLAY")
@@ -185,7 +182,7 @@ int renderCommand(const Document &base, const QStringList &args, CommandOutput &
     QString graphOutput;
     if (splitGraphCommandLine(args, graphArgs, graphOutput)) {
         if (!qobject_cast<QGuiApplication *>(QCoreApplication::instance())) {
-            output.err += QStringLiteral("kel render: pictures can only be drawn when kel starts with render or batch\n");
+            output.err += QStringLiteral("kel render: pictures need the graphical application, which kel starts for render\n");
             return UsageError;
         }
         return renderGraph(base, graphArgs, graphOutput, output);

@@ -7,7 +7,7 @@
 
 namespace kel::cli {
 
-std::unique_ptr<QCoreApplication> makeApplication(int &argc, char **argv)
+std::unique_ptr<QCoreApplication> makePictureApplication(int &argc, char **argv)
 {
     return std::make_unique<QCoreApplication>(argc, argv);
 }

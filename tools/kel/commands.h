@@ -8,6 +8,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 
 class QCoreApplication;
@@ -55,8 +56,10 @@ int runOnFile(const char *name, const char *usage, DocumentCommand command, cons
 
 int runCheck(const QStringList &args);
 int runDump(const QStringList &args);
-/// `kel batch FILE`: document commands from standard input, one JSON line each.
-int runBatch(const QStringList &args);
+/// `kel batch FILE`: document commands from standard input, one JSON line
+/// each. `preparePictures` is called before the first `render` line, to
+/// make the application object that drawing needs.
+int runBatch(const QStringList &args, const std::function<void()> &preparePictures);
 
 /// The document command called `name` (select, indexes, ...), or null.
 DocumentCommand findDocumentCommand(const QString &name);
@@ -66,8 +69,8 @@ int indexesCommand(const Document &doc, const QStringList &args, CommandOutput &
 int graphCommand(const Document &doc, const QStringList &args, CommandOutput &output);
 int renderCommand(const Document &doc, const QStringList &args, CommandOutput &output);
 
-/// The application object: a GUI one (off-screen without a display) for the
-/// commands that draw pictures, a core one for the others.
-std::unique_ptr<QCoreApplication> makeApplication(int &argc, char **argv);
+/// The application object that drawing needs: a widget one (fonts, charts),
+/// off-screen without a display. Without the drawing layer a core one.
+std::unique_ptr<QCoreApplication> makePictureApplication(int &argc, char **argv);
 
 } // namespace kel::cli

@@ -18,7 +18,7 @@ struct FileCommand {
 const FileCommand FileCommands[] = {
     {"check", kel::cli::runCheck, "check FILE [--lang en|sv]"},
     {"dump", kel::cli::runDump, "dump FILE"},
-    {"batch", kel::cli::runBatch, "batch FILE [--lang en|sv] < COMMANDS"},
+    {"batch", nullptr, "batch FILE [--lang en|sv] < COMMANDS"}, // run by main itself
 };
 
 /// Commands that work on a document read once (so `kel batch` can run them).
@@ -71,11 +71,28 @@ kel::cli::DocumentCommand kel::cli::findDocumentCommand(const QString &name)
 
 int main(int argc, char *argv[])
 {
-    const auto app = kel::cli::makeApplication(argc, argv);
-    QStringList args = QCoreApplication::arguments().mid(1);
+    const bool renders = argc > 1 && std::strcmp(argv[1], "render") == 0;
+    const bool batch = argc > 1 && std::strcmp(argv[1], "batch") == 0;
+    // Counting and indexes need no application object. Starting the
+    // graphical one costs as much as a whole answer, so a batch makes it only
+    // when its first picture is asked for.
+    std::unique_ptr<QCoreApplication> app;
+    if (renders)
+        app = kel::cli::makePictureApplication(argc, argv);
+    else if (!batch)
+        app = std::make_unique<QCoreApplication>(argc, argv);
+    QStringList args;
+    for (int i = 1; i < argc; ++i)
+        args << QString::fromLocal8Bit(argv[i]);
     if (args.isEmpty())
         return usage();
     const QString name = args.takeFirst();
+    if (batch) {
+        return kel::cli::runBatch(args, [&] {
+            if (!app)
+                app = kel::cli::makePictureApplication(argc, argv);
+        });
+    }
     // Asked for, the usage is the answer, not an error.
     if (name == QLatin1String("--help") || name == QLatin1String("-h")) {
         kel::cli::printOut(usageText());
@@ -86,7 +103,7 @@ int main(int argc, char *argv[])
         return 0;
     }
     for (const FileCommand &c : FileCommands)
-        if (name == QLatin1String(c.name))
+        if (c.run && name == QLatin1String(c.name))
             return c.run(args);
     for (const Command &c : Commands) {
         if (name == QLatin1String(c.name)) {
