@@ -72,22 +72,17 @@ BasicGraphDescription histogram()
 
 } // namespace
 
-TEST(BasicGraphRenderer, TickStepsFollowTheTable)
+TEST(BasicGraphRenderer, TickStepsAndScaleFactors)
 {
     const std::pair<int, int> cases[] = {{0, 1},    {3, 1},     {4, 1},      {5, 5},      {24, 5},
                                          {25, 10},  {49, 10},   {50, 20},    {99, 20},    {100, 25},
                                          {450, 100}, {999, 200}, {1000, 250}, {4999, 1000}, {49999, 10000}};
     for (const auto &[largest, step] : cases)
         EXPECT_EQ(BasicGraphRenderer::tickStep(largest), step) << largest;
-}
-
-TEST(BasicGraphRenderer, ScaleFactorsRoundHalvesToEven)
-{
-    EXPECT_EQ(graphScaleFactor(96), 1);
-    EXPECT_EQ(graphScaleFactor(144), 2); // 1.5 -> 2
-    EXPECT_EQ(graphScaleFactor(240), 2); // 2.5 -> 2
-    EXPECT_EQ(graphScaleFactor(288), 3);
-    EXPECT_EQ(graphScaleFactor(10), 1);  // never below one
+    // Dots per inch over 96, halves to even, never below one.
+    const std::pair<int, int> factors[] = {{96, 1}, {144, 2}, {240, 2}, {288, 3}, {10, 1}};
+    for (const auto &[dpi, factor] : factors)
+        EXPECT_EQ(graphScaleFactor(dpi), factor) << dpi;
 }
 
 TEST(BasicGraphRenderer, HistogramMatchesThePictureOfItsLayoutRules)
@@ -214,25 +209,4 @@ TEST(BasicGraphRenderer, GraphsThatDoNotFitDrawNothing)
     BasicGraphDescription other = histogram();
     other.graphKind = 3;
     EXPECT_FALSE(BasicGraphRenderer(other, BasicGraphUnits{1, 1}).draw(p, QRect(0, 0, 600, 400), 0, false));
-}
-
-TEST(BasicGraphRenderer, BlocksScaleWithTheSurface)
-{
-    BasicGraphDescription d = histogram();
-    d.title = QStringLiteral("T");
-    d.subTitle = QStringLiteral("S");
-    BasicGraphRenderer one(d, BasicGraphUnits{1, 1});
-    EXPECT_EQ(one.titleBlockHeight(), 24 + 6 + 14 + 6);
-    EXPECT_EQ(one.legendBlockHeight(1000), 20);
-    one.setUnits(BasicGraphUnits{2, 2});
-    EXPECT_EQ(one.titleBlockHeight(), 2 * (24 + 6 + 14 + 6));
-    EXPECT_EQ(one.legendBlockHeight(2000), 40);
-
-    // Two runs: each run starts its own line; a narrow block wraps entries.
-    d.legends.push_back({QStringLiteral("other scale"), Red, 0});
-    d.groups[1] = {3, 1, QStringLiteral("M"), 3, 1};
-    d.bars.resize(4);
-    const BasicGraphRenderer two(d, BasicGraphUnits{1, 1});
-    EXPECT_EQ(two.legendBlockHeight(1000), 2 * 20);
-    EXPECT_EQ(two.legendBlockHeight(60), 3 * 17 + 3 + 20); // "a", "b", "c" one a line
 }
