@@ -69,8 +69,7 @@ inline SurveyBuilder chartSurvey()
 
 inline std::unique_ptr<Document> readChartSurvey()
 {
-    ReadResult read = readDocumentBytes(chartSurvey().toBytes());
-    return std::move(read.document);
+    return readDocumentBytes(chartSurvey().toBytes()).document;
 }
 
 // Question numbers of the survey above.

@@ -20,14 +20,10 @@ constexpr qint32 Red = 0x0000FF;   // stored as 0x00BBGGRR
 constexpr qint32 Green = 0x00FF00;
 constexpr qint32 White = 0xFFFFFF;
 
+// No texts: the pictures compare shapes, not glyphs.
 BasicGraphBar bar(qint32 count, qint32 perMille, qint32 colour, qint32 flags = 0)
 {
-    BasicGraphBar b;
-    b.count = count;
-    b.perMille = perMille;
-    b.colour = colour;
-    b.drawFlags = flags;
-    return b; // no texts: the pictures compare shapes, not glyphs
+    return {count, perMille, {}, {}, colour, flags};
 }
 
 QImage blank(const QSize &size)
@@ -65,8 +61,6 @@ BasicGraphDescription histogram()
     d.bars = {bar(3, 500, Red), bar(1, 167, White), bar(2, 333, Green, 1),
               bar(2, 400, Red), bar(0, 0, White),   bar(3, 600, Green, 1)};
     d.groups = {{0, 3, QStringLiteral("L"), 0, 3}, {3, 3, QStringLiteral("M"), 0, 3}};
-    d.countAxisText = QStringLiteral("Number");
-    d.percentAxisText = QStringLiteral("Percent");
     return d;
 }
 
@@ -202,11 +196,9 @@ TEST(BasicGraphRenderer, GraphsThatDoNotFitDrawNothing)
 
     BasicGraphDescription fraction = histogram();
     fraction.graphKind = FractionGraph;
-    const BasicGraphRenderer low(fraction, BasicGraphUnits{1, 1});
     QPainter p(&image);
-    EXPECT_FALSE(low.draw(p, QRect(0, 0, 200, 300), 0, false)); // bar area narrower than 50 px
-    EXPECT_FALSE(low.draw(p, QRect(0, 0, 600, 70), 0, false));  // bars lower than the text
-    BasicGraphDescription other = histogram();
-    other.graphKind = 3;
-    EXPECT_FALSE(BasicGraphRenderer(other, BasicGraphUnits{1, 1}).draw(p, QRect(0, 0, 600, 400), 0, false));
+    EXPECT_FALSE(BasicGraphRenderer(fraction, {1, 1}).draw(p, QRect(0, 0, 200, 300), 0, false)); // bar area < 50 px
+    EXPECT_FALSE(BasicGraphRenderer(fraction, {1, 1}).draw(p, QRect(0, 0, 600, 70), 0, false));  // bars below text
+    fraction.graphKind = 3;
+    EXPECT_FALSE(BasicGraphRenderer(fraction, {1, 1}).draw(p, QRect(0, 0, 600, 400), 0, false)); // unknown kind
 }
