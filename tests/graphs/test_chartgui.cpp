@@ -4,7 +4,6 @@
 // window's menus on a survey read from disk.
 #include "chartsurvey.h"
 
-#include "engine/indexes/blockindex.h"
 #include "gui/graphs/chartbuilder.h"
 #include "gui/shell/chartcommands.h"
 #include "gui/graphs/chartwindow.h"
@@ -30,7 +29,6 @@
 #include <QComboBox>
 #include <QGraphicsSimpleTextItem>
 #include <QHorizontalBarSeries>
-#include <QLabel>
 #include <QLegend>
 #include <QLineSeries>
 #include <QListWidget>
@@ -139,15 +137,13 @@ TEST(ChartBuilder, PieAndTheThreeDimensionalLook)
     ASSERT_TRUE(pie);
     ASSERT_EQ(pie->count(), 2);
     EXPECT_TRUE(pie->slices()[1]->label() == QStringLiteral("Y [3]") && pie->slices()[1]->value() == 3);
-    EXPECT_TRUE(flat->axes().isEmpty());
-    EXPECT_EQ(flat->legend()->alignment(), Qt::AlignBottom);
+    EXPECT_TRUE(flat->axes().isEmpty() && flat->legend()->alignment() == Qt::AlignBottom);
     EXPECT_EQ(chartTexts(flat.get(), "selectionCaption"), QStringList{QStringLiteral("Everyone [8]")});
 
     d.threeD = true;
     std::unique_ptr<QChart> deep(buildChart(d));
     const QPieSlice *slice = qobject_cast<QPieSeries *>(deep->series().value(0))->slices()[0];
-    EXPECT_EQ(slice->brush().style(), Qt::RadialGradientPattern);
-    EXPECT_TRUE(slice->isExploded());
+    EXPECT_TRUE(slice->brush().style() == Qt::RadialGradientPattern && slice->isExploded());
 
     ChartDescription bars = twoGroupChart();
     bars.threeD = true;
@@ -166,9 +162,7 @@ TEST(ChartPictures, CopyFormatSaveByExtensionAndPermissions)
     QTemporaryDir dir;
     std::pair<QString, QString> answer;
     QString seenTitle;
-    GraphPictureContext context;
-    context.options = &options;
-    context.settings = &settings;
+    GraphPictureContext context{.options = &options, .settings = &settings};
     context.chooseFile = [&](const QString &title, const QString &, const QString &, const QStringList &, int) {
         seenTitle = title;
         return answer;
