@@ -27,12 +27,8 @@ std::unique_ptr<Document> readBack(const SurveyBuilder &b)
 
 BasicGraphSelection selectionOf(const std::vector<qint32> &rows)
 {
-    BasicGraphSelection s;
-    s.rows = &rows;
-    s.selectionText = QStringLiteral("Everyone");
-    s.usedTotalText = QStringLiteral("Flex");
-    s.usedTotalSize = 99;
-    return s;
+    return {.rows = &rows, .selectionText = QStringLiteral("Everyone"), .usedTotalText = QStringLiteral("Flex"),
+            .usedTotalSize = 99};
 }
 
 std::vector<qint32> counts(const BasicGraphDescription &d)

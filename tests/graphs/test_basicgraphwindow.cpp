@@ -93,9 +93,7 @@ class GraphWindowTest : public ::testing::Test
 protected:
     GraphPictureContext context()
     {
-        GraphPictureContext c;
-        c.options = &options;
-        c.settings = &settings;
+        GraphPictureContext c{.options = &options, .settings = &settings};
         c.chooseFile = [this](const QString &title, const QString &, const QString &defaultName,
                               const QStringList &filters, int preselected) {
             seenTitle = title;

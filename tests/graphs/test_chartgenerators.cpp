@@ -86,8 +86,7 @@ TEST_F(ChartGenerators, RankingWeighsEveryAnswerByItsQuestion)
 {
     // Respondent 0 chose Banana first, Apple second and Cherry third.
     const RowList first{0};
-    RankingGraphRequest request;
-    request.questions = {R1, R2, R3};
+    RankingGraphRequest request{.questions = {R1, R2, R3}};
     const ChartDescription one = generateRankingGraph(*doc, contextFor(first), request);
     ASSERT_EQ(one.series.size(), 1u);
     EXPECT_EQ(labels(one.series[0]), QStringLiteral("Banana|Apple|Cherry"));
@@ -114,9 +113,7 @@ TEST_F(ChartGenerators, RankingWeighsEveryAnswerByItsQuestion)
 
 TEST_F(ChartGenerators, DistributionPercentagesRoundHalvesToEven)
 {
-    DistributionGraphRequest request;
-    request.mainCategory = 2; // Site: 1, 3 and 4 of 8
-    request.inPercent = true;
+    DistributionGraphRequest request{.mainCategory = 2, .inPercent = true}; // Site: 1, 3 and 4 of 8
     const ChartDescription bars = generateDistributionGraph(*doc, context, fullSelection(*doc), request);
     ASSERT_EQ(bars.series.size(), 1u);
     EXPECT_EQ(values(bars.series[0]), (std::vector<double>{12, 38, 50}));
@@ -137,13 +134,9 @@ TEST_F(ChartGenerators, GroupedDistributionShowsOnlySelectedGroupsOverAllRows)
 {
     SelectionMatrix selection = fullSelection(*doc);
     selection.set(1, 1, false); // Role B is not part of the selection
-    DistributionGraphRequest request;
-    request.mainCategory = 2;
-    request.type = DistributionGraphType::GroupedBar;
-    request.groupByCategory = 1;
-    request.inPercent = true;
-    request.horizontalBars = true;
-    request.verticalLabels = true;
+    const DistributionGraphRequest request{.mainCategory = 2, .type = DistributionGraphType::GroupedBar,
+                                           .groupByCategory = 1, .inPercent = true, .horizontalBars = true,
+                                           .verticalLabels = true};
     const ChartDescription chart = generateDistributionGraph(*doc, context, selection, request);
     ASSERT_EQ(chart.series.size(), 1u);
     EXPECT_EQ(chart.series[0].name, QStringLiteral("A"));
@@ -162,9 +155,7 @@ TEST_F(ChartGenerators, GroupedDistributionShowsOnlySelectedGroupsOverAllRows)
 
 TEST_F(ChartGenerators, OneIndexSplitIntoGroupsBecomesOneSeries)
 {
-    IndexGraphRequest request;
-    request.splitQuestion = UnitQ;
-    request.title = totalIndexGraphTitle(*doc, true, false, false, UnitQ);
+    IndexGraphRequest request{.splitQuestion = UnitQ};
     const ChartDescription chart = generateIndexGraph(*doc, context, request);
     ASSERT_EQ(chart.series.size(), 1u);
     // West has no respondents and is dropped.
@@ -183,12 +174,8 @@ TEST_F(ChartGenerators, OneIndexSplitIntoGroupsBecomesOneSeries)
 
 TEST_F(ChartGenerators, SeveralIndexesSplitIntoGroupsAreOneSeriesPerGroup)
 {
-    IndexGraphRequest request;
-    request.block = WorkBlock;
-    request.includeSubIndexes = true;
-    request.splitQuestion = RoleQ;
-    request.dataLabels = false;
-    request.horizontalBars = true;
+    IndexGraphRequest request{.block = WorkBlock, .includeSubIndexes = true, .splitQuestion = RoleQ,
+                              .horizontalBars = true, .dataLabels = false};
     const ChartDescription chart = generateIndexGraph(*doc, context, request);
     ASSERT_EQ(chart.series.size(), 2u);
     EXPECT_EQ(chart.series[0].name, QStringLiteral("A [4]"));
@@ -204,10 +191,8 @@ TEST_F(ChartGenerators, SeveralIndexesSplitIntoGroupsAreOneSeriesPerGroup)
 TEST_F(ChartGenerators, IndexLinesComeInBitOrderAtMostTwoHighestFirst)
 {
     const RowList north{0, 1, 2, 3};
-    IndexGraphRequest request;
-    request.block = WorkBlock;
+    IndexGraphRequest request{.block = WorkBlock, .indexLinesShowExplanation = true};
     request.indexLines = TotalIndexForTotal | TotalIndexForSelection | BlockIndexForTotal | BlockIndexForSelection;
-    request.indexLinesShowExplanation = true;
     const ChartDescription chart = generateIndexGraph(*doc, contextFor(north), request);
     ASSERT_EQ(chart.indexLines.size(), 2u);
     // The total (5.0) and the selection (7.5): the higher one goes first.
@@ -223,8 +208,7 @@ TEST_F(ChartGenerators, IndexLinesComeInBitOrderAtMostTwoHighestFirst)
     EXPECT_EQ(skipped.indexLines[1].text, QStringLiteral("Block index, total (5.0)"));
 
     // Block bits mean nothing to a total graph; no explanation, no text.
-    IndexGraphRequest total;
-    total.indexLines = BlockIndexForTotal | TotalIndexForSelection;
+    const IndexGraphRequest total{.indexLines = BlockIndexForTotal | TotalIndexForSelection};
     const std::vector<ChartIndexLine> lines = generateIndexGraph(*doc, contextFor(north), total).indexLines;
     ASSERT_EQ(lines.size(), 1u);
     EXPECT_TRUE(lines[0].value == 7.5 && lines[0].text.isEmpty());
@@ -240,9 +224,7 @@ TEST_F(ChartGenerators, IndexGraphTitlesFollowTheDialogsAndTheLanguage)
 
     // Every block with an index for the used total is an item; the total
     // graph's question items are the index columns.
-    IndexGraphRequest blocks;
-    blocks.includeMainIndex = false;
-    blocks.includeSubIndexes = true;
+    IndexGraphRequest blocks{.includeMainIndex = false, .includeSubIndexes = true};
     EXPECT_EQ(labels(generateIndexGraph(*doc, context, blocks).series[0]), QStringLiteral("Work"));
     blocks.useQuestionsInsteadOfBlocks = true;
     EXPECT_EQ(labels(generateIndexGraph(*doc, context, blocks).series[0]), QStringLiteral("Q1|Q2"));

@@ -63,14 +63,8 @@ QStringList chartTexts(QChart *chart, const char *kind)
 
 ChartDescription twoGroupChart()
 {
-    ChartDescription d;
-    d.title = QStringLiteral("Total index split by Unit");
-    d.valueAxisTitle = QStringLiteral("Index");
-    d.categoryAxisTitle = QStringLiteral("Everyone [8]");
-    d.dataLabels = true;
-    d.verticalLabels = true;
-    d.legendPosition = 0;
-    d.valueAxis = ChartValueAxis{0, 5, 5};
+    ChartDescription d{.valueAxisTitle = QStringLiteral("Index"), .categoryAxisTitle = QStringLiteral("Everyone [8]"),
+                       .verticalLabels = true, .dataLabels = true, .legendPosition = 0, .valueAxis = {{0, 5, 5}}};
     d.series = {{QStringLiteral("North [4]"), -1, {{QStringLiteral("Total"), 4.5, QStringLiteral("4.5")},
                                                    {QStringLiteral("Work"), 0, QString()}}},
                 {QStringLiteral("South [4]"), 0x0000FF, {{QStringLiteral("Total"), 2.5, QStringLiteral("2.5")},
@@ -126,10 +120,8 @@ TEST(ChartBuilder, BarChartCarriesSeriesValuesAxesAndTexts)
 
 TEST(ChartBuilder, PieAndTheThreeDimensionalLook)
 {
-    ChartDescription d;
-    d.chartType = ChartType::Pie;
-    d.selectionCaption = QStringLiteral("Everyone [8]");
-    d.legendPosition = 6;
+    ChartDescription d{.chartType = ChartType::Pie, .selectionCaption = QStringLiteral("Everyone [8]"),
+                       .legendPosition = 6};
     d.series = {{QStringLiteral("Site"), -1, {{QStringLiteral("X [1]"), 1, QStringLiteral("1")},
                                               {QStringLiteral("Y [3]"), 3, QStringLiteral("3")}}}};
     std::unique_ptr<QChart> flat(buildChart(d));
