@@ -241,15 +241,9 @@ TEST_F(GraphWindowTest, SaveWritesEachFormatAndRemembersIt)
     EXPECT_FALSE(w.saveGraph());
     EXPECT_FALSE(QFile::exists(answer.first));
     EXPECT_EQ(messages.size(), 1);
-
-    StatusLine swedish(true);
-    BasicGraphWindow sv(true, swedish);
-    sv.setUpGraph(twoGroups(HistogramGraph), {.allowSavePicture = true}, {});
-    sv.setPictureContext(context());
     answer = {};
-    EXPECT_FALSE(sv.saveGraph());
-    EXPECT_EQ(seenTitle, QStringLiteral("Spara diagram"));
-    EXPECT_TRUE(swedish.text().isEmpty()) << "cancelling leaves an empty line, not the start text";
+    EXPECT_FALSE(w.saveGraph());
+    EXPECT_TRUE(status.text().isEmpty()) << "cancelling leaves an empty line, not the start text";
 }
 
 // The commands through the main window, on a written document.
