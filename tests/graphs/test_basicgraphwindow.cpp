@@ -2,6 +2,8 @@
 // The basic graph window, the window pool's choice of slot and the graph
 // commands of the main window, off-screen, on a document written by the
 // test writer and opened as the user opens it.
+#include "chartsurvey.h"
+
 #include "engine/document/document.h"
 #include "engine/document/documentreader.h"
 #include "engine/settings/settingsstore.h"
@@ -246,41 +248,25 @@ TEST_F(GraphWindowTest, SaveWritesEachFormatAndRemembersIt)
     EXPECT_TRUE(status.text().isEmpty()) << "cancelling leaves an empty line, not the start text";
 }
 
-// The commands through the main window, on a written document.
+// The commands through the main window, on the chart survey with copying
+// allowed and a minimum of three for splits (Site X has one respondent).
 class GraphCommandsTest : public ::testing::Test
 {
 protected:
     void SetUp() override
     {
-        SurveyBuilder b(12);
-        b.header().pointsScale = 10;
+        kel::writer::SurveyBuilder b = kel::test::chartSurvey();
         b.header().minimumGraphSelection = 3;
         b.header().allowCopy = FileTrue;
-        b.header().totalText = b.text(QStringLiteral("Everyone"));
-        block = b.addBlock({.name = QStringLiteral("Work")});
-        empty = b.addBlock({.name = QStringLiteral("Nothing")});
-        const qint32 unit = b.addQuestion({.heading = QStringLiteral("Unit"), .isCategory = true, .inOverview = false},
-                                          {{.text = QStringLiteral("North"), .countsForPrivacy = true},
-                                           {.text = QStringLiteral("South"), .countsForPrivacy = true},
-                                           {.text = QStringLiteral("West"), .countsForPrivacy = true}});
-        const qint32 role = b.addQuestion({.heading = QStringLiteral("Role"), .isCategory = true, .inOverview = false},
-                                          {{.text = QStringLiteral("A")}, {.text = QStringLiteral("B")}});
-        q = b.addQuestion({.code = QStringLiteral("Q"), .heading = QStringLiteral("Load"), .block = block},
-                          {{.text = QStringLiteral("low"), .points = 0}, {.text = QStringLiteral("high"), .points = 10}});
-        b.setAnswers(unit, {0, 0, 0, 0, 0, 0, 1, 1, 1, 1, 2, 2}); // West has two: too few to split off
-        b.setAnswers(role, {0, 1, 0, 1, 0, 1, 0, 1, 0, 1, 0, 1});
-        b.setAnswers(q, {1, 1, 1, 0, 0, 0, 1, 1, 0, 0, 1, 0});
         const QString path = mDir.filePath(QStringLiteral("survey.kel"));
         ASSERT_TRUE(b.build().writeFile(path));
         mStore = std::make_unique<SettingsStore>(SettingsLocation{.file = mDir.filePath(QStringLiteral("k.ini"))});
         window = std::make_unique<MainWindow>(*mStore, false, MainWindowEnvironment{});
-        window->setMessageHandler([this](QMessageBox::Icon, const QString &, const QString &text) {
-            messages << text;
-        });
+        window->setMessageHandler([](QMessageBox::Icon, const QString &, const QString &) {});
         ASSERT_TRUE(window->openDocument(path, false, QStringLiteral("t")));
         SheetHit hit;
         hit.place = SheetPlace::AnswerCell;
-        hit.question = q;
+        hit.question = kel::test::Q1;
         emit window->sheetView()->popupRequested(hit, QPoint(10, 10));
         window->menus().mnuPopUp->hide();
     }
@@ -297,8 +283,6 @@ protected:
     QTemporaryDir mDir;
     std::unique_ptr<SettingsStore> mStore;
     std::unique_ptr<MainWindow> window;
-    QStringList messages;
-    qint32 block = -1, empty = -1, q = -1;
 };
 
 TEST_F(GraphCommandsTest, MenuGraphsOpenInPooledWindows)
@@ -308,18 +292,17 @@ TEST_F(GraphCommandsTest, MenuGraphsOpenInPooledWindows)
     auto graphs = visibleGraphs();
     ASSERT_EQ(graphs.size(), 1u);
     EXPECT_EQ(graphs[0]->description().graphKind, FractionGraph);
-    EXPECT_EQ(graphs[0]->description().selectionText, QStringLiteral("Everyone [12]"));
+    EXPECT_EQ(graphs[0]->description().selectionText, QStringLiteral("Everyone [8]"));
     // The document allows copying only; the copy uses the main window's settings.
     EXPECT_TRUE(graphs[0]->mnuPCopy->isEnabled() && !graphs[0]->mnuPSave->isEnabled());
     graphs[0]->mnuPCopy->trigger();
     EXPECT_EQ(window->statusLine().text(), QStringLiteral("The graph has been copied to the clipboard!"));
 
-    EXPECT_FALSE(m.mnuPS1SplitByColumn[0]->isEnabled()); // West: 2 of a minimum 3
+    ASSERT_EQ(m.mnuPS1SplitByColumn.size(), 3);
+    EXPECT_FALSE(m.mnuPS1SplitByColumn[2]->isEnabled()); // Site X: 1 of a minimum 3
     m.mnuPS1SplitByColumn[1]->trigger();
-    EXPECT_EQ(visibleGraphs().at(1)->windowTitle(), QStringLiteral("Question Histogram: Load split by Role"));
-    m.mnuVB2Item[empty]->trigger();
-    EXPECT_EQ(messages.size(), 1) << "the block has no questions";
-    m.mnuVB2Item[block]->trigger();
+    EXPECT_EQ(visibleGraphs().at(1)->windowTitle(), QStringLiteral("Question Histogram: Q1 split by Role"));
+    m.mnuVB2Item[kel::test::WorkBlock]->trigger();
     // The window keeps its own copy: a later graph leaves it as it was.
     const QString label = graphs[0]->description().groups.at(0).label;
     m.mnuPS1Total->trigger();
@@ -330,7 +313,7 @@ TEST_F(GraphCommandsTest, MenuGraphsOpenInPooledWindows)
     }
     EXPECT_EQ(visibleGraphs().size(), 10u);
     EXPECT_EQ(window->windowSlots(SlotTable::BasicGraphs)[0].window->windowTitle(),
-              QStringLiteral("Question Histogram: Load")) << "the eleventh replaced the oldest";
+              QStringLiteral("Question Histogram: Q1")) << "the eleventh replaced the oldest";
     window->closeDocument();
     EXPECT_TRUE(visibleGraphs().empty()) << "closing the document closes the graphs";
 }
