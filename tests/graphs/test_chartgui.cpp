@@ -179,9 +179,8 @@ TEST(ChartPictures, CopyFormatSaveByExtensionAndPermissions)
     w.mnuPSave->trigger();
     EXPECT_EQ(seenTitle, QStringLiteral("Spara graf"));
     EXPECT_EQ(settings.graphSaveFormat, 3);
-    QImage png(answer.first);
-    ASSERT_FALSE(png.isNull());
-    EXPECT_EQ(png.size(), w.chartView()->size());
+    const QImage png(answer.first);
+    ASSERT_EQ(png.size(), w.chartView()->size());
     // The chart is drawn, not an empty page: its bars bring colours.
     QSet<QRgb> colours;
     for (int y = 0; y < png.height(); y += 4)
@@ -193,8 +192,7 @@ TEST(ChartPictures, CopyFormatSaveByExtensionAndPermissions)
     EXPECT_GT(QFileInfo(answer.first).size(), 100);
 
     w.setPictureContext(status, context, {});
-    EXPECT_FALSE(w.mnuPCopy->isEnabled());
-    EXPECT_FALSE(w.doCopy());
+    EXPECT_FALSE(w.mnuPCopy->isEnabled() || w.doCopy());
 }
 
 class LaunchDialogs : public ::testing::Test
@@ -203,7 +201,6 @@ protected:
     void SetUp() override
     {
         doc = readChartSurvey();
-        ASSERT_TRUE(doc);
         steps.splitNotAllowed = {false, true, false}; // Role may not split
         steps.differentFromUsedTotal = false;
     }
@@ -267,12 +264,9 @@ class ChartCommandsTest : public ::testing::Test
 protected:
     void SetUp() override
     {
-        ASSERT_TRUE(dir.isValid());
         const QString path = dir.filePath(QStringLiteral("charts.kel"));
         ASSERT_TRUE(chartSurvey().build().writeFile(path));
-        SettingsLocation location;
-        location.file = dir.filePath(QStringLiteral("KEL Viewer.ini"));
-        store = std::make_unique<SettingsStore>(location);
+        store = std::make_unique<SettingsStore>(SettingsLocation{.file = dir.filePath(QStringLiteral("k.ini"))});
         window = std::make_unique<MainWindow>(*store, false, MainWindowEnvironment{});
         window->setMessageHandler([](QMessageBox::Icon, const QString &, const QString &) {});
         ASSERT_TRUE(window->loadDocument(path, false).isEmpty());
