@@ -189,12 +189,10 @@ TEST_F(BlockGraph, GroupsWithoutShownAnswersAreLeftOut)
 TEST(BasicGraphData, ReversedOrderFlipsOnlyNonNegativeSortValues)
 {
     SurveyBuilder b(1);
-    const qint32 q = b.addQuestion({.heading = QStringLiteral("Q")}, {{.text = QStringLiteral("a"), .sortValue = 2},
-                                                                       {.text = QStringLiteral("b"), .sortValue = -1},
-                                                                       {.text = QStringLiteral("c"), .sortValue = 5},
-                                                                       {.text = QStringLiteral("d"), .sortValue = 0},
-                                                                       {.text = QStringLiteral("e"), .sortValue = -3},
-                                                                       {.text = QStringLiteral("f"), .sortValue = 2}});
+    QList<AlternativeSpec> alternatives;
+    for (const auto &[letter, sortValue] : {std::pair{'a', 2}, {'b', -1}, {'c', 5}, {'d', 0}, {'e', -3}, {'f', 2}})
+        alternatives.append({.text = QString(QLatin1Char(letter)), .sortValue = sortValue});
+    const qint32 q = b.addQuestion({.heading = QStringLiteral("Q")}, alternatives);
     auto doc = readBack(b);
     const auto rows = allRows(*doc);
     BasicGraphSelection selection = selectionOf(rows);
@@ -314,16 +312,10 @@ TEST(BasicGraphClipboard, ValuesAndLegendsText)
     BasicGraphDescription d;
     d.title = QStringLiteral("Block");
     d.selectionText = QStringLiteral("All [9]");
-    d.legends = {{QStringLiteral("yes"), 1, 0}, {QStringLiteral("no"), 2, 0}, {QStringLiteral("x"), 3, 0},
-                 {QStringLiteral("y"), 4, 0}, {QStringLiteral("z"), 5, 0}};
-    auto bar = [](qint32 n, const char *percent) {
-        BasicGraphBar b;
-        b.count = n;
-        b.countText = QString::number(n);
-        b.percentText = QString::fromUtf8(percent);
-        return b;
-    };
-    d.bars = {bar(1, "10"), bar(2, "20"), bar(3, "30"), bar(4, "40"), bar(5, "50"), bar(6, "60"), bar(7, "70")};
+    for (const char *legend : {"yes", "no", "x", "y", "z"})
+        d.legends.push_back({QString::fromUtf8(legend), 0, 0});
+    for (qint32 n = 1; n <= 7; ++n)
+        d.bars.push_back({n, 0, QString::number(n), QString::number(n * 10)});
     d.groups = {{0, 2, QStringLiteral("G1"), 0, 2}, {2, 3, QStringLiteral("G2"), 2, 3}, {5, 2, QStringLiteral("G3"), 0, 2}};
     EXPECT_EQ(basicGraphValuesText(d, false), QStringLiteral("G1\tG2\tG3\r\n1\t3\t6\r\n2\t4\t7\r\n\t5\t"));
     EXPECT_EQ(basicGraphValuesText(d, true), QStringLiteral("G1\tG2\tG3\r\n10\t30\t60\r\n20\t40\t70\r\n\t50\t"));
