@@ -14,7 +14,7 @@ using namespace kel::writer;
 
 /// 8 respondents, points scale 10.
 /// Categories: Unit (North r0-3, South r4-7, West nobody), Role (A on even
-/// rows, B on odd), Site (X r0, Y r1-3, Z r4-7).
+/// rows, B on odd), Site (X r0, Y r1-3, Z r4-7; its groups count for privacy).
 /// Block 0 "Work": Q1 (North 100 points, South 0) and Q2 (50 for everyone).
 /// Block 1 "Choices": R1, R2, R3 ranking A..D weighted 3, 2, 1, no points;
 /// D is kept out of ranking graphs.
@@ -39,7 +39,9 @@ inline SurveyBuilder chartSurvey()
                       {.text = QStringLiteral("South"), .shortText = QStringLiteral("S")},
                       {.text = QStringLiteral("West"), .shortText = QStringLiteral("W")}});
     category("Role", {{.text = QStringLiteral("A")}, {.text = QStringLiteral("B")}});
-    category("Site", {{.text = QStringLiteral("X")}, {.text = QStringLiteral("Y")}, {.text = QStringLiteral("Z")}});
+    category("Site", {{.text = QStringLiteral("X"), .countsForPrivacy = true},
+                      {.text = QStringLiteral("Y"), .countsForPrivacy = true},
+                      {.text = QStringLiteral("Z"), .countsForPrivacy = true}});
     const qint32 q1 = b.addQuestion({.code = QStringLiteral("1"), .heading = QStringLiteral("Q1"), .block = work},
                                     {{.text = QStringLiteral("bad"), .points = 0},
                                      {.text = QStringLiteral("ok"), .points = 50},
@@ -69,8 +71,7 @@ inline SurveyBuilder chartSurvey()
 
 inline std::unique_ptr<Document> readChartSurvey()
 {
-    ReadResult read = readDocumentBytes(chartSurvey().toBytes());
-    return std::move(read.document);
+    return readDocumentBytes(chartSurvey().toBytes()).document;
 }
 
 // Question numbers of the survey above.
