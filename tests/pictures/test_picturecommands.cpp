@@ -30,37 +30,13 @@
 namespace kel::test {
 namespace {
 
-QStringList descriptions(const std::vector<SaveFilter> &filters)
-{
-    QStringList list;
-    for (const SaveFilter &f : filters)
-        list << f.description + QLatin1Char('|') + f.pattern;
-    return list;
-}
-
-TEST(SaveDialogRules, FilterTextsInBothLanguages)
-{
-    EXPECT_EQ(descriptions(saveFilters(SaveKind::Overview, false, true)).join(QLatin1Char('|')),
-              QStringLiteral("Windows enhanced meta file (*.emf)|*.emf|Windows meta file (*.wmf)|*.wmf"));
-    EXPECT_EQ(descriptions(saveFilters(SaveKind::Overview, true, true)).join(QLatin1Char('|')),
-              QStringLiteral("Windows utökad metafil (*.emf)|*.emf|Windows metafil (*.wmf)|*.wmf"));
-    EXPECT_EQ(descriptions(saveFilters(SaveKind::BasicGraph, false, false)).join(QLatin1Char('|')),
-              QStringLiteral("Windows enhanced meta file|*.emf|Windows meta file|*.wmf"));
-    EXPECT_EQ(descriptions(saveFilters(SaveKind::Overview, true, false)).join(QLatin1Char('|')),
-              QStringLiteral("Windows utökad metafil|*.emf|Windows metafil|*.wmf"));
-    const QStringList chart = descriptions(saveFilters(SaveKind::Chart, true, true));
-    ASSERT_GE(chart.size(), 6);
-    EXPECT_EQ(chart.mid(0, 6).join(QLatin1Char('|')),
-              QStringLiteral("Windows utökad metafil (*.emf)|*.emf|Windows metafil (*.wmf)|*.wmf|Portable Network "
-                             "Graphics (*.png)|*.png|Windows bitmapp (*.bmp)|*.bmp|JPEG-filutbytesformat (*.jpg)|*.jpg|"
-                             "Graphics Interchange Format (*.gif)|*.gif"));
-}
-
-TEST(SaveDialogRules, FormatSettingAndChoices)
+TEST(SaveDialogRules, FiltersFormatSettingAndFolder)
 {
     const auto overview = saveFilters(SaveKind::Overview, false, true);
     const auto chart = saveFilters(SaveKind::Chart, false, true);
-    EXPECT_EQ(preselectedFilter(overview, 1), 0);
+    EXPECT_EQ(saveFilters(SaveKind::Overview, true, true)[1].description, QStringLiteral("Windows metafil (*.wmf)"));
+    EXPECT_EQ(saveFilters(SaveKind::BasicGraph, false, false)[0].description,
+              QStringLiteral("Windows enhanced meta file"));
     EXPECT_EQ(preselectedFilter(overview, 2), 1);
     EXPECT_EQ(preselectedFilter(overview, 5), 0) << "a chart-only type falls back to EMF";
     EXPECT_EQ(preselectedFilter(chart, 6), 5);
@@ -71,62 +47,45 @@ TEST(SaveDialogRules, FormatSettingAndChoices)
     EXPECT_EQ(c.path, QStringLiteral("/p/report.wmf"));
     EXPECT_EQ(c.format, PictureFormat::Wmf);
     EXPECT_EQ(c.settingValue, 2);
-    c = resolveSaveChoice(overview, QStringLiteral("/p/r.EMF"), overview[0].description, false);
-    EXPECT_EQ(c.path, QStringLiteral("/p/r.EMF"));
-    EXPECT_EQ(c.settingValue, 1);
+    EXPECT_EQ(resolveSaveChoice(overview, QStringLiteral("/p/r.EMF"), overview[0].description, false).path,
+              QStringLiteral("/p/r.EMF"));
     // No recognisable type: nothing to write.
-    c = resolveSaveChoice(overview, QStringLiteral("/p/r.emf"), QStringLiteral("All files (*)"), false);
-    EXPECT_FALSE(c.format);
+    EXPECT_FALSE(resolveSaveChoice(overview, QStringLiteral("/p/r.emf"), QStringLiteral("All files (*)"), false).format);
     // For charts the extension decides over the filter.
     c = resolveSaveChoice(chart, QStringLiteral("/p/r.gif"), chart[0].description, true);
     EXPECT_EQ(c.format, PictureFormat::Gif);
     EXPECT_EQ(c.settingValue, 6);
-    EXPECT_EQ(c.path, QStringLiteral("/p/r.gif"));
-}
 
-TEST(SaveDialogRules, Folder)
-{
     QTemporaryDir dir;
-    EXPECT_EQ(pictureSaveFolder(dir.path(), QStringLiteral("/pics"), QStringLiteral("/docs")), dir.path());
-    EXPECT_EQ(pictureSaveFolder(dir.filePath(QStringLiteral("gone")), QStringLiteral("/pics"), QStringLiteral("/docs")),
-              QStringLiteral("/pics"));
-    EXPECT_EQ(pictureSaveFolder(QString(), QString(), QStringLiteral("/docs")), QStringLiteral("/docs"));
+    const QString pics = QStringLiteral("/pics"), docs = QStringLiteral("/docs");
+    EXPECT_EQ(pictureSaveFolder(dir.path(), pics, docs), dir.path());
+    EXPECT_EQ(pictureSaveFolder(dir.filePath(QStringLiteral("gone")), pics, docs), pics);
+    EXPECT_EQ(pictureSaveFolder(QString(), QString(), docs), docs);
 }
 
-TEST(PrintFormat, UnitsAndMargins)
+TEST(PrintFormat, MarginsInTheirUnits)
 {
     const MarginUnit mm = marginUnit(QLocale::MetricSystem, true);
     const MarginUnit inches = marginUnit(QLocale::ImperialUSSystem, false);
-    EXPECT_EQ(mm.name, QStringLiteral("mm"));
-    EXPECT_EQ(inches.name, QStringLiteral("inches"));
-    EXPECT_EQ(marginUnit(QLocale::ImperialUKSystem, true).name, QStringLiteral("tum"));
     const QLocale c = QLocale::c(), swedish(QLocale::Swedish, QLocale::Sweden);
-    EXPECT_EQ(formatMargin(1701, mm, c), QStringLiteral("30.0"));
     EXPECT_EQ(formatMargin(567, mm, swedish), QStringLiteral("10,0"));
     EXPECT_EQ(formatMargin(1440, inches, c), QStringLiteral("1.00"));
     EXPECT_EQ(parseMargin(QStringLiteral("30,0"), mm, swedish), 1701);
     EXPECT_EQ(parseMargin(QStringLiteral(" 0.5 "), inches, c), 720);
-    EXPECT_FALSE(parseMargin(QStringLiteral("abc"), mm, c));
-    EXPECT_FALSE(parseMargin(QStringLiteral("-1"), mm, c));
-    EXPECT_FALSE(parseMargin(QStringLiteral("1e30"), mm, c));
+    for (const char *bad : {"abc", "-1", "1e30"})
+        EXPECT_FALSE(parseMargin(QString::fromLatin1(bad), mm, c)) << bad;
 
+    // Leaving a box with nonsense brings its value back.
     LastSettings settings;
     settings.printerDeviceName = QStringLiteral("Second");
     PrintFormatDialog dialog(settings, {QStringLiteral("First"), QStringLiteral("Second")}, mm, true, c);
-    EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Utskriftsformat"));
     EXPECT_EQ(dialog.printerBox()->currentText(), QStringLiteral("Second"));
-    EXPECT_EQ(dialog.marginBox(0)->text(), QStringLiteral("30.0"));
-    // Leaving a box with nonsense brings its value back; a number is kept
-    // in the unit's format.
     dialog.marginBox(0)->setText(QStringLiteral("wide"));
     emit dialog.marginBox(0)->editingFinished();
     EXPECT_EQ(dialog.marginBox(0)->text(), QStringLiteral("30.0"));
     dialog.marginBox(1)->setText(QStringLiteral("20"));
     emit dialog.marginBox(1)->editingFinished();
-    EXPECT_EQ(dialog.marginBox(1)->text(), QStringLiteral("20.0"));
-    dialog.printerBox()->setCurrentIndex(0);
     dialog.storeInto(settings);
-    EXPECT_EQ(settings.printerDeviceName, QStringLiteral("First"));
     EXPECT_EQ(settings.printerBindingMargin, 1701);
     EXPECT_EQ(settings.printerOtherMargins, 1134);
 }
@@ -142,29 +101,35 @@ Picture boxes()
     return p;
 }
 
-TEST(PictureCommands, ClipboardFormats)
+TEST(PictureCommands, ClipboardFormatsAndPrinting)
 {
     QClipboard *clipboard = QApplication::clipboard();
     ASSERT_EQ(copyPictureToClipboard(boxes(), clipboard), ClipboardOk);
-    const QMimeData *data = clipboard->mimeData();
-    ASSERT_TRUE(data);
     QImage png;
-    ASSERT_TRUE(png.loadFromData(data->data(QStringLiteral("image/png"))));
+    ASSERT_TRUE(png.loadFromData(clipboard->mimeData()->data(QStringLiteral("image/png"))));
     EXPECT_EQ(png.size(), QSize(100, 50));
-    EXPECT_TRUE(data->data(QStringLiteral("image/svg+xml")).contains("<svg"));
-    EXPECT_TRUE(data->data(QStringLiteral("image/x-emf")).startsWith(QByteArray::fromHex("01000000")));
+    EXPECT_TRUE(clipboard->mimeData()->data(QStringLiteral("image/svg+xml")).contains("<svg"));
+    EXPECT_TRUE(clipboard->mimeData()->data(QStringLiteral("image/x-emf")).startsWith(QByteArray::fromHex("01000000")));
     EXPECT_EQ(copyPictureToClipboard(Picture{}, clipboard), ClipboardNoPicture);
-
-    ASSERT_EQ(copyTextToClipboard(QStringLiteral("a\tb\r\nc"), clipboard), ClipboardOk);
-    EXPECT_EQ(clipboard->text(), QStringLiteral("a\tb\r\nc"));
-    EXPECT_FALSE(clipboard->mimeData()->hasImage());
-
     // Graph Copy Format 2: a bitmap only.
     ASSERT_EQ(copyChartPicture(boxes(), 2, clipboard), ClipboardOk);
     EXPECT_TRUE(clipboard->mimeData()->hasImage());
     EXPECT_FALSE(clipboard->mimeData()->hasFormat(QStringLiteral("image/x-emf")));
-    ASSERT_EQ(copyChartPicture(boxes(), 1, clipboard), ClipboardOk);
-    EXPECT_TRUE(clipboard->mimeData()->hasFormat(QStringLiteral("image/x-emf")));
+
+    QTemporaryDir dir;
+    QPrinter printer(QPrinter::HighResolution);
+    printer.setOutputFormat(QPrinter::PdfFormat);
+    printer.setOutputFileName(dir.filePath(QStringLiteral("print.pdf")));
+    LastSettings settings;
+    settings.printerBindingMargin = 1440;
+    applyPrintFormat(printer, settings);
+    EXPECT_NEAR(printer.pageLayout().margins(QPageLayout::Millimeter).left(), 25.4, 0.01);
+    EXPECT_NEAR(printer.pageLayout().margins(QPageLayout::Millimeter).top(), 10.0, 0.01);
+    ASSERT_TRUE(printPicture(printer, boxes(), createdByLine(false, QStringLiteral("KEL Viewer"), 1, 0)));
+    QFile file(dir.filePath(QStringLiteral("print.pdf")));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(file.read(5) == "%PDF-");
+    EXPECT_FALSE(printPicture(printer, Picture{}, QString()));
 }
 
 TEST(PictureCommands, BasicGraphPictureOptions)
@@ -176,42 +141,16 @@ TEST(PictureCommands, BasicGraphPictureOptions)
         seenScale = scale;
         painter.fillRect(area, Qt::blue);
     };
-    Picture plain = basicGraphPicture(QSize(300, 200), {}, paint);
+    const Picture plain = basicGraphPicture(QSize(300, 200), {}, paint);
     EXPECT_EQ(plain.size, QSize(560, 360));
-    Picture spaced = basicGraphPicture(QSize(300, 200), {.whiteSpace = true}, paint);
-    EXPECT_EQ(spaced.size - plain.size, QSize(40, 40)) << "20 pixels more each way, times the scale";
+    const Picture spaced = basicGraphPicture(QSize(300, 200), {.whiteSpace = true}, paint);
     const QImage image = renderPictureImage(spaced, Qt::transparent);
-    EXPECT_EQ(seen, QRect(20, 20, 560, 360));
+    EXPECT_EQ(seen, QRect(20, 20, 560, 360)) << "20 pixels more each way, times the scale";
     EXPECT_EQ(qAlpha(image.pixel(5, 5)), 0) << "transparent unless opaque";
-    Picture office = basicGraphPicture(QSize(300, 200), {.opaque = true, .toOffice = true}, paint);
+    const Picture office = basicGraphPicture(QSize(300, 200), {.opaque = true, .toOffice = true}, paint);
     EXPECT_EQ(office.size, QSize(1120, 720));
-    const QImage opaque = renderPictureImage(office, Qt::transparent);
+    EXPECT_EQ(qAlpha(renderPictureImage(office, Qt::transparent).pixel(0, 0)), 255);
     EXPECT_EQ(seenScale, 4);
-    EXPECT_EQ(qAlpha(opaque.pixel(0, 0)), 255);
-}
-
-TEST(PictureCommands, PrintsToPdfWithTheCreatedByLine)
-{
-    EXPECT_EQ(createdByLine(false, QStringLiteral("KEL Viewer"), 3, 5),
-              QStringLiteral("Created by KEL Viewer version 3.05."));
-    EXPECT_EQ(createdByLine(true, QStringLiteral("KEL Viewer"), 12, 10),
-              QStringLiteral("Skapad av KEL Viewer version 12.10."));
-
-    QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("print.pdf"));
-    QPrinter printer(QPrinter::HighResolution);
-    printer.setOutputFormat(QPrinter::PdfFormat);
-    printer.setOutputFileName(path);
-    LastSettings settings;
-    settings.printerBindingMargin = 1440;
-    applyPrintFormat(printer, settings);
-    EXPECT_NEAR(printer.pageLayout().margins(QPageLayout::Millimeter).left(), 25.4, 0.01);
-    EXPECT_NEAR(printer.pageLayout().margins(QPageLayout::Millimeter).top(), 10.0, 0.01);
-    ASSERT_TRUE(printPicture(printer, boxes(), createdByLine(false, QStringLiteral("KEL Viewer"), 1, 0)));
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_TRUE(file.read(5) == "%PDF-");
-    EXPECT_FALSE(printPicture(printer, Picture{}, QString()));
 }
 
 // --- The overview's commands in the main window ---
@@ -219,14 +158,13 @@ TEST(PictureCommands, PrintsToPdfWithTheCreatedByLine)
 class OverviewCommandsTest : public testing::Test
 {
 protected:
-    void SetUp() override { start(false); }
-    void start(bool isSwedish)
+    void SetUp() override
     {
         SettingsLocation l;
         l.file = mDir.filePath(QStringLiteral("KEL Viewer.ini"));
         l.policyFile = mDir.filePath(QStringLiteral("policy.ini"));
         mStore = std::make_unique<SettingsStore>(l);
-        mWindow = std::make_unique<MainWindow>(*mStore, isSwedish, MainWindowEnvironment{});
+        mWindow = std::make_unique<MainWindow>(*mStore, false, MainWindowEnvironment{});
         mCommands = mWindow->findChild<OverviewCommands *>();
         ASSERT_TRUE(mCommands);
         mCommands->setMessageHandler([this](QMessageBox::Icon, const QString &title, const QString &text) {
@@ -245,38 +183,24 @@ protected:
     QStringList mMessages;
 };
 
-TEST_F(OverviewCommandsTest, CopiesPictureAndData)
+TEST_F(OverviewCommandsTest, CopiesPictureDataAndTheRowUnderThePopup)
 {
     const MainMenus &m = mWindow->menus();
     ASSERT_TRUE(m.mnuECopy->isEnabled());
     m.mnuECopy->trigger();
     EXPECT_EQ(mWindow->statusLine().text(), QStringLiteral("Overview copied!"));
-    QImage copied;
-    ASSERT_TRUE(copied.loadFromData(QApplication::clipboard()->mimeData()->data(QStringLiteral("image/png"))));
+    const auto clipboardImage = [] {
+        QImage image;
+        EXPECT_TRUE(image.loadFromData(QApplication::clipboard()->mimeData()->data(QStringLiteral("image/png"))));
+        return image;
+    };
+    const QImage copied = clipboardImage();
     EXPECT_EQ(copied.width(), 4 * 32);
     m.mnuECopyHeadersAndTotals->trigger();
-    QImage headers;
-    ASSERT_TRUE(headers.loadFromData(QApplication::clipboard()->mimeData()->data(QStringLiteral("image/png"))));
-    EXPECT_EQ(copied.height() - headers.height(), 12 * 32);
-
+    EXPECT_EQ(copied.height() - clipboardImage().height(), 12 * 32);
     m.mnuECopyData->trigger();
-    const SheetInput &input = mWindow->sheetView()->input();
-    EXPECT_EQ(QApplication::clipboard()->text(), overviewDataText(*mWindow->document(), input.rows, input.columns));
     EXPECT_EQ(QApplication::clipboard()->text().count(QStringLiteral("\r\n")), 11);
-    EXPECT_TRUE(mMessages.isEmpty());
 
-    // A copied picture outlives the document it was drawn from.
-    m.mnuPCopy->trigger();
-    mWindow->closeDocument();
-    QImage afterClose;
-    ASSERT_TRUE(afterClose.loadFromData(QApplication::clipboard()->mimeData()->data(QStringLiteral("image/png"))));
-    EXPECT_EQ(afterClose.size(), copied.size());
-    EXPECT_TRUE(QApplication::clipboard()->mimeData()->data(QStringLiteral("image/x-emf")).startsWith(
-        QByteArray::fromHex("01000000")));
-}
-
-TEST_F(OverviewCommandsTest, CopiesTheRowUnderThePopup)
-{
     SheetHit hit;
     hit.place = SheetPlace::AnswerCell;
     hit.column = 1;
@@ -284,31 +208,31 @@ TEST_F(OverviewCommandsTest, CopiesTheRowUnderThePopup)
     hit.question = mWindow->sheetView()->input().columns[1];
     hit.row = 7;
     emit mWindow->sheetView()->popupRequested(hit, QPoint(10, 10));
-    mWindow->menus().mnuPopUp->hide();
-    EXPECT_EQ(mCommands->popupRow(), 7);
-    mWindow->menus().mnuPCopyThisRowsAnswers->trigger();
-    const QString text = QApplication::clipboard()->text();
-    EXPECT_EQ(text, rowAnswersText(*mWindow->document(), 7, mWindow->sheetView()->input().columns));
-    EXPECT_TRUE(text.startsWith(QStringLiteral("A0. I like it here\t"))) << text.toStdString();
-
+    m.mnuPopUp->hide();
+    m.mnuPCopyThisRowsAnswers->trigger();
+    EXPECT_EQ(QApplication::clipboard()->text(),
+              rowAnswersText(*mWindow->document(), 7, mWindow->sheetView()->input().columns));
     // A header line has no row: nothing is copied from there.
     hit.place = SheetPlace::CodeLine;
     hit.row = -1;
     emit mWindow->sheetView()->popupRequested(hit, QPoint(10, 10));
-    mWindow->menus().mnuPopUp->hide();
+    m.mnuPopUp->hide();
     EXPECT_EQ(mCommands->popupRow(), -1);
+    EXPECT_TRUE(mMessages.isEmpty());
+
+    // A copied picture outlives the document it was drawn from.
+    m.mnuPCopy->trigger();
+    mWindow->closeDocument();
+    EXPECT_EQ(clipboardImage().size(), copied.size());
 }
 
 TEST_F(OverviewCommandsTest, SavesAsChosenAndRemembersIt)
 {
-    QStringList seenFilters;
     int seenPreselected = -1;
     QString answerPath = mDir.filePath(QStringLiteral("out")), answerFilter;
-    mCommands->setFileChooser([&](const QString &title, const QString &, const QString &defaultName,
+    mCommands->setFileChooser([&](const QString &, const QString &, const QString &defaultName,
                                   const QStringList &filters, int preselected) {
-        EXPECT_EQ(title, QStringLiteral("Save Overview"));
         EXPECT_EQ(defaultName, QStringLiteral("abc.emf"));
-        seenFilters = filters;
         seenPreselected = preselected;
         return std::make_pair(answerPath, answerFilter.isEmpty() ? filters.value(1) : answerFilter);
     });
@@ -318,7 +242,6 @@ TEST_F(OverviewCommandsTest, SavesAsChosenAndRemembersIt)
     QFile wmf(answerPath + QStringLiteral(".wmf"));
     ASSERT_TRUE(wmf.open(QIODevice::ReadOnly));
     EXPECT_EQ(wmf.read(4), QByteArray::fromHex("D7CDC69A"));
-    EXPECT_EQ(mWindow->lastSettings().graphSaveFormat, 2);
     EXPECT_EQ(mWindow->lastSettings().graphSaveFolder, mDir.path());
 
     // The next dialog offers WMF first; a type it does not know saves nothing.
@@ -328,37 +251,11 @@ TEST_F(OverviewCommandsTest, SavesAsChosenAndRemembersIt)
     EXPECT_EQ(seenPreselected, 1);
     EXPECT_FALSE(QFile::exists(answerPath));
     ASSERT_EQ(mMessages.size(), 1);
-    EXPECT_EQ(mMessages[0], QStringLiteral("Save Overview|The overview could not be saved since you did not select "
-                                           "what file format you wanted!"));
+    EXPECT_TRUE(mMessages[0].startsWith(QStringLiteral("Save Overview|")));
     // Cancel clears the status line.
     answerPath.clear();
     mWindow->menus().mnuFSaveAs->trigger();
     EXPECT_EQ(mWindow->statusLine().text(), QString());
-}
-
-TEST_F(OverviewCommandsTest, SwedishTexts)
-{
-    mWindow.reset();
-    start(true);
-    mWindow->menus().mnuECopy->trigger();
-    EXPECT_EQ(mWindow->statusLine().text(), QStringLiteral("Översikt kopierad!"));
-    QString seenTitle;
-    QStringList seenFilters;
-    mCommands->setFileChooser([&](const QString &title, const QString &, const QString &, const QStringList &filters,
-                                  int) {
-        seenTitle = title;
-        seenFilters = filters;
-        return std::make_pair(mDir.filePath(QStringLiteral("x.emf")), QStringLiteral("?"));
-    });
-    mWindow->menus().mnuFSaveAs->trigger();
-    EXPECT_EQ(seenTitle, QStringLiteral("Spara översikt"));
-    EXPECT_EQ(seenFilters, QStringList({QStringLiteral("Windows utökad metafil (*.emf)"),
-                                        QStringLiteral("Windows metafil (*.wmf)")}));
-    ASSERT_EQ(mMessages.size(), 1);
-    EXPECT_EQ(mMessages[0], QStringLiteral("Spara översikt|Översikten kunde inte sparas eftersom du inte angav vilket "
-                                           "filformat du ville ha!"));
-    mCommands->printOverview(); // the menu item needs a printer
-    EXPECT_EQ(mWindow->statusLine().text(), QStringLiteral("Översikt utskriven!"));
 }
 
 } // namespace
