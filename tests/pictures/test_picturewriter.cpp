@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The picture writers: what lands in each format's file, read back with Qt,
 // with our own walk over the metafile records, and with other programs.
-#include "render/pictures/metafilewriter.h"
 #include "render/pictures/picturewriter.h"
 
 #include "metafilereader.h"
@@ -72,8 +71,7 @@ TEST(WmfFile, PlaceableHeaderAndRecords)
     EXPECT_EQ(u16At(wmf, 20), checksum);
     // The metafile header: a disk metafile of version 3 whose size counts
     // every word after the placeable header.
-    EXPECT_EQ(u16At(wmf, 22 + 2), 9);
-    EXPECT_EQ(u16At(wmf, 22 + 4), 0x0300);
+    EXPECT_EQ(wmf.mid(22, 6), QByteArray::fromHex("0100 0900 0003"));
     EXPECT_EQ(qsizetype(u32At(wmf, 22 + 6)) * 2, wmf.size() - 22);
 
     bool ok = false;
@@ -95,15 +93,12 @@ TEST(WmfFile, PlaceableHeaderAndRecords)
         EXPECT_EQ(types.count(type), count) << std::hex << type;
     EXPECT_EQ(texts, QStringList({QStringLiteral("Hello"), QStringLiteral("Åsa ö")}));
 
-    // Beyond 16 bits is refused; a bounds origin is kept.
+    // Beyond 16 bits is refused.
     Picture huge = samplePicture();
     huge.size = QSize(40000, 10);
     QString error;
     EXPECT_TRUE(encodePicture(huge, PictureFormat::Wmf, &error).isEmpty());
     EXPECT_FALSE(error.isEmpty());
-    const QByteArray header = placeableWmfHeader(QRect(-5, 3, 11, 20));
-    EXPECT_EQ(i16At(header, 6), -5);
-    EXPECT_EQ(i16At(header, 12), 22);
 }
 
 TEST(EmfFile, HeaderAndRecordsCarryTheDrawing)
@@ -148,12 +143,6 @@ TEST(EmfFile, HeaderAndRecordsCarryTheDrawing)
         EXPECT_EQ(types.count(type), count) << type;
     EXPECT_EQ(texts, QStringList({QStringLiteral("Hello"), QStringLiteral("Åsa ö")}));
     EXPECT_EQ(fonts, QStringList({QStringLiteral("Arial -24 700"), QStringLiteral("Arial -24 400")}));
-    // The description names the program.
-    const quint32 descriptionChars = u32At(emf, 60), descriptionAt = u32At(emf, 64);
-    ASSERT_LE(descriptionAt + descriptionChars * 2, quint32(emf.size()));
-    EXPECT_TRUE(QString::fromUtf16(reinterpret_cast<const char16_t *>(emf.constData() + descriptionAt),
-                                   qsizetype(descriptionChars))
-                    .startsWith(QStringLiteral("KEL Viewer")));
 }
 
 // Pens (style/width), clips, saved states, selections and rectangles of one
