@@ -91,18 +91,3 @@ TEST(MenuEnabling, PermissionsAndSurroundingsDecideEachCommand)
     }
 }
 
-TEST(MenuEnabling, StateComesFromTheDocument)
-{
-    test::ShellSurveyOptions recipe;
-    recipe.allowCopy = true;
-    recipe.pointsScale = 3;
-    recipe.totalIndexGraph = true;
-    recipe.categoryHeadings = {QStringLiteral("Unit")};
-    const auto doc = test::shellSurvey(recipe);
-    ASSERT_TRUE(doc);
-    EXPECT_FALSE(MenuState::of(nullptr, true, true, true).dataRowsAllowed) << "no document, no rows";
-    const MenuState s = MenuState::of(doc.get(), false, true, true);
-    EXPECT_TRUE(s.documentOpen && s.allowCopy && s.hasIndexes && s.totalIndexGraph && s.hasCategories);
-    EXPECT_TRUE(s.mouseWheel && s.dataRowsAllowed);
-    EXPECT_FALSE(s.allowCopyData || s.allowPrint || s.hasRowComments || s.printerInstalled);
-}
