@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Mini-overviews and the comments windows, opened from a main window on
-// documents written by the test writer and opened through the reader.
+// Mini-overviews, copied from a main window on a document written by the
+// test writer and opened through the reader.
 #include "engine/selection/counting.h"
 #include "gui/overview/minioverviewwindow.h"
 #include "gui/overview/sheetview.h"
-#include "gui/overview/textpopup.h"
 #include "gui/shell/mainwindow.h"
 #include "gui/shell/overviewcommands.h"
 #include "kelwriter.h"
@@ -21,8 +20,7 @@ using namespace kel::writer;
 
 namespace {
 
-// `rows` respondents answering `columns` two-alternative questions; row 1
-// has a row comment, row 2 comments on the second question only.
+// `rows` respondents answering `columns` two-alternative questions.
 SurveyBuilder survey(qint32 rows, qint32 columns)
 {
     SurveyBuilder b(rows);
@@ -53,8 +51,6 @@ protected:
         EXPECT_TRUE(w->openDocument(path, false, QStringLiteral("Open"))) << mMessages.join(u'\n').toStdString();
         return w;
     }
-
-    static QList<TextPopup *> popups(const MainWindow &w) { return w.findChildren<TextPopup *>(); }
 
     QTemporaryDir mDir;
     std::unique_ptr<SettingsStore> mStore;
@@ -102,16 +98,5 @@ TEST_F(OverviewWindowsTest, MiniOverviewsComeFromTenSlots)
     for (MiniOverviewWindow *mini : w->findChildren<MiniOverviewWindow *>())
         EXPECT_FALSE(mini->isVisible());
     EXPECT_FALSE(copyToMiniOverview(*w));
-}
-
-TEST_F(OverviewWindowsTest, NoRowCommentsGivesTheMessage)
-{
-    SurveyBuilder b = survey(4, 2);
-    b.setCellComment(0, 0, QStringLiteral("cell only"));
-    b.file(); // the row-comment records stay empty
-    auto w = open(b);
-    showAllComments(*w);
-    EXPECT_TRUE(popups(*w).isEmpty());
-    EXPECT_EQ(mMessages, QStringList{QStringLiteral("Show Comments|Could not find any comments!")});
 }
 

@@ -1,110 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Header lines, runs, shortening, hit-testing, scroll ranges and the popup
-// rules of the overview sheet.
+// Which row a cell shows, hit-testing, scroll ranges and the popup rules of
+// the overview sheet.
 #include "engine/overview/sheetlayout.h"
-
-#include "surveys.h"
-#include "engine/document/pooledindex.h"
 
 #include <gtest/gtest.h>
 
 using namespace kel;
-using kel::test::sheetSurvey;
-
-namespace {
-
-test::SheetQuestion question(const QString &code, qint32 block, qint32 subBlock = -1)
-{
-    return {code, block, subBlock, -1, {{QStringLiteral("a")}, {QStringLiteral("b")}}};
-}
-
-std::vector<qint32> columnsOf(const Document &doc) { return doc.overviewColumns; }
-
-} // namespace
-
-TEST(SheetLayout, HeaderLineCountFollowsBlockFields)
-{
-    struct Case {
-        const char *name;
-        std::vector<std::pair<qint32, qint32>> blocks; // (block, subBlock) per column
-        int expected;
-    };
-    const Case cases[] = {
-        {"no blocks", {{-1, -1}, {-1, -1}}, 1},
-        {"one block somewhere", {{-1, -1}, {0, -1}}, 2},
-        {"sub-block only", {{-1, 0}, {-1, -1}}, 2},
-        {"block and sub-block", {{0, -1}, {-1, 1}}, 3},
-        {"both on one column", {{1, 0}}, 3},
-    };
-    for (const Case &c : cases) {
-        std::vector<test::SheetQuestion> qs;
-        for (auto [b, s] : c.blocks)
-            qs.push_back(question(QStringLiteral("Q"), b, s));
-        const Document doc = sheetSurvey(qs, {{"B0", "Block zero"}, {"B1", "Block one"}}, {});
-        EXPECT_EQ(headerLineCount(doc, columnsOf(doc)), c.expected) << c.name;
-    }
-}
-
-TEST(SheetLayout, RunsGroupAlternateAndNameTheLastRun)
-{
-    // Columns: B0 B0 - - B1 B0 B0
-    const Document doc = sheetSurvey(
-        {question("a", 0), question("b", 0), question("c", -1), question("d", -1), question("e", 1),
-         question("f", 0), question("g", 0)},
-        {{"C0", "Name zero"}, {"C1", "Name one"}}, {});
-    const auto runs = headerRuns(doc, columnsOf(doc), false);
-    ASSERT_EQ(runs.size(), 4u);
-    struct Expected {
-        int first, count;
-        qint32 block;
-        int slot;
-        bool last;
-        const char *text;
-    };
-    const Expected expected[] = {
-        {0, 2, 0, 0, false, "C0"},
-        {2, 2, -1, 1, false, ""}, // a run without a block still advances the alternation
-        {4, 1, 1, 0, false, "C1"},
-        {5, 2, 0, 1, true, "Name zero"}, // same block as the first run, but the last: its name
-    };
-    for (std::size_t i = 0; i < runs.size(); ++i)
-        EXPECT_TRUE(runs[i].firstColumn == expected[i].first && runs[i].columnCount == expected[i].count
-                    && runs[i].block == expected[i].block && runs[i].colourSlot == expected[i].slot
-                    && runs[i].isLast == expected[i].last && runs[i].text == QString::fromLatin1(expected[i].text))
-            << "run " << i;
-}
-
-TEST(SheetLayout, GroupLineEdgesSkipTheLeftBorderAndDuplicates)
-{
-    const Document doc = sheetSurvey(
-        {question("a", 0, 0), question("b", 0, 1), question("c", 1, 1), question("d", 1, -1)},
-        {{"C0", "N0"}, {"C1", "N1"}}, {});
-    const auto blocks = headerRuns(doc, columnsOf(doc), false);   // edges 0, 32
-    const auto subBlocks = headerRuns(doc, columnsOf(doc), true); // edges 0, 16, 48
-    EXPECT_EQ(groupLineEdges(blocks, subBlocks, 16, 1, 4), (std::vector<int>{16, 32, 48}));
-    // Scale 2: an edge needs x - 2 >= 1.
-    EXPECT_EQ(groupLineEdges(blocks, subBlocks, 32, 2, 4), (std::vector<int>{32, 64, 96}));
-    EXPECT_EQ(groupLineEdges(blocks, {}, 16, 1, 4), (std::vector<int>{32}));
-}
-
-TEST(SheetLayout, ShorteningStopsAtTwoCharacters)
-{
-    const auto tenPerChar = [](const QString &s) { return int(s.size()) * 10; };
-    struct Case {
-        const char *text;
-        int maxWidth;
-        const char *expected;
-    };
-    const Case cases[] = {
-        {"Leadership", 100, "Leadership"}, // fits exactly
-        {"Leadership", 99, "Leadershi"},
-        {"Leadership", 5, "Le"}, // never below two
-        {"X", 0, "X"},
-    };
-    for (const Case &c : cases)
-        EXPECT_EQ(shortenToWidth(QString::fromLatin1(c.text), c.maxWidth, tenPerChar), QString::fromLatin1(c.expected))
-            << c.text << " in " << c.maxWidth;
-}
 
 TEST(SheetLayout, RowShownInCellUnderEachOrder)
 {
@@ -251,38 +152,3 @@ TEST(SheetLayout, PopupItemsByPlace)
     }
 }
 
-TEST(SheetLayout, PopupEnablingLooksAtTheComments)
-{
-    Document doc = sheetSurvey({question("a", -1), question("b", -1)}, {}, {{0, 0}, {1, 1}, {0, 1}});
-    const std::vector<qint32> rows = {0, 1, 2};
-    const std::vector<qint32> columns = {0, 1};
-    EXPECT_FALSE(popupEnablingFor(doc, rows, columns, false, 1, 0).showRowsComments);
-
-    doc.properties.hasRowComments = true;
-    doc.rowComments = {{-1, -1}, {3, -1}}; // row 2 has no record at all
-    EXPECT_TRUE(popupEnablingFor(doc, rows, columns, false, 1, 0).showRowsComments);
-    EXPECT_FALSE(popupEnablingFor(doc, rows, columns, false, 2, 0).showRowsComments);
-    EXPECT_FALSE(popupEnablingFor(doc, rows, columns, true, 1, 0).showRowsComments);
-
-    doc.hasCellComments = true;
-    doc.cellComments.assign(6, -1);
-    doc.cellComments[1 * 3 + 2] = 4; // row 2, question 1
-    EXPECT_TRUE(popupEnablingFor(doc, rows, columns, false, 2, 0).showRowsComments);
-    EXPECT_FALSE(popupEnablingFor(doc, rows, {0}, false, 2, 0).showRowsComments);
-    EXPECT_TRUE(popupEnablingFor(doc, rows, columns, false, 0, 1).showColumnsComments);
-    EXPECT_FALSE(popupEnablingFor(doc, {0, 1}, columns, false, 0, 1).showColumnsComments); // row 2 not in the list
-    EXPECT_FALSE(popupEnablingFor(doc, rows, columns, false, 99, 99).showRowsComments);
-}
-
-TEST(SheetLayout, TotalIndexCountsOnlyTotalIndexColumns)
-{
-    Document doc = sheetSurvey(
-        {{"a", -1, -1, -1, {{"x", -1, 0}, {"y", -1, 10}}}, {"b", -1, -1, -1, {{"x", -1, 0}, {"y", -1, 10}}}}, {},
-        {{1, 0}, {1, 0}, {0, 0}});
-    EXPECT_EQ(sheetTotalIndex(doc, doc.overviewColumns, kel::allRows(doc)), 0.0); // no points scale
-    doc.properties.pointsScale = 10;
-    EXPECT_DOUBLE_EQ(sheetTotalIndex(doc, doc.overviewColumns, kel::allRows(doc)), 20.0 / 6 / 10);
-    doc.questions[1].inTotalIndex = false;
-    EXPECT_DOUBLE_EQ(sheetTotalIndex(doc, doc.overviewColumns, kel::allRows(doc)), 20.0 / 3 / 10);
-    EXPECT_DOUBLE_EQ(sheetTotalIndex(doc, doc.overviewColumns, {0, 1, 99, -4}), 1.0); // rows outside are left out
-}

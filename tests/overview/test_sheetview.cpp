@@ -1,18 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The sheet view: frozen header while the body scrolls, scroll ranges, the
-// hover delay, right clicks and the wheel.
+// The sheet view: frozen header while the body scrolls, and right clicks.
 #include "gui/overview/sheetview.h"
 
 #include "surveys.h"
 #include "engine/document/pooledindex.h"
 
 #include <QApplication>
-#include <QElapsedTimer>
 #include <QScrollBar>
 #include <QSignalSpy>
-#include <QStyle>
 #include <QTest>
-#include <QWheelEvent>
 
 #include <gtest/gtest.h>
 
@@ -90,33 +86,6 @@ TEST_F(SheetViewTest, HeaderStaysWhileTheBodyScrolls)
     EXPECT_EQ(QColor(shown.pixel(0, 0)), view.palette().color(QPalette::Button));
 }
 
-TEST_F(SheetViewTest, HoverReportsOnceAfterTheDelay)
-{
-    view.setHoverEnabled(true);
-    QSignalSpy hovered(&view, &SheetView::cellHovered);
-    // Timings are checked against the clock, so a slow machine cannot fake
-    // a failure: only what happened within the delay is judged.
-    QElapsedTimer sinceMove;
-    QTest::mouseMove(view.viewport(), cellCentre(2, 1));
-    sinceMove.start();
-    QTest::qWait(50);
-    const bool movedWithinDelay = sinceMove.elapsed() < SheetView::HoverDelayMs;
-    QTest::mouseMove(view.viewport(), cellCentre(4, 1)); // moving restarts the delay
-    sinceMove.start();
-    QTest::qWait(50);
-    if (sinceMove.elapsed() < SheetView::HoverDelayMs) {
-        EXPECT_EQ(hovered.count(), 0);
-    }
-    ASSERT_TRUE(hovered.wait(2000));
-    EXPECT_GE(sinceMove.elapsed(), SheetView::HoverDelayMs - 5); // the clock started just after the move
-    QTest::qWait(SheetView::HoverDelayMs + 100);
-    if (movedWithinDelay) {
-        EXPECT_EQ(hovered.count(), 1);
-    }
-    const SheetHit hit = hovered.last().at(0).value<SheetHit>();
-    EXPECT_TRUE(hit.place == SheetPlace::AnswerCell && hit.column == 4 && hit.row == 1);
-}
-
 TEST_F(SheetViewTest, RightClickRequestsThePopupOnlyOnTheSheet)
 {
     QSignalSpy popup(&view, &SheetView::popupRequested);
@@ -143,41 +112,4 @@ TEST_F(SheetViewTest, RightClickRequestsThePopupOnlyOnTheSheet)
     EXPECT_EQ(view.popupQuestion(), 5);
 }
 
-namespace {
-
-void wheel(SheetView &view, QPoint angle)
-{
-    QWheelEvent event(QPointF(20, 40), view.viewport()->mapToGlobal(QPointF(20, 40)), QPoint(), angle, Qt::NoButton,
-                      Qt::NoModifier, Qt::NoScrollPhase, false);
-    QApplication::sendEvent(view.viewport(), &event);
-}
-
-} // namespace
-
-TEST_F(SheetViewTest, WheelScrollsByLinesOrPages)
-{
-    QScrollBar *v = view.verticalScrollBar();
-    QScrollBar *h = view.horizontalScrollBar();
-    view.setWheelScrollLines(3);
-    view.setScrollPosition(0, 10);
-    wheel(view, QPoint(0, 120)); // towards the start
-    EXPECT_EQ(v->value(), 7);
-    wheel(view, QPoint(0, 60)); // half a notch waits for the other half
-    EXPECT_EQ(v->value(), 7);
-    wheel(view, QPoint(0, 60));
-    EXPECT_EQ(v->value(), 4);
-    wheel(view, QPoint(0, 120 * 50));
-    EXPECT_EQ(v->value(), 0); // clamped
-
-    view.setWheelScrollLines(-1);
-    wheel(view, QPoint(0, -120));
-    EXPECT_EQ(v->value(), v->pageStep());
-
-    // Horizontal by option.
-    view.setWheelScrollLines(1);
-    view.setWheelHorizontal(true);
-    wheel(view, QPoint(0, -120));
-    EXPECT_EQ(h->value(), 1);
-    EXPECT_EQ(v->value(), v->pageStep());
-}
 

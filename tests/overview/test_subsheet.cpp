@@ -6,39 +6,8 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <numeric>
-
 using namespace kel;
 using kel::test::EngineSurvey;
-using kel::test::runs;
-
-TEST(SubSheetRules, RoundHalfEvenAndEffectiveOrder)
-{
-    const struct {
-        double value;
-        qint32 expected;
-    } rounding[] = {{0.5, 0}, {1.5, 2}, {2.5, 2}, {2.5001, 3}, {-1.5, -2}};
-    for (const auto &c : rounding)
-        EXPECT_EQ(roundHalfEven(c.value), c.expected) << c.value;
-
-    const struct {
-        qint32 docOrder, threshold, user, n, expected;
-    } orders[] = {
-        {-1, -1, 2, 10, 2},  // the user chooses
-        {-1, 5, 1, 10, 1},   // the threshold needs a document order
-        {1, -1, 0, 1000, 1}, // the document always decides
-        {1, 50, 0, 49, 1},   // below the threshold: the document's order
-        {1, 50, 2, 50, 2},   // at the threshold: the user's again
-        {5, -1, 1, 10, 0},   // undefined code behaves as Original
-    };
-    for (const auto &c : orders) {
-        DocumentProperties p;
-        p.rowOrder = c.docOrder;
-        p.rowOrderThreshold = c.threshold;
-        EXPECT_EQ(effectiveRowOrder(p, c.user, c.n), c.expected) << c.docOrder << ' ' << c.threshold << ' ' << c.n;
-    }
-}
 
 namespace {
 
@@ -140,57 +109,3 @@ TEST(SubSheet, SelectionTextAndDifferenceFromTheFlexTotal)
     EXPECT_EQ(selectionSteps(doc, selection, flex).selectionText, QStringLiteral("Unit s1"));
 }
 
-TEST(SubSheet, RandomOrders)
-{
-    Document doc = sheetDocument(1000);
-    doc.properties.minimumSelection = 0;
-    FlexTotal flex;
-    flex.reset(doc);
-    const SelectionMatrix selection = fullSelection(doc);
-
-    RowRandom a(42), b(42);
-    const SubSheet shuffled = createSubSheet(doc, selection, flex, RowOrderRandom, a);
-    EXPECT_EQ(createSubSheet(doc, selection, flex, RowOrderRandom, b).rows, shuffled.rows); // same seed
-    RowList sorted = shuffled.rows;
-    std::sort(sorted.begin(), sorted.end());
-    RowList all(1000);
-    std::iota(all.begin(), all.end(), 0);
-    EXPECT_EQ(sorted, all); // exchanges keep a permutation
-    EXPECT_NE(shuffled.rows, all);
-
-    const SubSheet perColumn = createSubSheet(doc, selection, flex, RowOrderRandomPerColumn, a);
-    EXPECT_TRUE(perColumn.randomPerColumn);
-    EXPECT_EQ(perColumn.rows, all);
-    ASSERT_EQ(perColumn.columnRowOffsets.size(), doc.questions.size());
-    for (qint32 q : doc.overviewColumns)
-        EXPECT_TRUE(perColumn.columnRowOffsets[std::size_t(q)] >= 0 && perColumn.columnRowOffsets[std::size_t(q)] < 1000);
-}
-
-TEST(SubSheet, ShowSetsTheFlexTotalOnlyWhenItsOptionsChanged)
-{
-    Document doc = sheetDocument();
-    SelectionModel model;
-    model.setUpDimensions(doc);
-    FlexTotal flex;
-    flex.reset(doc);
-    RowRandom random(5);
-
-    // The check box alone, every option still selected: the flex text stays
-    // the total word, and the rows follow the current selection.
-    model.setFlexBasedOnCurrentSelection(true);
-    model.setCategoryChecked(1, false);
-    model.setOptionChecked(1, 1, true); // Age 1: rows 0, 3, 6, ...
-    SubSheet sheet = showSelection(doc, model, flex, 0, random);
-    EXPECT_EQ(sheet.outcome, SubSheetOutcome::Ok);
-    EXPECT_EQ(flex.text(), QStringLiteral("Total"));
-    EXPECT_EQ(flex.rows(), sheet.rows);
-    EXPECT_EQ(sheet.rows, (RowList{0, 3, 6, 9, 12, 15, 18}));
-    EXPECT_FALSE(model.hasPendingChanges());
-
-    // Unticking a flex option is applied by the next Show.
-    model.setFlexOption(2, false);
-    model.setFlexBasedOnCurrentSelection(false);
-    showSelection(doc, model, flex, 0, random);
-    EXPECT_EQ(flex.text(), QStringLiteral("Unit s0 & s1"));
-    EXPECT_EQ(flex.rowCount(), 18);
-}
