@@ -23,8 +23,7 @@ TEST(CellDetails, AnswerCellHeaderLineAndOutside)
     cell.question = mood;
     cell.row = 3;
     CellDetails d = cellDetails(*doc, cell, doc->overviewColumns, rows);
-    EXPECT_TRUE(d.onQuestion);
-    EXPECT_EQ(d.answerText, QStringLiteral("Good"));
+    EXPECT_TRUE(d.onQuestion && d.answerText == QStringLiteral("Good"));
     EXPECT_DOUBLE_EQ(d.respondentIndex, 1.0) << "respondent 3 answered Good";
     EXPECT_DOUBLE_EQ(d.questionIndex, 0.5);
     EXPECT_DOUBLE_EQ(d.questionTotalIndex, 7.0 / 20) << "7 Good of 20 over everyone";
@@ -35,8 +34,7 @@ TEST(CellDetails, AnswerCellHeaderLineAndOutside)
     header.place = SheetPlace::CodeLine;
     header.row = -1;
     d = cellDetails(*doc, header, doc->overviewColumns, rows);
-    EXPECT_TRUE(d.answerText.isEmpty());
-    EXPECT_EQ(d.respondentIndex, -1.0);
+    EXPECT_TRUE(d.answerText.isEmpty() && d.respondentIndex == -1.0);
     EXPECT_DOUBLE_EQ(d.questionIndex, 0.5);
 
     SheetHit beyond = cell;
