@@ -8,8 +8,6 @@
 #include <QImage>
 #include <QTemporaryDir>
 
-#include <set>
-
 #include <gtest/gtest.h>
 
 namespace kel::test {
@@ -42,7 +40,7 @@ protected:
     KelRun mRun;
 };
 
-TEST_F(KelRender, OverviewAndGraphsInEveryFormat)
+TEST_F(KelRender, OverviewInEveryFormatGraphsAndSelections)
 {
     const struct {
         const char *suffix;
@@ -51,41 +49,28 @@ TEST_F(KelRender, OverviewAndGraphsInEveryFormat)
                    {"png", QByteArray("\x89PNG")},            {"bmp", QByteArray("BM")},
                    {"jpg", QByteArray::fromHex("FFD8")},      {"gif", QByteArray("GIF8")},
                    {"svg", QByteArray("<?xml")},              {"pdf", QByteArray("%PDF")}};
-    const char *const pictures[][2] = {{"overview", "overview"},
-                                       {"fraction", "graph fraction --block 0"},
-                                       {"distribution", "graph distribution --category 0"}};
-    for (const auto &picture : pictures)
-        for (const auto &f : formats) {
-            const QString path = out(QString::fromLatin1(picture[0]) + QLatin1Char('.') + QLatin1String(f.suffix));
-            SCOPED_TRACE(path.toStdString());
-            EXPECT_EQ(render(picture[1], path), 0) << mRun.err.toStdString();
-            EXPECT_TRUE(read(path).startsWith(f.start));
-        }
-    // The overview is the 32-pixel sheet: four columns, 20 answer lines.
+    for (const auto &f : formats) {
+        const QString path = out(QStringLiteral("overview.") + QLatin1String(f.suffix));
+        EXPECT_EQ(render("overview", path), 0) << f.suffix << mRun.err.toStdString();
+        EXPECT_TRUE(read(path).startsWith(f.start)) << f.suffix;
+    }
+    // The overview is the 32-pixel sheet: four columns, 20 answer lines; a
+    // selection narrows it as Show does.
     const QImage overview(out(QStringLiteral("overview.png")));
     EXPECT_EQ(overview.width(), 4 * 32);
-    EXPECT_GT(overview.height(), 20 * 32);
-    // The fraction graph at twice the window's default size less its
-    // margins: 9300 twips at 96 dots per inch are 620 pixels.
-    EXPECT_EQ(QImage(out(QStringLiteral("fraction.png"))).width(), (620 - 20) * 2);
-    EXPECT_EQ(QImage(out(QStringLiteral("distribution.png"))).size(), QSize(800, 600));
-    // The graph is drawn: its three answer colours are in the picture.
-    const QImage bmp(out(QStringLiteral("fraction.bmp")));
-    std::set<QRgb> colours;
-    for (int y = 0; y < bmp.height(); ++y)
-        for (int x = 0; x < bmp.width(); ++x)
-            colours.insert(bmp.pixel(x, y));
-    for (QRgb answer : {qRgb(0, 160, 0), qRgb(240, 240, 0), qRgb(220, 0, 0)})
-        EXPECT_TRUE(colours.count(answer)) << std::hex << answer;
-
-    // A selection narrows graph and overview as Show does.
-    const QString north = out(QStringLiteral("north.svg"));
-    ASSERT_EQ(render("--select 0:0 graph fraction --block 0", north), 0);
-    EXPECT_NE(read(north), read(out(QStringLiteral("fraction.svg"))));
     ASSERT_EQ(render("--select 0:0 overview", out(QStringLiteral("north.png"))), 0);
     ASSERT_EQ(render("overview --headers-only", out(QStringLiteral("headers.png"))), 0);
     EXPECT_EQ(overview.height() - QImage(out(QStringLiteral("north.png"))).height(), 10 * 32);
     EXPECT_EQ(overview.height() - QImage(out(QStringLiteral("headers.png"))).height(), 20 * 32);
+
+    // Graphs: the fraction graph at twice the window's default size less its
+    // margins (9300 twips at 96 dots per inch are 620 pixels); a chart.
+    ASSERT_EQ(render("graph fraction --block 0", out(QStringLiteral("fraction.png"))), 0) << mRun.err.toStdString();
+    EXPECT_EQ(QImage(out(QStringLiteral("fraction.png"))).width(), (620 - 20) * 2);
+    ASSERT_EQ(render("graph distribution --category 0", out(QStringLiteral("distribution.svg"))), 0);
+    EXPECT_TRUE(read(out(QStringLiteral("distribution.svg"))).startsWith("<?xml"));
+    ASSERT_EQ(render("--select 0:0 graph fraction --block 0", out(QStringLiteral("north.png"))), 0);
+    EXPECT_NE(read(out(QStringLiteral("north.png"))), read(out(QStringLiteral("fraction.png"))));
 }
 
 TEST_F(KelRender, AHistogramTooWideForItsWindowIsNotWrittenEmpty)

@@ -70,13 +70,6 @@ TEST(OverviewPicture, HeadersTotalsAndMetafileTexts)
     // Every answer cell is a filled rectangle with its label.
     EXPECT_GE(rectangles, 200 * 4);
     EXPECT_GE(texts.count(QStringLiteral("2")), 200 * 4 / 3);
-    const QByteArray wmf = encodePicture(largeAll, PictureFormat::Wmf);
-    QStringList wmfTexts;
-    for (const MetaRecord &r : wmfRecords(wmf, &ok))
-        if (r.type == 0x0A32)
-            wmfTexts << wmfText(wmf, r);
-    ASSERT_TRUE(ok);
-    EXPECT_EQ(wmfTexts, texts) << "both metafiles are made from one drawing";
 }
 
 } // namespace
