@@ -35,17 +35,14 @@ TEST(SaveAndPrintRules, FiltersFormatSettingFolderAndMargins)
 
     // The filter decides for the overview, and the extension is added.
     SaveChoice c = resolveSaveChoice(overview, QStringLiteral("/p/report"), overview[1].description, false);
-    EXPECT_EQ(c.path, QStringLiteral("/p/report.wmf"));
-    EXPECT_EQ(c.format, PictureFormat::Wmf);
-    EXPECT_EQ(c.settingValue, 2);
+    EXPECT_TRUE(c.path == QStringLiteral("/p/report.wmf") && c.format == PictureFormat::Wmf && c.settingValue == 2);
     EXPECT_EQ(resolveSaveChoice(overview, QStringLiteral("/p/r.EMF"), overview[0].description, false).path,
               QStringLiteral("/p/r.EMF"));
     // No recognisable type: nothing to write.
     EXPECT_FALSE(resolveSaveChoice(overview, QStringLiteral("/p/r.emf"), QStringLiteral("All files (*)"), false).format);
     // For charts the extension decides over the filter.
     c = resolveSaveChoice(chart, QStringLiteral("/p/r.gif"), chart[0].description, true);
-    EXPECT_EQ(c.format, PictureFormat::Gif);
-    EXPECT_EQ(c.settingValue, 6);
+    EXPECT_TRUE(c.format == PictureFormat::Gif && c.settingValue == 6);
 
     QTemporaryDir dir;
     const QString pics = QStringLiteral("/pics"), docs = QStringLiteral("/docs");
