@@ -15,11 +15,11 @@
 namespace kel::test {
 namespace {
 
-SheetInput sheetFor(Document &doc, const SelectionMatrix &selection)
+SheetInput sheetFor(Document &doc, const SelectionMatrix &selection, qint32 order = RowOrderOriginal)
 {
     FlexTotal flex;
     RowRandom random(7);
-    const SubSheet sheet = createSubSheet(doc, selection, flex, RowOrderOriginal, random);
+    const SubSheet sheet = createSubSheet(doc, selection, flex, order, random);
     EXPECT_EQ(sheet.outcome, SubSheetOutcome::Ok);
     SheetInput input;
     input.document = &doc;
@@ -73,7 +73,7 @@ TEST(OverviewPicture, HeadersTotalsAndMetafileTexts)
     EXPECT_GE(texts.count(QStringLiteral("2")), 200 * 4 / 3);
 }
 
-TEST(OverviewDataText, ListsEveryRowWholeUnderEveryRowOrder)
+TEST(OverviewTexts, EveryRowWholeUnderEveryRowOrderAndOneRowsAnswers)
 {
     // More rows than the sheet shows by default: the text is not limited.
     const SurveyBuilder builder = pictureSurvey(1000);
@@ -81,11 +81,7 @@ TEST(OverviewDataText, ListsEveryRowWholeUnderEveryRowOrder)
     ASSERT_TRUE(doc);
     for (qint32 order : {RowOrderOriginal, RowOrderRandom, RowOrderRandomPerColumn}) {
         SCOPED_TRACE(order);
-        FlexTotal flex;
-        RowRandom random(42);
-        const SubSheet sheet = createSubSheet(*doc, SelectionMatrix(1, doc->maxCategoryAlternatives), flex, order,
-                                              random);
-        ASSERT_EQ(sheet.outcome, SubSheetOutcome::Ok);
+        const SheetInput sheet = sheetFor(*doc, SelectionMatrix(1, doc->maxCategoryAlternatives), order);
         ASSERT_EQ(sheet.rows.size(), 1000u);
         const QString text = overviewDataText(*doc, sheet.rows, doc->overviewColumns);
         EXPECT_FALSE(text.endsWith(QLatin1Char('\n')));
@@ -99,15 +95,9 @@ TEST(OverviewDataText, ListsEveryRowWholeUnderEveryRowOrder)
                 expected << QString::number(builder.answer(sheet.rows[std::size_t(k)], q) + 1); // labels "1".."3"
             ASSERT_EQ(lines[k], expected.join(QLatin1Char('\t'))) << "line " << k;
         }
-        EXPECT_EQ(sheet.randomPerColumn, order == RowOrderRandomPerColumn);
     }
-}
 
-TEST(RowAnswersText, BlocksQuestionsAnswersAndComments)
-{
-    const auto doc = readSurvey(pictureSurvey(4));
-    ASSERT_TRUE(doc);
-    // The first column has no block: no block line before it.
+    // One row's answers. The first column has no block: no block line before it.
     EXPECT_EQ(rowAnswersText(*doc, 1, doc->overviewColumns),
               QStringLiteral("A0. I like it here\tNeutral\r\n"
                              "Work\r\n"
@@ -121,8 +111,8 @@ TEST(RowAnswersText, BlocksQuestionsAnswersAndComments)
               QStringLiteral("Work\r\nA1. My tasks are clear\tNeutral\r\nPay\r\nB1. My pay is fair\tAgree\r\n"
                              "Work\r\nA2. I get feedback\tDisagree"));
     // Rows outside the matrix give empty cells or nothing.
-    EXPECT_EQ(rowAnswersText(*doc, 4, doc->overviewColumns), QString());
-    EXPECT_EQ(overviewDataText(*doc, {2, 99, -1}, {1, 3}), QStringLiteral("3\t2\r\n\t\r\n\t"));
+    EXPECT_EQ(rowAnswersText(*doc, 1000, doc->overviewColumns), QString());
+    EXPECT_EQ(overviewDataText(*doc, {2, 5000, -1}, {1, 3}), QStringLiteral("3\t2\r\n\t\r\n\t"));
 }
 
 } // namespace

@@ -209,14 +209,8 @@ TEST(PictureFiles, OtherFormatsReadBackWithTheirColours)
     const QByteArray pdf = encoded(PictureFormat::Pdf);
     EXPECT_TRUE(pdf.startsWith("%PDF-") && pdf.contains("/MediaBox [0 0 180.000000 90.000000]"));
 
-    // Writing replaces an old file, and fails cleanly.
+    // A file that cannot be written fails cleanly.
     QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("p.wmf"));
-    QFile old(path);
-    ASSERT_TRUE(old.open(QIODevice::WriteOnly) && old.write(QByteArray(100000, 'x')) > 0);
-    old.close();
-    ASSERT_TRUE(writePicture(samplePicture(), PictureFormat::Wmf, path));
-    EXPECT_TRUE(old.open(QIODevice::ReadOnly) && old.readAll() == encoded(PictureFormat::Wmf));
     QString error;
     EXPECT_FALSE(writePicture(samplePicture(), PictureFormat::Png, dir.filePath(QStringLiteral("no/p.png")), &error));
     EXPECT_FALSE(error.isEmpty());
