@@ -75,16 +75,13 @@ TEST_F(KelRender, AHistogramTooWideForItsWindowIsNotWrittenEmpty)
     // 16 questions of three answers: 48 bars do not fit 620 pixels.
     SurveyBuilder b(6, 1);
     const qint32 block = b.addBlock({.code = QStringLiteral("W"), .name = QStringLiteral("Wide")});
-    const qint32 first = b.addQuestion({.code = QStringLiteral("Q0"), .heading = QStringLiteral("Q0"), .block = block},
-                                       {{.text = QStringLiteral("a"), .points = 0},
-                                        {.text = QStringLiteral("b"), .points = 1},
-                                        {.text = QStringLiteral("c"), .points = 2}});
-    for (int q = 1; q < 16; ++q)
-        b.addQuestionLike({.code = QStringLiteral("Q%1").arg(q), .heading = QStringLiteral("Q%1").arg(q), .block = block},
-                          first);
-    for (qint32 q = 0; q < 16; ++q)
+    for (qint32 q = 0; q < 16; ++q) {
+        const QuestionSpec spec{.code = QStringLiteral("Q%1").arg(q), .block = block};
+        const qint32 added = q == 0 ? b.addQuestion(spec, {{.points = 0}, {.points = 1}, {.points = 2}})
+                                    : b.addQuestionLike(spec, 0);
         for (qint32 r = 0; r < 6; ++r)
-            b.setAnswer(r, first + q, r % 3);
+            b.setAnswer(r, added, r % 3);
+    }
     const QString wide = out(QStringLiteral("wide.kel")), path = out(QStringLiteral("wide.png"));
     ASSERT_TRUE(b.build().writeFile(wide));
     EXPECT_EQ(render("graph histogram --block 0", path, wide), 1);

@@ -237,10 +237,9 @@ TEST(MetafilesElsewhere, IndependentReadersOpenThem)
         GTEST_SKIP() << "emf2svg-conv or wmf2svg is not installed (scripts/install-deps.sh installs them)";
     QTemporaryDir dir;
     const QString emfPath = dir.filePath(QStringLiteral("p.emf")), wmfPath = dir.filePath(QStringLiteral("p.wmf"));
-    ASSERT_TRUE(writePicture(samplePicture(), PictureFormat::Emf, emfPath));
-    ASSERT_TRUE(writePicture(samplePicture(), PictureFormat::Wmf, wmfPath));
-
     const QString fromEmf = dir.filePath(QStringLiteral("emf.svg")), fromWmf = dir.filePath(QStringLiteral("wmf.svg"));
+    ASSERT_TRUE(writePicture(samplePicture(), PictureFormat::Emf, emfPath)
+                && writePicture(samplePicture(), PictureFormat::Wmf, wmfPath));
     const QByteArray svg1 = convertWith(emf2svg, {QStringLiteral("-i"), emfPath, QStringLiteral("-o"), fromEmf},
                                         fromEmf);
     // libwmf copies the metafile's ANSI text bytes into its UTF-8 output as
