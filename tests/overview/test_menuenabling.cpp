@@ -3,25 +3,9 @@
 // the surroundings offers, and that nothing unbuilt is ever enabled.
 #include "engine/overview/menuenabling.h"
 
-#include "surveys.h"
-
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <iterator>
-
 using namespace kel;
-
-namespace {
-
-MenuState withDocument()
-{
-    MenuState s;
-    s.documentOpen = true;
-    return s;
-}
-
-} // namespace
 
 TEST(MenuEnabling, PermissionsAndSurroundingsDecideEachCommand)
 {
@@ -37,21 +21,20 @@ TEST(MenuEnabling, PermissionsAndSurroundingsDecideEachCommand)
     };
     using C = MenuCommand;
     MenuState none;
-    MenuState plain = withDocument();
-    MenuState copyAll = withDocument();
+    MenuState plain;
+    plain.documentOpen = true;
+    MenuState copyAll = plain;
     copyAll.allowCopy = copyAll.allowCopyData = copyAll.hasIndexes = copyAll.dataRowsAllowed = true;
-    MenuState dataOnly = withDocument(); // copying data without copying at all gives nothing
+    MenuState dataOnly = plain; // copying data without copying at all gives nothing
     dataOnly.allowCopyData = dataOnly.hasIndexes = dataOnly.dataRowsAllowed = true;
-    MenuState printNoPrinter = withDocument();
+    MenuState printNoPrinter = plain;
     printNoPrinter.allowPrint = printNoPrinter.allowSavePicture = true;
     MenuState printer = printNoPrinter;
     printer.printerInstalled = true;
     MenuState belowMinimum = copyAll;
     belowMinimum.dataRowsAllowed = false;
-    MenuState rich = withDocument();
+    MenuState rich = plain;
     rich.totalIndexGraph = rich.hasRowComments = rich.hasCategories = rich.mouseWheel = true;
-    MenuState printerAlone;
-    printerAlone.printerInstalled = true;
 
     const Case cases[] = {
         {"no document", none,
@@ -73,7 +56,6 @@ TEST(MenuEnabling, PermissionsAndSurroundingsDecideEachCommand)
         {"print without printer", printNoPrinter,
          {{C::PrintOverview, false, false}, {C::PrintFormat, true, false}, {C::SaveOverviewAs, true, true}}},
         {"print with printer", printer, {{C::PrintOverview, false, true}, {C::PrintFormat, true, true}}},
-        {"printer, no document", printerAlone, {{C::PrintOverview, false, false}, {C::PrintFormat, true, true}}},
         {"selection below minimum", belowMinimum,
          {{C::CopyData, true, false}, {C::CopyToMiniOverview, true, false}, {C::CopyOverview, true, true}}},
         {"categories, comments, total graph, wheel", rich,
@@ -85,24 +67,8 @@ TEST(MenuEnabling, PermissionsAndSurroundingsDecideEachCommand)
         const MenuEnabling rules = menuRulesFor(c.state);
         for (const Expect &e : c.expected) {
             const MenuItemState &got = rules[std::size_t(e.command)];
-            EXPECT_EQ(got.visible, e.visible) << c.label << ": command " << int(e.command);
-            EXPECT_EQ(got.enabled, e.enabled) << c.label << ": command " << int(e.command);
+            EXPECT_TRUE(got.visible == e.visible && got.enabled == e.enabled) << c.label << ": command " << int(e.command);
         }
     }
 }
 
-TEST(MenuEnabling, StateComesFromTheDocument)
-{
-    test::ShellSurveyOptions recipe;
-    recipe.allowCopy = true;
-    recipe.pointsScale = 3;
-    recipe.totalIndexGraph = true;
-    recipe.categoryHeadings = {QStringLiteral("Unit")};
-    const auto doc = test::shellSurvey(recipe);
-    ASSERT_TRUE(doc);
-    EXPECT_FALSE(MenuState::of(nullptr, true, true, true).dataRowsAllowed) << "no document, no rows";
-    const MenuState s = MenuState::of(doc.get(), false, true, true);
-    EXPECT_TRUE(s.documentOpen && s.allowCopy && s.hasIndexes && s.totalIndexGraph && s.hasCategories);
-    EXPECT_TRUE(s.mouseWheel && s.dataRowsAllowed);
-    EXPECT_FALSE(s.allowCopyData || s.allowPrint || s.hasRowComments || s.printerInstalled);
-}

@@ -6,41 +6,8 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <numeric>
-#include <set>
-
 using namespace kel;
 using kel::test::EngineSurvey;
-using kel::test::runs;
-
-TEST(SubSheetRules, RoundHalfEvenAndEffectiveOrder)
-{
-    const struct {
-        double value;
-        qint32 expected;
-    } rounding[] = {{0.5, 0}, {1.5, 2}, {2.5, 2}, {2.4999, 2}, {2.5001, 3}, {0.0, 0}, {3.0, 3}, {-0.5, 0}, {-1.5, -2}};
-    for (const auto &c : rounding)
-        EXPECT_EQ(roundHalfEven(c.value), c.expected) << c.value;
-
-    const struct {
-        qint32 docOrder, threshold, user, n, expected;
-    } orders[] = {
-        {-1, -1, 2, 10, 2},  // the user chooses
-        {-1, 5, 1, 10, 1},   // the threshold needs a document order
-        {1, -1, 0, 1000, 1}, // the document always decides
-        {1, 50, 0, 49, 1},   // below the threshold: the document's order
-        {1, 50, 2, 50, 2},   // at the threshold: the user's again
-        {5, -1, 1, 10, 0},   // undefined code behaves as Original
-        {-1, -1, 7, 10, 0},
-    };
-    for (const auto &c : orders) {
-        DocumentProperties p;
-        p.rowOrder = c.docOrder;
-        p.rowOrderThreshold = c.threshold;
-        EXPECT_EQ(effectiveRowOrder(p, c.user, c.n), c.expected) << c.docOrder << ' ' << c.threshold << ' ' << c.n;
-    }
-}
 
 namespace {
 
@@ -100,13 +67,10 @@ TEST(SubSheet, RefusalsAndThresholds)
     EXPECT_EQ(sheet.outcome, SubSheetOutcome::Ok);
     EXPECT_EQ(sheet.rows, (RowList{0, 1}));
     EXPECT_FALSE(sheet.dataRowsAllowed); // 2 < minimum selection 5
-    EXPECT_EQ(sheet.maxRowsDisplayed(), 0);
     EXPECT_EQ(sheet.displayedLines(300), 0);
 
     selection.fill(true);
     sheet = createSubSheet(doc, selection, flex, 0, random);
-    EXPECT_TRUE(sheet.dataRowsAllowed);
-    EXPECT_EQ(sheet.maxRowsDisplayed(), -1);
     EXPECT_EQ(sheet.displayedLines(7), 7);
     // The sheet's own total index over all 20 rows, scale 1.
     EXPECT_DOUBLE_EQ(sheet.totalIndex, (4 * 10 + 10) / 40.0); // Score and Other pooled
@@ -145,91 +109,3 @@ TEST(SubSheet, SelectionTextAndDifferenceFromTheFlexTotal)
     EXPECT_EQ(selectionSteps(doc, selection, flex).selectionText, QStringLiteral("Unit s1"));
 }
 
-TEST(SubSheet, FlexTotalFromTheCurrentSelectionIsRebuiltAtEveryBuild)
-{
-    Document doc = sheetDocument();
-    FlexTotal flex;
-    flex.reset(doc);
-    flex.setFlexTotal(doc, {true, true, false}, true);
-    RowRandom random(3);
-    SelectionMatrix selection = fullSelection(doc);
-    selection.set(1, 1, false); // Age 0 only
-    createSubSheet(doc, selection, flex, 0, random);
-    // Age 0 and Unit North or South (the flex options replace Unit's ticks).
-    RowList expected;
-    for (qint32 r = 2; r < 20; ++r)
-        if (r % 3 != 0)
-            expected.push_back(r);
-    EXPECT_EQ(flex.rows(), expected);
-    EXPECT_EQ(flex.text(), QStringLiteral("Current selection but Unit s0 & s1"));
-}
-
-TEST(SubSheet, RandomOrders)
-{
-    Document doc = sheetDocument(1000);
-    doc.properties.minimumSelection = 0;
-    FlexTotal flex;
-    flex.reset(doc);
-    const SelectionMatrix selection = fullSelection(doc);
-
-    RowRandom a(42), b(42);
-    const SubSheet shuffled = createSubSheet(doc, selection, flex, RowOrderRandom, a);
-    EXPECT_EQ(shuffled.rowOrder, RowOrderRandom);
-    EXPECT_FALSE(shuffled.randomPerColumn);
-    EXPECT_EQ(createSubSheet(doc, selection, flex, RowOrderRandom, b).rows, shuffled.rows); // same seed
-    RowList sorted = shuffled.rows;
-    std::sort(sorted.begin(), sorted.end());
-    RowList all(1000);
-    std::iota(all.begin(), all.end(), 0);
-    EXPECT_EQ(sorted, all); // exchanges keep a permutation
-    EXPECT_NE(shuffled.rows, all);
-    EXPECT_EQ(shuffled.rowInCell(5, 2), shuffled.rows[5]);
-
-    const SubSheet perColumn = createSubSheet(doc, selection, flex, RowOrderRandomPerColumn, a);
-    EXPECT_TRUE(perColumn.randomPerColumn);
-    EXPECT_EQ(perColumn.rows, all);
-    ASSERT_EQ(perColumn.columnRowOffsets.size(), doc.questions.size());
-    for (qint32 q : doc.overviewColumns) {
-        const qint32 offset = perColumn.columnRowOffsets[std::size_t(q)];
-        ASSERT_GE(offset, 0);
-        ASSERT_LT(offset, 1000);
-        EXPECT_EQ(perColumn.rowInCell(0, q), offset); // the rotation itself is the layout's
-    }
-
-    // n = 1: every offset 0; n = 2: offsets 0 or 1, both occurring.
-    RowRandom c(9);
-    EXPECT_EQ(randomPosition(c, 1), 0);
-    std::set<qint32> seen;
-    for (int i = 0; i < 200; ++i)
-        seen.insert(randomPosition(c, 2));
-    EXPECT_EQ(seen, (std::set<qint32>{0, 1}));
-}
-
-TEST(SubSheet, ShowSetsTheFlexTotalOnlyWhenItsOptionsChanged)
-{
-    Document doc = sheetDocument();
-    SelectionModel model;
-    model.setUpDimensions(doc);
-    FlexTotal flex;
-    flex.reset(doc);
-    RowRandom random(5);
-
-    // The check box alone, every option still selected: the flex text stays
-    // the total word, and the rows follow the current selection.
-    model.setFlexBasedOnCurrentSelection(true);
-    model.setCategoryChecked(1, false);
-    model.setOptionChecked(1, 1, true); // Age 1: rows 0, 3, 6, ...
-    SubSheet sheet = showSelection(doc, model, flex, 0, random);
-    EXPECT_EQ(sheet.outcome, SubSheetOutcome::Ok);
-    EXPECT_EQ(flex.text(), QStringLiteral("Total"));
-    EXPECT_EQ(flex.rows(), sheet.rows);
-    EXPECT_EQ(sheet.rows, (RowList{0, 3, 6, 9, 12, 15, 18}));
-    EXPECT_FALSE(model.hasPendingChanges());
-
-    // Unticking a flex option is applied by the next Show.
-    model.setFlexOption(2, false);
-    model.setFlexBasedOnCurrentSelection(false);
-    showSelection(doc, model, flex, 0, random);
-    EXPECT_EQ(flex.text(), QStringLiteral("Unit s0 & s1"));
-    EXPECT_EQ(flex.rowCount(), 18);
-}

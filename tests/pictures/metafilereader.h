@@ -23,47 +23,31 @@ struct MetaRecord {
     qsizetype size = 0; ///< bytes
 };
 
-/// EMF records from the start; stops (returning what it has and `ok`
-/// false) at a record that does not fit the file.
-inline std::vector<MetaRecord> emfRecords(const QByteArray &file, bool *ok)
+/// The records of an EMF file from its start, or of a WMF file after its
+/// placeable header (22 bytes) and metafile header (18 bytes). Stops,
+/// returning what it has and `ok` false, at a record that does not fit the
+/// file; `ok` is true only when an EOF record ends the file exactly.
+inline std::vector<MetaRecord> metaRecords(const QByteArray &file, bool wmf, bool *ok)
 {
     std::vector<MetaRecord> records;
-    qsizetype at = 0;
+    qsizetype at = wmf ? 22 + 18 : 0;
     *ok = false;
-    while (at + 8 <= file.size()) {
-        const MetaRecord r{u32At(file, at), at, qsizetype(u32At(file, at + 4))};
-        if (r.size < 8 || r.size % 4 || at + r.size > file.size())
+    while (at + (wmf ? 6 : 8) <= file.size()) {
+        const MetaRecord r = wmf ? MetaRecord{u16At(file, at + 4), at, qsizetype(u32At(file, at)) * 2}
+                                 : MetaRecord{u32At(file, at), at, qsizetype(u32At(file, at + 4))};
+        if (r.size < (wmf ? 6 : 8) || (!wmf && r.size % 4) || at + r.size > file.size())
             return records;
         records.push_back(r);
         at += r.size;
-        if (r.type == 14) { // EOF
+        if (r.type == (wmf ? 0u : 14u)) { // EOF
             *ok = at == file.size();
             return records;
         }
     }
     return records;
 }
-
-/// WMF records after the placeable header (22 bytes) and the metafile
-/// header (18 bytes).
-inline std::vector<MetaRecord> wmfRecords(const QByteArray &file, bool *ok)
-{
-    std::vector<MetaRecord> records;
-    qsizetype at = 22 + 18;
-    *ok = false;
-    while (at + 6 <= file.size()) {
-        const MetaRecord r{u16At(file, at + 4), at, qsizetype(u32At(file, at)) * 2};
-        if (r.size < 6 || at + r.size > file.size())
-            return records;
-        records.push_back(r);
-        at += r.size;
-        if (r.type == 0) { // EOF
-            *ok = at == file.size();
-            return records;
-        }
-    }
-    return records;
-}
+inline std::vector<MetaRecord> emfRecords(const QByteArray &file, bool *ok) { return metaRecords(file, false, ok); }
+inline std::vector<MetaRecord> wmfRecords(const QByteArray &file, bool *ok) { return metaRecords(file, true, ok); }
 
 /// The UTF-16 string of an EMR_EXTTEXTOUTW record.
 inline QString emfText(const QByteArray &file, const MetaRecord &r)

@@ -40,25 +40,25 @@ inline SurveyBuilder pictureSurvey(qint32 rows)
         b.setAnswer(r, unit, r % 2);
     const qint32 work = b.addBlock({.code = QStringLiteral("W"), .name = QStringLiteral("Work")});
     const qint32 pay = b.addBlock({.code = QStringLiteral("P"), .name = QStringLiteral("Pay")});
-    const QList<AlternativeSpec> scale = {
-        {.text = QStringLiteral("Agree"), .points = 2, .colour = rgb(0, 160, 0), .label = QStringLiteral("1"),
-         .shortText = QStringLiteral("Agree")},
-        {.text = QStringLiteral("Neutral"), .points = 1, .colour = rgb(240, 240, 0), .label = QStringLiteral("2"),
-         .shortText = QStringLiteral("Neutral")},
-        {.text = QStringLiteral("Disagree"), .points = 0, .colour = rgb(220, 0, 0), .label = QStringLiteral("3"),
-         .shortText = QStringLiteral("Disagree")}};
-    const qint32 q0 = b.addQuestion({.code = QStringLiteral("A0"), .heading = QStringLiteral("Overall"),
-                                     .text = QStringLiteral("I like it here")},
-                                    scale);
-    b.addQuestionLike({.code = QStringLiteral("A1"), .heading = QStringLiteral("Tasks"),
-                       .text = QStringLiteral("My tasks are clear"), .block = work},
-                      q0);
-    b.addQuestionLike({.code = QStringLiteral("A2"), .heading = QStringLiteral("Feedback"),
-                       .text = QStringLiteral("I get feedback"), .block = work},
-                      q0);
-    b.addQuestionLike({.code = QStringLiteral("B1"), .heading = QStringLiteral("Salary"),
-                       .text = QStringLiteral("My pay is fair"), .block = pay},
-                      q0);
+    QList<AlternativeSpec> scale;
+    const char *const words[] = {"Agree", "Neutral", "Disagree"};
+    const qint32 colours[] = {rgb(0, 160, 0), rgb(240, 240, 0), rgb(220, 0, 0)};
+    for (qint32 a = 0; a < 3; ++a)
+        scale.push_back({.text = QString::fromLatin1(words[a]), .points = 2 - a, .colour = colours[a],
+                         .label = QString::number(a + 1), .shortText = QString::fromLatin1(words[a])});
+    const struct {
+        const char *code, *heading, *text;
+        qint32 block;
+    } questions[] = {{"A0", "Overall", "I like it here", -1},
+                     {"A1", "Tasks", "My tasks are clear", work},
+                     {"A2", "Feedback", "I get feedback", work},
+                     {"B1", "Salary", "My pay is fair", pay}};
+    qint32 q0 = -1;
+    for (const auto &q : questions) {
+        const QuestionSpec spec{.code = QString::fromLatin1(q.code), .heading = QString::fromLatin1(q.heading),
+                                .text = QString::fromLatin1(q.text), .block = q.block};
+        q0 = q0 < 0 ? b.addQuestion(spec, scale) : (b.addQuestionLike(spec, q0), q0);
+    }
     for (qint32 q = 1; q <= 4; ++q)
         for (qint32 r = 0; r < rows; ++r)
             b.setAnswer(r, q, (r + q - 1) % 3);

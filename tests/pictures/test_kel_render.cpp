@@ -23,6 +23,12 @@ protected:
         ASSERT_TRUE(pictureSurvey(20).build().writeFile(mFile));
     }
     QString out(const QString &name) const { return mDir.filePath(name); }
+    /// `kel render FILE <words of rest> -o OUT`, its exit status.
+    int render(const char *rest, const QString &output, const QString &file = {})
+    {
+        mRun = runKel(kelArgs("render", file.isEmpty() ? mFile : file, rest) << QStringLiteral("-o") << output);
+        return mRun.exitCode;
+    }
     static QByteArray read(const QString &path)
     {
         QFile f(path);
@@ -31,31 +37,10 @@ protected:
 
     QTemporaryDir mDir;
     QString mFile;
+    KelRun mRun;
 };
 
-TEST_F(KelRender, WritesEveryFormat)
-{
-    const struct {
-        const char *name;
-        QByteArray start;
-    } formats[] = {{"o.emf", QByteArray::fromHex("01000000")}, {"o.wmf", QByteArray::fromHex("D7CDC69A")},
-                   {"o.png", QByteArray("\x89PNG")},            {"o.bmp", QByteArray("BM")},
-                   {"o.jpg", QByteArray::fromHex("FFD8")},      {"o.gif", QByteArray("GIF8")},
-                   {"o.svg", QByteArray("<?xml")},              {"o.pdf", QByteArray("%PDF")}};
-    for (const auto &f : formats) {
-        SCOPED_TRACE(f.name);
-        const QString path = out(QString::fromLatin1(f.name));
-        const KelRun run = runKel({QStringLiteral("render"), mFile, QStringLiteral("overview"), QStringLiteral("-o"), path});
-        EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
-        EXPECT_TRUE(read(path).startsWith(f.start));
-    }
-    // The image is the 32-pixel sheet: four columns, 20 answer lines.
-    const QImage image(out(QStringLiteral("o.png")));
-    EXPECT_EQ(image.width(), 4 * 32);
-    EXPECT_GT(image.height(), 20 * 32);
-}
-
-TEST_F(KelRender, GraphsInEveryFormat)
+TEST_F(KelRender, OverviewInEveryFormatGraphsAndSelections)
 {
     const struct {
         const char *suffix;
@@ -64,46 +49,25 @@ TEST_F(KelRender, GraphsInEveryFormat)
                    {"png", QByteArray("\x89PNG")},            {"bmp", QByteArray("BM")},
                    {"jpg", QByteArray::fromHex("FFD8")},      {"gif", QByteArray("GIF8")},
                    {"svg", QByteArray("<?xml")},              {"pdf", QByteArray("%PDF")}};
-    const QStringList fraction{QStringLiteral("fraction"), QStringLiteral("--block"), QStringLiteral("0")};
-    const QStringList distribution{QStringLiteral("distribution"), QStringLiteral("--category"), QStringLiteral("0")};
-    for (const QStringList &graph : {fraction, distribution}) {
-        for (const auto &f : formats) {
-            const QString path = out(graph[0] + QLatin1Char('.') + QLatin1String(f.suffix));
-            SCOPED_TRACE(path.toStdString());
-            const KelRun run =
-                runKel(QStringList{QStringLiteral("render"), mFile, QStringLiteral("graph")} + graph
-                       + QStringList{QStringLiteral("-o"), path});
-            EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
-            EXPECT_TRUE(read(path).startsWith(f.start));
-        }
+    for (const auto &f : formats) {
+        const QString path = out(QStringLiteral("overview.") + QLatin1String(f.suffix));
+        EXPECT_EQ(render("overview", path), 0) << f.suffix << mRun.err.toStdString();
+        EXPECT_TRUE(read(path).startsWith(f.start)) << f.suffix;
     }
-    // The fraction graph at twice the window's default size less its
-    // margins: 9300 twips at 96 dots per inch are 620 pixels.
-    const QImage fractionImage(out(QStringLiteral("fraction.png")));
-    EXPECT_EQ(fractionImage.width(), (620 - 20) * 2);
-    EXPECT_EQ(QImage(out(QStringLiteral("distribution.png"))).size(), QSize(800, 600));
-    // The graph is drawn: its three answer colours are in the picture.
-    const QImage bmp(out(QStringLiteral("fraction.bmp")));
-    bool green = false, yellow = false, red = false;
-    for (int y = 0; y < bmp.height(); ++y) {
-        for (int x = 0; x < bmp.width(); ++x) {
-            const QRgb c = bmp.pixel(x, y);
-            green = green || c == qRgb(0, 160, 0);
-            yellow = yellow || c == qRgb(240, 240, 0);
-            red = red || c == qRgb(220, 0, 0);
-        }
-    }
-    EXPECT_TRUE(green && yellow && red);
+    // The overview is the 32-pixel sheet: four columns; a selection narrows
+    // it as Show does.
+    const QImage overview(out(QStringLiteral("overview.png")));
+    EXPECT_EQ(overview.width(), 4 * 32);
+    ASSERT_EQ(render("--select 0:0 overview --headers-only", out(QStringLiteral("north.png"))), 0);
+    EXPECT_EQ(overview.height() - QImage(out(QStringLiteral("north.png"))).height(), 20 * 32);
 
-    // A selection narrows the graph as Show narrows the overview: the
-    // selection text differs, so does the picture.
-    const QString north = out(QStringLiteral("north.svg"));
-    ASSERT_EQ(runKel(QStringList{QStringLiteral("render"), mFile, QStringLiteral("--select"), QStringLiteral("0:0"),
-                                 QStringLiteral("graph")}
-                     + fraction + QStringList{QStringLiteral("-o"), north})
-                  .exitCode,
-              0);
-    EXPECT_NE(read(north), read(out(QStringLiteral("fraction.svg"))));
+    // Graphs: the fraction graph at twice the window's default size less its
+    // margins (9300 twips at 96 dots per inch are 620 pixels); a chart.
+    ASSERT_EQ(render("graph fraction --block 0", out(QStringLiteral("fraction.png"))), 0) << mRun.err.toStdString();
+    EXPECT_EQ(QImage(out(QStringLiteral("fraction.png"))).width(), (620 - 20) * 2);
+    EXPECT_EQ(render("graph distribution --category 0", out(QStringLiteral("distribution.svg"))), 0);
+    ASSERT_EQ(render("--select 0:0 graph fraction --block 0", out(QStringLiteral("north.png"))), 0);
+    EXPECT_NE(read(out(QStringLiteral("north.png"))), read(out(QStringLiteral("fraction.png"))));
 }
 
 TEST_F(KelRender, AHistogramTooWideForItsWindowIsNotWrittenEmpty)
@@ -111,90 +75,40 @@ TEST_F(KelRender, AHistogramTooWideForItsWindowIsNotWrittenEmpty)
     // 16 questions of three answers: 48 bars do not fit 620 pixels.
     SurveyBuilder b(6, 1);
     const qint32 block = b.addBlock({.code = QStringLiteral("W"), .name = QStringLiteral("Wide")});
-    const QList<AlternativeSpec> scale = {{.text = QStringLiteral("a"), .points = 0},
-                                          {.text = QStringLiteral("b"), .points = 1},
-                                          {.text = QStringLiteral("c"), .points = 2}};
-    qint32 first = -1;
-    for (int q = 0; q < 16; ++q) {
-        const QuestionSpec recipe{.code = QStringLiteral("Q%1").arg(q), .heading = QStringLiteral("Q%1").arg(q),
-                                .block = block};
-        const qint32 added = first < 0 ? b.addQuestion(recipe, scale) : b.addQuestionLike(recipe, first);
-        first = first < 0 ? added : first;
+    for (qint32 q = 0; q < 16; ++q) {
+        const QuestionSpec spec{.code = QStringLiteral("Q%1").arg(q), .block = block};
+        const qint32 added = q == 0 ? b.addQuestion(spec, {{.points = 0}, {.points = 1}, {.points = 2}})
+                                    : b.addQuestionLike(spec, 0);
         for (qint32 r = 0; r < 6; ++r)
             b.setAnswer(r, added, r % 3);
     }
     const QString wide = out(QStringLiteral("wide.kel")), path = out(QStringLiteral("wide.png"));
     ASSERT_TRUE(b.build().writeFile(wide));
-    KelRun run = runKel({QStringLiteral("render"), wide, QStringLiteral("graph"), QStringLiteral("histogram"),
-                         QStringLiteral("--block"), QStringLiteral("0"), QStringLiteral("-o"), path});
-    EXPECT_EQ(run.exitCode, 1);
-    EXPECT_TRUE(run.err.contains("The graph is to big for the window!")) << run.err.toStdString();
+    EXPECT_EQ(render("graph histogram --block 0", path, wide), 1);
+    EXPECT_TRUE(mRun.err.contains("The graph is to big for the window!")) << mRun.err.toStdString();
     EXPECT_FALSE(QFile::exists(path));
     // The fraction graph of the same block grows with it and is written.
-    run = runKel({QStringLiteral("render"), wide, QStringLiteral("graph"), QStringLiteral("fraction"),
-                  QStringLiteral("--block"), QStringLiteral("0"), QStringLiteral("-o"), path});
-    EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
+    EXPECT_EQ(render("graph fraction --block 0", path, wide), 0) << mRun.err.toStdString();
     EXPECT_TRUE(QFile::exists(path));
-}
-
-TEST_F(KelRender, HeadersOnlyAndSelections)
-{
-    const QString all = out(QStringLiteral("all.png")), headers = out(QStringLiteral("headers.png")),
-                  north = out(QStringLiteral("north.png"));
-    ASSERT_EQ(runKel({QStringLiteral("render"), mFile, QStringLiteral("overview"), QStringLiteral("-o"), all}).exitCode, 0);
-    ASSERT_EQ(runKel({QStringLiteral("render"), mFile, QStringLiteral("overview"), QStringLiteral("--headers-only"),
-                      QStringLiteral("-o"), headers})
-                  .exitCode,
-              0);
-    ASSERT_EQ(runKel({QStringLiteral("render"), mFile, QStringLiteral("--select"), QStringLiteral("0:0"),
-                      QStringLiteral("overview"), QStringLiteral("-o"), north})
-                  .exitCode,
-              0);
-    EXPECT_EQ(QImage(all).height() - QImage(headers).height(), 20 * 32);
-    EXPECT_EQ(QImage(all).height() - QImage(north).height(), 10 * 32);
 }
 
 TEST_F(KelRender, RefusalsWriteNothing)
 {
     const QString path = out(QStringLiteral("x.png"));
-    // Nothing selected: Show's refusal, exit 7, its message on stderr.
-    KelRun run = runKel({QStringLiteral("render"), mFile, QStringLiteral("--select"), QStringLiteral("0:"),
-                         QStringLiteral("overview"), QStringLiteral("-o"), path});
-    EXPECT_EQ(run.exitCode, 7);
-    EXPECT_FALSE(run.err.isEmpty());
-    EXPECT_TRUE(run.out.isEmpty());
-    EXPECT_FALSE(QFile::exists(path));
-
-    // Graphs are refused as Show refuses them, basic graphs and charts alike.
-    for (const QStringList &graph : {QStringList{QStringLiteral("fraction"), QStringLiteral("--block"), QStringLiteral("0")},
-                                     QStringList{QStringLiteral("distribution"), QStringLiteral("--category"),
-                                                 QStringLiteral("0")}}) {
-        run = runKel(QStringList{QStringLiteral("render"), mFile, QStringLiteral("--select"), QStringLiteral("0:"),
-                                 QStringLiteral("graph")}
-                     + graph + QStringList{QStringLiteral("-o"), path});
-        EXPECT_EQ(run.exitCode, 7) << run.err.toStdString();
-        EXPECT_FALSE(run.err.isEmpty());
-        EXPECT_FALSE(QFile::exists(path));
+    // Nothing selected: Show's refusal, exit 7, its message on stderr; for
+    // the overview, basic graphs and charts alike.
+    for (const char *what : {"overview", "graph fraction --block 0", "graph distribution --category 0"}) {
+        EXPECT_EQ(render((QByteArray("--select 0: ") + what).constData(), path), 7) << what;
+        EXPECT_FALSE(mRun.err.isEmpty());
+        EXPECT_TRUE(mRun.out.isEmpty());
     }
-
-    for (const QStringList &bad : {QStringList{QStringLiteral("overview"), QStringLiteral("-o"), out(QStringLiteral("x.tiff"))},
-                                   QStringList{QStringLiteral("overview")},
-                                   QStringList{QStringLiteral("-o"), path},
-                                   QStringList{QStringLiteral("overview"), QStringLiteral("--mode"), QStringLiteral("4"),
-                                               QStringLiteral("-o"), path},
-                                   QStringList{QStringLiteral("graph"), QStringLiteral("-o"), path},
-                                   QStringList{QStringLiteral("graph"), QStringLiteral("pie"), QStringLiteral("-o"), path},
-                                   QStringList{QStringLiteral("graph"), QStringLiteral("histogram"), QStringLiteral("--block"),
-                                               QStringLiteral("0")},
-                                   QStringList{QStringLiteral("graph"), QStringLiteral("ranking"), QStringLiteral("--block"),
-                                               QStringLiteral("9"), QStringLiteral("-o"), path},
-                                   QStringList{QStringLiteral("graph"), QStringLiteral("fraction"), QStringLiteral("--block"),
-                                               QStringLiteral("0"), QStringLiteral("--mode"), QStringLiteral("2"),
-                                               QStringLiteral("-o"), path}}) {
-        run = runKel(QStringList{QStringLiteral("render"), mFile} + bad);
-        EXPECT_EQ(run.exitCode, 64) << bad.join(QLatin1Char(' ')).toStdString();
-        EXPECT_TRUE(run.err.contains("usage")) << run.err.toStdString();
+    for (const char *bad : {"overview --mode 4", "graph", "graph pie", "graph ranking --block 9",
+                            "graph fraction --block 0 --mode 2"}) {
+        EXPECT_EQ(render(bad, path), 64) << bad;
+        EXPECT_TRUE(mRun.err.contains("usage")) << mRun.err.toStdString();
     }
+    EXPECT_EQ(render("overview", out(QStringLiteral("x.tiff"))), 64);
+    EXPECT_EQ(runKel(kelArgs("render", mFile, "overview")).exitCode, 64) << "no output file";
     EXPECT_FALSE(QFile::exists(path));
 }
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The overview's pictures: what the copy and save commands put out.
+// The overview's pictures and texts: what the copy and save commands put out.
+#include "engine/overview/overviewtext.h"
 #include "engine/overview/subsheet.h"
 #include "render/overview/overviewpicture.h"
 #include "render/pictures/picturewriter.h"
@@ -14,11 +15,11 @@
 namespace kel::test {
 namespace {
 
-SheetInput sheetFor(Document &doc, const SelectionMatrix &selection)
+SheetInput sheetFor(Document &doc, const SelectionMatrix &selection, qint32 order = RowOrderOriginal)
 {
     FlexTotal flex;
     RowRandom random(7);
-    const SubSheet sheet = createSubSheet(doc, selection, flex, RowOrderOriginal, random);
+    const SubSheet sheet = createSubSheet(doc, selection, flex, order, random);
     EXPECT_EQ(sheet.outcome, SubSheetOutcome::Ok);
     SheetInput input;
     input.document = &doc;
@@ -29,7 +30,7 @@ SheetInput sheetFor(Document &doc, const SelectionMatrix &selection)
     return input;
 }
 
-TEST(OverviewPicture, HeadersAndTotalsLeaveTheAnswersOut)
+TEST(OverviewPicture, HeadersTotalsAndMetafileTexts)
 {
     auto doc = readSurvey(pictureSurvey(200));
     ASSERT_TRUE(doc);
@@ -37,35 +38,24 @@ TEST(OverviewPicture, HeadersAndTotalsLeaveTheAnswersOut)
     northOnly.set(0, 1, false);
     const SheetInput everyone = sheetFor(*doc, SelectionMatrix(1, doc->maxCategoryAlternatives));
     const SheetInput north = sheetFor(*doc, northOnly);
-    ASSERT_EQ(everyone.rows.size(), 200u);
     ASSERT_EQ(north.rows.size(), 100u);
-
-    const Picture largeHeaders = overviewPicture(everyone, SheetMode::CopyPicture,
-                                                 OverviewPictureContent::HeadersAndTotals, true);
-    const Picture smallHeaders = overviewPicture(north, SheetMode::CopyPicture,
-                                                 OverviewPictureContent::HeadersAndTotals, true);
-    const Picture largeAll = overviewPicture(everyone, SheetMode::CopyPicture, OverviewPictureContent::Answers, true);
+    const auto picture = [](const SheetInput &sheet, OverviewPictureContent content, bool allowData = true) {
+        return overviewPicture(sheet, SheetMode::CopyPicture, content, allowData);
+    };
+    const Picture largeHeaders = picture(everyone, OverviewPictureContent::HeadersAndTotals);
+    const Picture smallHeaders = picture(north, OverviewPictureContent::HeadersAndTotals);
+    const Picture largeAll = picture(everyone, OverviewPictureContent::Answers);
     ASSERT_TRUE(largeHeaders.isValid());
     EXPECT_EQ(largeHeaders.size, smallHeaders.size);
-    EXPECT_EQ(largeAll.size.width(), largeHeaders.size.width());
-    EXPECT_EQ(largeAll.size.height() - largeHeaders.size.height(), 200 * 32) << "one 32-pixel line per answer row";
+    EXPECT_EQ(largeAll.size - largeHeaders.size, QSize(0, 200 * 32)) << "one 32-pixel line per answer row";
     // Without permission for data rows the whole picture is headers only.
-    EXPECT_EQ(overviewPicture(everyone, SheetMode::SaveEmf, OverviewPictureContent::Answers, false).size,
-              largeHeaders.size);
-
-    // The header lines are drawn the same whatever the selection.
+    EXPECT_EQ(picture(everyone, OverviewPictureContent::Answers, false).size, largeHeaders.size);
+    // The header lines (block line and code line) are drawn the same
+    // whatever the selection.
     const QImage a = renderPictureImage(largeHeaders), b = renderPictureImage(smallHeaders);
-    const int headerHeight = 2 * 32; // block line and code line
-    EXPECT_EQ(a.copy(0, 0, a.width(), headerHeight), b.copy(0, 0, b.width(), headerHeight));
-}
+    EXPECT_EQ(a.copy(0, 0, a.width(), 2 * 32), b.copy(0, 0, b.width(), 2 * 32));
 
-TEST(OverviewPicture, MetafilesCarryTheSheetsTexts)
-{
-    auto doc = readSurvey(pictureSurvey(5));
-    ASSERT_TRUE(doc);
-    const SheetInput sheet = sheetFor(*doc, SelectionMatrix(1, doc->maxCategoryAlternatives));
-    const Picture picture = overviewPicture(sheet, SheetMode::SaveEmf, OverviewPictureContent::Answers, true);
-    const QByteArray emf = encodePicture(picture, PictureFormat::Emf);
+    const QByteArray emf = encodePicture(largeAll, PictureFormat::Emf);
     bool ok = false;
     QStringList texts;
     int rectangles = 0;
@@ -76,20 +66,53 @@ TEST(OverviewPicture, MetafilesCarryTheSheetsTexts)
     }
     ASSERT_TRUE(ok);
     // Block codes, and the last block's name shortened to its run.
-    for (const char *code : {"A0", "A1", "A2", "B1", "W", "Pa"})
+    for (const char *code : {"A0", "A1", "A2", "B1", "W", "Pa", "Everyone"})
         EXPECT_TRUE(texts.contains(QString::fromLatin1(code))) << code << " in " << texts.join(QLatin1Char('|')).toStdString();
     // Every answer cell is a filled rectangle with its label.
-    EXPECT_GE(rectangles, 5 * 4);
-    EXPECT_GE(texts.count(QStringLiteral("2")), 5 * 4 / 3);
-    EXPECT_TRUE(texts.join(QLatin1Char(' ')).contains(QStringLiteral("Everyone")));
+    EXPECT_GE(rectangles, 200 * 4);
+    EXPECT_GE(texts.count(QStringLiteral("2")), 200 * 4 / 3);
+}
 
-    const QByteArray wmf = encodePicture(picture, PictureFormat::Wmf);
-    QStringList wmfTexts;
-    for (const MetaRecord &r : wmfRecords(wmf, &ok))
-        if (r.type == 0x0A32)
-            wmfTexts << wmfText(wmf, r);
-    ASSERT_TRUE(ok);
-    EXPECT_EQ(wmfTexts, texts) << "both metafiles are made from one drawing";
+TEST(OverviewTexts, EveryRowWholeUnderEveryRowOrderAndOneRowsAnswers)
+{
+    // More rows than the sheet shows by default: the text is not limited.
+    const SurveyBuilder builder = pictureSurvey(1000);
+    const auto doc = readSurvey(builder);
+    ASSERT_TRUE(doc);
+    for (qint32 order : {RowOrderOriginal, RowOrderRandom, RowOrderRandomPerColumn}) {
+        SCOPED_TRACE(order);
+        const SheetInput sheet = sheetFor(*doc, SelectionMatrix(1, doc->maxCategoryAlternatives), order);
+        ASSERT_EQ(sheet.rows.size(), 1000u);
+        const QString text = overviewDataText(*doc, sheet.rows, doc->overviewColumns);
+        EXPECT_FALSE(text.endsWith(QLatin1Char('\n')));
+        const QStringList lines = text.split(QStringLiteral("\r\n"));
+        ASSERT_EQ(lines.size(), 1000);
+        // Line k holds the whole respondent at position k of the list, even
+        // where the sheet rotates each column.
+        for (int k = 0; k < lines.size(); ++k) {
+            QStringList expected;
+            for (qint32 q : doc->overviewColumns)
+                expected << QString::number(builder.answer(sheet.rows[std::size_t(k)], q) + 1); // labels "1".."3"
+            ASSERT_EQ(lines[k], expected.join(QLatin1Char('\t'))) << "line " << k;
+        }
+    }
+
+    // One row's answers. The first column has no block: no block line before it.
+    EXPECT_EQ(rowAnswersText(*doc, 1, doc->overviewColumns),
+              QStringLiteral("A0. I like it here\tNeutral\r\n"
+                             "Work\r\n"
+                             "A1. My tasks are clear\tDisagree\tFirst line, second line\r\n"
+                             "A2. I get feedback\tAgree\r\n"
+                             "Pay\r\n"
+                             "B1. My pay is fair\tNeutral"));
+    // A block coming back after another gets its line again; a row without
+    // comments has no comment cells.
+    EXPECT_EQ(rowAnswersText(*doc, 0, {2, 4, 3}),
+              QStringLiteral("Work\r\nA1. My tasks are clear\tNeutral\r\nPay\r\nB1. My pay is fair\tAgree\r\n"
+                             "Work\r\nA2. I get feedback\tDisagree"));
+    // Rows outside the matrix give empty cells or nothing.
+    EXPECT_EQ(rowAnswersText(*doc, 1000, doc->overviewColumns), QString());
+    EXPECT_EQ(overviewDataText(*doc, {2, 5000, -1}, {1, 3}), QStringLiteral("3\t2\r\n\t\r\n\t"));
 }
 
 } // namespace

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The picture writers: what lands in each format's file, read back with Qt,
 // with our own walk over the metafile records, and with other programs.
-#include "render/pictures/metafilewriter.h"
 #include "render/pictures/picturewriter.h"
 
 #include "metafilereader.h"
@@ -22,8 +21,7 @@
 namespace kel::test {
 namespace {
 
-constexpr QRgb Red = 0xFFC80000;
-constexpr QRgb Blue = 0xFF0000C8;
+constexpr QRgb Red = 0xFFC80000, Blue = 0xFF0000C8;
 
 // Two filled rectangles, an outlined triangle, a line and two texts (one
 // beyond ASCII) on a white ground.
@@ -42,12 +40,11 @@ Picture samplePicture()
         painter.drawLine(10, 60, 230, 60);
         QFont font(QStringLiteral("Arial"));
         font.setPixelSize(24);
-        font.setBold(true);
-        painter.setFont(font);
-        painter.drawText(QPoint(10, 100), QStringLiteral("Hello"));
-        font.setBold(false);
-        painter.setFont(font);
-        painter.drawText(QPoint(120, 100), QStringLiteral("Åsa ö"));
+        for (bool bold : {true, false}) {
+            font.setBold(bold);
+            painter.setFont(font);
+            painter.drawText(QPoint(bold ? 10 : 120, 100), bold ? QStringLiteral("Hello") : QStringLiteral("Åsa ö"));
+        }
     };
     return p;
 }
@@ -60,91 +57,53 @@ QByteArray encoded(PictureFormat format)
     return bytes;
 }
 
-TEST(PictureFormats, FromFileNames)
-{
-    EXPECT_EQ(pictureFormatForFileName(QStringLiteral("/a/b.EMF")), PictureFormat::Emf);
-    EXPECT_EQ(pictureFormatForFileName(QStringLiteral("x.wmf")), PictureFormat::Wmf);
-    EXPECT_EQ(pictureFormatForFileName(QStringLiteral("x.jpeg")), PictureFormat::Jpg);
-    EXPECT_EQ(pictureFormatForFileName(QStringLiteral("x.tar.gif")), PictureFormat::Gif);
-    EXPECT_EQ(pictureFormatForFileName(QStringLiteral("x.Pdf")), PictureFormat::Pdf);
-    EXPECT_EQ(pictureFormatForFileName(QStringLiteral("x.svg")), PictureFormat::Svg);
-    EXPECT_FALSE(pictureFormatForFileName(QStringLiteral("x.tiff")));
-    EXPECT_FALSE(pictureFormatForFileName(QStringLiteral("emf")));
-    for (PictureFormat f : {PictureFormat::Emf, PictureFormat::Wmf, PictureFormat::Png, PictureFormat::Bmp,
-                            PictureFormat::Jpg, PictureFormat::Gif, PictureFormat::Svg, PictureFormat::Pdf})
-        EXPECT_EQ(pictureFormatForFileName(QStringLiteral("a.") + pictureFormatSuffix(f)), f);
-}
-
 TEST(WmfFile, PlaceableHeaderAndRecords)
 {
     const QByteArray wmf = encoded(PictureFormat::Wmf);
     ASSERT_GT(wmf.size(), 40);
-    EXPECT_EQ(wmf.left(4), QByteArray::fromHex("D7CDC69A"));
-    EXPECT_EQ(u16At(wmf, 4), 0);
-    EXPECT_EQ(i16At(wmf, 6), 0);
-    EXPECT_EQ(i16At(wmf, 8), 0);
-    EXPECT_EQ(i16At(wmf, 10), 239);
-    EXPECT_EQ(i16At(wmf, 12), 119);
-    EXPECT_EQ(u16At(wmf, 14), 96);
-    EXPECT_EQ(u32At(wmf, 16), 0u);
+    // Key, handle, bounds 0,0-239,119, 96 units per inch, reserved.
+    EXPECT_EQ(wmf.left(20), QByteArray::fromHex("D7CDC69A 0000 0000 0000 EF00 7700 6000 00000000"));
     quint16 checksum = 0;
     for (int i = 0; i < 10; ++i)
         checksum ^= u16At(wmf, 2 * i);
     EXPECT_EQ(u16At(wmf, 20), checksum);
-
     // The metafile header: a disk metafile of version 3 whose size counts
     // every word after the placeable header.
-    EXPECT_EQ(u16At(wmf, 22 + 2), 9);
-    EXPECT_EQ(u16At(wmf, 22 + 4), 0x0300);
+    EXPECT_EQ(wmf.mid(22, 6), QByteArray::fromHex("0100 0900 0003"));
     EXPECT_EQ(qsizetype(u32At(wmf, 22 + 6)) * 2, wmf.size() - 22);
 
     bool ok = false;
     const auto records = wmfRecords(wmf, &ok);
     ASSERT_TRUE(ok) << "the records do not end in EOF at the end of the file";
-    quint32 largest = 0;
     std::multiset<quint32> types;
     QStringList texts;
     for (const MetaRecord &r : records) {
         types.insert(r.type);
-        largest = std::max<quint32>(largest, quint32(r.size / 2));
         if (r.type == 0x0A32)
             texts << wmfText(wmf, r);
     }
-    EXPECT_EQ(u32At(wmf, 22 + 12), largest);
-    EXPECT_EQ(types.count(0x0103), 1u); // SETMAPMODE
-    EXPECT_EQ(u16At(wmf, records.front().offset + 6), 8) << "anisotropic mapping";
-    EXPECT_EQ(types.count(0x041B), 3u); // a rectangle per fill (ground and two)
-    EXPECT_EQ(types.count(0x0324), 1u); // the triangle
-    EXPECT_EQ(types.count(0x0325), 1u); // the line
+    // A rectangle per fill (ground and two), the triangle, the line.
+    for (const auto &[type, count] : {std::pair{0x041Bu, 3u}, {0x0324u, 1u}, {0x0325u, 1u}})
+        EXPECT_EQ(types.count(type), count) << std::hex << type;
     EXPECT_EQ(texts, QStringList({QStringLiteral("Hello"), QStringLiteral("Åsa ö")}));
-}
 
-TEST(WmfFile, TooLargeForSixteenBitsIsRefused)
-{
+    // Beyond 16 bits is refused.
     Picture huge = samplePicture();
     huge.size = QSize(40000, 10);
     QString error;
     EXPECT_TRUE(encodePicture(huge, PictureFormat::Wmf, &error).isEmpty());
     EXPECT_FALSE(error.isEmpty());
-    const QByteArray header = placeableWmfHeader(QRect(-5, 3, 11, 20));
-    EXPECT_EQ(i16At(header, 6), -5);
-    EXPECT_EQ(i16At(header, 12), 22);
 }
 
 TEST(EmfFile, HeaderAndRecordsCarryTheDrawing)
 {
     const QByteArray emf = encoded(PictureFormat::Emf);
     ASSERT_GT(emf.size(), 108);
-    EXPECT_EQ(u32At(emf, 0), 1u);
-    EXPECT_EQ(u32At(emf, 40), 0x464D4520u); // " EMF"
-    // Bounds in pixels, frame in hundredths of millimetres at 96 dpi.
-    EXPECT_EQ(i32At(emf, 8), 0);
-    EXPECT_EQ(i32At(emf, 12), 0);
-    EXPECT_EQ(i32At(emf, 16), 239);
-    EXPECT_EQ(i32At(emf, 20), 119);
-    EXPECT_EQ(i32At(emf, 24), 0);
+    // The header record, bounds in pixels, " EMF"; the frame in hundredths of
+    // millimetres at 96 dpi.
+    EXPECT_EQ(emf.left(4) + emf.mid(8, 16) + emf.mid(40, 4),
+              QByteArray::fromHex("01000000 00000000 00000000 EF000000 77000000 20454D46"));
     EXPECT_NEAR(i32At(emf, 32), 239 * 2540 / 96, 1);
-    EXPECT_NEAR(i32At(emf, 36), 119 * 2540 / 96, 1);
     EXPECT_EQ(qsizetype(u32At(emf, 48)), emf.size());
 
     bool ok = false;
@@ -152,75 +111,30 @@ TEST(EmfFile, HeaderAndRecordsCarryTheDrawing)
     ASSERT_TRUE(ok) << "the records do not end in EOF at the end of the file";
     EXPECT_EQ(u32At(emf, 52), quint32(records.size()));
     std::multiset<quint32> types;
-    QStringList texts;
     std::set<quint32> created;
-    quint32 handles = u16At(emf, 56);
-    QStringList fonts;
+    QStringList texts;
     for (const MetaRecord &r : records) {
         types.insert(r.type);
         if (r.type == 84)
             texts << emfText(emf, r);
+        const quint32 handle = u32At(emf, r.offset + 8);
         if (r.type == 38 || r.type == 39 || r.type == 82) { // pen, brush, font
-            const quint32 handle = u32At(emf, r.offset + 8);
-            EXPECT_LT(handle, handles);
+            EXPECT_LT(handle, u16At(emf, 56));
             created.insert(handle);
         }
-        if (r.type == 82)
-            fonts << QStringLiteral("%1 %2 %3")
-                         .arg(QString::fromUtf16(reinterpret_cast<const char16_t *>(emf.constData() + r.offset + 40)))
-                         .arg(i32At(emf, r.offset + 12))
-                         .arg(i32At(emf, r.offset + 28));
         if (r.type == 37) { // SELECTOBJECT: a created object or a stock one
-            const quint32 handle = u32At(emf, r.offset + 8);
             EXPECT_TRUE(created.count(handle) || (handle & 0x80000000u)) << handle;
         }
     }
-    EXPECT_EQ(types.count(1), 1u);
-    EXPECT_EQ(types.count(43), 3u); // rectangles
-    EXPECT_EQ(types.count(86), 1u); // POLYGON16
-    EXPECT_EQ(types.count(87), 1u); // POLYLINE16
+    // Rectangles, POLYGON16, POLYLINE16.
+    for (const auto &[type, count] : {std::pair{43u, 3u}, {86u, 1u}, {87u, 1u}})
+        EXPECT_EQ(types.count(type), count) << type;
     EXPECT_EQ(texts, QStringList({QStringLiteral("Hello"), QStringLiteral("Åsa ö")}));
-    EXPECT_EQ(fonts, QStringList({QStringLiteral("Arial -24 700"), QStringLiteral("Arial -24 400")}));
-    // The description names the program.
-    const quint32 descriptionChars = u32At(emf, 60), descriptionAt = u32At(emf, 64);
-    ASSERT_LE(descriptionAt + descriptionChars * 2, quint32(emf.size()));
-    EXPECT_TRUE(QString::fromUtf16(reinterpret_cast<const char16_t *>(emf.constData() + descriptionAt),
-                                   qsizetype(descriptionChars))
-                    .startsWith(QStringLiteral("KEL Viewer")));
 }
 
-TEST(Metafiles, PenStylesAndWidths)
-{
-    Picture p;
-    p.size = QSize(100, 100);
-    p.paint = [](QPainter &painter) {
-        painter.setPen(QPen(Qt::black, 1, Qt::DashLine));
-        painter.drawLine(0, 10, 90, 10);
-        painter.setPen(QPen(Qt::blue, 3, Qt::DotLine));
-        painter.drawLine(0, 20, 90, 20);
-        painter.scale(2, 2); // a 2-pixel pen drawn at twice the size
-        painter.setPen(QPen(Qt::red, 2));
-        painter.drawLine(0, 20, 40, 20);
-    };
-    const QByteArray emf = encodePicture(p, PictureFormat::Emf);
-    bool ok = false;
-    QStringList pens;
-    for (const MetaRecord &r : emfRecords(emf, &ok))
-        if (r.type == 38) // CREATEPEN: handle, style, width
-            pens << QStringLiteral("%1/%2").arg(u32At(emf, r.offset + 12)).arg(i32At(emf, r.offset + 16));
-    ASSERT_TRUE(ok);
-    EXPECT_EQ(pens, QStringList({QStringLiteral("1/1"), QStringLiteral("2/3"), QStringLiteral("0/4")}));
-
-    const QByteArray wmf = encodePicture(p, PictureFormat::Wmf);
-    QStringList wmfPens;
-    for (const MetaRecord &r : wmfRecords(wmf, &ok))
-        if (r.type == 0x02FA) // CREATEPENINDIRECT: style, width
-            wmfPens << QStringLiteral("%1/%2").arg(u16At(wmf, r.offset + 6)).arg(i16At(wmf, r.offset + 8));
-    ASSERT_TRUE(ok);
-    EXPECT_EQ(wmfPens, pens);
-}
-
-TEST(Metafiles, ClipsAreSavedStates)
+// Pens (style/width), clips, saved states, selections and rectangles of one
+// drawing, in order, as EMF and as WMF records say them: both must agree.
+TEST(Metafiles, PensAndClipsAgreeInBothFormats)
 {
     Picture p;
     p.size = QSize(100, 100);
@@ -231,109 +145,75 @@ TEST(Metafiles, ClipsAreSavedStates)
         painter.fillRect(QRect(0, 0, 90, 90), Qt::red);
         painter.restore();
         painter.fillRect(QRect(50, 50, 10, 10), Qt::red);
+        painter.setPen(QPen(Qt::black, 1, Qt::DashLine));
+        painter.drawLine(0, 10, 90, 10);
+        painter.setPen(QPen(Qt::blue, 3, Qt::DotLine));
+        painter.drawLine(0, 20, 90, 20);
+        painter.scale(2, 2); // a 2-pixel pen drawn at twice the size
+        painter.setPen(QPen(Qt::red, 2));
+        painter.drawLine(0, 20, 40, 20);
     };
-    const QByteArray emf = encodePicture(p, PictureFormat::Emf);
-    bool ok = false;
-    QStringList steps;
-    for (const MetaRecord &r : emfRecords(emf, &ok)) {
-        if (r.type == 33)
-            steps << QStringLiteral("save");
-        else if (r.type == 30)
-            steps << QStringLiteral("clip %1,%2,%3,%4")
-                         .arg(i32At(emf, r.offset + 8))
-                         .arg(i32At(emf, r.offset + 12))
-                         .arg(i32At(emf, r.offset + 16))
-                         .arg(i32At(emf, r.offset + 20));
-        else if (r.type == 34)
-            steps << QStringLiteral("restore");
-        else if (r.type == 37)
-            steps << QStringLiteral("select");
-        else if (r.type == 43)
-            steps << QStringLiteral("rect");
-    }
-    ASSERT_TRUE(ok);
+    const auto steps = [](const QByteArray &file, bool wmf) {
+        bool ok = false;
+        QStringList list;
+        const auto records = wmf ? wmfRecords(file, &ok) : emfRecords(file, &ok);
+        EXPECT_TRUE(ok);
+        const auto i = [&](const MetaRecord &r, int at) { return wmf ? i16At(file, r.offset + at) : i32At(file, r.offset + at); };
+        for (const MetaRecord &r : records) {
+            const std::array<quint32, 6> codes = wmf ? std::array<quint32, 6>{0x02FA, 0x001E, 0x0416, 0x0127, 0x012D, 0x041B}
+                                                     : std::array<quint32, 6>{38, 33, 30, 34, 37, 43};
+            if (r.type == codes[0]) // CREATEPEN: style, width
+                list << (wmf ? QStringLiteral("pen %1/%2").arg(u16At(file, r.offset + 6)).arg(i(r, 8))
+                             : QStringLiteral("pen %1/%2").arg(u32At(file, r.offset + 12)).arg(i(r, 16)));
+            else if (r.type == codes[2]) // EMF left, top, right, bottom; WMF bottom, right, top, left
+                list << (wmf ? QStringLiteral("clip %1,%2,%3,%4").arg(i(r, 12)).arg(i(r, 10)).arg(i(r, 8)).arg(i(r, 6))
+                             : QStringLiteral("clip %1,%2,%3,%4").arg(i(r, 8)).arg(i(r, 12)).arg(i(r, 16)).arg(i(r, 20)));
+            else if (const auto *word = std::find(codes.begin(), codes.end(), r.type); word != codes.end())
+                list << QString::fromLatin1(std::array{"", "save", "", "restore", "select", "rect"}[word - codes.begin()]);
+        }
+        return list;
+    };
+    const QStringList emfSteps = steps(encodePicture(p, PictureFormat::Emf), false);
     // The clip is in device pixels (the translation applied); after the
-    // restore the fill's objects are selected again.
-    EXPECT_EQ(steps.join(QLatin1Char(' ')),
-              QStringLiteral("save clip 10,10,40,30 select select rect restore select select rect"));
-
-    const QByteArray wmf = encodePicture(p, PictureFormat::Wmf);
-    QStringList wmfSteps;
-    for (const MetaRecord &r : wmfRecords(wmf, &ok)) {
-        if (r.type == 0x001E)
-            wmfSteps << QStringLiteral("save");
-        else if (r.type == 0x0416) // bottom, right, top, left
-            wmfSteps << QStringLiteral("clip %1,%2,%3,%4")
-                            .arg(i16At(wmf, r.offset + 12))
-                            .arg(i16At(wmf, r.offset + 10))
-                            .arg(i16At(wmf, r.offset + 8))
-                            .arg(i16At(wmf, r.offset + 6));
-        else if (r.type == 0x0127)
-            wmfSteps << QStringLiteral("restore");
-        else if (r.type == 0x012D)
-            wmfSteps << QStringLiteral("select");
-        else if (r.type == 0x041B)
-            wmfSteps << QStringLiteral("rect");
-    }
-    ASSERT_TRUE(ok);
-    EXPECT_EQ(wmfSteps, steps);
+    // restore the fill's objects are selected again; a pen keeps its style
+    // and its width in device pixels.
+    EXPECT_EQ(emfSteps.join(QLatin1Char(' ')),
+              QStringLiteral("save clip 10,10,40,30 pen 0/1 select select rect restore select select rect "
+                             "pen 1/1 select pen 2/3 select pen 0/4 select"));
+    EXPECT_EQ(steps(encodePicture(p, PictureFormat::Wmf), true), emfSteps);
 }
 
-TEST(RasterFiles, ReadBackWithTheirColours)
+TEST(PictureFiles, OtherFormatsReadBackWithTheirColours)
 {
-    for (PictureFormat format : {PictureFormat::Png, PictureFormat::Bmp, PictureFormat::Jpg, PictureFormat::Gif}) {
+    for (PictureFormat format : {PictureFormat::Png, PictureFormat::Bmp, PictureFormat::Jpg, PictureFormat::Gif,
+                                 PictureFormat::Svg}) {
         SCOPED_TRACE(pictureFormatSuffix(format).toStdString());
-        const QByteArray bytes = encoded(format);
-        QImage image;
-        ASSERT_TRUE(image.loadFromData(bytes));
+        QImage image(240, 120, QImage::Format_ARGB32);
+        if (format == PictureFormat::Svg) {
+            QSvgRenderer renderer(encoded(format));
+            ASSERT_TRUE(renderer.isValid());
+            EXPECT_EQ(renderer.viewBox(), QRect(0, 0, 240, 120));
+            image.fill(Qt::transparent);
+            QPainter painter(&image);
+            renderer.render(&painter);
+        } else {
+            ASSERT_TRUE(image.loadFromData(encoded(format)));
+        }
         EXPECT_EQ(image.size(), QSize(240, 120));
         const QColor red = image.pixelColor(40, 30), blue = image.pixelColor(110, 30);
-        EXPECT_NEAR(red.red(), 200, 6);
-        EXPECT_NEAR(red.blue(), 0, 6);
-        EXPECT_NEAR(blue.blue(), 200, 6);
-        EXPECT_NEAR(blue.red(), 0, 6);
+        EXPECT_TRUE(std::abs(red.red() - 200) <= 6 && red.blue() <= 6 && std::abs(blue.blue() - 200) <= 6
+                    && blue.red() <= 6)
+            << red.name().toStdString() << ' ' << blue.name().toStdString();
     }
-}
-
-TEST(VectorFiles, SvgAndPdfReadBack)
-{
-    const QByteArray svg = encoded(PictureFormat::Svg);
-    QSvgRenderer renderer(svg);
-    ASSERT_TRUE(renderer.isValid());
-    EXPECT_EQ(renderer.viewBox(), QRect(0, 0, 240, 120));
-    EXPECT_TRUE(svg.contains("Hello"));
-    QImage drawn(240, 120, QImage::Format_ARGB32);
-    drawn.fill(Qt::transparent);
-    QPainter painter(&drawn);
-    renderer.render(&painter);
-    painter.end();
-    EXPECT_EQ(drawn.pixel(40, 30), Red);
-
-    const QByteArray pdf = encoded(PictureFormat::Pdf);
-    EXPECT_TRUE(pdf.startsWith("%PDF-"));
-    EXPECT_TRUE(pdf.trimmed().endsWith("%%EOF"));
     // 240 x 120 pixels at 96 dpi are 180 x 90 points.
-    EXPECT_TRUE(pdf.contains("/MediaBox [0 0 180.000000 90.000000]")) << pdf.left(1200).toStdString();
-}
+    const QByteArray pdf = encoded(PictureFormat::Pdf);
+    EXPECT_TRUE(pdf.startsWith("%PDF-") && pdf.contains("/MediaBox [0 0 180.000000 90.000000]"));
 
-TEST(PictureFiles, WriteReplacesAndFailsCleanly)
-{
+    // A file that cannot be written fails cleanly.
     QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("p.wmf"));
-    QFile old(path);
-    ASSERT_TRUE(old.open(QIODevice::WriteOnly));
-    old.write("old contents that are longer than nothing");
-    old.close();
     QString error;
-    ASSERT_TRUE(writePicture(samplePicture(), PictureFormat::Wmf, path, &error)) << error.toStdString();
-    QFile written(path);
-    ASSERT_TRUE(written.open(QIODevice::ReadOnly));
-    EXPECT_EQ(written.read(4), QByteArray::fromHex("D7CDC69A"));
-
-    EXPECT_FALSE(writePicture(samplePicture(), PictureFormat::Png, dir.filePath(QStringLiteral("no/such/p.png")),
-                              &error));
+    EXPECT_FALSE(writePicture(samplePicture(), PictureFormat::Png, dir.filePath(QStringLiteral("no/p.png")), &error));
     EXPECT_FALSE(error.isEmpty());
-    EXPECT_FALSE(writePicture(Picture{}, PictureFormat::Emf, dir.filePath(QStringLiteral("e.emf")), &error));
 }
 
 // Other programs open our metafiles: emf2svg for EMF, libwmf for WMF.
@@ -357,10 +237,9 @@ TEST(MetafilesElsewhere, IndependentReadersOpenThem)
         GTEST_SKIP() << "emf2svg-conv or wmf2svg is not installed (scripts/install-deps.sh installs them)";
     QTemporaryDir dir;
     const QString emfPath = dir.filePath(QStringLiteral("p.emf")), wmfPath = dir.filePath(QStringLiteral("p.wmf"));
-    ASSERT_TRUE(writePicture(samplePicture(), PictureFormat::Emf, emfPath));
-    ASSERT_TRUE(writePicture(samplePicture(), PictureFormat::Wmf, wmfPath));
-
     const QString fromEmf = dir.filePath(QStringLiteral("emf.svg")), fromWmf = dir.filePath(QStringLiteral("wmf.svg"));
+    ASSERT_TRUE(writePicture(samplePicture(), PictureFormat::Emf, emfPath)
+                && writePicture(samplePicture(), PictureFormat::Wmf, wmfPath));
     const QByteArray svg1 = convertWith(emf2svg, {QStringLiteral("-i"), emfPath, QStringLiteral("-o"), fromEmf},
                                         fromEmf);
     // libwmf copies the metafile's ANSI text bytes into its UTF-8 output as
@@ -373,13 +252,10 @@ TEST(MetafilesElsewhere, IndependentReadersOpenThem)
         QXmlStreamReader xml(svg);
         QString texts;
         bool inText = false;
-        while (!xml.atEnd()) {
+        while (!xml.atEnd() && !xml.hasError()) {
             xml.readNext();
-            if (xml.isStartElement())
-                inText = xml.name() == QLatin1String("text");
-            else if (xml.isEndElement())
-                inText = false;
-            else if (inText && (xml.isCharacters() || xml.isCDATA()))
+            inText = xml.isStartElement() ? xml.name() == QLatin1String("text") : inText && !xml.isEndElement();
+            if (inText && xml.isCharacters())
                 texts += xml.text().trimmed();
         }
         EXPECT_FALSE(xml.hasError()) << xml.errorString().toStdString();
