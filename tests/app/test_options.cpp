@@ -1,20 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The Options dialog: its comments, the max-rows check, the beep box, and
-// OK / Cancel through the settings file, with and without the policy that
-// forbids saving settings.
-#include "engine/document/document.h"
+// The Options dialog: the max-rows check, the beep box, and OK / Cancel
+// through the settings file, with and without the policy that forbids saving.
 #include "gui/shell/optionsdialog.h"
 
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
-#include <QDir>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSettings>
 #include <QTabWidget>
 #include <QTemporaryDir>
-#include <QTest>
 #include <QTimer>
 
 #include <gtest/gtest.h>
@@ -36,15 +32,7 @@ class OptionsTest : public ::testing::Test
 protected:
     SettingsLocation location() const
     {
-        SettingsLocation l;
-        l.file = mDir.filePath(QStringLiteral("KEL Viewer.ini"));
-        l.policyFile = mDir.filePath(QStringLiteral("policy.ini"));
-        return l;
-    }
-    void forbidSaving()
-    {
-        QSettings policy(location().policyFile, QSettings::IniFormat);
-        policy.setValue(QStringLiteral("Explorer/NoSaveSettings"), QStringLiteral("dword:00000001"));
+        return {.file = mDir.filePath(QStringLiteral("KEL Viewer.ini")), .policyFile = mDir.filePath(QStringLiteral("p.ini"))};
     }
 
     // Runs the dialog modally as the menu command does; `drive` works the
@@ -66,15 +54,11 @@ UserOptions changedOptions()
 {
     UserOptions o;
     o.navigatorRemindToClickShow = false;
-    o.navigatorAddBeepToReminder = false;
-    o.overviewGroupLines = false;
+    o.navigatorAddBeepToReminder = o.overviewGroupLines = o.graphCopyToMsOffice = false;
+    o.graphByCategoryUseShortCategoryNames = false;
+    o.graphValueOrderReversed = o.graphCopySaveOpaque = o.graphCopySaveWhiteSpace = true;
     o.overviewRowOrder = 2;
     o.overviewMaxRows = 100000;
-    o.graphValueOrderReversed = true;
-    o.graphCopySaveOpaque = true;
-    o.graphCopySaveWhiteSpace = true;
-    o.graphCopyToMsOffice = false;
-    o.graphByCategoryUseShortCategoryNames = false;
     o.graphLegends = 0;
     o.graphCopyFormat = 1;
     return o;
@@ -100,27 +84,13 @@ void setControls(OptionsDialog &d, const UserOptions &o)
 
 } // namespace
 
-TEST(OptionsTexts, RowOrderLockAndMaxRows)
+TEST(OptionsTexts, MaxRowsTakesOnlyPositiveWholeNumbers)
 {
-    // Only a locked row order changes the comment; a threshold alone locks nothing.
-    Document doc;
-    doc.properties.rowOrder = -1;
-    doc.properties.rowOrderThreshold = 25;
-    EXPECT_EQ(rowOrderComment(true, &doc), rowOrderComment(true, nullptr));
-    doc.properties.rowOrder = 1;
-    EXPECT_TRUE(rowOrderComment(false, &doc).contains(QStringLiteral("at least 25")));
-    doc.properties.rowOrderThreshold = -1;
-    doc.properties.rowOrder = 7;
-    EXPECT_TRUE(rowOrderComment(false, &doc).endsWith(QStringLiteral("since it is locked to use an undefined row order.")));
-
-    const struct {
-        const char *text;
-        qint32 expected; // 0 = refused
-    } cases[] = {{"300", 300}, {" 1 ", 1}, {"100000", 100000}, {"2147483647", 2147483647}, {"0", 0}, {"-5", 0},
-                 {"+5", 0},    {"abc", 0},  {"12a", 0},         {"", 0},                   {"1 0", 0}, {"2147483648", 0},
-                 {"1.5", 0},   {"99999999999", 0}};
-    for (const auto &c : cases)
-        EXPECT_EQ(parseMaxRows(QString::fromUtf8(c.text)).value_or(0), c.expected) << c.text;
+    const std::pair<const char *, qint32> cases[] = { // 0 = refused
+        {"300", 300}, {" 1 ", 1},   {"2147483647", 2147483647}, {"0", 0},    {"-5", 0},  {"+5", 0},
+        {"12a", 0},   {"", 0},      {"1 0", 0},                 {"2147483648", 0},       {"1.5", 0}};
+    for (const auto &[text, expected] : cases)
+        EXPECT_EQ(parseMaxRows(QString::fromUtf8(text)).value_or(0), expected) << text;
 }
 
 TEST_F(OptionsTest, ControlsShowTheSettingsAndTheBeepFollowsTheReminder)
@@ -134,47 +104,33 @@ TEST_F(OptionsTest, ControlsShowTheSettingsAndTheBeepFollowsTheReminder)
     auto *beep = child<QCheckBox>(d, "chkNavigatorAddBeepToReminder");
     EXPECT_TRUE(beep->isEnabled() && beep->isChecked());
     remind->setChecked(false);
-    EXPECT_FALSE(beep->isEnabled());
-    EXPECT_FALSE(beep->isChecked());
+    EXPECT_FALSE(beep->isEnabled() || beep->isChecked());
     remind->setChecked(true);
     EXPECT_TRUE(beep->isEnabled());
     EXPECT_FALSE(beep->isChecked()); // cleared, not restored
 
     // No presentation program here: the box is off whatever was stored.
     auto *office = child<QCheckBox>(d, "chkGraphCopyToMsOffice");
-    EXPECT_FALSE(office->isEnabled());
-    EXPECT_FALSE(office->isChecked());
-    EXPECT_EQ(child<QComboBox>(d, "cboGraphLegends")->currentIndex(), -1);
-    EXPECT_EQ(child<QComboBox>(d, "cboGraphCopyFormat")->currentText(), QStringLiteral("Bitmap"));
+    EXPECT_FALSE(office->isEnabled() || office->isChecked());
     // An odd stored value survives OK untouched.
     EXPECT_EQ(d.options().graphLegends, 42);
 }
 
-TEST_F(OptionsTest, MaxRowsRefusalKeepsTheFocusInTheBox)
+// A refused number keeps the dialog open on its tab, even when OK is
+// pressed from another one.
+TEST_F(OptionsTest, MaxRowsRefusalKeepsTheDialogOpen)
 {
     OptionsDialog d(false, UserOptions(), nullptr, false);
     d.show();
-    QApplication::setActiveWindow(&d);
     auto *box = child<QLineEdit>(d, "txtOverviewMaxRows");
-    auto *rowOrder = child<QComboBox>(d, "cboOverviewRowOrder");
-    for (const char *bad : {"0", "x", ""}) {
-        d.tabs()->setCurrentIndex(OptionsDialog::OverviewTab);
-        box->setFocus();
+    for (const char *bad : {"0", ""}) {
         box->setText(QString::fromUtf8(bad));
-        rowOrder->setFocus(Qt::TabFocusReason);
-        QTest::qWait(20);
-        EXPECT_TRUE(box->hasFocus()) << bad;
-        EXPECT_EQ(box->selectedText(), box->text()) << bad;
-        // Enter on OK is refused too, even from another tab.
         d.tabs()->setCurrentIndex(OptionsDialog::GraphsTab);
         d.accept();
         EXPECT_TRUE(d.isVisible()) << bad;
         EXPECT_EQ(d.tabs()->currentIndex(), int(OptionsDialog::OverviewTab)) << bad;
     }
     box->setText(QStringLiteral("100000"));
-    rowOrder->setFocus(Qt::TabFocusReason);
-    QTest::qWait(20);
-    EXPECT_TRUE(rowOrder->hasFocus());
     d.accept();
     EXPECT_EQ(d.result(), int(QDialog::Accepted));
     EXPECT_EQ(d.options().overviewMaxRows, 100000);
@@ -207,9 +163,8 @@ TEST_F(OptionsTest, OkWritesAllTwelveValuesAndCancelNothing)
 
 TEST_F(OptionsTest, NoSaveSettingsKeepsTheFileButTheRunUsesTheValues)
 {
-    forbidSaving();
+    QSettings(location().policyFile, QSettings::IniFormat).setValue(QStringLiteral("Explorer/NoSaveSettings"), 1);
     SettingsStore store(location());
-    ASSERT_TRUE(store.policies().noSaveSettings);
     UserOptions options;
     const UserOptions wanted = changedOptions();
     EXPECT_TRUE(runWith(store, options, [&](OptionsDialog &d) {
@@ -217,7 +172,5 @@ TEST_F(OptionsTest, NoSaveSettingsKeepsTheFileButTheRunUsesTheValues)
         child<QPushButton>(d, "cmdOK")->click();
     }));
     EXPECT_EQ(options, wanted); // in effect for this run
-    EXPECT_FALSE(store.keyExists(QStringLiteral("Settings")));
-    SettingsStore reopened(location());
-    EXPECT_EQ(reopened.readSettings(), UserOptions());
+    EXPECT_EQ(SettingsStore(location()).readSettings(), UserOptions());
 }
