@@ -30,11 +30,6 @@ T *child(const QWidget &parent, const char *name)
 class OptionsTest : public ::testing::Test
 {
 protected:
-    SettingsLocation location() const
-    {
-        return {.file = mDir.filePath(QStringLiteral("KEL Viewer.ini")), .policyFile = mDir.filePath(QStringLiteral("p.ini"))};
-    }
-
     // Runs the dialog modally as the menu command does; `drive` works the
     // controls of the open dialog and ends it.
     bool runWith(SettingsStore &store, UserOptions &options, std::function<void(OptionsDialog &)> drive)
@@ -46,8 +41,6 @@ protected:
         });
         return runOptionsDialog(nullptr, false, options, store, nullptr);
     }
-
-    QTemporaryDir mDir;
 };
 
 UserOptions changedOptions()
@@ -136,41 +129,27 @@ TEST_F(OptionsTest, MaxRowsRefusalKeepsTheDialogOpen)
     EXPECT_EQ(d.options().overviewMaxRows, 100000);
 }
 
+// Cancel changes nothing; OK writes all twelve values, which a new run reads
+// back, unless the policy forbids saving: then only this run uses them.
 TEST_F(OptionsTest, OkWritesAllTwelveValuesAndCancelNothing)
 {
     const UserOptions wanted = changedOptions();
-    {
-        SettingsStore store(location());
+    for (bool forbidden : {false, true}) {
+        QTemporaryDir dir;
+        const SettingsLocation at{.file = dir.filePath(QStringLiteral("o.ini")), .policyFile = dir.filePath(QStringLiteral("p.ini"))};
+        QSettings(at.policyFile, QSettings::IniFormat).setValue(QStringLiteral("Explorer/NoSaveSettings"), int(forbidden));
+        SettingsStore store(at);
         UserOptions options;
-        EXPECT_FALSE(runWith(store, options, [&](OptionsDialog &d) {
-            setControls(d, wanted);
-            child<QPushButton>(d, "cmdCancel")->click();
-        }));
-        EXPECT_EQ(options, UserOptions());
-        EXPECT_FALSE(store.keyExists(QStringLiteral("Settings")));
-
-        EXPECT_TRUE(runWith(store, options, [&](OptionsDialog &d) {
-            setControls(d, wanted);
-            child<QPushButton>(d, "cmdOK")->click();
-        }));
-        EXPECT_EQ(options, wanted);
-        EXPECT_EQ(store.valueNames(QStringLiteral("Settings")).size(), 12);
+        for (const char *button : {"cmdCancel", "cmdOK"}) {
+            const bool ok = runWith(store, options, [&](OptionsDialog &d) {
+                setControls(d, wanted);
+                child<QPushButton>(d, button)->click();
+            });
+            EXPECT_EQ(ok, button[3] == 'O');
+            EXPECT_EQ(options, ok ? wanted : UserOptions()) << forbidden;
+            EXPECT_EQ(store.keyExists(QStringLiteral("Settings")), ok && !forbidden);
+        }
+        EXPECT_EQ(store.valueNames(QStringLiteral("Settings")).size(), forbidden ? 0 : 12);
+        EXPECT_EQ(SettingsStore(at).readSettings(), forbidden ? UserOptions() : wanted);
     }
-    // A new run reads back what OK wrote.
-    SettingsStore reopened(location());
-    EXPECT_EQ(reopened.readSettings(), wanted);
-}
-
-TEST_F(OptionsTest, NoSaveSettingsKeepsTheFileButTheRunUsesTheValues)
-{
-    QSettings(location().policyFile, QSettings::IniFormat).setValue(QStringLiteral("Explorer/NoSaveSettings"), 1);
-    SettingsStore store(location());
-    UserOptions options;
-    const UserOptions wanted = changedOptions();
-    EXPECT_TRUE(runWith(store, options, [&](OptionsDialog &d) {
-        setControls(d, wanted);
-        child<QPushButton>(d, "cmdOK")->click();
-    }));
-    EXPECT_EQ(options, wanted); // in effect for this run
-    EXPECT_EQ(SettingsStore(location()).readSettings(), UserOptions());
 }

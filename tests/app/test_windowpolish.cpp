@@ -1,17 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What keeps the main window steady while texts change: labels that elide
-// instead of widening, status panels of constant width, and restored windows
-// kept wholly on a screen.
-#include "gui/common/elidinglabel.h"
+// What keeps the main window steady while texts change: status panels of
+// constant width (their labels elide), and restored windows kept wholly on a
+// screen.
 #include "gui/shell/mainwindow.h"
 #include "gui/common/placement.h"
 #include "texts/statusline.h"
 
-#include <QHelpEvent>
 #include <QLabel>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QToolTip>
 
 #include <gtest/gtest.h>
 
@@ -36,29 +33,6 @@ TEST(ScreenPlacement, KeepsWindowsWhollyOnAScreen)
     for (const auto &c : cases)
         EXPECT_EQ(keepOnScreen(c.frame, screens), c.expected) << c.label;
     EXPECT_EQ(keepOnScreen(QRect(5, 5, 10, 10), {}), QRect(5, 5, 10, 10));
-}
-
-TEST(ElidingLabel, CutsLongTextsAndShowsThemWholeInTheTooltip)
-{
-    ElidingLabel label;
-    label.setToolTip(QStringLiteral("own tip"));
-    label.resize(120, label.sizeHint().height());
-    label.setText(QStringLiteral("short"));
-    const QSize hint = label.sizeHint();
-    EXPECT_FALSE(label.isElided());
-
-    const QString longText = QStringLiteral("A question text far longer than any window would be wide, ") .repeated(4);
-    label.setText(longText);
-    EXPECT_EQ(label.sizeHint(), hint) << "the text never asks for more room";
-    EXPECT_TRUE(label.isElided());
-    EXPECT_TRUE(label.shownText().endsWith(QChar(0x2026)));
-    EXPECT_LE(label.fontMetrics().horizontalAdvance(label.shownText()), label.contentsRect().width());
-
-    label.show();
-    QHelpEvent help(QEvent::ToolTip, QPoint(5, 5), label.mapToGlobal(QPoint(5, 5)));
-    QApplication::sendEvent(&label, &help);
-    EXPECT_EQ(QToolTip::text(), longText);
-    QToolTip::hideText();
 }
 
 TEST(StatusPanels, KeepTheirWidthsWhateverTheyShow)
