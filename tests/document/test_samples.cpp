@@ -9,7 +9,6 @@
 
 #include <gtest/gtest.h>
 
-
 namespace kel::test {
 namespace {
 
@@ -33,7 +32,6 @@ TEST_P(Sample, RegeneratesToTheCommittedBytes)
     const QByteArray onDisk = committed(fileName());
     ASSERT_FALSE(onDisk.isEmpty()) << "missing samples/" << fileName();
     const QByteArray fresh = employeeSurvey(swedish()).toBytes();
-    EXPECT_EQ(fresh.size(), onDisk.size());
     EXPECT_TRUE(fresh == onDisk) << "samples/" << fileName()
                                  << " differs from what the writer makes now; regenerate it with kelwrite sample";
 }
@@ -44,8 +42,6 @@ TEST_P(Sample, OpensAndIsConsistent)
     ASSERT_EQ(r.code, OpenResult::Ok) << r.detail.toStdString();
     const Document &d = *r.document;
     const DocumentProperties &p = d.properties;
-    EXPECT_EQ(p.languageCode, swedish() ? QStringLiteral("sv") : QStringLiteral("en"));
-    EXPECT_EQ(d.flexCategory, d.categories.front());
 
     // Stored indexes agree with what the index calculation makes of the
     // answers: the writer and the viewer compute independently.
@@ -54,7 +50,6 @@ TEST_P(Sample, OpensAndIsConsistent)
     for (qint32 q : d.overviewColumns) {
         const Question &question = d.questions[std::size_t(q)];
         EXPECT_DOUBLE_EQ(question.totalIndex, calculateColumnsIndex(d, {q}, all)) << q;
-        EXPECT_EQ(question.graphFlags, 0x103) << q;
         if (question.inTotalIndex)
             total.push_back(q);
     }
@@ -92,21 +87,6 @@ TEST_P(Sample, OpensAndIsConsistent)
             skipped += d.getData(r, q) == 0;
     }
     EXPECT_GT(skipped, 100);
-}
-
-// Both languages carry the same answers; only the texts differ.
-TEST(Samples, LanguagesShareTheAnswers)
-{
-    const ReadResult en = readBytes(employeeSurvey(false).toBytes());
-    const ReadResult sv = readBytes(employeeSurvey(true).toBytes());
-    ASSERT_EQ(en.code, OpenResult::Ok);
-    ASSERT_EQ(sv.code, OpenResult::Ok);
-    ASSERT_EQ(en.document->columnCount(), sv.document->columnCount());
-    for (qint32 c = 0; c < en.document->columnCount(); ++c)
-        for (qint32 r = 0; r < en.document->rowCount(); ++r)
-            ASSERT_EQ(en.document->getData(r, c), sv.document->getData(r, c));
-    EXPECT_NE(en.document->questions[10].text, sv.document->questions[10].text);
-    EXPECT_NE(en.document->guidText(), sv.document->guidText());
 }
 
 INSTANTIATE_TEST_SUITE_P(Languages, Sample, ::testing::Values(false, true),
