@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Runs the real `kel` executable, so that exit codes and output are checked
-// exactly as scripts see them.
 #pragma once
 
 #include <QProcess>
@@ -10,8 +8,7 @@ namespace kel::test {
 
 struct KelRun {
     int exitCode = -1; ///< -1 when the tool crashed or hung
-    QByteArray out;
-    QByteArray err;
+    QByteArray out, err;
 };
 
 /// The words of `line`, split at blanks: a command line without quoting.
@@ -31,9 +28,7 @@ inline KelRun runKel(const QStringList &args, const QByteArray &input = QByteArr
 {
     QProcess p;
     p.start(QStringLiteral(KEL_TOOL), args);
-    p.write(input);
-    p.closeWriteChannel();
-    p.waitForFinished(60000);
+    p.write(input), p.closeWriteChannel(), p.waitForFinished(60000);
     return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1, p.readAllStandardOutput(),
             p.readAllStandardError()};
 }
