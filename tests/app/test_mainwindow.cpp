@@ -121,8 +121,7 @@ protected:
     static ShellSurveyOptions richRecipe()
     {
         ShellSurveyOptions r;
-        r.allowCopy = r.allowCopyData = r.allowPrint = r.allowSavePicture = true;
-        r.pointsScale = 4;
+        r.allowCopy = r.allowCopyData = r.allowPrint = r.allowSavePicture = true; r.pointsScale = 4;
         r.totalIndexGraph = r.rowComments = true;
         r.categoryHeadings = {QStringLiteral("Unit"), QStringLiteral("Age")};
         return r;
@@ -261,8 +260,7 @@ TEST_F(MainWindowTest, OpensRealFilesWithTheirPermissions)
     mMessages.clear();
 
     writer::KelFile newer = writer::employeeSurvey(true);
-    newer.options.revision = 12;
-    newer.options.compatibleRevision = 9;
+    newer.options.revision = 12; newer.options.compatibleRevision = 9;
     const QString newerPath = mDir.filePath(QStringLiteral("newer.kel"));
     ASSERT_TRUE(newer.writeFile(newerPath));
     auto sv = makeWindow(true);

@@ -50,10 +50,7 @@ UserOptions changedOptions()
     o.navigatorAddBeepToReminder = o.overviewGroupLines = o.graphCopyToMsOffice = false;
     o.graphByCategoryUseShortCategoryNames = false;
     o.graphValueOrderReversed = o.graphCopySaveOpaque = o.graphCopySaveWhiteSpace = true;
-    o.overviewRowOrder = 2;
-    o.overviewMaxRows = 100000;
-    o.graphLegends = 0;
-    o.graphCopyFormat = 1;
+    o.overviewRowOrder = 2; o.overviewMaxRows = 100000; o.graphLegends = 0; o.graphCopyFormat = 1;
     return o;
 }
 

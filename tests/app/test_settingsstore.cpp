@@ -47,13 +47,10 @@ protected:
 TEST_F(SettingsStoreTest, NamedKeysRoundTripThroughAFreshStore)
 {
     UserOptions options;
-    options.navigatorRemindToClickShow = false;
-    options.overviewMaxRows = 1234;
-    options.graphLegends = -7;
+    options.navigatorRemindToClickShow = false; options.overviewMaxRows = 1234; options.graphLegends = -7;
     LastSettings last;
     last.dataOpenFolder = QStringLiteral("/data/R&D, 2024/surveys");
-    last.printerDeviceName = QStringLiteral("dword:not a number");
-    last.distributionGraphIn3D = true;
+    last.printerDeviceName = QStringLiteral("dword:not a number"); last.distributionGraphIn3D = true;
     {
         SettingsStore store(location());
         ASSERT_TRUE(store.writeSettings(options) && store.writeLastSettings(last));

@@ -85,22 +85,6 @@ TEST(BlockReferences, DanglingNumbersInTheSheetAndTheIndexTable)
     EXPECT_TRUE(table.startsWith(QStringLiteral("All\t"))) << table.toStdString();
 }
 
-// `kel batch` hands every command its own copy of the document: the copy
-// must share the answers (no second matrix per command) and a change to
-// it must not reach the document as read.
-TEST(BlockReferences, CopiesShareTheAnswersAndNothingElse)
-{
-    const ReadResult r = readBytes(danglingSurvey().toBytes());
-    ASSERT_EQ(r.code, OpenResult::Ok) << r.detail.toStdString();
-    const Document &read = *r.document;
-    Document copy = read;
-    EXPECT_EQ(copy.answers.column16(3), read.answers.column16(3));
-    copy.properties.flexTotalIndex = copy.blocks[0].flexTotalIndex = copy.questions[2].flexTotalIndex = 42.0;
-    EXPECT_NE(read.properties.flexTotalIndex, 42.0);
-    EXPECT_NE(read.blocks[0].flexTotalIndex, 42.0);
-    EXPECT_NE(read.questions[2].flexTotalIndex, 42.0);
-}
-
 // Documents of revision 4 and older carry no total index; it is pooled from
 // the total's members over every row, the same way for the reader and the
 // session, and a document without rows keeps "none" (this used to compute
@@ -123,8 +107,7 @@ TEST(BlockReferences, MissingTotalIndexComputedOnceAndGuarded)
     EXPECT_DOUBLE_EQ(r.document->properties.totalIndex, 3.25);
     EXPECT_DOUBLE_EQ(r.document->properties.flexTotalIndex, 3.25);
     // Revision 5 stores it: the stored value stands.
-    f.options.revision = 5;
-    f.header.totalIndex = 7.0;
+    f.options.revision = 5; f.header.totalIndex = 7.0;
     EXPECT_DOUBLE_EQ(readBytes(f.toBytes()).document->properties.totalIndex, 7.0);
 
     // No rows, no alternatives, a first-alternative number past the empty

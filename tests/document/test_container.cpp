@@ -164,10 +164,7 @@ TEST(Container, LargePayloadsOpen)
 TEST(Container, ChecksRunInOrder)
 {
     KelFile f = sound();
-    f.forgery.magic1 = 0;
-    f.options.compatibleRevision = 0;
-    f.forgery.fileLength = 5;
-    f.forgery.rowCount = 1000;
+    f.forgery.magic1 = 0; f.options.compatibleRevision = 0; f.forgery.fileLength = 5; f.forgery.rowCount = 1000;
     f.forgery.columnCount = 1001;
     EXPECT_EQ(codeOf(f.toBytes()), OpenResult::NotKel);
     f.forgery.magic1.reset();
@@ -184,19 +181,6 @@ TEST(Container, ChecksRunInOrder)
     f.forgery.rowCount.reset();
     f.forgery.columnCount.reset();
     EXPECT_EQ(codeOf(f.toBytes()), OpenResult::Ok);
-}
-
-TEST(Container, Win9xFileLimitOnlyWhenAsked)
-{
-    for (qint64 size : {qint64(10000000), qint64(10000001)}) {
-        KelFile f = sound();
-        f.options.compressed = false;
-        f.forgery.trailingBytes = QByteArray(qsizetype(size - f.toBytes().size()), '\0');
-        const QByteArray bytes = f.toBytes();
-        ASSERT_EQ(bytes.size(), size);
-        EXPECT_EQ(codeOf(bytes), OpenResult::Ok) << size;
-        EXPECT_EQ(codeOf(bytes, {.legacyWin9xLimits = true}), size > 10000000 ? OpenResult::TooBig : OpenResult::Ok);
-    }
 }
 
 TEST(Container, FilesOnDisk)

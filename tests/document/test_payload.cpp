@@ -118,8 +118,7 @@ TEST(Payload, TextIndexesOutsideTheTableAreEmpty)
     f.questions[2].selectionLabel = -12345;
     f.alternatives[1].label = f.texts.size() + 1;
     f.blocks[0].name = -1;
-    f.header.language = f.texts.size();
-    f.header.projectName = -7;
+    f.header.language = f.texts.size(); f.header.projectName = -7;
     const ReadResult r = readBytes(f.toBytes());
     ASSERT_EQ(r.code, OpenResult::Ok) << r.detail.toStdString();
     const Document &d = *r.document;
@@ -144,18 +143,6 @@ TEST(Payload, IncompleteSectionsAreEmpty)
         EXPECT_TRUE(r.document->rowComments.empty() && r.document->blockItems.empty()) << n++;
         EXPECT_EQ(r.document->questions.size(), 6u);
     }
-}
-
-TEST(Payload, ShortStridesReadWithPadding)
-{
-    KelFile f = richSurvey().build();
-    shortItemStrides(f);
-    const ReadResult r = readBytes(f.toBytes());
-    ASSERT_EQ(r.code, OpenResult::Ok) << r.detail.toStdString();
-    // Items overlap: each reads its question from the next one's block field.
-    ASSERT_EQ(r.document->blockItems.size(), 2u);
-    EXPECT_EQ(r.document->blockItems[0].block, 3);
-    EXPECT_EQ(r.document->blockItems[0].question, 3);
 }
 
 TEST(Payload, DocumentWithoutAnswerMatrix)

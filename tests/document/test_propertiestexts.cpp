@@ -28,15 +28,9 @@ SurveyBuilder indexedSurvey()
 {
     SurveyBuilder b(4);
     HeaderFields &h = b.header();
-    h.pointsScale = 100;
-    h.indexName = b.text(QStringLiteral("Staff Index"));
-    h.versionMajor = 3;
-    h.versionMinor = 5;
-    h.versionBuild = 12;
-    h.minimumSelection = 12345;
-    h.minimumGraphSelection = 5;
-    h.rowOrder = 2;
-    h.rowOrderThreshold = 30;
+    h.pointsScale = 100; h.indexName = b.text(QStringLiteral("Staff Index")); h.versionMajor = 3;
+    h.versionMinor = 5; h.versionBuild = 12; h.minimumSelection = 12345; h.minimumGraphSelection = 5;
+    h.rowOrder = 2; h.rowOrderThreshold = 30;
     h.created = 45000.75; // 15 March 2023, 18:00
     h.comment = b.text(QStringLiteral("{\\rtf1\\ansi{\\fonttbl{\\f0 Arial;}}\\f0 Ny \\b m\\'e4tning\\b0 <img src=x>\\par "
                                       "rad tv\\u229?\\}}"));
@@ -55,8 +49,7 @@ TEST(PropertiesTexts, RevisionVersionAndIndexInBothLanguages)
 {
     SurveyBuilder b = indexedSurvey();
     KelFile file = b.build();
-    file.options.revision = 9;
-    file.options.compatibleRevision = 7;
+    file.options.revision = 9; file.options.compatibleRevision = 7;
     std::unique_ptr<Document> doc = read(file);
     ASSERT_TRUE(doc);
 

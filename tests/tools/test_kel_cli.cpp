@@ -102,8 +102,7 @@ TEST_F(KelCli, DumpHoldsTheWholeDocument)
     b.setComputeIndexes(false);
     KelFile f = b.build();
     // Values that only a shortest round-trip form gives back exactly.
-    f.header.created = 0.1 + 0.2;
-    f.header.totalIndex = -1.0;
+    f.header.created = 0.1 + 0.2; f.header.totalIndex = -1.0;
     f.questions[2].totalIndex = 1.0 / 3.0;
     const QString path = write(f.toBytes());
     const kel::ReadResult read = kel::readDocumentFile(path);

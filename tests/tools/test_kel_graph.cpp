@@ -23,12 +23,9 @@ protected:
     {
         SurveyBuilder b(12);
         HeaderFields &h = b.header();
-        h.pointsScale = 10;
-        h.minimumGraphSelection = 3;
-        h.minimumSelection = 3;
+        h.pointsScale = 10; h.minimumGraphSelection = 3; h.minimumSelection = 3;
         h.totalText = b.text(QStringLiteral("Everyone"));
-        h.selectionTooSmallText = b.text(QStringLiteral("Too few."));
-        h.language = b.text(QStringLiteral("sv"));
+        h.selectionTooSmallText = b.text(QStringLiteral("Too few.")); h.language = b.text(QStringLiteral("sv"));
         const qint32 block = b.addBlock({.name = QStringLiteral("Work")});
         b.addBlock({.name = QStringLiteral("Empty")});
         b.addQuestion({.heading = QStringLiteral("Unit"), .isCategory = true, .inOverview = false},

@@ -4,9 +4,6 @@
 #include "kelwriter.h"
 
 #include <QSettings>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QTemporaryDir>
 
 #include "kelprocess.h"
@@ -16,19 +13,7 @@
 namespace {
 
 using namespace kel::writer;
-
-using kel::test::KelRun;
-using kel::test::kelArgs;
-using kel::test::runKel;
-using kel::test::words;
-
-std::vector<int> ints(const QJsonValue &v)
-{
-    std::vector<int> out;
-    for (const QJsonValue &e : v.toArray())
-        out.push_back(e.toInt());
-    return out;
-}
+using namespace kel::test;
 
 // 12 respondents: Unit North x6, South x4, West x2 (rows in that order);
 // Role alternates A, B. "Q" scores 40 for North, 20 for South, 0 for West
@@ -48,10 +33,7 @@ protected:
     {
         SurveyBuilder b(12);
         HeaderFields &h = b.header();
-        h.pointsScale = 10;
-        h.minimumGraphSelection = 3;
-        h.minimumSelection = 5;
-        h.minimumComplementSelection = 3;
+        h.pointsScale = 10, h.minimumSelection = 5; h.minimumGraphSelection = h.minimumComplementSelection = 3;
         h.totalText = b.text(QStringLiteral("Everyone"));
         h.selectionTooSmallText = b.text(QStringLiteral("Selection too small."));
         const qint32 block = b.addBlock({.name = QStringLiteral("Block A")});
@@ -61,12 +43,10 @@ protected:
                        {.text = QStringLiteral("South"), .countsForPrivacy = true},
                        {.text = QStringLiteral("West"), .complementCheck = westComplementCheck,
                         .countsForPrivacy = true}});
-        b.addQuestion({.heading = QStringLiteral("Role"), .isCategory = true, .inOverview = false,
-                       .inTotalIndex = false},
+        b.addQuestion({.heading = QStringLiteral("Role"), .isCategory = true, .inOverview = false, .inTotalIndex = false},
                       {{.text = QStringLiteral("A")}, {.text = QStringLiteral("B")}});
         b.addQuestion({.heading = QStringLiteral("Q"), .block = block},
-                      {{.text = QStringLiteral("low"), .points = 0},
-                       {.text = QStringLiteral("mid"), .points = 20},
+                      {{.text = QStringLiteral("low"), .points = 0}, {.text = QStringLiteral("mid"), .points = 20},
                        {.text = QStringLiteral("high"), .points = 40}});
         b.addQuestion({.heading = QStringLiteral("R"), .block = block}, {{.text = QStringLiteral("ok"), .points = 10}});
         for (qint32 r = 0; r < 12; ++r) {
@@ -80,35 +60,23 @@ protected:
         return path;
     }
 
-    QJsonObject select(const QStringList &extra)
-    {
-        const KelRun r = runKel(kelArgs("select", mPath) + extra);
-        EXPECT_EQ(r.exitCode, 0) << r.err.toStdString();
-        return QJsonDocument::fromJson(r.out).object();
-    }
+    QJsonObject select(const char *args) { return jsonOf(runKel(kelArgs("select", mPath, args))); }
 
     QTemporaryDir mDir;
     QString mPath;
     QString mGuardedPath;
 };
 
+// West (2 respondents) is below the graph minimum: no split by Unit. Q and R
+// pooled over rows 0..9: (6*40 + 4*20 + 10*10) / 20 / 10. The flex total of
+// South on top of the current selection (Role A) has 2 < graph minimum.
 TEST_F(SelectIndexesCli, SelectCountsRowsAndTexts)
 {
-    QJsonObject o = select(words("--select 0:0,1"));
-    EXPECT_EQ(o[QStringLiteral("count")].toInt(), 10);
-    EXPECT_EQ(o[QStringLiteral("selectionText")].toString(), QStringLiteral("Unit North, South"));
-    EXPECT_EQ(ints(o[QStringLiteral("rows")]), (std::vector<int>{0, 1, 2, 3, 4, 5, 6, 7, 8, 9}));
-    EXPECT_EQ(ints(o[QStringLiteral("found")].toArray()[1]), (std::vector<int>{5, 5, 0}));
-    // West (2 respondents) is below the graph minimum: no split by Unit.
-    EXPECT_TRUE(o[QStringLiteral("splitNotAllowed")].toArray()[0].toBool());
-    // Q and R pooled over rows 0..9: (6*40 + 4*20 + 10*10) / 20 / 10.
-    EXPECT_DOUBLE_EQ(o[QStringLiteral("totalIndex")].toDouble(), 2.1);
-
-    // Flex total of South on top of the current selection (Role A).
-    o = select(words("--select 1:0 --flex 1 --flex-current"));
-    EXPECT_EQ(o[QStringLiteral("flexText")].toString(), QStringLiteral("Current selection but Unit South"));
-    EXPECT_EQ(ints(o[QStringLiteral("flexRows")]), (std::vector<int>{6, 8}));
-    EXPECT_EQ(o[QStringLiteral("flexTotalIndex")].toDouble(), -1.0); // 2 < graph minimum
+    expectJson(select("--select 0:0,1"), {{"count", "10"}, {"selectionText", "Unit North, South"}, {"found.1.0", "5"}, {"found.1.2", "0"},
+                   {"splitNotAllowed.0", "true"}, {"totalIndex", "2.1"}, {"rows.0", "0"}, {"rows.9", "9"}, {"rows.10", ""}});
+    expectJson(select("--select 1:0 --flex 1 --flex-current"),
+               {{"flexText", "Current selection but Unit South"}, {"flexRows.0", "6"}, {"flexRows.1", "8"},
+                {"flexRows.2", ""}, {"flexTotalIndex", "-1"}});
 }
 
 TEST_F(SelectIndexesCli, IndexesTable)
@@ -156,9 +124,7 @@ TEST_F(SelectIndexesCli, RefusedSelectionsPrintNoFigures)
     }
 
     // The guarded survey with Unit left whole (West not restricted) is shown.
-    const KelRun whole = runKel(kelArgs("select", mGuardedPath, "--select 1:0"));
-    EXPECT_EQ(whole.exitCode, 0) << whole.err.toStdString();
-    EXPECT_EQ(QJsonDocument::fromJson(whole.out).object()[QStringLiteral("count")].toInt(), 6);
+    expectJson(jsonOf(runKel(kelArgs("select", mGuardedPath, "--select 1:0"))), {{"count", "6"}});
 }
 
 // One process, one read: every line's status, output and error are those of
