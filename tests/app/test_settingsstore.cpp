@@ -123,18 +123,6 @@ TEST_F(SettingsStoreTest, NoSaveSettingsKeepsOptionsAndPlacementsButNotRecentFil
     EXPECT_EQ(reread.readRecentFiles(), QStringList{QStringLiteral("/x.kel")});
 }
 
-TEST_F(SettingsStoreTest, NoRecentDocsMenuNeitherReadsNorWritesTheList)
-{
-    writeRaw(QStringLiteral("MRU List/Item 00"), QStringLiteral("/old.kel"));
-    setPolicy(QStringLiteral("NoRecentDocsMenu"), QStringLiteral("1"));
-    SettingsStore store(location());
-    EXPECT_TRUE(store.readRecentFiles().isEmpty());
-    EXPECT_FALSE(store.writeRecentFiles({QStringLiteral("/new.kel")}));
-    EXPECT_TRUE(store.writeSettings(UserOptions()));
-    EXPECT_EQ(QSettings(userFile(), QSettings::IniFormat).value(QStringLiteral("MRU List/Item 00")).toString(),
-              QStringLiteral("/old.kel"));
-}
-
 TEST_F(SettingsStoreTest, PlacementValuesFollowTheBorderStyleAndState)
 {
     const struct {

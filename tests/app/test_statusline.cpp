@@ -28,13 +28,3 @@ TEST(StatusLine, AutoClearEmptiesTheLineOnceUnlessSomethingElseComesFirst)
     QTest::qWait(80); // well past the interval: nothing may change it now
     EXPECT_EQ(spy.count(), changes);
 }
-
-TEST(StatusLine, EachAutoClearTextGetsTheFullInterval)
-{
-    StatusLine status(false, 60000);
-    status.setStatus("First", "Första", true);
-    QTest::qWait(50);
-    const int left = status.clearRemainingTime();
-    status.setStatus("Second", "Andra", true);
-    EXPECT_GT(status.clearRemainingTime(), left + 30);
-}
