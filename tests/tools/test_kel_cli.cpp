@@ -4,9 +4,6 @@
 // gives doubles back exactly.
 #include "readerfixture.h"
 
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QTemporaryDir>
 
 #include "kelprocess.h"
@@ -16,11 +13,7 @@
 namespace {
 
 using namespace kel::writer;
-
-using kel::test::KelRun;
-using kel::test::kelArgs;
-using kel::test::runKel;
-using kel::test::words;
+using namespace kel::test;
 
 class KelCli : public ::testing::Test
 {
@@ -36,7 +29,7 @@ protected:
 
 TEST_F(KelCli, CheckAndDumpExitWithTheResultCodeAndItsMessage)
 {
-    const KelFile good = kel::test::richSurvey().build();
+    const KelFile good = richSurvey().build();
     auto variant = [&](auto change) {
         KelFile f = good;
         change(f);
@@ -82,7 +75,7 @@ TEST_F(KelCli, CheckAndDumpExitWithTheResultCodeAndItsMessage)
 }
 TEST_F(KelCli, BadCommandLinesAreUsageErrors)
 {
-    const QString path = write(kel::test::richSurvey().toBytes());
+    const QString path = write(richSurvey().toBytes());
     const QList<QStringList> nonsense = {
         {}, words("frobnicate"), words("check"), kelArgs("check", path, "--lang de"), words("dump"),
         QStringList{QStringLiteral("dump"), path, path}, words("select"), kelArgs("select", path, "--select 9:0"),
@@ -98,7 +91,7 @@ TEST_F(KelCli, BadCommandLinesAreUsageErrors)
 
 TEST_F(KelCli, DumpHoldsTheWholeDocument)
 {
-    SurveyBuilder b = kel::test::richSurvey();
+    SurveyBuilder b = richSurvey();
     b.setComputeIndexes(false);
     KelFile f = b.build();
     // Values that only a shortest round-trip form gives back exactly.
@@ -110,45 +103,38 @@ TEST_F(KelCli, DumpHoldsTheWholeDocument)
     const kel::Document &d = *read.document;
 
     const KelRun r = runKel(kelArgs("dump", path));
-    ASSERT_EQ(r.exitCode, 0) << r.out.toStdString();
-    const QJsonObject o = QJsonDocument::fromJson(r.out).object();
+    const QJsonObject o = jsonOf(r);
 
     EXPECT_EQ(o.keys(), words("alternatives answers blockItems blocks categories cellComments cellType columnCount "
                               "compatibleRevision flexCategory guid maxCategoryAlternatives overviewColumns properties "
                               "questions revision rowComments rowCount textCount upgradeWarning"));
     EXPECT_EQ(o[QLatin1String("textCount")].toInt(), d.textPool.size());
 
-    const QJsonObject p = o[QLatin1String("properties")].toObject();
-    EXPECT_EQ(p.size(), 35);
-    EXPECT_EQ(p[QLatin1String("created")].toDouble(), 0.1 + 0.2);
+    EXPECT_EQ(jsonAt(o, "properties").toObject().size(), 35);
+    EXPECT_EQ(jsonAt(o, "questions.0").toObject().size(), 16);
+    EXPECT_EQ(jsonAt(o, "properties.created").toDouble(), 0.1 + 0.2);
+    EXPECT_EQ(jsonAt(o, "questions.2.totalIndex").toDouble(), 1.0 / 3.0);
     EXPECT_NE(r.out.indexOf("\"totalIndex\":-1,"), -1); // -1.0 is written as -1, not -1.0 or -1e0
-    const QJsonArray questions = o[QLatin1String("questions")].toArray();
-    ASSERT_EQ(questions.size(), qsizetype(d.questions.size()));
-    EXPECT_EQ(questions.at(2).toObject()[QLatin1String("totalIndex")].toDouble(), 1.0 / 3.0);
-    EXPECT_EQ(questions.at(0).toObject().size(), 16);
 
     // Answers by row, then by column, as getData gives them.
-    const QJsonArray answers = o[QLatin1String("answers")].toArray();
-    ASSERT_EQ(answers.size(), d.rowCount());
+    ASSERT_EQ(jsonAt(o, "answers").toArray().size(), d.rowCount());
     qsizetype expected = 0; // cell comments
     for (qint32 row = 0; row < d.rowCount(); ++row) {
         for (qint32 c = 0; c < d.columnCount(); ++c) {
-            ASSERT_EQ(answers.at(row).toArray().at(c).toInt(), d.getData(row, c)) << row << "," << c;
+            ASSERT_EQ(o[QLatin1String("answers")][row][c].toInt(), d.getData(row, c)) << row << "," << c;
             expected += d.cellComment(row, c) != -1;
         }
     }
 
     // Cell comments: [row, column, text] row-major.
     const QJsonArray cellComments = o[QLatin1String("cellComments")].toArray();
-    qint64 previous = -1;
     ASSERT_EQ(cellComments.size(), expected);
-    ASSERT_GT(expected, 0);
-    for (const QJsonValue &v : cellComments) {
-        const QJsonArray cell = v.toArray();
-        const qint64 position = qint64(cell.at(0).toInt()) * d.columnCount() + cell.at(1).toInt();
-        EXPECT_GT(position, previous);
-        previous = position;
-        EXPECT_EQ(cell.at(2).toString(), d.text(d.cellComment(cell.at(0).toInt(), cell.at(1).toInt())));
+    qint64 previous = -1;
+    for (const QJsonValue &cell : cellComments) {
+        const int row = jsonAt(cell, "0").toInt(), column = jsonAt(cell, "1").toInt();
+        EXPECT_GT(qint64(row) * d.columnCount() + column, previous);
+        previous = qint64(row) * d.columnCount() + column;
+        EXPECT_EQ(jsonAt(cell, "2").toString(), d.text(d.cellComment(row, column)));
     }
 }
 
