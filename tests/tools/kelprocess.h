@@ -17,7 +17,7 @@ struct KelRun {
     QByteArray out, err;
 };
 
-/// The words of `line`, split at blanks: a command line without quoting.
+/// The words of `line`, split at blanks (no quoting).
 inline QStringList words(const char *line)
 {
     return QString::fromUtf8(line).split(QLatin1Char(' '), Qt::SkipEmptyParts);
