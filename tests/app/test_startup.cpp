@@ -53,14 +53,6 @@ TEST(Language, SwedishForAnySwedishLocaleUnlessOverridden)
             << c.locale << " env=" << c.environment << " opt=" << c.option;
 }
 
-TEST(Zlib, OnlyTheFirstCharacterOfTheVersionMatters)
-{
-    EXPECT_EQ(checkZlibVersion("1.3.1"), ZlibCheck::Ok);
-    EXPECT_EQ(checkZlibVersion("2.0.0"), ZlibCheck::Incompatible);
-    EXPECT_EQ(checkZlibVersion(""), ZlibCheck::Missing);
-    EXPECT_EQ(checkZlibVersion(nullptr), ZlibCheck::Missing);
-}
-
 TEST(RecentFiles, MostRecentFirstWithoutDuplicatesAndPathsSplitAtTheLastSeparator)
 {
     const QString a = QStringLiteral("/s/a.kel"), b = QStringLiteral("/s/b.kel"), c = QStringLiteral("/s/c.kel"),

@@ -33,6 +33,7 @@ KelFile danglingSurvey()
     return f;
 }
 
+// ... in the lookups, the sheet's header runs and the index table.
 TEST(BlockReferences, DanglingNumbersOpenAsBlocksWithoutMembers)
 {
     for (const bool compressed : {true, false}) {
@@ -56,33 +57,24 @@ TEST(BlockReferences, DanglingNumbersOpenAsBlocksWithoutMembers)
         // Main keeps One (and Three, still naming it); Items keeps only Four.
         EXPECT_EQ(blockMembers(d, 0), (QuestionList{2, 4}));
         EXPECT_EQ(blockMembers(d, 3), (QuestionList{5}));
-    }
-}
-
-TEST(BlockReferences, DanglingNumbersInTheSheetAndTheIndexTable)
-{
-    const ReadResult r = readBytes(danglingSurvey().toBytes());
-    ASSERT_EQ(r.code, OpenResult::Ok) << r.detail.toStdString();
-    const Document &d = *r.document;
-
-    // Header runs: a dangling block is a run of its own without a text.
-    std::vector<qint32> numbers;
-    for (bool sub : {false, true}) {
-        for (const HeaderRun &run : headerRuns(d, d.overviewColumns, sub)) {
-            numbers.push_back(run.block);
-            EXPECT_EQ(run.text.isEmpty(), d.blockAt(run.block) == nullptr) << run.block;
+        // Header runs: a dangling block is a run of its own without a text.
+        std::vector<qint32> numbers;
+        for (bool sub : {false, true}) {
+            for (const HeaderRun &run : headerRuns(d, d.overviewColumns, sub)) {
+                numbers.push_back(run.block);
+                EXPECT_EQ(run.text.isEmpty(), d.blockAt(run.block) == nullptr) << run.block;
+            }
         }
-    }
-    EXPECT_EQ(std::vector<qint32>(numbers.begin(), numbers.begin() + 4), (std::vector<qint32>{0, 9, 0, -2}));
+        EXPECT_EQ(std::vector<qint32>(numbers.begin(), numbers.begin() + 4), (std::vector<qint32>{0, 9, 0, -2}));
 
-    // The index table lists existing blocks only.
-    IndexExportOptions options;
-    options.subSelTotal = true;
-    options.indexFor.fill(true);
-    for (const IndexItem &item : buildIndexItems(d, options))
-        EXPECT_TRUE(item.kind != IndexItem::Block || d.blockAt(item.number)) << item.number;
-    const QString table = exportIndexes(d, QStringLiteral("All"), allRows(d), options, QLocale::c());
-    EXPECT_TRUE(table.startsWith(QStringLiteral("All\t"))) << table.toStdString();
+        // The index table lists existing blocks only.
+        IndexExportOptions options;
+        options.subSelTotal = true, options.indexFor.fill(true);
+        for (const IndexItem &item : buildIndexItems(d, options))
+            EXPECT_TRUE(item.kind != IndexItem::Block || d.blockAt(item.number)) << item.number;
+        const QString table = exportIndexes(d, QStringLiteral("All"), allRows(d), options, QLocale::c());
+        EXPECT_TRUE(table.startsWith(QStringLiteral("All\t"))) << table.toStdString();
+    }
 }
 
 // Documents of revision 4 and older carry no total index; it is pooled from
