@@ -179,25 +179,22 @@ TEST(Payload, DerivedLists)
     EXPECT_FALSE(d.blocks[1].includeInCopy); // a sub-block
 }
 
-TEST(Payload, LanguageCode)
+// The language code (two letters, lower case, trailing blanks cut) and the
+// index decimals derived from the header.
+TEST(Payload, LanguageCodeAndIndexDecimals)
 {
     const std::pair<const char *, const char *> languages[] = {
         {"Sv", "sv"}, {"SVENSKA", "sv"}, {"e", "e"}, {"", ""}, {"en ", "en"}, {"  ", ""}, {" x", " x"}, {"Ö", "ö"}};
-    for (const auto &[language, code] : languages) {
+    const std::pair<qint32, qint32> decimals[] = {{-100, 0}, {9, 0},     {10, 1},     {100, 2},
+                                                  {999, 2},  {1000, 3}, {10000, 4}, {0x7FFFFFFF, 5}};
+    for (int i = 0; i < 8; ++i) {
         SurveyBuilder b;
-        b.header().language = b.text(QString::fromUtf8(language));
-        EXPECT_EQ(readBytes(b.toBytes()).document->properties.languageCode, QString::fromUtf8(code)) << language;
-    }
-}
-
-TEST(Payload, IndexDecimals)
-{
-    const std::pair<qint32, qint32> table[] = {{-100, 0}, {9, 0},     {10, 1},     {99, 1},     {100, 2},
-                                               {1000, 3}, {9999, 3}, {10000, 4}, {100000, 5}, {0x7FFFFFFF, 5}};
-    for (const auto &[pointsScale, decimals] : table) {
-        SurveyBuilder b;
-        b.header().pointsScale = pointsScale;
-        EXPECT_EQ(readBytes(b.toBytes()).document->properties.indexDecimals, decimals) << pointsScale;
+        b.header().language = b.text(QString::fromUtf8(languages[i].first));
+        b.header().pointsScale = decimals[i].first;
+        const ReadResult r = readBytes(b.toBytes());
+        const Document &d = *r.document;
+        EXPECT_EQ(d.properties.languageCode, QString::fromUtf8(languages[i].second)) << languages[i].first;
+        EXPECT_EQ(d.properties.indexDecimals, decimals[i].second) << decimals[i].first;
     }
 }
 
