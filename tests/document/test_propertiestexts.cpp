@@ -77,18 +77,16 @@ TEST(PropertiesTexts, RevisionVersionAndIndexInBothLanguages)
     const PropertiesTexts old = propertiesTexts(*read(file), false, c);
     EXPECT_EQ(old.fileFormat, QStringLiteral("KEL revision 4")); // same revision twice: no parenthesis
     EXPECT_EQ(old.rowOrder, QStringLiteral("User selectable"));
-}
 
-TEST(PropertiesTexts, DisabledIndexAndOddValues)
-{
-    SurveyBuilder b = indexedSurvey();
-    b.header().pointsScale = 0;
-    b.header().comment = -1;
-    std::unique_ptr<Document> doc = read(b.build());
-    ASSERT_TRUE(doc);
-    const PropertiesTexts t = propertiesTexts(*doc, false, QLocale::c());
+    // No points scale: no index; no comment: nothing to show.
+    file.header.pointsScale = 0, file.header.comment = -1;
+    const PropertiesTexts t = propertiesTexts(*read(file), false, c);
     EXPECT_FALSE(t.indexEnabled);
     EXPECT_TRUE(t.indexTotalInfo.isEmpty() && t.commentHtml.isEmpty());
+}
+
+TEST(PropertiesTexts, OddVersionsAndDates)
+{
     EXPECT_EQ(fileVersionText(-1, 123, 4), QStringLiteral("-1.123.0004"));
     // Day 0 shows only the time, midnight only the date; no date at all: empty.
     EXPECT_EQ(creationTimeText(0.5, QLocale::c()), QStringLiteral("12:00:00 UTC"));
