@@ -64,26 +64,21 @@ TEST_F(SettingsStoreTest, NamedKeysRoundTripThroughAFreshStore)
 
 TEST_F(SettingsStoreTest, ValuesOfTheWrongTypeKeepTheirDefaults)
 {
-    // Booleans and DWORDs must be stored as DWORDs; a string "1" is not one.
-    writeRaw(QStringLiteral("Settings/Navigator Add Beep To Reminder"), QStringLiteral("1"));
-    writeRaw(QStringLiteral("Settings/Graph Copy Save Opaque"), QStringLiteral("dword:00000005"));
-    writeRaw(QStringLiteral("Settings/Overview Group Lines"), QStringLiteral("dword:ffffffff"));
-    writeRaw(QStringLiteral("Settings/Overview Max Rows"), QStringLiteral("300 rows"));
-    writeRaw(QStringLiteral("Settings/Graph Legends"), QStringLiteral("dword:fffffffe"));
-    writeRaw(QStringLiteral("Settings/Graph Copy Format"), QStringLiteral("dword:123456789")); // nine digits
-    writeRaw(QStringLiteral("Last Settings/Data Open Folder"), QStringLiteral("dword:00000001"));
-    // The list of recent files stops at the first gap.
-    writeRaw(QStringLiteral("MRU List/Item 00"), QStringLiteral("/one.kel"));
-    writeRaw(QStringLiteral("MRU List/Item 02"), QStringLiteral("/three.kel"));
+    // Booleans and DWORDs must be stored as DWORDs (a string "1" is not one,
+    // nor are nine digits); the list of recent files stops at the first gap.
+    for (const auto &[key, value] :
+         {std::pair{"Settings/Navigator Add Beep To Reminder", "1"}, {"Settings/Graph Copy Save Opaque", "dword:00000005"},
+          {"Settings/Overview Group Lines", "dword:ffffffff"}, {"Settings/Overview Max Rows", "300 rows"},
+          {"Settings/Graph Legends", "dword:fffffffe"}, {"Settings/Graph Copy Format", "dword:123456789"},
+          {"Last Settings/Data Open Folder", "dword:00000001"}, {"MRU List/Item 00", "/one.kel"},
+          {"MRU List/Item 02", "/three.kel"}})
+        writeRaw(QString::fromLatin1(key), QString::fromLatin1(value));
 
     SettingsStore store(location());
     const UserOptions o = store.readSettings();
-    EXPECT_FALSE(o.navigatorAddBeepToReminder);
-    EXPECT_TRUE(o.graphCopySaveOpaque); // DWORD 5 reads as true
-    EXPECT_FALSE(o.overviewGroupLines); // DWORD -1 reads as false
-    EXPECT_EQ(o.overviewMaxRows, 300);
-    EXPECT_EQ(o.graphLegends, -2);
-    EXPECT_EQ(o.graphCopyFormat, 2);
+    // DWORD 5 reads as true, -1 as false.
+    EXPECT_TRUE(!o.navigatorAddBeepToReminder && o.graphCopySaveOpaque && !o.overviewGroupLines);
+    EXPECT_EQ(std::tuple(o.overviewMaxRows, o.graphLegends, o.graphCopyFormat), std::tuple(300, -2, 2));
     EXPECT_EQ(store.readLastSettings().dataOpenFolder, QString());
     EXPECT_EQ(store.readRecentFiles(), QStringList{QStringLiteral("/one.kel")});
 }
