@@ -317,12 +317,16 @@ TEST_F(MainWindowTest, OverviewFollowsOpenShowAndClose)
     EXPECT_FALSE(w->statusPanel(2)->isVisibleTo(w.get()));
 }
 
-// Which items each place offers is the sheet layout's rule; here the right
-// click on the view reaches it, and a click beside the sheet opens nothing.
-TEST_F(MainWindowTest, RightClickOpensThePopupOfThePlace)
+// Which items each place offers, and what a cell shows, are the engine's
+// rules; here the pointer on the view reaches them: a right click opens the
+// popup of the place (none beside the sheet), hovering fills the detail
+// window with the question's index over the shown selection (unit 0: all
+// "Yes"), not over everyone.
+TEST_F(MainWindowTest, PointerOnTheSheetReachesPopupAndDetailWindow)
 {
     auto w = makeWindow();
     w->session().installDocument(unitDocument(), QStringLiteral("/s/units.kel"), true);
+    ASSERT_TRUE(w->showSelection(unitOnly(*w->document(), 0)).isEmpty());
     w->show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(w.get()));
     SheetView *sheet = w->sheetView();
@@ -330,38 +334,26 @@ TEST_F(MainWindowTest, RightClickOpensThePopupOfThePlace)
     QTest::mouseClick(sheet->viewport(), Qt::RightButton, {}, cellCentre(0, 0, 2));
     ASSERT_TRUE(popup->isVisible());
     EXPECT_TRUE(w->menus().mnuPShowRowsComments->isVisible()); // row 0 has a comment
-    EXPECT_EQ(sheet->popupQuestion(), 0);
-    EXPECT_EQ(sheet->popupRow(), 0);
+    EXPECT_EQ(std::pair(sheet->popupQuestion(), sheet->popupRow()), std::pair(0, 0));
     popup->hide();
-    for (const QPoint outside : {cellCentre(1, 0, 2), cellCentre(0, 8, 2)}) {
+    for (const QPoint outside : {cellCentre(1, 0, 2), cellCentre(0, 4, 2)}) {
         QTest::mouseClick(sheet->viewport(), Qt::RightButton, {}, outside);
         EXPECT_FALSE(popup->isVisible());
     }
-}
 
-TEST_F(MainWindowTest, HoveringACellFillsTheDetailWindowForTheSelection)
-{
-    auto w = makeWindow();
-    w->session().installDocument(unitDocument(), QStringLiteral("/s/units.kel"), true);
-    ASSERT_TRUE(w->showSelection(unitOnly(*w->document(), 0)).isEmpty());
-    w->show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(w.get()));
     DetailWindow *detail = w->detailWindow();
     ASSERT_NE(detail, nullptr);
-
-    QTest::mouseMove(w->sheetView()->viewport(), cellCentre(0, 1, 2));
+    QTest::mouseMove(sheet->viewport(), cellCentre(0, 1, 2));
     for (int i = 0; i < 40 && detail->textValue().isEmpty(); ++i)
         QTest::qWait(50);
     const Document &doc = *w->document();
     EXPECT_EQ(detail->headerValue(2), QStringLiteral("Satisfaction"));
     EXPECT_TRUE(detail->textValue().contains(QStringLiteral("Yes"))) << detail->textValue().toStdString();
-    // The question's index is over the shown selection (unit 0: all "Yes"),
-    // not over everyone.
-    const QString selectionIndex = formatIndex(calculateColumnsIndex(doc, {0}, {0, 1, 2, 3}),
-                                               doc.properties.indexDecimals, QLocale());
-    EXPECT_EQ(detail->indexValue(1, false), selectionIndex);
-    EXPECT_NE(selectionIndex, formatIndex(calculateColumnsIndex(doc, {0}, {0, 1, 2, 3, 4, 5, 6, 7}),
-                                          doc.properties.indexDecimals, QLocale()));
+    const auto index = [&](const RowList &rows) {
+        return formatIndex(calculateColumnsIndex(doc, {0}, rows), doc.properties.indexDecimals, QLocale());
+    };
+    EXPECT_EQ(detail->indexValue(1, false), index({0, 1, 2, 3}));
+    EXPECT_NE(index({0, 1, 2, 3}), index({0, 1, 2, 3, 4, 5, 6, 7}));
 }
 
 // Only one local document is taken, known by its magic words whatever its
