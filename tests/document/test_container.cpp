@@ -35,14 +35,7 @@ struct ContainerCase {
     OpenResult expected;
 };
 
-void PrintTo(const ContainerCase &c, std::ostream *os)
-{
-    *os << c.name;
-}
-
-class ContainerCodes : public ::testing::TestWithParam<ContainerCase>
-{
-};
+class ContainerCodes : public ::testing::TestWithParam<ContainerCase> {};
 
 TEST_P(ContainerCodes, Code)
 {

@@ -19,14 +19,7 @@ struct HostileCase {
     std::function<void(KelFile &, const PayloadLayout &)> forge;
 };
 
-void PrintTo(const HostileCase &c, std::ostream *os)
-{
-    *os << c.name;
-}
-
-class HostilePayload : public ::testing::TestWithParam<HostileCase>
-{
-};
+class HostilePayload : public ::testing::TestWithParam<HostileCase> {};
 
 TEST_P(HostilePayload, IsDamaged)
 {

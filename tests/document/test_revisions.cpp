@@ -99,9 +99,7 @@ struct RevisionCase {
     bool compressed;
 };
 
-class Revisions : public ::testing::TestWithParam<RevisionCase>
-{
-};
+class Revisions : public ::testing::TestWithParam<RevisionCase> {};
 
 TEST_P(Revisions, ReadAsRevisionNineWithReplacements)
 {
