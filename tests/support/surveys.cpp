@@ -26,8 +26,6 @@ std::unique_ptr<Document> readBackOwned(const KelFile &file)
     return std::move(result.document);
 }
 
-// --- EngineSurvey ----------------------------------------------------------
-
 EngineSurvey::EngineSurvey() : mBuilder(0, 1)
 {
     HeaderFields &h = mBuilder.header();
@@ -69,13 +67,9 @@ qint32 EngineSurvey::addBlock(const QString &name, bool memberRule, qint32 linke
 {
     const auto fileBlocks = qint32(mBlockTotals.size());
     if (!fromDocument) {
-        Block b;
-        b.name = name;
-        b.memberRule = memberRule;
-        b.linkedBlock = linkedBlock;
-        b.totalIndex = totalIndex;
+        Block &b = mUserBlocks.emplace_back();
+        b.name = name, b.memberRule = memberRule, b.linkedBlock = linkedBlock, b.totalIndex = totalIndex;
         b.fromDocument = false;
-        mUserBlocks.push_back(b);
         return fileBlocks + qint32(mUserBlocks.size()) - 1;
     }
     EXPECT_TRUE(mUserBlocks.empty()) << "a user-defined block comes after the document's blocks";
@@ -117,8 +111,6 @@ Document EngineSurvey::build(const std::vector<std::vector<qint32>> &columns, Ce
     return doc;
 }
 
-// --- Sheet surveys -----------------------------------------------------------
-
 Document sheetSurvey(const std::vector<SheetQuestion> &questions, const std::vector<SheetBlock> &blocks,
                      const std::vector<std::vector<qint32>> &answers)
 {
@@ -142,20 +134,15 @@ Document sheetSurvey(const std::vector<SheetQuestion> &questions, const std::vec
     return doc;
 }
 
-// --- Shell surveys -----------------------------------------------------------
-
 std::unique_ptr<Document> shellSurvey(const ShellSurveyOptions &recipe)
 {
     SurveyBuilder b(recipe.rows, 1);
     HeaderFields &h = b.header();
     h.projectName = b.text(QStringLiteral("Test survey"));
     h.totalText = b.text(QStringLiteral("Everyone"));
-    h.allowCopy = fileBool(recipe.allowCopy);
-    h.allowPrint = fileBool(recipe.allowPrint);
-    h.allowSavePicture = fileBool(recipe.allowSavePicture);
-    h.allowCopyData = fileBool(recipe.allowCopyData);
-    h.pointsScale = recipe.pointsScale;
-    h.minimumSelection = recipe.minimumSelection;
+    h.allowCopy = fileBool(recipe.allowCopy), h.allowPrint = fileBool(recipe.allowPrint);
+    h.allowSavePicture = fileBool(recipe.allowSavePicture), h.allowCopyData = fileBool(recipe.allowCopyData);
+    h.pointsScale = recipe.pointsScale, h.minimumSelection = recipe.minimumSelection;
     b.file().options.revision = recipe.revision;
     const bool points = recipe.pointsScale > 0;
     const qint32 q = b.addQuestion({.code = QStringLiteral("Q1"), .heading = QStringLiteral("Satisfaction")},
@@ -173,8 +160,6 @@ std::unique_ptr<Document> shellSurvey(const ShellSurveyOptions &recipe)
     file.header.indexFlags = recipe.totalIndexGraph ? 0x100 : 0;
     return readBackOwned(file);
 }
-
-// --- The navigator's survey ----------------------------------------------------
 
 QByteArray navigatorSurveyBytes(const NavigatorSurveyOptions &o)
 {

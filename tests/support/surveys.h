@@ -31,12 +31,8 @@ std::unique_ptr<Document> readBackOwned(const writer::KelFile &file);
 struct QuestionRecipe {
     QString heading;
     std::vector<qint32> points; ///< one per alternative; -1 = no points
-    bool category = false;
-    bool overview = true;
-    bool flex = false;
-    bool inTotal = true;
-    qint32 block = -1;
-    qint32 subBlock = -1;
+    bool category = false, overview = true, flex = false, inTotal = true;
+    qint32 block = -1, subBlock = -1;
     /// The stored total index; any value but -1 lists the question in exports.
     double totalIndex = 1.0;
     std::vector<bool> complementCheck{};
@@ -66,10 +62,9 @@ public:
 
 private:
     writer::SurveyBuilder mBuilder;
-    std::vector<double> mQuestionTotals;
-    std::vector<double> mBlockTotals;
-    std::vector<Block> mUserBlocks;             // after the file's blocks
-    std::vector<BlockItem> mUserBlockItems;     // items of the user blocks
+    std::vector<double> mQuestionTotals, mBlockTotals;
+    std::vector<Block> mUserBlocks;         // after the file's blocks
+    std::vector<BlockItem> mUserBlockItems; // items of the user blocks
 };
 
 /// Concatenation of runs, e.g. runs({{0, 3}, {1, 2}}) = 0 0 0 1 1.
@@ -85,22 +80,18 @@ inline std::vector<qint32> runs(std::initializer_list<std::pair<qint32, std::siz
 
 struct SheetAlternative {
     QString label;
-    qint32 colour = -1;
-    qint32 points = -1;
+    qint32 colour = -1, points = -1;
 };
 
 struct SheetQuestion {
     QString code;
-    qint32 block = -1;
-    qint32 subBlock = -1;
-    qint32 colour = -1;
+    qint32 block = -1, subBlock = -1, colour = -1;
     std::vector<SheetAlternative> alternatives;
     qint32 graphFlags = 3;
 };
 
 struct SheetBlock {
-    QString code;
-    QString name;
+    QString code, name;
 };
 
 /// A document whose questions are all overview columns, headed by their
@@ -111,10 +102,7 @@ Document sheetSurvey(const std::vector<SheetQuestion> &questions, const std::vec
 // --- Shell surveys: one permission at a time -------------------------------
 
 struct ShellSurveyOptions {
-    bool allowCopy = false;
-    bool allowPrint = false;
-    bool allowSavePicture = false;
-    bool allowCopyData = false;
+    bool allowCopy = false, allowPrint = false, allowSavePicture = false, allowCopyData = false;
     qint32 pointsScale = 0;
     bool totalIndexGraph = false; ///< the document offers the total-index graph
     qint32 minimumSelection = 0;

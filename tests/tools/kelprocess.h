@@ -1,20 +1,23 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Runs the real `kel` executable, so that exit codes and output are checked
-// exactly as scripts see them.
 #pragma once
 
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QProcess>
 #include <QStringList>
+#include <QVariant>
+
+#include <gtest/gtest.h>
 
 namespace kel::test {
 
 struct KelRun {
     int exitCode = -1; ///< -1 when the tool crashed or hung
-    QByteArray out;
-    QByteArray err;
+    QByteArray out, err;
 };
 
-/// The words of `line`, split at blanks: a command line without quoting.
+/// The words of `line`, split at blanks (no quoting).
 inline QStringList words(const char *line)
 {
     return QString::fromUtf8(line).split(QLatin1Char(' '), Qt::SkipEmptyParts);
@@ -31,11 +34,33 @@ inline KelRun runKel(const QStringList &args, const QByteArray &input = QByteArr
 {
     QProcess p;
     p.start(QStringLiteral(KEL_TOOL), args);
-    p.write(input);
-    p.closeWriteChannel();
-    p.waitForFinished(60000);
+    p.write(input), p.closeWriteChannel(), p.waitForFinished(60000);
     return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1, p.readAllStandardOutput(),
             p.readAllStandardError()};
+}
+
+/// The value at a dotted path of names and array positions: "groups.0.label".
+inline QJsonValue jsonAt(QJsonValue v, const char *path)
+{
+    for (const QString &step : QString::fromLatin1(path).split(u'.')) {
+        bool isIndex = false;
+        const int i = step.toInt(&isIndex);
+        v = isIndex ? v.toArray().at(i) : v.toObject().value(step);
+    }
+    return v;
+}
+
+/// Each path of `o` holds the value written as text (numbers as JSON writes them).
+inline void expectJson(const QJsonObject &o, std::initializer_list<std::pair<const char *, const char *>> expected)
+{
+    for (const auto &[path, value] : expected)
+        EXPECT_EQ(jsonAt(o, path).toVariant().toString(), QString::fromUtf8(value)) << path;
+}
+
+inline QJsonObject jsonOf(const KelRun &run)
+{
+    EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
+    return QJsonDocument::fromJson(run.out).object();
 }
 
 } // namespace kel::test

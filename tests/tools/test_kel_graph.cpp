@@ -3,10 +3,6 @@
 // the real tool on a written document and on the bundled sample survey.
 #include "kelwriter.h"
 
-#include <QFile>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QTemporaryDir>
 
 #include "kelprocess.h"
@@ -16,15 +12,7 @@
 namespace {
 
 using namespace kel::writer;
-using kel::test::KelRun;
-using kel::test::kelArgs;
-using kel::test::runKel;
-using kel::test::words;
-
-QJsonObject json(const KelRun &run)
-{
-    return QJsonDocument::fromJson(run.out).object();
-}
+using namespace kel::test;
 
 // 12 respondents: Unit North x6, South x4, West x2 (West counts for privacy,
 // so splitting by Unit is refused below 3); Q in block "Work".
@@ -35,12 +23,9 @@ protected:
     {
         SurveyBuilder b(12);
         HeaderFields &h = b.header();
-        h.pointsScale = 10;
-        h.minimumGraphSelection = 3;
-        h.minimumSelection = 3;
+        h.pointsScale = 10; h.minimumGraphSelection = 3; h.minimumSelection = 3;
         h.totalText = b.text(QStringLiteral("Everyone"));
-        h.selectionTooSmallText = b.text(QStringLiteral("Too few."));
-        h.language = b.text(QStringLiteral("sv"));
+        h.selectionTooSmallText = b.text(QStringLiteral("Too few.")); h.language = b.text(QStringLiteral("sv"));
         const qint32 block = b.addBlock({.name = QStringLiteral("Work")});
         b.addBlock({.name = QStringLiteral("Empty")});
         b.addQuestion({.heading = QStringLiteral("Unit"), .isCategory = true, .inOverview = false},
@@ -58,107 +43,51 @@ protected:
         b.setAnswers(1, {0, 1, 0, 1, 0, 1, 0, 1, 0, 1, 0, 1});
         b.setAnswers(2, {1, 1, 1, 1, 0, 0, 1, 0, 0, 0, 1, 1});
         path = mDir.filePath(QStringLiteral("g.kel"));
-        QFile f(path);
-        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-        f.write(b.toBytes());
+        ASSERT_TRUE(writeBytes(path, b.toBytes()));
     }
 
-    KelRun graph(QStringList args)
-    {
-        args.prepend(path);
-        args.prepend(QStringLiteral("graph"));
-        return runKel(args);
-    }
+    KelRun graph(const char *args) { return runKel(kelArgs("graph", path, args)); }
 
     QTemporaryDir mDir;
     QString path;
 };
 
-TEST_F(KelGraph, QuestionHistogramIsTheWindowsDescription)
+// Sorted by points: high first, 7 of 12 -> 583 per mille, 58 %. North only
+// differs from the used total, so the block graph compares. Texts drawn in
+// the graph follow the document's language (Swedish).
+TEST_F(KelGraph, HistogramFractionAndSplitDescriptions)
 {
-    const KelRun run = graph(words("histogram --question 2"));
-    ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
-    const QJsonObject d = json(run);
-    EXPECT_EQ(d.value(QStringLiteral("graphKind")).toInt(), 1);
-    EXPECT_EQ(d.value(QStringLiteral("valueScale")).toInt(), 1000);
-    EXPECT_EQ(d.value(QStringLiteral("title")).toString(), QStringLiteral("Load"));
-    EXPECT_EQ(d.value(QStringLiteral("caption")).toString(), QStringLiteral("Frågehistogram: Load"));
-    EXPECT_EQ(d.value(QStringLiteral("selectionText")).toString(), QStringLiteral("Everyone [12]"));
-    const QJsonArray bars = d.value(QStringLiteral("bars")).toArray();
-    ASSERT_EQ(bars.size(), 2);
-    // Sorted by points: high first. 7 of 12 -> 583 per mille, 58 %.
-    const QJsonObject high = bars[0].toObject();
-    EXPECT_EQ(high.value(QStringLiteral("count")).toInt(), 7);
-    EXPECT_EQ(high.value(QStringLiteral("perMille")).toInt(), 583);
-    EXPECT_EQ(high.value(QStringLiteral("percentText")).toString(), QStringLiteral("58"));
-    EXPECT_EQ(high.value(QStringLiteral("colour")).toInt(), 0xFF0000);
-    EXPECT_EQ(high.value(QStringLiteral("drawFlags")).toInt(), 1);
-    const QJsonObject group = d.value(QStringLiteral("groups")).toArray().at(0).toObject();
-    EXPECT_EQ(group.value(QStringLiteral("label")).toString(), QStringLiteral("Q (1.2) Is it?"));
-    EXPECT_EQ(group.value(QStringLiteral("legendCount")).toInt(), 2);
-    EXPECT_EQ(d.value(QStringLiteral("legends")).toArray().at(1).toObject().value(QStringLiteral("text")).toString(),
-              QStringLiteral("low"));
-    EXPECT_EQ(d.value(QStringLiteral("totalText")).toString(), QString());
-}
-
-TEST_F(KelGraph, BlockAndSplitKindsWithTheCommonOptions)
-{
-    // North only: differs from the used total, so the block graph compares.
-    KelRun run = graph(words("--select 0:0 fraction --block 0"));
-    ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
-    QJsonObject d = json(run);
-    EXPECT_EQ(d.value(QStringLiteral("caption")).toString(), QStringLiteral("Blockgraf: Work"));
-    EXPECT_TRUE(d.value(QStringLiteral("selectionText")).toString().endsWith(QStringLiteral("[6] / Everyone [12]")));
-    EXPECT_EQ(d.value(QStringLiteral("groups")).toArray().at(0).toObject().value(QStringLiteral("label")).toString(),
-              QStringLiteral("Q (1.3 / 1.2) Is it?"));
-
-    run = graph(words("--short-names --reversed histogram --question 2 --split 1"));
-    ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
-    d = json(run);
-    EXPECT_EQ(d.value(QStringLiteral("title")).toString(), QStringLiteral("Load fördelad på Role"));
-    EXPECT_EQ(d.value(QStringLiteral("subTitle")).toString(), QStringLiteral("Is it? / Role"));
-    const QJsonArray groups = d.value(QStringLiteral("groups")).toArray();
-    ASSERT_EQ(groups.size(), 2);
-    EXPECT_EQ(groups[0].toObject().value(QStringLiteral("label")).toString(), QStringLiteral("a (1.3) [6]"));
-    EXPECT_EQ(d.value(QStringLiteral("totalText")).toString(), QStringLiteral("Totalt: 1.2"));
+    expectJson(jsonOf(graph("histogram --question 2")),
+               {{"caption", "Frågehistogram: Load"}, {"selectionText", "Everyone [12]"}, {"bars.0.count", "7"},
+                {"bars.0.perMille", "583"}, {"bars.0.percentText", "58"}, {"bars.0.colour", "16711680"},
+                {"bars.2.count", ""}, {"groups.0.label", "Q (1.2) Is it?"}, {"totalText", ""}});
+    const QJsonObject block = jsonOf(graph("--select 0:0 fraction --block 0"));
+    expectJson(block, {{"caption", "Blockgraf: Work"}, {"groups.0.label", "Q (1.3 / 1.2) Is it?"}});
+    EXPECT_TRUE(jsonAt(block, "selectionText").toString().endsWith(QStringLiteral("[6] / Everyone [12]")));
     // Reversed: low (0 points) before high.
-    EXPECT_EQ(d.value(QStringLiteral("legends")).toArray().at(0).toObject().value(QStringLiteral("text")).toString(),
-              QStringLiteral("low"));
+    expectJson(jsonOf(graph("--short-names --reversed histogram --question 2 --split 1")),
+               {{"title", "Load fördelad på Role"}, {"groups.0.label", "a (1.3) [6]"}, {"groups.2.label", ""},
+                {"totalText", "Totalt: 1.2"}, {"legends.0.text", "low"}});
 }
 
 TEST_F(KelGraph, RefusalsAndUsage)
 {
-    // Nothing selected, and a selection below the minimum: exit 7, message only.
-    KelRun run = graph(words("--select 0: histogram --question 2"));
-    EXPECT_EQ(run.exitCode, 7);
-    EXPECT_TRUE(run.out.isEmpty());
-    EXPECT_FALSE(run.err.isEmpty());
-    run = graph(words("--select 0:2 histogram --question 2"));
-    EXPECT_EQ(run.exitCode, 7);
-    EXPECT_EQ(run.err.trimmed(), QByteArrayLiteral("Too few."));
-    // West has two respondents: splitting by Unit would show them.
-    run = graph(words("fraction --question 2 --split 0"));
-    EXPECT_EQ(run.exitCode, 7);
-    EXPECT_TRUE(run.out.isEmpty());
-
-    const QList<QStringList> nonsense{
-        {},
-        words("pie"),
-        words("histogram"),
-        words("histogram --block 0 --question 2"),
-        words("histogram --block 9"),
-        words("histogram --question x"),
-        words("histogram --block 0 --split 1"),
-        words("--bogus histogram --question 2"),
-        words("--select 7:0 histogram --question 2"),
-    };
-    for (const QStringList &args : nonsense) {
-        run = graph(args);
-        EXPECT_EQ(run.exitCode, 64) << args.join(QLatin1Char(' ')).toStdString();
+    // Nothing selected, below the minimum, and West's two respondents shown by
+    // a split by Unit: exit 7, message only.
+    for (const char *refused : {"--select 0: histogram --question 2", "--select 0:2 histogram --question 2",
+                                "fraction --question 2 --split 0"}) {
+        const KelRun run = graph(refused);
+        EXPECT_EQ(run.exitCode, 7) << refused;
+        EXPECT_TRUE(run.out.isEmpty() && !run.err.isEmpty()) << refused;
+    }
+    for (const char *nonsense : {"", "histogram", "histogram --block 0 --question 2", "histogram --question x",
+                                 "histogram --block 0 --split 1", "--select 7:0 histogram --question 2"}) {
+        const KelRun run = graph(nonsense);
+        EXPECT_EQ(run.exitCode, 64) << nonsense;
         EXPECT_TRUE(run.out.isEmpty());
     }
     // The empty block has nothing to draw.
-    run = graph(words("histogram --block 1"));
+    const KelRun run = graph("histogram --block 1");
     EXPECT_NE(run.exitCode, 0);
     EXPECT_EQ(run.err.trimmed(), QByteArrayLiteral("The block did not contain any questions!"));
 }
@@ -166,15 +95,12 @@ TEST_F(KelGraph, RefusalsAndUsage)
 TEST(KelGraphSample, SplitGroupsMatchTheSelectionCounts)
 {
     // The split graph's group sizes are the counts `kel select` finds.
-    const KelRun select = runKel(kelArgs("select", QStringLiteral(KEL_SAMPLE), "--max-rows 0"));
-    ASSERT_EQ(select.exitCode, 0);
-    const QJsonArray found = json(select).value(QStringLiteral("found")).toArray().at(2).toArray();
-    const KelRun run = runKel(kelArgs("graph", QStringLiteral(KEL_SAMPLE), "fraction --question 45 --split 2"));
-    ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
-    const QJsonArray groups = json(run).value(QStringLiteral("groups")).toArray();
+    const QJsonArray found = jsonAt(jsonOf(runKel(kelArgs("select", QStringLiteral(KEL_SAMPLE), "--max-rows 0"))), "found.2").toArray();
+    const QJsonArray groups =
+        jsonOf(runKel(kelArgs("graph", QStringLiteral(KEL_SAMPLE), "fraction --question 45 --split 2")))[QStringLiteral("groups")].toArray();
     ASSERT_EQ(groups.size(), 3);
     for (int g = 0; g < 3; ++g) {
-        const QString label = groups[g].toObject().value(QStringLiteral("label")).toString();
+        const QString label = jsonAt(groups[g], "label").toString();
         EXPECT_TRUE(label.endsWith(QStringLiteral("[%1]").arg(found[g + 1].toInt()))) << label.toStdString();
     }
 }
