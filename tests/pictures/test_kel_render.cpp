@@ -112,5 +112,22 @@ TEST_F(KelRender, RefusalsWriteNothing)
     EXPECT_FALSE(QFile::exists(path));
 }
 
+// A batch starts without the graphical application and makes it for its
+// first picture: counts before it and pictures after it both work.
+TEST_F(KelRender, BatchDrawsPicturesBetweenOtherLines)
+{
+    const QString png = out(QStringLiteral("b.png")), emf = out(QStringLiteral("b.emf"));
+    const QByteArray lines = "select --max-rows 0\nrender overview -o " + png.toUtf8()
+                             + "\nrender graph fraction --block 0 -o " + emf.toUtf8() + "\nindexes --total --items total\n";
+    const KelRun run = runKel(QStringList{QStringLiteral("batch"), mFile}, lines);
+    ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
+    const QList<QByteArray> answers = run.out.trimmed().split('\n');
+    ASSERT_EQ(answers.size(), 4);
+    for (const QByteArray &answer : answers)
+        EXPECT_TRUE(answer.contains("\"status\":0")) << answer.toStdString();
+    EXPECT_FALSE(QImage(png).isNull());
+    EXPECT_TRUE(read(emf).startsWith(QByteArray::fromHex("01000000")));
+}
+
 } // namespace
 } // namespace kel::test
