@@ -274,8 +274,8 @@ int main(int argc, char *argv[])
                                       {QStringLiteral("select"), docPath, QStringLiteral("--max-rows"),
                                        QStringLiteral("0"), QStringLiteral("--select"), selection},
                                       QString(), out);
-            const Cost i =
-                runProcess(kel, QStringList{QStringLiteral("indexes"), docPath} + indexesArgs(selection), QString(), out);
+            const Cost i = runProcess(kel, QStringList{QStringLiteral("indexes"), docPath} + indexesArgs(selection),
+                                      QString(), out);
             total += s;
             total += i;
             if (!total.ok())

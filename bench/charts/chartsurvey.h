@@ -31,9 +31,8 @@ inline std::unique_ptr<Document> makeDocument()
     QList<AlternativeSpec> units;
     for (int a = 0; a < 10; ++a)
         units << AlternativeSpec{.text = QStringLiteral("Unit %1").arg(a)};
-    const qint32 unit = b.addQuestion({.heading = QStringLiteral("Unit"), .isCategory = true, .inOverview = false,
-                                       .inTotalIndex = false},
-                                      units);
+    const qint32 unit = b.addQuestion(
+        {.heading = QStringLiteral("Unit"), .isCategory = true, .inOverview = false, .inTotalIndex = false}, units);
     Random random(7);
     std::vector<qint32> answers(Rows);
     for (qint32 &a : answers)
@@ -42,11 +41,12 @@ inline std::unique_ptr<Document> makeDocument()
     qint32 first = -1;
     for (int q = 0; q < Questions; ++q) {
         const QuestionSpec recipe{.code = QString::number(q), .heading = QStringLiteral("Question %1").arg(q)};
-        const qint32 question = first < 0 ? b.addQuestion(recipe, {{.text = QStringLiteral("1"), .points = 0},
-                                                                 {.text = QStringLiteral("2"), .points = 25},
-                                                                 {.text = QStringLiteral("3"), .points = 50},
-                                                                 {.text = QStringLiteral("4"), .points = 75},
-                                                                 {.text = QStringLiteral("5"), .points = 100}})
+        const qint32 question = first < 0 ? b.addQuestion(recipe,
+                                                          {{.text = QStringLiteral("1"), .points = 0},
+                                                           {.text = QStringLiteral("2"), .points = 25},
+                                                           {.text = QStringLiteral("3"), .points = 50},
+                                                           {.text = QStringLiteral("4"), .points = 75},
+                                                           {.text = QStringLiteral("5"), .points = 100}})
                                           : b.addQuestionLike(recipe, first);
         if (first < 0)
             first = question;

@@ -41,8 +41,11 @@ Document categoryDocument(qint32 rows, qint32 categories, qint32 options, qint32
         QList<writer::AlternativeSpec> alternatives;
         for (qint32 o = 0; o < options; ++o)
             alternatives << writer::AlternativeSpec{.text = QStringLiteral("o%1").arg(o)};
-        const qint32 q = b.addQuestion({.code = QStringLiteral("c%1").arg(c), .heading = QStringLiteral("c%1").arg(c),
-                                        .isCategory = true, .inOverview = false, .inTotalIndex = false},
+        const qint32 q = b.addQuestion({.code = QStringLiteral("c%1").arg(c),
+                                        .heading = QStringLiteral("c%1").arg(c),
+                                        .isCategory = true,
+                                        .inOverview = false,
+                                        .inTotalIndex = false},
                                        alternatives);
         for (qint32 r = 0; r < rows; ++r)
             b.setAnswer(r, q, qint32(gen() % quint32(options)));
@@ -51,16 +54,15 @@ Document categoryDocument(qint32 rows, qint32 categories, qint32 options, qint32
         QList<writer::AlternativeSpec> alternatives{{.text = QStringLiteral("none")}};
         for (qint32 p = 1; p <= 5; ++p)
             alternatives << writer::AlternativeSpec{.text = QStringLiteral("p%1").arg(p), .points = p};
-        const qint32 q = b.addQuestion({.code = QStringLiteral("q%1").arg(s), .heading = QStringLiteral("q%1").arg(s),
-                                        .block = s / 5},
-                                       alternatives);
+        const qint32 q = b.addQuestion(
+            {.code = QStringLiteral("q%1").arg(s), .heading = QStringLiteral("q%1").arg(s), .block = s / 5},
+            alternatives);
         for (qint32 r = 0; r < rows; ++r)
             b.setAnswer(r, q, qint32(gen() % 6));
     }
     ReadResult read = readDocumentBytes(b.toBytes());
     if (!read.document) {
-        std::fprintf(stderr, "bench_engine: the reader refuses the benchmark document: %s\n",
-                     qPrintable(read.detail));
+        std::fprintf(stderr, "bench_engine: the reader refuses the benchmark document: %s\n", qPrintable(read.detail));
         std::exit(1);
     }
     return std::move(*read.document);
@@ -168,9 +170,10 @@ void BM_IndexExportBaseline(benchmark::State &state)
         std::vector<double> values;
         for (const SubSelection &s : subs)
             for (const IndexItem &item : items)
-                values.push_back(item.kind == IndexItem::Total  ? calculateTotalIndex(doc, s.rows)
-                                 : item.kind == IndexItem::Block ? calculateBlockIndex(doc, item.number, s.rows)
-                                                                 : calculateColumnsIndex(doc, {item.number}, s.rows));
+                values.push_back(item.kind == IndexItem::Total ? calculateTotalIndex(doc, s.rows)
+                                     : item.kind == IndexItem::Block
+                                     ? calculateBlockIndex(doc, item.number, s.rows)
+                                     : calculateColumnsIndex(doc, {item.number}, s.rows));
         benchmark::DoNotOptimize(
             formatIndexTable(doc, QStringLiteral("Total"), options, subs, items, values, QLocale::c()));
     }

@@ -41,20 +41,23 @@ std::unique_ptr<Document> benchDocument()
     for (qint32 k = 0; k < 10; ++k) {
         blocks.push_back(b.addBlock({.name = QStringLiteral("Block %1").arg(k)}));
         for (qint32 s = 0; s < 2; ++s)
-            subBlocks.push_back(b.addBlock({.name = QStringLiteral("Block %1.%2").arg(k).arg(s), .linkedBlock = blocks.back()}));
+            subBlocks.push_back(
+                b.addBlock({.name = QStringLiteral("Block %1.%2").arg(k).arg(s), .linkedBlock = blocks.back()}));
     }
     QList<AlternativeSpec> units;
     for (qint32 o = 0; o < Options; ++o)
         units.append({.text = QStringLiteral("Unit %1").arg(o)});
     b.addQuestion({.heading = QStringLiteral("Unit"), .isCategory = true, .inOverview = false, .inTotalIndex = false},
                   units);
-    const QList<AlternativeSpec> scale{{.text = QStringLiteral("1"), .points = 100}, {.text = QStringLiteral("2"), .points = 200},
-                                       {.text = QStringLiteral("3"), .points = 300}, {.text = QStringLiteral("4"), .points = 400},
-                                       {.text = QStringLiteral("5"), .points = 500}, {.text = QStringLiteral("-")}};
+    const QList<AlternativeSpec> scale{
+        {.text = QStringLiteral("1"), .points = 100}, {.text = QStringLiteral("2"), .points = 200},
+        {.text = QStringLiteral("3"), .points = 300}, {.text = QStringLiteral("4"), .points = 400},
+        {.text = QStringLiteral("5"), .points = 500}, {.text = QStringLiteral("-")}};
     std::mt19937 gen(7);
     std::vector<qint32> column(static_cast<std::size_t>(Rows));
     for (qint32 q = 0; q < Questions; ++q) {
-        const qint32 n = b.addQuestion({.code = QString::number(q + 1), .heading = QStringLiteral("Question %1").arg(q + 1),
+        const qint32 n = b.addQuestion({.code = QString::number(q + 1),
+                                        .heading = QStringLiteral("Question %1").arg(q + 1),
                                         .block = blocks[std::size_t(q / 5)],
                                         .subBlock = subBlocks[std::size_t(q / 5 * 2 + (q % 5) / 3)]},
                                        scale);
@@ -132,8 +135,8 @@ int main(int argc, char **argv)
         });
         setup.accept();
         worstStall = std::max(worstStall, longest);
-        std::printf("  run %d: %zu items, %8.1f ms, longest event-loop stall %6.1f ms, %lld characters copied\n", run + 1,
-                    items, times.back(), longest, static_cast<long long>(length));
+        std::printf("  run %d: %zu items, %8.1f ms, longest event-loop stall %6.1f ms, %lld characters copied\n",
+                    run + 1, items, times.back(), longest, static_cast<long long>(length));
     }
     std::sort(times.begin(), times.end());
     std::printf("median %.1f ms; longest stall over all runs %.1f ms (target < 50 ms): %s\n", times[times.size() / 2],

@@ -54,9 +54,10 @@ QByteArray makeSurvey()
         {.text = QStringLiteral("Strongly disagree"), .points = 0, .colour = rgb(210, 50, 40)}};
     qint32 first = -1;
     for (int i = 0; i < Questions; ++i) {
-        const writer::QuestionSpec recipe{.code = QString::number(i + 1), .heading = QStringLiteral("Question %1").arg(i + 1),
-                                        .text = QStringLiteral("Statement number %1 of the survey").arg(i + 1),
-                                        .block = block};
+        const writer::QuestionSpec recipe{.code = QString::number(i + 1),
+                                          .heading = QStringLiteral("Question %1").arg(i + 1),
+                                          .text = QStringLiteral("Statement number %1 of the survey").arg(i + 1),
+                                          .block = block};
         const qint32 q = first < 0 ? b.addQuestion(recipe, scale) : b.addQuestionLike(recipe, first);
         first = first < 0 ? q : first;
         std::vector<qint32> answers(Rows);
@@ -130,8 +131,8 @@ int main(int argc, char **argv)
 
     // 1. The description alone, as the View menu's block item asks for it.
     const BasicGraphSelection selection = currentGraphSelection(window);
-    BasicGraphRequest request{.questions = blockMembers(doc, 0), .name = QStringLiteral("All questions"), .block = 0,
-                              .kind = FractionGraph};
+    BasicGraphRequest request{
+        .questions = blockMembers(doc, 0), .name = QStringLiteral("All questions"), .block = 0, .kind = FractionGraph};
     BasicGraphDescription description;
     const Figures data = measure(50, [&] { description = generateBasicGraph(doc, request, selection).description; });
     std::printf("%d questions x %zu respondents, %zu bars\n", Questions, selection.rows->size(),
@@ -152,8 +153,9 @@ int main(int argc, char **argv)
             painter.scale(900.0 / layout.height(), 900.0 / layout.height());
             fits = renderer.draw(painter, QRect(QPoint(10, 10), layout - QSize(20, 20)), 0, false);
         });
-        const QByteArray what = QByteArrayLiteral("drawing it into 1200 x 900, laid out in ") + QByteArray::number(layout.width())
-            + " x " + QByteArray::number(layout.height()) + (fits ? "" : " (does not fit)");
+        const QByteArray what = QByteArrayLiteral("drawing it into 1200 x 900, laid out in ")
+            + QByteArray::number(layout.width()) + " x " + QByteArray::number(layout.height())
+            + (fits ? "" : " (does not fit)");
         print(what.constData(), draw, 10);
     }
 

@@ -32,7 +32,7 @@ QByteArray makeDocument(bool compressed)
     kel::writer::SurveyBuilder b(Rows, 3);
     b.header().pointsScale = 100;
     const QList<kel::writer::AlternativeSpec> scale = {
-        {QStringLiteral("No answer"), -1}, {QStringLiteral("Disagree"), 0},  {QStringLiteral("Rather not"), 25},
+        {QStringLiteral("No answer"), -1}, {QStringLiteral("Disagree"), 0},   {QStringLiteral("Rather not"), 25},
         {QStringLiteral("Neutral"), 50},   {QStringLiteral("Rather so"), 75}, {QStringLiteral("Agree"), 100},
     };
     qint32 first = b.addQuestion({QStringLiteral("Q1"), QStringLiteral("Question 1")}, scale);
@@ -64,7 +64,8 @@ qint64 floorOnce(const QString &path)
     if (storedLength >= 1) {
         QByteArray payload(payloadLength, Qt::Uninitialized);
         uLongf destLen = uLongf(payloadLength);
-        if (uncompress(reinterpret_cast<Bytef *>(payload.data()), &destLen, p + headerLength, uLong(storedLength)) != Z_OK)
+        if (uncompress(reinterpret_cast<Bytef *>(payload.data()), &destLen, p + headerLength, uLong(storedLength))
+            != Z_OK)
             return -1;
         crc ^= destLen;
     }

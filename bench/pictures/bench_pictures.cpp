@@ -39,8 +39,11 @@ kel::writer::SurveyBuilder survey()
     b.header().pointsScale = 100;
     b.header().allowCopy = FileTrue;
     b.header().allowCopyData = FileTrue;
-    const qint32 unit = b.addQuestion({.code = QStringLiteral("U"), .heading = QStringLiteral("Unit"),
-                                       .isCategory = true, .inOverview = false, .inTotalIndex = false},
+    const qint32 unit = b.addQuestion({.code = QStringLiteral("U"),
+                                       .heading = QStringLiteral("Unit"),
+                                       .isCategory = true,
+                                       .inOverview = false,
+                                       .inTotalIndex = false},
                                       {{.text = QStringLiteral("North")}, {.text = QStringLiteral("South")}});
     const QList<AlternativeSpec> scale = {
         {.text = QStringLiteral("1"), .points = 0, .colour = rgb(230, 60, 50), .label = QStringLiteral("1")},
@@ -54,7 +57,8 @@ kel::writer::SurveyBuilder survey()
         if (c % 10 == 0)
             block = b.addBlock({.code = QStringLiteral("B%1").arg(c / 10 + 1),
                                 .name = QStringLiteral("Block number %1").arg(c / 10 + 1)});
-        const QuestionSpec q{.code = QStringLiteral("Q%1").arg(c + 1), .heading = QStringLiteral("Question %1").arg(c + 1),
+        const QuestionSpec q{.code = QStringLiteral("Q%1").arg(c + 1),
+                             .heading = QStringLiteral("Question %1").arg(c + 1),
                              .block = block};
         const qint32 question = first < 0 ? b.addQuestion(q, scale) : b.addQuestionLike(q, first);
         if (first < 0)
@@ -122,8 +126,8 @@ int main(int argc, char **argv)
     kel::Document &doc = *read.document;
     kel::FlexTotal flex;
     kel::RowRandom random(1);
-    const kel::SubSheet sheet = kel::createSubSheet(doc, kel::SelectionMatrix(1, doc.maxCategoryAlternatives), flex,
-                                                    0, random);
+    const kel::SubSheet sheet =
+        kel::createSubSheet(doc, kel::SelectionMatrix(1, doc.maxCategoryAlternatives), flex, 0, random);
     kel::SheetInput input;
     input.document = &doc;
     input.rows = sheet.rows;
@@ -145,16 +149,18 @@ int main(int argc, char **argv)
     const struct {
         const char *name;
         kel::PictureFormat format;
-    } formats[] = {{"EMF", kel::PictureFormat::Emf}, {"WMF", kel::PictureFormat::Wmf},
-                   {"SVG", kel::PictureFormat::Svg}, {"PDF", kel::PictureFormat::Pdf},
+    } formats[] = {{"EMF", kel::PictureFormat::Emf},
+                   {"WMF", kel::PictureFormat::Wmf},
+                   {"SVG", kel::PictureFormat::Svg},
+                   {"PDF", kel::PictureFormat::Pdf},
                    {"PNG", kel::PictureFormat::Png}};
     for (const auto &f : formats) {
         if (!only.isEmpty() && only != QLatin1String(f.name))
             continue;
         qsizetype size = 0;
         const double ms = medianMs([&] { size = kel::encodePicture(picture, f.format).size(); });
-        std::printf("  %-4s %8.1f ms (cpu %7.1f ms) %10lld bytes%s\n", f.name, ms, lastCpuMs, static_cast<long long>(size),
-                    f.format == kel::PictureFormat::Emf ? "   (target < 150 ms)" : "");
+        std::printf("  %-4s %8.1f ms (cpu %7.1f ms) %10lld bytes%s\n", f.name, ms, lastCpuMs,
+                    static_cast<long long>(size), f.format == kel::PictureFormat::Emf ? "   (target < 150 ms)" : "");
     }
 
     // A fraction graph of 45 questions, saved as the graph window saves it
@@ -203,8 +209,8 @@ int main(int argc, char **argv)
     int exitCode = 0;
     const double ms = medianMs([&] {
         QProcess process;
-        process.start(kelTool, {QStringLiteral("render"), documentPath, QStringLiteral("overview"),
-                                QStringLiteral("-o"), out});
+        process.start(kelTool,
+                      {QStringLiteral("render"), documentPath, QStringLiteral("overview"), QStringLiteral("-o"), out});
         process.waitForFinished(60000);
         exitCode = std::max(exitCode, process.exitCode());
     });
@@ -216,9 +222,9 @@ int main(int argc, char **argv)
     exitCode = 0;
     const double chartMs = medianMs([&] {
         QProcess process;
-        process.start(kelTool, {QStringLiteral("render"), documentPath, QStringLiteral("graph"),
-                                QStringLiteral("total-index"), QStringLiteral("--main"), QStringLiteral("--blocks"),
-                                QStringLiteral("-o"), chart});
+        process.start(kelTool,
+                      {QStringLiteral("render"), documentPath, QStringLiteral("graph"), QStringLiteral("total-index"),
+                       QStringLiteral("--main"), QStringLiteral("--blocks"), QStringLiteral("-o"), chart});
         process.waitForFinished(60000);
         exitCode = std::max(exitCode, process.exitCode());
     });

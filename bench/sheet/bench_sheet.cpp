@@ -114,7 +114,6 @@ double medianMs(int runs, const std::function<void()> &work)
     return times[times.size() / 2];
 }
 
-
 // Median of a fresh render (allocation included) and of drawing into a
 // picture kept from the previous run.
 struct Timing {

@@ -15,12 +15,12 @@ struct TextPair {
 
 /// The commands that open a question or block graph; their status texts differ.
 enum class BasicGraphCommand {
-    PopupBlockHistogram,  ///< overview popup, block histogram
-    PopupBlockFraction,   ///< overview popup, block fraction graph
-    QuestionHistogram,    ///< total or split
-    QuestionFraction,     ///< total, or split by a submenu's column
+    PopupBlockHistogram,         ///< overview popup, block histogram
+    PopupBlockFraction,          ///< overview popup, block fraction graph
+    QuestionHistogram,           ///< total or split
+    QuestionFraction,            ///< total, or split by a submenu's column
     QuestionFractionSplitDialog, ///< split by a question chosen in the dialog
-    ViewBlockHistogram,   ///< View menu, one item per block
+    ViewBlockHistogram,          ///< View menu, one item per block
     ViewBlockFraction,
 };
 

@@ -9,12 +9,9 @@ QString openResultMessage(OpenResult result, bool isSwedish)
 {
     const QString title = applicationTitle();
     switch (result) {
-    case OpenResult::Ok:
-        return QString();
-    case OpenResult::CannotOpen:
-        return pickText(isSwedish, "Can not open the file!", "Kan inte öppna filen!");
-    case OpenResult::NotKel:
-        return pickText(isSwedish, "This is not a KEL file!", "Det här är inte en KEL-fil!");
+    case OpenResult::Ok: return QString();
+    case OpenResult::CannotOpen: return pickText(isSwedish, "Can not open the file!", "Kan inte öppna filen!");
+    case OpenResult::NotKel: return pickText(isSwedish, "This is not a KEL file!", "Det här är inte en KEL-fil!");
     case OpenResult::TooOld:
         return pickText(isSwedish, "This KEL file is in an older format that this version of %1 does not support!",
                         "Den här KEL-filen är i ett äldre format som denna version av %1 inte stöder!")
@@ -26,8 +23,7 @@ QString openResultMessage(OpenResult result, bool isSwedish)
                         "Den här KEL-filen är i ett nyare format som denna version av %1 inte stöder! Uppgradera din "
                         "kopia av %1!")
             .arg(title);
-    case OpenResult::Damaged:
-        return pickText(isSwedish, "This KEL file is damaged!", "Den här KEL-filen är skadad!");
+    case OpenResult::Damaged: return pickText(isSwedish, "This KEL file is damaged!", "Den här KEL-filen är skadad!");
     case OpenResult::TooBig:
         return pickText(isSwedish, "This KEL file is to big for this version of %1!",
                         "Den här KEL-filen är för stor för den här versionen av %1!")
@@ -39,13 +35,11 @@ QString openResultMessage(OpenResult result, bool isSwedish)
 QString showRefusalMessage(const Document &doc, SubSheetOutcome outcome, bool isSwedish)
 {
     switch (outcome) {
-    case SubSheetOutcome::Ok:
-        return QString();
+    case SubSheetOutcome::Ok: return QString();
     case SubSheetOutcome::NoAnswers:
         return pickText(isSwedish, "There are no answers matching the selection criterias!",
                         "Det finns inga svar som stämmer överens med det urval du gjort!");
-    case SubSheetOutcome::TooSmall:
-        return doc.text(doc.properties.selectionTooSmallText);
+    case SubSheetOutcome::TooSmall: return doc.text(doc.properties.selectionTooSmallText);
     }
     return QString();
 }
@@ -69,7 +63,8 @@ QString indexExportText(IndexExportText which, bool isSwedish)
     case IndexExportText::Copying:
         return pickText(isSwedish, "Copying indexes to clipboard...", "Kopierar index till urklipp...");
     case IndexExportText::Canceling: return pickText(isSwedish, "Canceling copy...", "Avbryter kopiering...");
-    case IndexExportText::Copied: return pickText(isSwedish, "Indexes copied to clipboard!", "Index kopierade till urklipp!");
+    case IndexExportText::Copied:
+        return pickText(isSwedish, "Indexes copied to clipboard!", "Index kopierade till urklipp!");
     case IndexExportText::Canceled:
         return pickText(isSwedish, "Copying of indexes was canceled!", "Kopieringen av index avbröts!");
     }

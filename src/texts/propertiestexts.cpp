@@ -119,8 +119,7 @@ PropertiesTexts propertiesTexts(const Document &doc, bool isSwedish, const QLoca
         const QString excluded = totalIndexExclusions(doc);
         x.indexTotalInfo = excluded.isEmpty()
             ? t("Total index includes all questions.", "Totalindex inkluderar alla frågor.")
-            : t("Total index includes all questions except these:",
-                "Totalindex inkluderar alla frågor utom följande:")
+            : t("Total index includes all questions except these:", "Totalindex inkluderar alla frågor utom följande:")
                 + QLatin1Char('\n') + excluded;
     }
 

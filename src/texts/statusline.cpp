@@ -3,8 +3,7 @@
 
 namespace kel {
 
-StatusLine::StatusLine(bool isSwedish, int clearIntervalMs, QObject *parent)
-    : QObject(parent), mIsSwedish(isSwedish)
+StatusLine::StatusLine(bool isSwedish, int clearIntervalMs, QObject *parent) : QObject(parent), mIsSwedish(isSwedish)
 {
     mClearTimer.setSingleShot(true);
     // A coarse timer may round a long interval; the restart rule needs the

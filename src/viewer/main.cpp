@@ -85,10 +85,10 @@ QString lockFilePath()
 int printRequestedText(int argc, char *argv[], kel::StartupRequest request, const QString &languageOption)
 {
     QCoreApplication app(argc, argv);
-    const bool isSwedish = kel::chooseIsSwedish(
-        kel::userInterfaceLocale(), qEnvironmentVariable(kel::LanguageEnvironmentVariable), languageOption);
+    const bool isSwedish = kel::chooseIsSwedish(kel::userInterfaceLocale(),
+                                                qEnvironmentVariable(kel::LanguageEnvironmentVariable), languageOption);
     const QString text = request == kel::StartupRequest::Help ? kel::startupHelpText(isSwedish)
-                                                                : kel::startupVersionText(QStringLiteral(KEL_VERSION));
+                                                              : kel::startupVersionText(QStringLiteral(KEL_VERSION));
     std::fputs(text.toLocal8Bit().constData(), stdout);
     return 0;
 }
@@ -103,8 +103,9 @@ bool loadQtSwedish(QTranslator &translator)
     for (const char *name : {"qtbase_sv", "qt_sv"})
         if (translator.load(QString::fromLatin1(name), folder))
             return true;
-    std::fprintf(stderr, "kelviewer: Qt's Swedish translations (qtbase_sv or qt_sv) not found in %s; "
-                         "Qt's own dialogs stay in English (Debian: install qt6-translations-l10n)\n",
+    std::fprintf(stderr,
+                 "kelviewer: Qt's Swedish translations (qtbase_sv or qt_sv) not found in %s; "
+                 "Qt's own dialogs stay in English (Debian: install qt6-translations-l10n)\n",
                  qPrintable(QDir::toNativeSeparators(folder)));
     return false;
 }

@@ -25,8 +25,8 @@
 #include <gtest/gtest.h>
 
 using namespace kel;
-using kel::test::ShellSurveyOptions;
 using kel::test::shellSurvey;
+using kel::test::ShellSurveyOptions;
 
 namespace {
 
@@ -103,7 +103,8 @@ protected:
         return w;
     }
 
-    static void open(MainWindow &w, const ShellSurveyOptions &recipe, const QString &path = QStringLiteral("/s/survey.kel"))
+    static void open(MainWindow &w, const ShellSurveyOptions &recipe,
+                     const QString &path = QStringLiteral("/s/survey.kel"))
     {
         w.session().installDocument(shellSurvey(recipe), path, true);
     }
@@ -111,7 +112,8 @@ protected:
     static ShellSurveyOptions richRecipe()
     {
         ShellSurveyOptions r;
-        r.allowCopy = r.allowCopyData = r.allowPrint = r.allowSavePicture = true; r.pointsScale = 4;
+        r.allowCopy = r.allowCopyData = r.allowPrint = r.allowSavePicture = true;
+        r.pointsScale = 4;
         r.totalIndexGraph = r.rowComments = true;
         r.categoryHeadings = {QStringLiteral("Unit"), QStringLiteral("Age")};
         return r;
@@ -227,21 +229,23 @@ TEST_F(MainWindowTest, OpensRealFilesWithTheirPermissions)
     const QString garbage = mDir.filePath(QStringLiteral("broken.kel"));
     ASSERT_TRUE(writer::writeBytes(garbage, QByteArrayLiteral("KEL? no.")));
     EXPECT_FALSE(w->openDocument(garbage, true, QStringLiteral("Open Data File")));
-    EXPECT_EQ(mMessages.value(0), QStringLiteral("%1|Open Data File|This is not a KEL file!").arg(int(QMessageBox::Critical)));
+    EXPECT_EQ(mMessages.value(0),
+              QStringLiteral("%1|Open Data File|This is not a KEL file!").arg(int(QMessageBox::Critical)));
     EXPECT_EQ(w->document(), &doc);
     EXPECT_EQ(menuState(*w), menus);
     EXPECT_EQ(sheet->sheetImage(), picture);
     mMessages.clear();
 
     writer::KelFile newer = writer::employeeSurvey(true);
-    newer.options.revision = 12; newer.options.compatibleRevision = 9;
+    newer.options.revision = 12;
+    newer.options.compatibleRevision = 9;
     const QString newerPath = mDir.filePath(QStringLiteral("newer.kel"));
     ASSERT_TRUE(newer.writeFile(newerPath));
     auto sv = makeWindow(true);
     ASSERT_TRUE(sv->openDocument(newerPath, false, QStringLiteral("KEL Viewer")));
     ASSERT_EQ(mMessages.size(), 1);
-    EXPECT_TRUE(mMessages.first().startsWith(QStringLiteral("%1|Dags att uppgradera|newer.kel har ett nyare filformat")
-                                                 .arg(int(QMessageBox::Warning))))
+    EXPECT_TRUE(mMessages.first().startsWith(
+        QStringLiteral("%1|Dags att uppgradera|newer.kel har ett nyare filformat").arg(int(QMessageBox::Warning))))
         << mMessages.first().toStdString();
     EXPECT_EQ(sv->statusLine().text(), QStringLiteral("newer.kel har öppnats!"));
 }
@@ -264,11 +268,14 @@ std::unique_ptr<Document> unitDocument()
     h.pointsScale = 100; // two decimals
     h.allowCopy = h.allowCopyData = writer::FileTrue;
     const qint32 block = b.addBlock({.code = QStringLiteral("B"), .name = QStringLiteral("Work"), .graphFlags = 0x103});
-    const qint32 q = b.addQuestion({.code = QStringLiteral("Q1"), .heading = QStringLiteral("Satisfaction"),
-                                    .block = block, .graphFlags = 0x3},
-                                   {{.text = QStringLiteral("No"), .points = 0}, {.text = QStringLiteral("Yes"), .points = 100}});
-    const qint32 unit = b.addQuestion({.code = QStringLiteral("Q2"), .heading = QStringLiteral("Unit"), .isCategory = true,
-                                       .inOverview = false, .inTotalIndex = false},
+    const qint32 q = b.addQuestion(
+        {.code = QStringLiteral("Q1"), .heading = QStringLiteral("Satisfaction"), .block = block, .graphFlags = 0x3},
+        {{.text = QStringLiteral("No"), .points = 0}, {.text = QStringLiteral("Yes"), .points = 100}});
+    const qint32 unit = b.addQuestion({.code = QStringLiteral("Q2"),
+                                       .heading = QStringLiteral("Unit"),
+                                       .isCategory = true,
+                                       .inOverview = false,
+                                       .inTotalIndex = false},
                                       {{.text = QStringLiteral("No")}, {.text = QStringLiteral("Yes")}});
     for (qint32 r = 0; r < 8; ++r) {
         b.setAnswer(r, q, r < 4 ? 1 : 0);
@@ -364,13 +371,16 @@ TEST(DroppedFiles, OnlyOneLocalDocumentIsTaken)
     const QString renamed = dir.filePath(QStringLiteral("survey.dat"));
     ASSERT_TRUE(writer::employeeSurvey(false).writeFile(renamed));
     EXPECT_EQ(droppedDocument({QUrl::fromLocalFile(renamed)}), renamed);
-    const QString notes = dir.filePath(QStringLiteral("notes.dat")), shortFile = dir.filePath(QStringLiteral("short.dat"));
+    const QString notes = dir.filePath(QStringLiteral("notes.dat")),
+                  shortFile = dir.filePath(QStringLiteral("short.dat"));
     ASSERT_TRUE(writer::writeBytes(notes, QByteArrayLiteral("plain text, not a survey\n")));
     ASSERT_TRUE(writer::writeBytes(shortFile, QByteArray("\x98\xF0\x8B\x5A\x51\x44\x8E", 7))); // one byte short
-    const QList<QList<QUrl>> refused = {
-        {QUrl::fromLocalFile(notes)}, {QUrl::fromLocalFile(shortFile)}, {QUrl::fromLocalFile(dir.path())},
-        {QUrl::fromLocalFile(dir.filePath(QStringLiteral("missing.dat")))}, {QUrl(QStringLiteral("https://example.org/a.kel"))},
-        {QUrl::fromLocalFile(renamed), QUrl::fromLocalFile(renamed)}};
+    const QList<QList<QUrl>> refused = {{QUrl::fromLocalFile(notes)},
+                                        {QUrl::fromLocalFile(shortFile)},
+                                        {QUrl::fromLocalFile(dir.path())},
+                                        {QUrl::fromLocalFile(dir.filePath(QStringLiteral("missing.dat")))},
+                                        {QUrl(QStringLiteral("https://example.org/a.kel"))},
+                                        {QUrl::fromLocalFile(renamed), QUrl::fromLocalFile(renamed)}};
     for (const QList<QUrl> &urls : refused)
         EXPECT_TRUE(droppedDocument(urls).isEmpty()) << urls.first().toString().toStdString();
 }

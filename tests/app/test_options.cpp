@@ -50,21 +50,26 @@ UserOptions changedOptions()
     o.navigatorAddBeepToReminder = o.overviewGroupLines = o.graphCopyToMsOffice = false;
     o.graphByCategoryUseShortCategoryNames = false;
     o.graphValueOrderReversed = o.graphCopySaveOpaque = o.graphCopySaveWhiteSpace = true;
-    o.overviewRowOrder = 2; o.overviewMaxRows = 100000; o.graphLegends = 0; o.graphCopyFormat = 1;
+    o.overviewRowOrder = 2;
+    o.overviewMaxRows = 100000;
+    o.graphLegends = 0;
+    o.graphCopyFormat = 1;
     return o;
 }
 
 void setControls(OptionsDialog &d, const UserOptions &o)
 {
-    for (const auto &[name, value] : {std::pair{"chkNavigatorRemindToClickShow", o.navigatorRemindToClickShow},
-                                      {"chkOverviewBlockLines", o.overviewGroupLines},
-                                      {"chkGraphValueOrderReversed", o.graphValueOrderReversed},
-                                      {"chkGraphCopySaveOpaque", o.graphCopySaveOpaque},
-                                      {"chkGraphCopySaveWhiteSpace", o.graphCopySaveWhiteSpace},
-                                      {"chkGraphByCategoryUseShortCategoryNames", o.graphByCategoryUseShortCategoryNames}})
+    for (const auto &[name, value] :
+         {std::pair{"chkNavigatorRemindToClickShow", o.navigatorRemindToClickShow},
+          {"chkOverviewBlockLines", o.overviewGroupLines},
+          {"chkGraphValueOrderReversed", o.graphValueOrderReversed},
+          {"chkGraphCopySaveOpaque", o.graphCopySaveOpaque},
+          {"chkGraphCopySaveWhiteSpace", o.graphCopySaveWhiteSpace},
+          {"chkGraphByCategoryUseShortCategoryNames", o.graphByCategoryUseShortCategoryNames}})
         child<QCheckBox>(d, name)->setChecked(value);
     for (const auto &[name, value] : {std::pair{"cboOverviewRowOrder", o.overviewRowOrder},
-                                      {"cboGraphLegends", o.graphLegends}, {"cboGraphCopyFormat", o.graphCopyFormat}}) {
+                                      {"cboGraphLegends", o.graphLegends},
+                                      {"cboGraphCopyFormat", o.graphCopyFormat}}) {
         auto *box = child<QComboBox>(d, name);
         box->setCurrentIndex(box->findData(value));
     }
@@ -75,9 +80,10 @@ void setControls(OptionsDialog &d, const UserOptions &o)
 
 TEST(OptionsTexts, MaxRowsTakesOnlyPositiveWholeNumbers)
 {
-    const std::pair<const char *, qint32> cases[] = { // 0 = refused
-        {"300", 300}, {" 1 ", 1},   {"2147483647", 2147483647}, {"0", 0},    {"-5", 0},  {"+5", 0},
-        {"12a", 0},   {"", 0},      {"1 0", 0},                 {"2147483648", 0},       {"1.5", 0}};
+    const std::pair<const char *, qint32> cases[] = {
+        // 0 = refused
+        {"300", 300}, {" 1 ", 1}, {"2147483647", 2147483647}, {"0", 0},  {"-5", 0}, {"+5", 0}, {"12a", 0},
+        {"", 0},      {"1 0", 0}, {"2147483648", 0},          {"1.5", 0}};
     for (const auto &[text, expected] : cases)
         EXPECT_EQ(parseMaxRows(QString::fromUtf8(text)).value_or(0), expected) << text;
 }
@@ -131,8 +137,10 @@ TEST_F(OptionsTest, OkWritesAllTwelveValuesAndCancelNothing)
     const UserOptions wanted = changedOptions();
     for (bool forbidden : {false, true}) {
         QTemporaryDir dir;
-        const SettingsLocation at{.file = dir.filePath(QStringLiteral("o.ini")), .policyFile = dir.filePath(QStringLiteral("p.ini"))};
-        QSettings(at.policyFile, QSettings::IniFormat).setValue(QStringLiteral("Explorer/NoSaveSettings"), int(forbidden));
+        const SettingsLocation at{.file = dir.filePath(QStringLiteral("o.ini")),
+                                  .policyFile = dir.filePath(QStringLiteral("p.ini"))};
+        QSettings(at.policyFile, QSettings::IniFormat)
+            .setValue(QStringLiteral("Explorer/NoSaveSettings"), int(forbidden));
         SettingsStore store(at);
         UserOptions options;
         for (const char *button : {"cmdCancel", "cmdOK"}) {

@@ -47,10 +47,13 @@ protected:
 TEST_F(SettingsStoreTest, NamedKeysRoundTripThroughAFreshStore)
 {
     UserOptions options;
-    options.navigatorRemindToClickShow = false; options.overviewMaxRows = 1234; options.graphLegends = -7;
+    options.navigatorRemindToClickShow = false;
+    options.overviewMaxRows = 1234;
+    options.graphLegends = -7;
     LastSettings last;
     last.dataOpenFolder = QStringLiteral("/data/R&D, 2024/surveys");
-    last.printerDeviceName = QStringLiteral("dword:not a number"); last.distributionGraphIn3D = true;
+    last.printerDeviceName = QStringLiteral("dword:not a number");
+    last.distributionGraphIn3D = true;
     {
         SettingsStore store(location());
         ASSERT_TRUE(store.writeSettings(options) && store.writeLastSettings(last));
@@ -66,12 +69,15 @@ TEST_F(SettingsStoreTest, ValuesOfTheWrongTypeKeepTheirDefaults)
 {
     // Booleans and DWORDs must be stored as DWORDs (a string "1" is not one,
     // nor are nine digits); the list of recent files stops at the first gap.
-    for (const auto &[key, value] :
-         {std::pair{"Settings/Navigator Add Beep To Reminder", "1"}, {"Settings/Graph Copy Save Opaque", "dword:00000005"},
-          {"Settings/Overview Group Lines", "dword:ffffffff"}, {"Settings/Overview Max Rows", "300 rows"},
-          {"Settings/Graph Legends", "dword:fffffffe"}, {"Settings/Graph Copy Format", "dword:123456789"},
-          {"Last Settings/Data Open Folder", "dword:00000001"}, {"MRU List/Item 00", "/one.kel"},
-          {"MRU List/Item 02", "/three.kel"}})
+    for (const auto &[key, value] : {std::pair{"Settings/Navigator Add Beep To Reminder", "1"},
+                                     {"Settings/Graph Copy Save Opaque", "dword:00000005"},
+                                     {"Settings/Overview Group Lines", "dword:ffffffff"},
+                                     {"Settings/Overview Max Rows", "300 rows"},
+                                     {"Settings/Graph Legends", "dword:fffffffe"},
+                                     {"Settings/Graph Copy Format", "dword:123456789"},
+                                     {"Last Settings/Data Open Folder", "dword:00000001"},
+                                     {"MRU List/Item 00", "/one.kel"},
+                                     {"MRU List/Item 02", "/three.kel"}})
         writeRaw(QString::fromLatin1(key), QString::fromLatin1(value));
 
     SettingsStore store(location());
@@ -85,8 +91,8 @@ TEST_F(SettingsStoreTest, ValuesOfTheWrongTypeKeepTheirDefaults)
 
 TEST_F(SettingsStoreTest, PolicyValuesAreTrueOnlyAboveZero)
 {
-    const std::pair<const char *, bool> cases[] = {{"1", true},  {"0", false},   {"-1", false},
-                                                   {"dword:00000002", true}, {"yes", false}, {"", false}};
+    const std::pair<const char *, bool> cases[] = {
+        {"1", true}, {"0", false}, {"-1", false}, {"dword:00000002", true}, {"yes", false}, {"", false}};
     for (const auto &[value, expected] : cases) {
         QFile::remove(policyFile());
         setPolicy(QStringLiteral("NoRecentDocsMenu"), QString::fromLatin1(value));
@@ -113,8 +119,8 @@ TEST_F(SettingsStoreTest, NoSaveSettingsKeepsOptionsAndPlacementsButNotRecentFil
 
     SettingsStore reread(location());
     EXPECT_EQ(reread.readSettings().overviewMaxRows, 50); // still read, never overwritten
-    EXPECT_EQ(QSettings(userFile(), QSettings::IniFormat).childGroups(), QStringList({QStringLiteral("MRU List"),
-                                                                                     QStringLiteral("Settings")}));
+    EXPECT_EQ(QSettings(userFile(), QSettings::IniFormat).childGroups(),
+              QStringList({QStringLiteral("MRU List"), QStringLiteral("Settings")}));
     EXPECT_EQ(reread.readRecentFiles(), QStringList{QStringLiteral("/x.kel")});
 }
 

@@ -42,9 +42,9 @@ TEST(Language, SwedishForAnySwedishLocaleUnlessOverridden)
         const char *locale, *environment, *option;
         bool swedish;
     } cases[] = {
-        {"sv_FI", "", "", true},      {"nb_NO", "", "", false},     {"en_US", "sv", "", true},
-        {"sv_SE", "en", "", false},   {"en_US", "sv", "en", false}, {"en_US", "", "SV", true},
-        {"sv_SE", "de", "", true},    {"en_GB", "sv_SE.UTF-8", "", true}, {"en_GB", "svenska", "", false},
+        {"sv_FI", "", "", true},    {"nb_NO", "", "", false},           {"en_US", "sv", "", true},
+        {"sv_SE", "en", "", false}, {"en_US", "sv", "en", false},       {"en_US", "", "SV", true},
+        {"sv_SE", "de", "", true},  {"en_GB", "sv_SE.UTF-8", "", true}, {"en_GB", "svenska", "", false},
     };
     for (const auto &c : cases)
         EXPECT_EQ(chooseIsSwedish(QLocale(QString::fromLatin1(c.locale)), QString::fromLatin1(c.environment),

@@ -54,8 +54,8 @@ TEST(StatusPanels, KeepTheirWidthsWhateverTheyShow)
     const int widths[] = {w.statusPanel(1)->width(), w.statusPanel(2)->width(), w.statusPanel(3)->width()};
     EXPECT_GT(widths[0], 100) << "the activity panel does not collapse";
 
-    const QString longText = QStringLiteral("Department: Sales, Production, Finance; Age group: 30-39, 40-49; ")
-                                 .repeated(4);
+    const QString longText =
+        QStringLiteral("Department: Sales, Production, Finance; Age group: 30-39, 40-49; ").repeated(4);
     w.statusPanel(3)->setText(longText);
     w.statusLine().setStatus(longText, longText, false);
     QApplication::processEvents();

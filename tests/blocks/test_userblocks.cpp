@@ -143,10 +143,14 @@ TEST_F(UserBlocks, StoredLayoutIsWrittenExactlyAndReadBack)
 TEST_F(UserBlocks, DamagedStoreIsRepairedAndAPolicyKeepsItUntouched)
 {
     // Block 4 has no name, block 6 repeats 3's, block 7 has no members and no flag.
-    writeRaw({{"Block Items", "seven"}, {"Block 000/Include In Copy", "maybe"}, {"Block 003/Name", "Kept"},
+    writeRaw({{"Block Items", "seven"},
+              {"Block 000/Include In Copy", "maybe"},
+              {"Block 003/Name", "Kept"},
               {"Block 003/Include In Copy", "dword:00000000"},
               {"Block 003/Included Data Headers", "2|x|99|-1|0.6|2.6||1e308"},
-              {"Block 004/Included Data Headers", "1"}, {"Block 006/Name", "kept"}, {"Block 007/Name", "Last"}});
+              {"Block 004/Included Data Headers", "1"},
+              {"Block 006/Name", "kept"},
+              {"Block 007/Name", "Last"}});
     std::unique_ptr<Document> doc = surveyDocument();
     auto store = openStore();
     const UserBlockRestore restore = restoreUserBlocks(*doc, *store, true);

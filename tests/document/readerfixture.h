@@ -20,62 +20,107 @@ inline SurveyBuilder richSurvey()
 {
     SurveyBuilder b(6, 2);
     HeaderFields &h = b.header();
-    h.guid = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16}; h.unused40 = 40;
-    h.projectNumber = b.text(QStringLiteral("P-1")); h.projectName = b.text(QStringLiteral("Project"));
-    h.copyright = b.text(QStringLiteral("(c) Us")); h.comment = b.text(QStringLiteral("{\\rtf1 Comment}"));
-    h.versionMajor = 2; h.versionMinor = 3; h.versionBuild = 4567; h.created = 45000.25; h.unused140 = 140;
-    h.unused144 = 144; h.language = b.text(QStringLiteral("Svenska")); h.allowCopy = FileTrue;
+    h.guid = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16};
+    h.unused40 = 40;
+    h.projectNumber = b.text(QStringLiteral("P-1"));
+    h.projectName = b.text(QStringLiteral("Project"));
+    h.copyright = b.text(QStringLiteral("(c) Us"));
+    h.comment = b.text(QStringLiteral("{\\rtf1 Comment}"));
+    h.versionMajor = 2;
+    h.versionMinor = 3;
+    h.versionBuild = 4567;
+    h.created = 45000.25;
+    h.unused140 = 140;
+    h.unused144 = 144;
+    h.language = b.text(QStringLiteral("Svenska"));
+    h.allowCopy = FileTrue;
     h.allowPrint = 1; // any nonzero value is true
-    h.allowSavePicture = FileFalse; h.pointsScale = 4; h.indexName = b.text(QStringLiteral("Index"));
+    h.allowSavePicture = FileFalse;
+    h.pointsScale = 4;
+    h.indexName = b.text(QStringLiteral("Index"));
     h.indexLineTexts = {b.text(QStringLiteral("L0")), b.text(QStringLiteral("L1")), b.text(QStringLiteral("L2")),
                         b.text(QStringLiteral("L3")), b.text(QStringLiteral("L4"))};
-    h.statusPanel2Tip = b.text(QStringLiteral("Tip 2")); h.statusPanel3Tip = b.text(QStringLiteral("Tip 3"));
-    h.totalText = b.text(QStringLiteral("Totalt")); h.minimumSelection = 5; h.minimumGraphSelection = 3;
-    h.selectionTooSmallText = b.text(QStringLiteral("Too small")); h.firstAlternativeIsNoAnswer = FileTrue;
-    h.sheetColourA = 0x111111; h.sheetColourB = 0x222222;
-    h.sheetColours = {0x333333, 0x444444, 0x555555, 0x666666}; h.unused240 = 240; h.rowOrder = 2;
-    h.minimumComplementSelection = 4; h.unused268 = 268; h.rowOrderThreshold = 50; h.allowCopyData = FileTrue;
+    h.statusPanel2Tip = b.text(QStringLiteral("Tip 2"));
+    h.statusPanel3Tip = b.text(QStringLiteral("Tip 3"));
+    h.totalText = b.text(QStringLiteral("Totalt"));
+    h.minimumSelection = 5;
+    h.minimumGraphSelection = 3;
+    h.selectionTooSmallText = b.text(QStringLiteral("Too small"));
+    h.firstAlternativeIsNoAnswer = FileTrue;
+    h.sheetColourA = 0x111111;
+    h.sheetColourB = 0x222222;
+    h.sheetColours = {0x333333, 0x444444, 0x555555, 0x666666};
+    h.unused240 = 240;
+    h.rowOrder = 2;
+    h.minimumComplementSelection = 4;
+    h.unused268 = 268;
+    h.rowOrderThreshold = 50;
+    h.allowCopyData = FileTrue;
 
-    const qint32 unit = b.addQuestion({.code = QStringLiteral("U"), .heading = QStringLiteral("Unit"),
-                                       .selectionLabel = QStringLiteral("Unit label"), .isCategory = true,
-                                       .inOverview = false, .inTotalIndex = false, .sheetColour = 0x0000FF},
-                                      {{.text = QStringLiteral("None")},
-                                       {.text = QStringLiteral("North"), .colour = 0x00FF00, .label = QStringLiteral("N"),
-                                        .complementCheck = true, .countsForPrivacy = true},
-                                       {.text = QStringLiteral("South"), .colour = 0xFF0000, .label = QStringLiteral("S"),
-                                        .complementCheck = true}});
-    const qint32 role = b.addQuestion({.code = QStringLiteral("R"), .heading = QStringLiteral("Role"), .isCategory = true,
-                                       .inOverview = false, .inTotalIndex = false, .isFlexCategory = true},
+    const qint32 unit = b.addQuestion(
+        {.code = QStringLiteral("U"),
+         .heading = QStringLiteral("Unit"),
+         .selectionLabel = QStringLiteral("Unit label"),
+         .isCategory = true,
+         .inOverview = false,
+         .inTotalIndex = false,
+         .sheetColour = 0x0000FF},
+        {{.text = QStringLiteral("None")},
+         {.text = QStringLiteral("North"),
+          .colour = 0x00FF00,
+          .label = QStringLiteral("N"),
+          .complementCheck = true,
+          .countsForPrivacy = true},
+         {.text = QStringLiteral("South"), .colour = 0xFF0000, .label = QStringLiteral("S"), .complementCheck = true}});
+    const qint32 role = b.addQuestion({.code = QStringLiteral("R"),
+                                       .heading = QStringLiteral("Role"),
+                                       .isCategory = true,
+                                       .inOverview = false,
+                                       .inTotalIndex = false,
+                                       .isFlexCategory = true},
                                       {{.text = QStringLiteral("None")},
                                        {.text = QStringLiteral("Staff")},
                                        {.text = QStringLiteral("Boss")},
                                        {.text = QStringLiteral("Guest")}});
-    const qint32 main = b.addBlock({.code = QStringLiteral("M"), .name = QStringLiteral("Main"), .text = QStringLiteral("Main text")});
-    const qint32 subA = b.addBlock({.code = QStringLiteral("MA"), .name = QStringLiteral("Sub A"), .linkedBlock = main,
-                                    .graphFlags = 5});
-    const qint32 subB = b.addBlock({.code = QStringLiteral("MB"), .name = QStringLiteral("Sub B"), .linkedBlock = main});
-    const qint32 items = b.addBlock({.code = QStringLiteral("I"), .name = QStringLiteral("Items"), .memberRule = false});
+    const qint32 main =
+        b.addBlock({.code = QStringLiteral("M"), .name = QStringLiteral("Main"), .text = QStringLiteral("Main text")});
+    const qint32 subA = b.addBlock(
+        {.code = QStringLiteral("MA"), .name = QStringLiteral("Sub A"), .linkedBlock = main, .graphFlags = 5});
+    const qint32 subB =
+        b.addBlock({.code = QStringLiteral("MB"), .name = QStringLiteral("Sub B"), .linkedBlock = main});
+    const qint32 items =
+        b.addBlock({.code = QStringLiteral("I"), .name = QStringLiteral("Items"), .memberRule = false});
     const QList<AlternativeSpec> scale = {
         {.text = QStringLiteral("No answer"), .colour = 0xC0C0C0},
-        {.text = QStringLiteral("Low"), .points = 0, .colour = 0x0000C0, .label = QStringLiteral("1"),
-         .shortText = QStringLiteral("L"), .graphAttribute = 1, .sortValue = 7, .graphColour = 0x000080},
+        {.text = QStringLiteral("Low"),
+         .points = 0,
+         .colour = 0x0000C0,
+         .label = QStringLiteral("1"),
+         .shortText = QStringLiteral("L"),
+         .graphAttribute = 1,
+         .sortValue = 7,
+         .graphColour = 0x000080},
         {.text = QStringLiteral("Mid"), .points = 2, .colour = 0x00C0C0, .label = QStringLiteral("2")},
-        {.text = QStringLiteral("High"), .points = 4, .colour = 0x00C000, .label = QStringLiteral("3"),
+        {.text = QStringLiteral("High"),
+         .points = 4,
+         .colour = 0x00C000,
+         .label = QStringLiteral("3"),
          .graphColour = 0x008000},
     };
-    const qint32 q1 = b.addQuestion({.code = QStringLiteral("1"), .heading = QStringLiteral("One"),
-                                     .text = QStringLiteral("Question one?"), .block = main, .subBlock = subA,
-                                     .rankingWeight = 3, .graphFlags = 7},
+    const qint32 q1 = b.addQuestion({.code = QStringLiteral("1"),
+                                     .heading = QStringLiteral("One"),
+                                     .text = QStringLiteral("Question one?"),
+                                     .block = main,
+                                     .subBlock = subA,
+                                     .rankingWeight = 3,
+                                     .graphFlags = 7},
                                     scale);
-    const qint32 q2 = b.addQuestionLike({.code = QStringLiteral("2"), .heading = QStringLiteral("Two"), .block = main,
-                                         .subBlock = subA},
-                                        q1);
-    const qint32 q3 = b.addQuestion({.code = QStringLiteral("3"), .heading = QStringLiteral("Three"), .block = main,
-                                     .subBlock = subB},
-                                    scale);
-    const qint32 q4 = b.addQuestion({.code = QStringLiteral("4"), .heading = QStringLiteral("Four"), .block = main,
-                                     .inTotalIndex = false},
-                                    scale);
+    const qint32 q2 = b.addQuestionLike(
+        {.code = QStringLiteral("2"), .heading = QStringLiteral("Two"), .block = main, .subBlock = subA}, q1);
+    const qint32 q3 = b.addQuestion(
+        {.code = QStringLiteral("3"), .heading = QStringLiteral("Three"), .block = main, .subBlock = subB}, scale);
+    const qint32 q4 = b.addQuestion(
+        {.code = QStringLiteral("4"), .heading = QStringLiteral("Four"), .block = main, .inTotalIndex = false}, scale);
     b.addBlockItem(items, q4);
     b.addBlockItem(items, role);
 
@@ -120,15 +165,15 @@ inline QString describe(const Document &d)
           << a.graphAttribute << ' ' << a.sortValue << '\n';
     for (const Question &q : d.questions)
         s << "q " << q.code << '|' << q.heading << '|' << q.text << '|' << q.selectionLabel << ' ' << b(q.isCategory)
-          << b(q.inOverview) << b(q.isFlexCategory) << b(q.inTotalIndex) << ' ' << q.sheetColour << ' ' << q.kept20 << ' '
-          << q.block << ' ' << q.subBlock << ' ' << q.totalIndex << ' ' << q.flexTotalIndex << ' ' << q.graphFlags << ' '
-          << q.rankingWeight << ' ' << q.firstAlternative << '+' << q.alternativeCount << '\n';
+          << b(q.inOverview) << b(q.isFlexCategory) << b(q.inTotalIndex) << ' ' << q.sheetColour << ' ' << q.kept20
+          << ' ' << q.block << ' ' << q.subBlock << ' ' << q.totalIndex << ' ' << q.flexTotalIndex << ' '
+          << q.graphFlags << ' ' << q.rankingWeight << ' ' << q.firstAlternative << '+' << q.alternativeCount << '\n';
     for (const RowComment &c : d.rowComments)
         s << "rc " << c.comment << ' ' << c.kept4 << '\n';
     for (const Block &k : d.blocks)
-        s << "b " << k.code << '|' << k.name << '|' << k.text << ' ' << k.kept12 << ' ' << k.kept16 << ' ' << k.kept20 << ' '
-          << b(k.memberRule) << ' ' << k.linkedBlock << ' ' << k.totalIndex << ' ' << k.flexTotalIndex << ' ' << k.graphFlags
-          << ' ' << b(k.fromDocument) << b(k.includeInCopy) << '\n';
+        s << "b " << k.code << '|' << k.name << '|' << k.text << ' ' << k.kept12 << ' ' << k.kept16 << ' ' << k.kept20
+          << ' ' << b(k.memberRule) << ' ' << k.linkedBlock << ' ' << k.totalIndex << ' ' << k.flexTotalIndex << ' '
+          << k.graphFlags << ' ' << b(k.fromDocument) << b(k.includeInCopy) << '\n';
     for (const BlockItem &i : d.blockItems)
         s << "bi " << i.block << ' ' << i.question << '\n';
     s << "cc " << b(d.hasCellComments);
@@ -144,12 +189,12 @@ inline QString describe(const Document &d)
     const DocumentProperties &p = d.properties;
     s << "guid " << d.guidText() << '\n';
     s << "props " << p.projectNumber << ' ' << p.projectName << ' ' << p.copyright << ' ' << p.comment << ' '
-      << p.versionMajor << '.' << p.versionMinor << '.' << p.versionBuild << ' ' << p.created << ' ' << p.unused140 << ' '
-      << p.unused144 << ' ' << p.language << ' ' << p.languageCode << ' ' << b(p.allowCopy) << b(p.allowPrint)
+      << p.versionMajor << '.' << p.versionMinor << '.' << p.versionBuild << ' ' << p.created << ' ' << p.unused140
+      << ' ' << p.unused144 << ' ' << p.language << ' ' << p.languageCode << ' ' << b(p.allowCopy) << b(p.allowPrint)
       << b(p.allowSavePicture) << b(p.allowCopyData) << ' ' << p.rowOrder << ' ' << p.rowOrderThreshold << ' '
-      << p.pointsScale << ' ' << p.maxPoints << ' ' << p.indexDecimals << ' ' << p.indexName << ' ' << p.indexLineTexts[0]
-      << ',' << p.indexLineTexts[1] << ',' << p.indexLineTexts[2] << ',' << p.indexLineTexts[3] << ','
-      << p.indexLineTexts[4] << ' ' << p.statusPanel2Tip << ' ' << p.statusPanel3Tip << ' ' << p.totalText << ' '
+      << p.pointsScale << ' ' << p.maxPoints << ' ' << p.indexDecimals << ' ' << p.indexName << ' '
+      << p.indexLineTexts[0] << ',' << p.indexLineTexts[1] << ',' << p.indexLineTexts[2] << ',' << p.indexLineTexts[3]
+      << ',' << p.indexLineTexts[4] << ' ' << p.statusPanel2Tip << ' ' << p.statusPanel3Tip << ' ' << p.totalText << ' '
       << p.selectionTooSmallText << ' ' << p.totalIndex << ' ' << p.flexTotalIndex << ' ' << p.indexFlags << ' '
       << p.minimumSelection << ' ' << p.minimumComplementSelection << ' ' << p.minimumGraphSelection << ' '
       << b(p.hasRowComments) << b(p.firstAlternativeIsNoAnswer) << ' ' << p.sheetColourA << ' ' << p.sheetColourB << ' '

@@ -99,7 +99,8 @@ TEST(BlockReferences, MissingTotalIndexComputedOnceAndGuarded)
     EXPECT_DOUBLE_EQ(r.document->properties.totalIndex, 3.25);
     EXPECT_DOUBLE_EQ(r.document->properties.flexTotalIndex, 3.25);
     // Revision 5 stores it: the stored value stands.
-    f.options.revision = 5; f.header.totalIndex = 7.0;
+    f.options.revision = 5;
+    f.header.totalIndex = 7.0;
     EXPECT_DOUBLE_EQ(readBytes(f.toBytes()).document->properties.totalIndex, 7.0);
 
     // No rows, no alternatives, a first-alternative number past the empty

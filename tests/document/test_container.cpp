@@ -35,7 +35,9 @@ struct ContainerCase {
     OpenResult expected;
 };
 
-class ContainerCodes : public ::testing::TestWithParam<ContainerCase> {};
+class ContainerCodes : public ::testing::TestWithParam<ContainerCase>
+{
+};
 
 TEST_P(ContainerCodes, Code)
 {
@@ -55,7 +57,9 @@ TEST_P(ContainerCodes, Code)
 }
 
 const ContainerCase containerCases[] = {
-    {"SwappedMagic", [](KelFile &f) { f.forgery.magic1 = format::Magic2, f.forgery.magic2 = format::Magic1; }, {},
+    {"SwappedMagic",
+     [](KelFile &f) { f.forgery.magic1 = format::Magic2, f.forgery.magic2 = format::Magic1; },
+     {},
      OpenResult::NotKel},
     {"SecondMagicWrong", [](KelFile &f) { f.forgery.magic2 = 0x328E4450u; }, {}, OpenResult::NotKel},
     {"EmptyFile", {}, [](QByteArray &b) { b.clear(); }, OpenResult::NotKel},
@@ -63,26 +67,44 @@ const ContainerCase containerCases[] = {
     {"CompatibleNegative", [](KelFile &f) { f.options.compatibleRevision = -3; }, {}, OpenResult::TooOld},
     {"CompatibleTen", [](KelFile &f) { f.options.compatibleRevision = 10; }, {}, OpenResult::TooNew},
     {"CompatibleOneOpens", [](KelFile &f) { f.options.compatibleRevision = 1; }, {}, OpenResult::Ok},
-    {"FileLengthOneShort", {}, [](QByteArray &b) { patchI32(b, format::OffFileLength, qint32(b.size() - 1)); },
+    {"FileLengthOneShort",
+     {},
+     [](QByteArray &b) { patchI32(b, format::OffFileLength, qint32(b.size() - 1)); },
      OpenResult::Damaged},
-    {"FileLengthOneLong", {}, [](QByteArray &b) { patchI32(b, format::OffFileLength, qint32(b.size() + 1)); },
+    {"FileLengthOneLong",
+     {},
+     [](QByteArray &b) { patchI32(b, format::OffFileLength, qint32(b.size() + 1)); },
      OpenResult::Damaged},
     {"HeaderLengthBelow32", [](KelFile &f) { f.forgery.headerLength = 31; }, {}, OpenResult::Damaged},
     {"PayloadLengthBelow288", [](KelFile &f) { f.forgery.payloadLength = 287; }, {}, OpenResult::Damaged},
     {"ChecksumWrong", [](KelFile &f) { f.forgery.checksum = 0x12345678u; }, {}, OpenResult::Damaged},
     {"ReservedHeaderByteFlipped", [](KelFile &f) { f.options.headerLength = 48; },
      [](QByteArray &b) { b[40] = char(b[40] ^ 0x01); }, OpenResult::Damaged},
-    {"PayloadByteFlipped", {}, [](QByteArray &b) { b[b.size() / 2] = char(b[b.size() / 2] ^ 0x40); },
+    {"PayloadByteFlipped",
+     {},
+     [](QByteArray &b) { b[b.size() / 2] = char(b[b.size() / 2] ^ 0x40); },
      OpenResult::Damaged},
     {"TruncatedByOne", {}, [](QByteArray &b) { b.chop(1); }, OpenResult::Damaged},
-    {"TruncatedWithLengthFixed", {}, [](QByteArray &b) { b.chop(9), patchI32(b, format::OffFileLength, qint32(b.size())); },
+    {"TruncatedWithLengthFixed",
+     {},
+     [](QByteArray &b) { b.chop(9), patchI32(b, format::OffFileLength, qint32(b.size())); },
      OpenResult::Damaged},
-    {"TruncatedToHeader", {}, [](QByteArray &b) { b.truncate(32), patchI32(b, format::OffFileLength, 32); },
+    {"TruncatedToHeader",
+     {},
+     [](QByteArray &b) { b.truncate(32), patchI32(b, format::OffFileLength, 32); },
      OpenResult::Damaged},
     {"StoredLengthPastTheFile", [](KelFile &f) { f.forgery.storedLength = 1 << 30; }, {}, OpenResult::Damaged},
-    {"TrailingBytesCountedOpen", [](KelFile &f) { f.forgery.trailingBytes = QByteArray(100, 'x'); }, {}, OpenResult::Ok},
-    {"TooManyCells", [](KelFile &f) { f.forgery.rowCount = 1000, f.forgery.columnCount = 1001; }, {}, OpenResult::TooBig},
-    {"CellProductOverflows32Bits", [](KelFile &f) { f.forgery.rowCount = f.forgery.columnCount = 0x10000; }, {},
+    {"TrailingBytesCountedOpen",
+     [](KelFile &f) { f.forgery.trailingBytes = QByteArray(100, 'x'); },
+     {},
+     OpenResult::Ok},
+    {"TooManyCells",
+     [](KelFile &f) { f.forgery.rowCount = 1000, f.forgery.columnCount = 1001; },
+     {},
+     OpenResult::TooBig},
+    {"CellProductOverflows32Bits",
+     [](KelFile &f) { f.forgery.rowCount = f.forgery.columnCount = 0x10000; },
+     {},
      OpenResult::TooBig},
 };
 
@@ -122,7 +144,8 @@ TEST(Container, InflateFailuresAreDamageAndShortPayloadsOpen)
 TEST(Container, LargePayloadsOpen)
 {
     SurveyBuilder b(50000, 3);
-    const qint32 q = b.addQuestion({.code = QStringLiteral("Q")}, {{.text = QStringLiteral("a")}, {.text = QStringLiteral("b")}});
+    const qint32 q =
+        b.addQuestion({.code = QStringLiteral("Q")}, {{.text = QStringLiteral("a")}, {.text = QStringLiteral("b")}});
     for (qint32 r = 0; r < 50000; r += 7)
         b.setAnswer(r, q, 1);
     KelFile f = b.build();
@@ -139,7 +162,10 @@ TEST(Container, LargePayloadsOpen)
 TEST(Container, ChecksRunInOrder)
 {
     KelFile f = sound();
-    f.forgery.magic1 = 0; f.options.compatibleRevision = 0; f.forgery.fileLength = 5; f.forgery.rowCount = 1000;
+    f.forgery.magic1 = 0;
+    f.options.compatibleRevision = 0;
+    f.forgery.fileLength = 5;
+    f.forgery.rowCount = 1000;
     f.forgery.columnCount = 1001;
     EXPECT_EQ(codeOf(f.toBytes()), OpenResult::NotKel);
     f.forgery.magic1.reset();
@@ -161,7 +187,8 @@ TEST(Container, ChecksRunInOrder)
 TEST(Container, FilesOnDisk)
 {
     QTemporaryDir dir;
-    const QString good = dir.filePath(QStringLiteral("good.kel")), shortFile = dir.filePath(QStringLiteral("short.kel"));
+    const QString good = dir.filePath(QStringLiteral("good.kel")),
+                  shortFile = dir.filePath(QStringLiteral("short.kel"));
     ASSERT_TRUE(sound().writeFile(good));
     const ReadResult r = readDocumentFile(good);
     ASSERT_EQ(r.code, OpenResult::Ok) << r.detail.toStdString();

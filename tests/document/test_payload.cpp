@@ -19,7 +19,9 @@ struct HostileCase {
     std::function<void(KelFile &, const PayloadLayout &)> forge;
 };
 
-class HostilePayload : public ::testing::TestWithParam<HostileCase> {};
+class HostilePayload : public ::testing::TestWithParam<HostileCase>
+{
+};
 
 TEST_P(HostilePayload, IsDamaged)
 {
@@ -46,26 +48,32 @@ const HostileCase hostileCases[] = {
     {"BlockItemsPastTheEnd", [](KelFile &f, const PayloadLayout &l) { f.forgery.blockItems.offset = l.size - 4; }},
     {"TextTablePastTheEnd", [](KelFile &f, const PayloadLayout &l) { f.forgery.textTableOffset = l.size + 1; }},
     {"TextCountHuge", [](KelFile &f, const PayloadLayout &) { f.forgery.textCount = 0x7FFFFFFF; }},
-    {"TextLengthHuge", [](KelFile &f, const PayloadLayout &) { f.forgery.textLengths[f.texts.size() - 1] = 0x40000000; }},
+    {"TextLengthHuge",
+     [](KelFile &f, const PayloadLayout &) { f.forgery.textLengths[f.texts.size() - 1] = 0x40000000; }},
     {"TextLengthNegative", [](KelFile &f, const PayloadLayout &) { f.forgery.textLengths[0] = -1; }},
-    {"TextLengthOverflowsWhenDoubled", [](KelFile &f, const PayloadLayout &) { f.forgery.textLengths[0] = 0x7FFFFFFF; }},
+    {"TextLengthOverflowsWhenDoubled",
+     [](KelFile &f, const PayloadLayout &) { f.forgery.textLengths[0] = 0x7FFFFFFF; }},
     {"AnswersPastTheEnd", [](KelFile &f, const PayloadLayout &l) { f.forgery.answersOffset = l.size - 10; }},
     {"MatrixRowsPastTheEnd", [](KelFile &f, const PayloadLayout &) { f.forgery.rowCount = 100000; }},
     {"CellCommentsPastTheEnd", [](KelFile &f, const PayloadLayout &l) { f.forgery.cellCommentsOffset = l.size - 8; }},
     {"CellCommentStrideHuge", [](KelFile &f, const PayloadLayout &) { f.forgery.cellCommentStride = 0x100000; }},
     // Block items written last with a 4-byte stride: the reader's full 8-byte
     // read of the last item runs off the payload.
-    {"ShortStrideWithoutPadding", [](KelFile &f, const PayloadLayout &) { shortItemStrides(f), f.options.padShortSections = false; }},
+    {"ShortStrideWithoutPadding",
+     [](KelFile &f, const PayloadLayout &) { shortItemStrides(f), f.options.padShortSections = false; }},
     // Answers outside their question's alternatives.
     {"AnswerEqualsAlternativeCount", [](KelFile &f, const PayloadLayout &) { f.answers.set(3, 2, 4); }},
     {"AnswerNegative", [](KelFile &f, const PayloadLayout &) { f.answers.set(5, 5, -1); }},
     {"CategoryAnswerTooLarge", [](KelFile &f, const PayloadLayout &) { f.answers.set(0, 0, 3); }},
     // Cross references.
-    {"AlternativeRunPastTheList", [](KelFile &f, const PayloadLayout &) { f.questions[5].firstAlternative = qint32(f.alternatives.size()) - 3; }},
+    {"AlternativeRunPastTheList",
+     [](KelFile &f, const PayloadLayout &) { f.questions[5].firstAlternative = qint32(f.alternatives.size()) - 3; }},
     {"AlternativeRunNegative", [](KelFile &f, const PayloadLayout &) { f.questions[2].firstAlternative = -1; }},
     {"AlternativeCountNegative", [](KelFile &f, const PayloadLayout &) { f.questions[0].alternativeCount = -2; }},
     {"AlternativeRunOverflows",
-     [](KelFile &f, const PayloadLayout &) { f.questions[2].firstAlternative = f.questions[2].alternativeCount = 0x7FFFFFF0; }},
+     [](KelFile &f, const PayloadLayout &) {
+         f.questions[2].firstAlternative = f.questions[2].alternativeCount = 0x7FFFFFF0;
+     }},
     {"BlockItemQuestionPastTheList", [](KelFile &f, const PayloadLayout &) { f.blockItems[0].question = 6; }},
     {"FewerColumnsThanQuestions", [](KelFile &f, const PayloadLayout &) { f.forgery.columnCount = 5; }},
 };
@@ -111,7 +119,8 @@ TEST(Payload, TextIndexesOutsideTheTableAreEmpty)
     f.questions[2].selectionLabel = -12345;
     f.alternatives[1].label = f.texts.size() + 1;
     f.blocks[0].name = -1;
-    f.header.language = f.texts.size(); f.header.projectName = -7;
+    f.header.language = f.texts.size();
+    f.header.projectName = -7;
     const ReadResult r = readBytes(f.toBytes());
     ASSERT_EQ(r.code, OpenResult::Ok) << r.detail.toStdString();
     const Document &d = *r.document;
@@ -178,7 +187,7 @@ TEST(Payload, LanguageCodeAndIndexDecimals)
 {
     const std::pair<const char *, const char *> languages[] = {
         {"Sv", "sv"}, {"SVENSKA", "sv"}, {"e", "e"}, {"", ""}, {"en ", "en"}, {"  ", ""}, {" x", " x"}, {"Ö", "ö"}};
-    const std::pair<qint32, qint32> decimals[] = {{-100, 0}, {9, 0},     {10, 1},     {100, 2},
+    const std::pair<qint32, qint32> decimals[] = {{-100, 0}, {9, 0},    {10, 1},    {100, 2},
                                                   {999, 2},  {1000, 3}, {10000, 4}, {0x7FFFFFFF, 5}};
     for (int i = 0; i < 8; ++i) {
         SurveyBuilder b;

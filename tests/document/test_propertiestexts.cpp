@@ -28,12 +28,19 @@ SurveyBuilder indexedSurvey()
 {
     SurveyBuilder b(4);
     HeaderFields &h = b.header();
-    h.pointsScale = 100; h.indexName = b.text(QStringLiteral("Staff Index")); h.versionMajor = 3;
-    h.versionMinor = 5; h.versionBuild = 12; h.minimumSelection = 12345; h.minimumGraphSelection = 5;
-    h.rowOrder = 2; h.rowOrderThreshold = 30;
+    h.pointsScale = 100;
+    h.indexName = b.text(QStringLiteral("Staff Index"));
+    h.versionMajor = 3;
+    h.versionMinor = 5;
+    h.versionBuild = 12;
+    h.minimumSelection = 12345;
+    h.minimumGraphSelection = 5;
+    h.rowOrder = 2;
+    h.rowOrderThreshold = 30;
     h.created = 45000.75; // 15 March 2023, 18:00
-    h.comment = b.text(QStringLiteral("{\\rtf1\\ansi{\\fonttbl{\\f0 Arial;}}\\f0 Ny \\b m\\'e4tning\\b0 <img src=x>\\par "
-                                      "rad tv\\u229?\\}}"));
+    h.comment =
+        b.text(QStringLiteral("{\\rtf1\\ansi{\\fonttbl{\\f0 Arial;}}\\f0 Ny \\b m\\'e4tning\\b0 <img src=x>\\par "
+                              "rad tv\\u229?\\}}"));
     const QList<AlternativeSpec> alts{{.text = QStringLiteral("no"), .points = 0},
                                       {.text = QStringLiteral("yes"), .points = 100}};
     b.addQuestion({.heading = QStringLiteral("A")}, alts);
@@ -49,7 +56,8 @@ TEST(PropertiesTexts, RevisionVersionAndIndexInBothLanguages)
 {
     SurveyBuilder b = indexedSurvey();
     KelFile file = b.build();
-    file.options.revision = 9; file.options.compatibleRevision = 7;
+    file.options.revision = 9;
+    file.options.compatibleRevision = 7;
     std::unique_ptr<Document> doc = read(file);
     ASSERT_TRUE(doc);
 
@@ -95,4 +103,3 @@ TEST(PropertiesTexts, OddVersionsAndDates)
     for (double bad : {std::nan(""), 1e300, -1e300, std::numeric_limits<double>::infinity()})
         EXPECT_TRUE(creationTimeText(bad, QLocale::c()).isEmpty());
 }
-

@@ -26,7 +26,9 @@ Reference reference()
 {
     Reference ref{richSurvey().build(), 0};
     KelFile &f = ref.file;
-    ref.pooledTotal = f.header.totalIndex; f.header.totalIndex = 0.625; f.header.maxPoints = 77;
+    ref.pooledTotal = f.header.totalIndex;
+    f.header.totalIndex = 0.625;
+    f.header.maxPoints = 77;
     f.header.indexFlags = 0x101;
     f.alternatives[1].kept16 = 16;
     f.questions[2].kept20 = 20;
@@ -45,10 +47,12 @@ qint32 defaultGraphFlags(const Document &d, double totalIndex)
 /// What a file of `revision` must read as, given the revision-9 document.
 void applyReplacements(Document &d, int revision, double pooledTotal)
 {
-    d.revision = revision; d.compatibleRevision = revision;
+    d.revision = revision;
+    d.compatibleRevision = revision;
     for (Alternative &a : d.alternatives) {
         if (revision < 3) {
-            a.graphAttribute = 0; a.sortValue = a.points;
+            a.graphAttribute = 0;
+            a.sortValue = a.points;
         }
         if (revision < 7)
             a.graphColour = a.sheetColour;
@@ -59,7 +63,8 @@ void applyReplacements(Document &d, int revision, double pooledTotal)
         if (revision < 6)
             q.isFlexCategory = false;
         if (revision < 8) {
-            q.graphFlags = defaultGraphFlags(d, q.totalIndex); q.rankingWeight = 1;
+            q.graphFlags = defaultGraphFlags(d, q.totalIndex);
+            q.rankingWeight = 1;
         }
     }
     if (revision < 6)
@@ -72,24 +77,29 @@ void applyReplacements(Document &d, int revision, double pooledTotal)
     }
     for (Block &b : d.blocks) {
         if (revision < 2) {
-            b.linkedBlock = -1; b.includeInCopy = true;
+            b.linkedBlock = -1;
+            b.includeInCopy = true;
         }
         if (revision < 8)
             b.graphFlags = defaultGraphFlags(d, b.totalIndex);
     }
     DocumentProperties &p = d.properties;
     if (revision < 2) {
-        p.indexLineTexts[2] = -1; p.sheetColours[2] = p.sheetColours[3] = -1;
+        p.indexLineTexts[2] = -1;
+        p.sheetColours[2] = p.sheetColours[3] = -1;
     }
     if (revision < 5) {
-        p.rowOrder = -1; p.minimumComplementSelection = p.minimumSelection;
+        p.rowOrder = -1;
+        p.minimumComplementSelection = p.minimumSelection;
         p.totalIndex = p.flexTotalIndex = pooledTotal;
     }
     if (revision < 9) {
-        p.indexFlags = p.pointsScale > 0 ? 0x100 : 0; p.maxPoints = -1;
+        p.indexFlags = p.pointsScale > 0 ? 0x100 : 0;
+        p.maxPoints = -1;
         for (const Alternative &a : d.alternatives)
             p.maxPoints = std::max(p.maxPoints, a.points);
-        p.rowOrderThreshold = -1; p.allowCopyData = false;
+        p.rowOrderThreshold = -1;
+        p.allowCopyData = false;
     }
 }
 
@@ -99,7 +109,9 @@ struct RevisionCase {
     bool compressed;
 };
 
-class Revisions : public ::testing::TestWithParam<RevisionCase> {};
+class Revisions : public ::testing::TestWithParam<RevisionCase>
+{
+};
 
 TEST_P(Revisions, ReadAsRevisionNineWithReplacements)
 {
@@ -109,7 +121,8 @@ TEST_P(Revisions, ReadAsRevisionNineWithReplacements)
     ASSERT_EQ(nine.code, OpenResult::Ok) << nine.detail.toStdString();
 
     KelFile old = ref.file;
-    old.options.revision = c.revision; old.options.undefinedFill = c.fill;
+    old.options.revision = c.revision;
+    old.options.undefinedFill = c.fill;
     old.options.compressed = c.compressed;
     const ReadResult read = readBytes(old.toBytes());
     ASSERT_EQ(read.code, OpenResult::Ok) << read.detail.toStdString();
@@ -129,11 +142,10 @@ std::vector<RevisionCase> revisionCases()
     return cases;
 }
 
-INSTANTIATE_TEST_SUITE_P(EveryRevision, Revisions, ::testing::ValuesIn(revisionCases()),
-                         [](const auto &info) {
-                             return "rev" + std::to_string(info.param.revision) + (info.param.fill ? "_garbage" : "_zero")
-                                    + (info.param.compressed ? "_zlib" : "_plain");
-                         });
+INSTANTIATE_TEST_SUITE_P(EveryRevision, Revisions, ::testing::ValuesIn(revisionCases()), [](const auto &info) {
+    return "rev" + std::to_string(info.param.revision) + (info.param.fill ? "_garbage" : "_zero")
+        + (info.param.compressed ? "_zlib" : "_plain");
+});
 
 // The record sizes of each revision, from the field tables: alternatives
 // grow at revisions 3 and 7, questions at 2, 6 and 8, row comments at 4,
@@ -164,13 +176,17 @@ TEST(Revisions, WiderStridesOfANewerWriterAreFollowed)
     const Reference ref = reference();
     const ReadResult nine = readBytes(ref.file.toBytes());
     KelFile wide = ref.file;
-    wide.options.revision = 12; wide.options.compatibleRevision = 9;
+    wide.options.revision = 12;
+    wide.options.compatibleRevision = 9;
     wide.options.strides = Strides{52, 80, 12, 48, 16};
-    wide.options.cellCommentStride = 12; wide.options.undefinedFill = 0xEE;
+    wide.options.cellCommentStride = 12;
+    wide.options.undefinedFill = 0xEE;
     const ReadResult read = readBytes(wide.toBytes());
     ASSERT_EQ(read.code, OpenResult::Ok) << read.detail.toStdString();
     Document expected = *nine.document;
-    expected.revision = 12; expected.compatibleRevision = 9; expected.upgradeWarning = true;
+    expected.revision = 12;
+    expected.compatibleRevision = 9;
+    expected.upgradeWarning = true;
     EXPECT_EQ(describe(*read.document).toStdString(), describe(expected).toStdString());
 }
 

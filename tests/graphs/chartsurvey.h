@@ -31,29 +31,31 @@ inline SurveyBuilder chartSurvey()
     const qint32 work = b.addBlock({.name = QStringLiteral("Work")});
     const qint32 choices = b.addBlock({.name = QStringLiteral("Choices")});
     const auto category = [&](const char *heading, QList<AlternativeSpec> alternatives) {
-        return b.addQuestion({.heading = QString::fromUtf8(heading), .isCategory = true, .inOverview = false,
-                              .inTotalIndex = false},
-                             alternatives);
+        return b.addQuestion(
+            {.heading = QString::fromUtf8(heading), .isCategory = true, .inOverview = false, .inTotalIndex = false},
+            alternatives);
     };
-    category("Unit", {{.text = QStringLiteral("North"), .shortText = QStringLiteral("N")},
-                      {.text = QStringLiteral("South"), .shortText = QStringLiteral("S")},
-                      {.text = QStringLiteral("West"), .shortText = QStringLiteral("W")}});
+    category("Unit",
+             {{.text = QStringLiteral("North"), .shortText = QStringLiteral("N")},
+              {.text = QStringLiteral("South"), .shortText = QStringLiteral("S")},
+              {.text = QStringLiteral("West"), .shortText = QStringLiteral("W")}});
     category("Role", {{.text = QStringLiteral("A")}, {.text = QStringLiteral("B")}});
-    category("Site", {{.text = QStringLiteral("X"), .countsForPrivacy = true},
-                      {.text = QStringLiteral("Y"), .countsForPrivacy = true},
-                      {.text = QStringLiteral("Z"), .countsForPrivacy = true}});
+    category("Site",
+             {{.text = QStringLiteral("X"), .countsForPrivacy = true},
+              {.text = QStringLiteral("Y"), .countsForPrivacy = true},
+              {.text = QStringLiteral("Z"), .countsForPrivacy = true}});
     const qint32 q1 = b.addQuestion({.code = QStringLiteral("1"), .heading = QStringLiteral("Q1"), .block = work},
                                     {{.text = QStringLiteral("bad"), .points = 0},
                                      {.text = QStringLiteral("ok"), .points = 50},
                                      {.text = QStringLiteral("good"), .points = 100}});
-    const qint32 q2 = b.addQuestionLike({.code = QStringLiteral("2"), .heading = QStringLiteral("Q2"), .block = work},
-                                        q1);
-    const qint32 r1 = b.addQuestion({.heading = QStringLiteral("R1"), .block = choices, .inTotalIndex = false,
-                                     .rankingWeight = 3},
-                                    {{.text = QStringLiteral("Apple")},
-                                     {.text = QStringLiteral("Banana")},
-                                     {.text = QStringLiteral("Cherry")},
-                                     {.text = QStringLiteral("Date"), .graphAttribute = 2}});
+    const qint32 q2 =
+        b.addQuestionLike({.code = QStringLiteral("2"), .heading = QStringLiteral("Q2"), .block = work}, q1);
+    const qint32 r1 =
+        b.addQuestion({.heading = QStringLiteral("R1"), .block = choices, .inTotalIndex = false, .rankingWeight = 3},
+                      {{.text = QStringLiteral("Apple")},
+                       {.text = QStringLiteral("Banana")},
+                       {.text = QStringLiteral("Cherry")},
+                       {.text = QStringLiteral("Date"), .graphAttribute = 2}});
     const qint32 r2 = b.addQuestionLike(
         {.heading = QStringLiteral("R2"), .block = choices, .inTotalIndex = false, .rankingWeight = 2}, r1);
     const qint32 r3 = b.addQuestionLike(

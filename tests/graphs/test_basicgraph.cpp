@@ -27,7 +27,9 @@ std::unique_ptr<Document> readBack(const SurveyBuilder &b)
 
 BasicGraphSelection selectionOf(const std::vector<qint32> &rows)
 {
-    return {.rows = &rows, .selectionText = QStringLiteral("Everyone"), .usedTotalText = QStringLiteral("Flex"),
+    return {.rows = &rows,
+            .selectionText = QStringLiteral("Everyone"),
+            .usedTotalText = QStringLiteral("Flex"),
             .usedTotalSize = 99};
 }
 
@@ -56,10 +58,10 @@ TEST(BasicGraphRounding, SharesRoundHalvesToEven)
         qint32 expected;
     };
     const Case cases[] = {
-        {1, 1000, 8, 125}, {1, 1000, 3, 333}, {2, 1000, 3, 667}, {1, 1000, 16, 62},  // 62.5 -> 62
+        {1, 1000, 8, 125},  {1, 1000, 3, 333},  {2, 1000, 3, 667}, {1, 1000, 16, 62}, // 62.5 -> 62
         {3, 1000, 16, 188},                                                           // 187.5 -> 188
-        {1, 100, 8, 12},   {3, 100, 8, 38},   {5, 100, 8, 62},   {7, 100, 8, 88},     // 12.5, 37.5, 62.5, 87.5
-        {0, 1000, 0, 0},   {4, 1000, 4, 1000}, {1, 100, 200, 0},                       // 0.5 -> 0
+        {1, 100, 8, 12},    {3, 100, 8, 38},    {5, 100, 8, 62},   {7, 100, 8, 88},   // 12.5, 37.5, 62.5, 87.5
+        {0, 1000, 0, 0},    {4, 1000, 4, 1000}, {1, 100, 200, 0},                     // 0.5 -> 0
     };
     for (const Case &c : cases)
         EXPECT_EQ(roundedShare(c.count, c.scale, c.total), c.expected)
@@ -73,11 +75,11 @@ TEST(BasicGraphData, HiddenFirstAlternativeCountsButIsNeverDrawn)
     SurveyBuilder b(8);
     b.header().pointsScale = 10;
     b.header().firstAlternativeIsNoAnswer = FileTrue;
-    const qint32 q = b.addQuestion({.code = QStringLiteral("Q1"), .heading = QStringLiteral("Pay"),
-                                    .text = QStringLiteral("Is the pay fair?")},
-                                   {{.text = QStringLiteral("No answer"), .points = 0},
-                                    {.text = QStringLiteral("Yes"), .points = 40},
-                                    {.text = QStringLiteral("No"), .points = 0}});
+    const qint32 q = b.addQuestion(
+        {.code = QStringLiteral("Q1"), .heading = QStringLiteral("Pay"), .text = QStringLiteral("Is the pay fair?")},
+        {{.text = QStringLiteral("No answer"), .points = 0},
+         {.text = QStringLiteral("Yes"), .points = 40},
+         {.text = QStringLiteral("No"), .points = 0}});
     b.setAnswers(q, {0, 0, 0, 0, 0, 0, 1, 2}); // six hidden, one yes, one no
     auto doc = readBack(b);
     const auto rows = allRows(*doc);
@@ -105,10 +107,10 @@ protected:
         b.header().pointsScale = 100;
         b.header().language = b.text(QStringLiteral("sv"));
         block = b.addBlock({.name = QStringLiteral("Arbete")});
-        q1 = b.addQuestion({.code = QStringLiteral("A"), .text = QStringLiteral("T1"), .block = block},
-                           {{.text = QStringLiteral("low"), .points = 0, .colour = 0x0000FF},
-                            {.text = QStringLiteral("high"), .points = 100, .colour = 0xFFFFFF, .graphAttribute = 1,
-                             .sortValue = 1}});
+        q1 = b.addQuestion(
+            {.code = QStringLiteral("A"), .text = QStringLiteral("T1"), .block = block},
+            {{.text = QStringLiteral("low"), .points = 0, .colour = 0x0000FF},
+             {.text = QStringLiteral("high"), .points = 100, .colour = 0xFFFFFF, .graphAttribute = 1, .sortValue = 1}});
         q2 = b.addQuestionLike({.code = QStringLiteral("B"), .text = QStringLiteral("T2"), .block = block}, q1);
         q3 = b.addQuestion({.code = QStringLiteral("C"), .text = QStringLiteral("T3"), .block = block},
                            {{.text = QStringLiteral("x"), .points = 100, .sortValue = 1},
@@ -130,8 +132,11 @@ protected:
     {
         if (!rowsUsed.empty())
             rows = rowsUsed;
-        BasicGraphRequest request{.questions = {q1, q2, q3}, .name = QStringLiteral("Arbete"), .block = block,
-                                  .showTotalIndex = showTotalIndex, .kind = FractionGraph};
+        BasicGraphRequest request{.questions = {q1, q2, q3},
+                                  .name = QStringLiteral("Arbete"),
+                                  .block = block,
+                                  .showTotalIndex = showTotalIndex,
+                                  .kind = FractionGraph};
         BasicGraphResult r = generateBasicGraph(*doc, request, selectionOf(rows));
         EXPECT_EQ(r.outcome, BasicGraphOutcome::Ok);
         return r.description;
@@ -217,15 +222,19 @@ protected:
         b.header().minimumGraphSelection = 3;
         QList<AlternativeSpec> units;
         for (const char *name : {"none", "North side", "South side", "West side"})
-            units.append({.text = QString::fromUtf8(name), .shortText = QString::fromUtf8(name).left(1),
+            units.append({.text = QString::fromUtf8(name),
+                          .shortText = QString::fromUtf8(name).left(1),
                           .countsForPrivacy = true});
-        unit = b.addQuestion({.heading = QStringLiteral("Unit"), .text = QStringLiteral("Which unit?"),
-                              .isCategory = true, .inOverview = false},
+        unit = b.addQuestion({.heading = QStringLiteral("Unit"),
+                              .text = QStringLiteral("Which unit?"),
+                              .isCategory = true,
+                              .inOverview = false},
                              units);
-        q = b.addQuestion({.code = QStringLiteral("Q"), .heading = QStringLiteral("Mood"), .text = QStringLiteral("How?")},
-                          {{.text = QStringLiteral("-")},
-                           {.text = QStringLiteral("good"), .points = 20},
-                           {.text = QStringLiteral("bad"), .points = 0}});
+        q = b.addQuestion(
+            {.code = QStringLiteral("Q"), .heading = QStringLiteral("Mood"), .text = QStringLiteral("How?")},
+            {{.text = QStringLiteral("-")},
+             {.text = QStringLiteral("good"), .points = 20},
+             {.text = QStringLiteral("bad"), .points = 0}});
         b.setAnswers(unit, {0, 0, 0, 1, 1, 1, 1, 1, 2, 2, 2, 2}); // 3 none, 5 north, 4 south
         b.setAnswers(q, {1, 1, 1, 1, 1, 1, 2, 0, 2, 2, 2, 1});
         doc = readBack(b);
@@ -316,9 +325,9 @@ TEST(BasicGraphClipboard, ValuesAndLegendsText)
         d.legends.push_back({QString::fromUtf8(legend), 0, 0});
     for (qint32 n = 1; n <= 7; ++n)
         d.bars.push_back({n, 0, QString::number(n), QString::number(n * 10)});
-    d.groups = {{0, 2, QStringLiteral("G1"), 0, 2}, {2, 3, QStringLiteral("G2"), 2, 3}, {5, 2, QStringLiteral("G3"), 0, 2}};
+    d.groups = {
+        {0, 2, QStringLiteral("G1"), 0, 2}, {2, 3, QStringLiteral("G2"), 2, 3}, {5, 2, QStringLiteral("G3"), 0, 2}};
     EXPECT_EQ(basicGraphValuesText(d, false), QStringLiteral("G1\tG2\tG3\r\n1\t3\t6\r\n2\t4\t7\r\n\t5\t"));
     EXPECT_EQ(basicGraphValuesText(d, true), QStringLiteral("G1\tG2\tG3\r\n10\t30\t60\r\n20\t40\t70\r\n\t50\t"));
     EXPECT_EQ(basicGraphLegendsText(d), QStringLiteral("Block\r\nyes\tx\r\nno\ty\r\n\tz\r\nAll [9]"));
-
 }

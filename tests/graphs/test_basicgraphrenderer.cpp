@@ -16,7 +16,7 @@ using namespace kel;
 
 namespace {
 
-constexpr qint32 Red = 0x0000FF;   // stored as 0x00BBGGRR
+constexpr qint32 Red = 0x0000FF; // stored as 0x00BBGGRR
 constexpr qint32 Green = 0x00FF00;
 constexpr qint32 White = 0xFFFFFF;
 
@@ -68,8 +68,8 @@ BasicGraphDescription histogram()
 
 TEST(BasicGraphRenderer, TickStepsAndScaleFactors)
 {
-    const std::pair<int, int> cases[] = {{0, 1},    {3, 1},     {4, 1},      {5, 5},      {24, 5},
-                                         {25, 10},  {49, 10},   {50, 20},    {99, 20},    {100, 25},
+    const std::pair<int, int> cases[] = {{0, 1},     {3, 1},     {4, 1},      {5, 5},       {24, 5},
+                                         {25, 10},   {49, 10},   {50, 20},    {99, 20},     {100, 25},
                                          {450, 100}, {999, 200}, {1000, 250}, {4999, 1000}, {49999, 10000}};
     for (const auto &[largest, step] : cases)
         EXPECT_EQ(BasicGraphRenderer::tickStep(largest), step) << largest;
@@ -102,8 +102,9 @@ TEST(BasicGraphRenderer, HistogramMatchesThePictureOfItsLayoutRules)
         const int B = 6, G = 2;
         const int w = (right - left - (G - 1 + B) * gx - 3) / B;
         const int groupWidth = 3 * w + 2 * gx;
-        const int labelRow = fm.boundingRect(QRect(0, 0, groupWidth, 1000), Qt::TextWordWrap | Qt::AlignHCenter,
-                                             QStringLiteral("L")).height();
+        const int labelRow =
+            fm.boundingRect(QRect(0, 0, groupWidth, 1000), Qt::TextWordWrap | Qt::AlignHCenter, QStringLiteral("L"))
+                .height();
         const int legendBlock = (h + gy / 2) + gy / 2; // one run on one line
         const int top = R.top() + h;                   // no title, one run: no marker row
         const int bottom = R.bottom() + 1 - gy - legendBlock - gy - 1 - labelRow - gy;

@@ -313,7 +313,8 @@ TEST_F(GraphCommandsTest, MenuGraphsOpenInPooledWindows)
     }
     EXPECT_EQ(visibleGraphs().size(), 10u);
     EXPECT_EQ(window->windowSlots(SlotTable::BasicGraphs)[0].window->windowTitle(),
-              QStringLiteral("Question Histogram: Q1")) << "the eleventh replaced the oldest";
+              QStringLiteral("Question Histogram: Q1"))
+        << "the eleventh replaced the oldest";
     window->closeDocument();
     EXPECT_TRUE(visibleGraphs().empty()) << "closing the document closes the graphs";
 }
@@ -328,7 +329,8 @@ TEST(QuestionSelectDialogTest, OffersTheOtherOverviewQuestionsThatMaySplit)
                   {{.text = QStringLiteral("a")}});
     ReadResult read = readDocumentBytes(b.toBytes());
     ASSERT_TRUE(read.document);
-    QuestionSelectDialog dialog(*read.document, q, [](qint32 s) { return s != 2; }, true);
+    QuestionSelectDialog dialog(
+        *read.document, q, [](qint32 s) { return s != 2; }, true);
     EXPECT_EQ(dialog.lblQuestionsLabel->text(), QStringLiteral("&Visa R&&D fördelad på:")) << "the & escaped";
     ASSERT_EQ(dialog.lstQuestions->count(), 1); // not itself, not hidden, not gated
     EXPECT_FALSE(dialog.cmdOK->isEnabled());

@@ -73,7 +73,7 @@ TEST(IndexValueAxis, FollowsTheDocumentsMaximumPoints)
         qint32 maxPoints, scale;
         double max;
         int ticks;
-    } cases[] = {{9, 1, 0, 0},   {-1, 10, 0, 0}, {100, 0, 0, 0}, {45, 10, 5, 5}, {100, 100, 1, 5},
+    } cases[] = {{9, 1, 0, 0},   {-1, 10, 0, 0}, {100, 0, 0, 0},   {45, 10, 5, 5}, {100, 100, 1, 5},
                  {30, 10, 3, 6}, {71, 10, 8, 4}, {700, 10, 70, 7}, {95, 10, 10, 0}};
     for (const auto &c : cases) {
         const auto axis = indexValueAxis(c.maxPoints, c.scale);
@@ -134,8 +134,11 @@ TEST_F(ChartGenerators, GroupedDistributionShowsOnlySelectedGroupsOverAllRows)
 {
     SelectionMatrix selection = fullSelection(*doc);
     selection.set(1, 1, false); // Role B is not part of the selection
-    const DistributionGraphRequest request{.mainCategory = 2, .type = DistributionGraphType::GroupedBar,
-                                           .groupByCategory = 1, .inPercent = true, .horizontalBars = true,
+    const DistributionGraphRequest request{.mainCategory = 2,
+                                           .type = DistributionGraphType::GroupedBar,
+                                           .groupByCategory = 1,
+                                           .inPercent = true,
+                                           .horizontalBars = true,
                                            .verticalLabels = true};
     const ChartDescription chart = generateDistributionGraph(*doc, context, selection, request);
     ASSERT_EQ(chart.series.size(), 1u);
@@ -174,8 +177,11 @@ TEST_F(ChartGenerators, OneIndexSplitIntoGroupsBecomesOneSeries)
 
 TEST_F(ChartGenerators, SeveralIndexesSplitIntoGroupsAreOneSeriesPerGroup)
 {
-    IndexGraphRequest request{.block = WorkBlock, .includeSubIndexes = true, .splitQuestion = RoleQ,
-                              .horizontalBars = true, .dataLabels = false};
+    IndexGraphRequest request{.block = WorkBlock,
+                              .includeSubIndexes = true,
+                              .splitQuestion = RoleQ,
+                              .horizontalBars = true,
+                              .dataLabels = false};
     const ChartDescription chart = generateIndexGraph(*doc, context, request);
     ASSERT_EQ(chart.series.size(), 2u);
     EXPECT_EQ(chart.series[0].name, QStringLiteral("A [4]"));

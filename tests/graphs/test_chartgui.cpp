@@ -63,12 +63,19 @@ QStringList chartTexts(QChart *chart, const char *kind)
 
 ChartDescription twoGroupChart()
 {
-    ChartDescription d{.valueAxisTitle = QStringLiteral("Index"), .categoryAxisTitle = QStringLiteral("Everyone [8]"),
-                       .verticalLabels = true, .dataLabels = true, .legendPosition = 0, .valueAxis = {{0, 5, 5}}};
-    d.series = {{QStringLiteral("North [4]"), -1, {{QStringLiteral("Total"), 4.5, QStringLiteral("4.5")},
-                                                   {QStringLiteral("Work"), 0, QString()}}},
-                {QStringLiteral("South [4]"), 0x0000FF, {{QStringLiteral("Total"), 2.5, QStringLiteral("2.5")},
-                                                         {QStringLiteral("Work"), 3, QStringLiteral("3.0")}}}};
+    ChartDescription d{.valueAxisTitle = QStringLiteral("Index"),
+                       .categoryAxisTitle = QStringLiteral("Everyone [8]"),
+                       .verticalLabels = true,
+                       .dataLabels = true,
+                       .legendPosition = 0,
+                       .valueAxis = {{0, 5, 5}}};
+    d.series = {
+        {QStringLiteral("North [4]"),
+         -1,
+         {{QStringLiteral("Total"), 4.5, QStringLiteral("4.5")}, {QStringLiteral("Work"), 0, QString()}}},
+        {QStringLiteral("South [4]"),
+         0x0000FF,
+         {{QStringLiteral("Total"), 2.5, QStringLiteral("2.5")}, {QStringLiteral("Work"), 3, QStringLiteral("3.0")}}}};
     d.indexLines = {{3.5, QStringLiteral("Total index, total (3.5)")}, {2, QString()}};
     return d;
 }
@@ -120,10 +127,12 @@ TEST(ChartBuilder, BarChartCarriesSeriesValuesAxesAndTexts)
 
 TEST(ChartBuilder, PieAndTheThreeDimensionalLook)
 {
-    ChartDescription d{.chartType = ChartType::Pie, .selectionCaption = QStringLiteral("Everyone [8]"),
-                       .legendPosition = 6};
-    d.series = {{QStringLiteral("Site"), -1, {{QStringLiteral("X [1]"), 1, QStringLiteral("1")},
-                                              {QStringLiteral("Y [3]"), 3, QStringLiteral("3")}}}};
+    ChartDescription d{
+        .chartType = ChartType::Pie, .selectionCaption = QStringLiteral("Everyone [8]"), .legendPosition = 6};
+    d.series = {
+        {QStringLiteral("Site"),
+         -1,
+         {{QStringLiteral("X [1]"), 1, QStringLiteral("1")}, {QStringLiteral("Y [3]"), 3, QStringLiteral("3")}}}};
     std::unique_ptr<QChart> flat(buildChart(d));
     auto *pie = qobject_cast<QPieSeries *>(flat->series().value(0));
     ASSERT_TRUE(pie);

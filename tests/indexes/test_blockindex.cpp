@@ -9,7 +9,6 @@ using namespace kel;
 using kel::test::EngineSurvey;
 using kel::test::runs;
 
-
 TEST(ColumnIndex, PoolsAnswersOfAllQuestionsForEveryCellWidth)
 {
     // q0 answered 4 by 30 rows, q1 answered 2 by 10 rows and the unscored
@@ -75,7 +74,7 @@ TEST(BlockIndex, MembershipByRuleAndByItems)
     const Document doc = blockDocument();
     // Blocks and sub-blocks by the questions' numbers; the user block in item
     // order, the non-overview question included; unknown blocks are empty.
-    const std::pair<qint32, QuestionList> cases[] = {{0, {0, 1, 2}}, {1, {0, 1}}, {2, {2}},  {3, {3, 4}},
+    const std::pair<qint32, QuestionList> cases[] = {{0, {0, 1, 2}}, {1, {0, 1}}, {2, {2}}, {3, {3, 4}},
                                                      {4, {5, 0}},    {5, {}},     {-1, {}}};
     for (const auto &[block, members] : cases)
         EXPECT_EQ(blockMembers(doc, block), members) << block;

@@ -47,10 +47,12 @@ TEST(IndexExport, BothOrientationsMaskSmallAndBlankEmptyGroups)
         options.subSelectionsInColumns = columns;
         return exportIndexes(doc, QStringLiteral("Sel"), RowList{0, 1, 2}, options, QLocale::c());
     };
-    EXPECT_EQ(text(true), QStringLiteral("Sel\tUnit: North\tUnit: South\r\nAnswers\t3\t0\r\nTotal\t---\t\r\n"
-                                         "Q2. Q one (full)\t---\t\r\nQ3. Q two (full)\t---\t"));
-    EXPECT_EQ(text(false), QStringLiteral("Sel\tAnswers\tTotal\tQ2. Q one (full)\tQ3. Q two (full)\r\n"
-                                          "Unit: North\t3\t---\t---\t---\r\nUnit: South\t0\t\t\t"));
+    EXPECT_EQ(text(true),
+              QStringLiteral("Sel\tUnit: North\tUnit: South\r\nAnswers\t3\t0\r\nTotal\t---\t\r\n"
+                             "Q2. Q one (full)\t---\t\r\nQ3. Q two (full)\t---\t"));
+    EXPECT_EQ(text(false),
+              QStringLiteral("Sel\tAnswers\tTotal\tQ2. Q one (full)\tQ3. Q two (full)\r\n"
+                             "Unit: North\t3\t---\t---\t---\r\nUnit: South\t0\t\t\t"));
     doc.properties.firstAlternativeIsNoAnswer = true; // North forms no group now
     EXPECT_TRUE(text(false).endsWith(QStringLiteral("(full)\r\nUnit: South\t0\t\t\t")));
 }
@@ -59,12 +61,12 @@ TEST(IndexExport, BlockRunsSubBlocksAndUserBlocks)
 {
     EngineSurvey b;
     const std::vector<qint32> pts{1, 2};
-    b.addBlock("A", true);                       // 0
-    b.addBlock("B", true);                       // 1
-    b.addBlock("A1", true, 0);                   // 2: sub-block of A
-    b.addBlock("Hidden", true);                  // 3: not in copies
-    b.addBlock("NoIndex", true, -1, -1.0);       // 4: no stored index
-    b.addBlock("User", false, -1, -1.0, false);  // 5: listed whatever its index
+    b.addBlock("A", true);                        // 0
+    b.addBlock("B", true);                        // 1
+    b.addBlock("A1", true, 0);                    // 2: sub-block of A
+    b.addBlock("Hidden", true);                   // 3: not in copies
+    b.addBlock("NoIndex", true, -1, -1.0);        // 4: no stored index
+    b.addBlock("User", false, -1, -1.0, false);   // 5: listed whatever its index
     b.addBlock("UserOff", false, -1, 1.0, false); // 6
     b.addQuestion({.heading = "a1", .points = pts, .block = 0, .subBlock = 2});
     b.addQuestion({.heading = "a2", .points = pts, .block = 0, .subBlock = 2});
@@ -99,8 +101,8 @@ TEST(IndexExport, ValuesMatchTheIndexRoutinesOnRandomDocuments)
         b.addBlock("items", false);
         b.addQuestion({.heading = "cat", .points = {-1, -1, -1, -1}, .category = true, .overview = false});
         for (int q = 0; q < 8; ++q)
-            b.addQuestion({.heading = QStringLiteral("q%1").arg(q), .points = {-1, 0, 3, 7}, .inTotal = q != 3,
-                           .block = q % 2});
+            b.addQuestion(
+                {.heading = QStringLiteral("q%1").arg(q), .points = {-1, 0, 3, 7}, .inTotal = q != 3, .block = q % 2});
         b.addBlockItem(2, 1);
         b.addBlockItem(2, 8);
         std::vector<std::vector<qint32>> columns(9, std::vector<qint32>(200));
@@ -123,9 +125,8 @@ TEST(IndexExport, ValuesMatchTheIndexRoutinesOnRandomDocuments)
         for (std::size_t s = 0; s < subs.size(); ++s)
             for (std::size_t i = 0; i < items.size(); ++i) {
                 double expected = items[i].kind == IndexItem::Total ? calculateTotalIndex(doc, subs[s].rows)
-                                  : items[i].kind == IndexItem::Block
-                                      ? calculateBlockIndex(doc, items[i].number, subs[s].rows)
-                                      : calculateColumnsIndex(doc, {items[i].number}, subs[s].rows);
+                    : items[i].kind == IndexItem::Block ? calculateBlockIndex(doc, items[i].number, subs[s].rows)
+                                                        : calculateColumnsIndex(doc, {items[i].number}, subs[s].rows);
                 if (subs[s].rows.empty())
                     expected = NoIndexValue;
                 else if (qint32(subs[s].rows.size()) < 3)

@@ -23,8 +23,8 @@ namespace fs = std::filesystem;
 namespace {
 
 struct Unit {
-    std::string layer, folder; // engine, ..., kelwriter; engine/document, tools/kel, ...
-    bool core = false, noWidgets = false; // QtCore only; no widget, chart or printing header
+    std::string layer, folder;                           // engine, ..., kelwriter; engine/document, tools/kel, ...
+    bool core = false, noWidgets = false;                // QtCore only; no widget, chart or printing header
     std::set<std::string> mayInclude, mayIncludeFolders; // layers; single folders of other layers
 };
 
@@ -42,9 +42,13 @@ bool unitOf(const fs::path &relative, Unit &unit)
     else
         unit.folder = parts.size() > 3 ? parts[1] + "/" + parts[2] : parts[1];
     const std::map<std::string, std::set<std::string>> allowed{
-        {"engine", {"engine"}}, {"texts", {"engine", "texts"}}, {"render", {"engine", "render"}},
-        {"gui", {"engine", "texts", "render", "gui"}}, {"viewer", {"engine", "texts", "render", "gui", "viewer"}},
-        {"kel", {"engine", "texts", "render"}}, {"kelwriter", {"engine"}}};
+        {"engine", {"engine"}},
+        {"texts", {"engine", "texts"}},
+        {"render", {"engine", "render"}},
+        {"gui", {"engine", "texts", "render", "gui"}},
+        {"viewer", {"engine", "texts", "render", "gui", "viewer"}},
+        {"kel", {"engine", "texts", "render"}},
+        {"kelwriter", {"engine"}}};
     const auto it = allowed.find(unit.layer);
     if (it == allowed.end() || (parts[0] == "tools") != (unit.layer.rfind("kel", 0) == 0))
         return false;
@@ -162,7 +166,8 @@ int selfTest(const fs::path &qtRoot)
         {"src/render/draw.h", "#include <QPainter>\n#include <QWidget>\n#include \"engine/overview/a.h\"\n"},
         {"src/gui/shell/window.h", "#include <QWidget>\n#include \"render/draw.h\"\n#include \"texts/words.h\"\n"},
         {"src/viewer/main.cpp", "#include \"gui/shell/window.h\"\n"},
-        {"tools/kel/main.cpp", "#include \"commands.h\"\n#include \"engine/document/document.h\"\n#include \"gui/shell/window.h\"\n"},
+        {"tools/kel/main.cpp",
+         "#include \"commands.h\"\n#include \"engine/document/document.h\"\n#include \"gui/shell/window.h\"\n"},
         {"src/gui/graphs/chart.h", "#include <QChart>\n"},
         {"tools/kel/render.cpp", "#include \"gui/graphs/chart.h\"\n"},
     };
@@ -173,9 +178,11 @@ int selfTest(const fs::path &qtRoot)
     std::sort(found.begin(), found.end());
 
     const std::vector<std::string> expected{
-        "src/engine/indexes/index.h:1: folders include each other: engine/document -> engine/indexes -> engine/document",
+        "src/engine/indexes/index.h:1: folders include each other: engine/document -> engine/indexes -> "
+        "engine/document",
         "src/engine/overview/a.h:2: engine includes <QColor> from QtGui (QtCore only)",
-        "src/engine/settings/c.h:1: folders include each other: engine/overview -> engine/selection -> engine/settings -> engine/overview",
+        "src/engine/settings/c.h:1: folders include each other: engine/overview -> engine/selection -> engine/settings "
+        "-> engine/overview",
         "src/engine/settings/c.h:2: engine includes texts/words.h (layer texts)",
         "src/render/draw.h:2: render includes <QWidget> from QtWidgets",
         "src/texts/words.h:2: texts includes render/draw.h (layer render)",

@@ -30,13 +30,13 @@ SurveyBuilder commentedSurvey()
 {
     SurveyBuilder b(4);
     const QList<AlternativeSpec> yesNo = {{.label = QStringLiteral("Y")}, {.label = QStringLiteral("N")}};
-    b.addQuestion({.code = QStringLiteral("Q1"), .heading = QStringLiteral("First"),
-                   .text = QStringLiteral("First {question}")},
-                  yesNo);
+    b.addQuestion(
+        {.code = QStringLiteral("Q1"), .heading = QStringLiteral("First"), .text = QStringLiteral("First {question}")},
+        yesNo);
     b.addQuestion({.code = QStringLiteral("Q2"), .heading = QStringLiteral("Hidden"), .inOverview = false}, yesNo);
-    b.addQuestion({.code = QStringLiteral("Q3"), .heading = QStringLiteral("Third"),
-                   .text = QStringLiteral("Third question")},
-                  yesNo);
+    b.addQuestion(
+        {.code = QStringLiteral("Q3"), .heading = QStringLiteral("Third"), .text = QStringLiteral("Third question")},
+        yesNo);
     b.setRowComment(0, QStringLiteral("Braces {a} and back\\slash"));
     b.setRowComment(2, QStringLiteral("Line one\r\nLine two"));
     b.setCellComment(0, 2, QStringLiteral("On the third"));
@@ -126,9 +126,18 @@ TEST(RtfText, HostileInputEndsQuietly)
 {
     // Unbalanced, truncated and absurd input: each is read to its end.
     const char *hostile[] = {
-        "{\\rtf1 }}}}}}} text", "{\\rtf1 {{{{{{ text", "{\\rtf1 \\", "{\\rtf1 \\'", "{\\rtf1 \\'4",
-        "{\\rtf1 \\'zz", "{\\rtf1 \\u", "{\\rtf1 \\u-", "{\\rtf1 \\u99999999999999999999 x",
-        "{\\rtf1 \\u-99999999999 x", "{\\rtf1 \\uc999999999\\u65 abc", "{\\rtf1 \\b-",
+        "{\\rtf1 }}}}}}} text",
+        "{\\rtf1 {{{{{{ text",
+        "{\\rtf1 \\",
+        "{\\rtf1 \\'",
+        "{\\rtf1 \\'4",
+        "{\\rtf1 \\'zz",
+        "{\\rtf1 \\u",
+        "{\\rtf1 \\u-",
+        "{\\rtf1 \\u99999999999999999999 x",
+        "{\\rtf1 \\u-99999999999 x",
+        "{\\rtf1 \\uc999999999\\u65 abc",
+        "{\\rtf1 \\b-",
         "{\\rtf1 \\u55357 lone}",
     };
     for (const char *text : hostile) {

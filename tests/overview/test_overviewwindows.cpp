@@ -25,7 +25,8 @@ SurveyBuilder survey(qint32 rows, qint32 columns)
 {
     SurveyBuilder b(rows);
     for (qint32 q = 0; q < columns; ++q)
-        b.addQuestion({.code = QStringLiteral("Q%1").arg(q + 1), .heading = QStringLiteral("Heading %1").arg(q + 1),
+        b.addQuestion({.code = QStringLiteral("Q%1").arg(q + 1),
+                       .heading = QStringLiteral("Heading %1").arg(q + 1),
                        .text = QStringLiteral("Question %1").arg(q + 1)},
                       {{.text = QStringLiteral("Yes"), .colour = rgb(0, 160, 0)},
                        {.text = QStringLiteral("No"), .colour = rgb(200, 0, 0)}});
@@ -67,7 +68,8 @@ TEST_F(OverviewWindowsTest, MiniOverviewsComeFromTenSlots)
     QList<MiniOverviewWindow *> windows;
     for (int i = 0; i < 10; ++i) {
         w->menus().mnuECopyToMiniOverview->trigger();
-        auto *mini = qobject_cast<MiniOverviewWindow *>(w->windowSlots(SlotTable::MiniOverviews)[std::size_t(i)].window);
+        auto *mini =
+            qobject_cast<MiniOverviewWindow *>(w->windowSlots(SlotTable::MiniOverviews)[std::size_t(i)].window);
         ASSERT_NE(mini, nullptr) << i;
         EXPECT_TRUE(!windows.contains(mini) && mini->isVisible());
         windows << mini;
@@ -95,4 +97,3 @@ TEST_F(OverviewWindowsTest, MiniOverviewsComeFromTenSlots)
     for (MiniOverviewWindow *mini : w->findChildren<MiniOverviewWindow *>())
         EXPECT_FALSE(mini->isVisible());
 }
-

@@ -81,14 +81,14 @@ std::string firstDifference(const QImage &actual, const QImage &expected)
 {
     if (actual.size() != expected.size())
         return "size " + std::to_string(actual.width()) + "x" + std::to_string(actual.height()) + " instead of "
-               + std::to_string(expected.width()) + "x" + std::to_string(expected.height());
+            + std::to_string(expected.width()) + "x" + std::to_string(expected.height());
     const QImage a = actual.convertToFormat(QImage::Format_RGB32), e = expected.convertToFormat(QImage::Format_RGB32);
     for (int y = 0; y < a.height(); ++y)
         for (int x = 0; x < a.width(); ++x)
             if (a.pixel(x, y) != e.pixel(x, y))
-                return "pixel (" + std::to_string(x) + ", " + std::to_string(y) + "): "
-                       + QColor(a.pixel(x, y)).name().toStdString() + " instead of "
-                       + QColor(e.pixel(x, y)).name().toStdString();
+                return "pixel (" + std::to_string(x) + ", " + std::to_string(y)
+                    + "): " + QColor(a.pixel(x, y)).name().toStdString() + " instead of "
+                    + QColor(e.pixel(x, y)).name().toStdString();
     return {};
 }
 
@@ -114,11 +114,12 @@ TEST(SheetDrawer, ScreenSheetMatchesTheRules)
     const QImage image = renderSheetImage(inputFor(doc), offsets, 1.0, &g);
     EXPECT_EQ(g.headerLines, 3);
     EXPECT_EQ(g.answerLines, 3);
-    const CellTable cells = withAnswers(HeaderCells, {
-                                                         {Red, Green, Yellow, Cyan},
-                                                         {W, Blue, Purple, W},
-                                                         {Red, Blue, Yellow, W},
-                                                     });
+    const CellTable cells = withAnswers(HeaderCells,
+                                        {
+                                            {Red, Green, Yellow, Cyan},
+                                            {W, Blue, Purple, W},
+                                            {Red, Blue, Yellow, W},
+                                        });
     // Group lines end at column 1 (sub-block edge), 2 and 3 (block edges).
     EXPECT_EQ(firstDifference(image, expectedImage(cells, 16, {1, 2, 3})), "");
 
@@ -166,16 +167,16 @@ TEST(SheetDrawer, DamagedInputDrawsWithoutCrashing)
     doc.questions[1].firstAlternative = 1000; // alternatives out of range
     doc.questions[3].block = 99;              // no such block
     SheetInput input = inputFor(doc);
-    input.columns.push_back(77);     // no such question
-    input.rows.push_back(12345);     // no such row
+    input.columns.push_back(77); // no such question
+    input.rows.push_back(12345); // no such row
     input.columnRowOffsets = {-3, 1 << 30};
     SheetTextOffsets offsets;
     const QImage image = renderSheetImage(input, offsets);
     EXPECT_FALSE(image.isNull());
     EXPECT_EQ(image.width(), 5 * 16);
     // Cells that cannot be drawn show the background, not stale memory.
-    EXPECT_EQ(QColor(image.pixel(4 * 16 + 8, 3 * 16 + 8)), c(W));      // no such question
-    EXPECT_EQ(QColor(image.pixel(1 * 16 + 8, 3 * 16 + 8)), c(W));      // no alternatives
+    EXPECT_EQ(QColor(image.pixel(4 * 16 + 8, 3 * 16 + 8)), c(W));       // no such question
+    EXPECT_EQ(QColor(image.pixel(1 * 16 + 8, 3 * 16 + 8)), c(W));       // no alternatives
     EXPECT_EQ(QColor(image.pixel(2 * 16 + 8, (3 + 3) * 16 + 8)), c(W)); // no such row
 
     // The picture's index lines sum points over the same damaged lists.

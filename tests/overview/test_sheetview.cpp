@@ -22,8 +22,12 @@ Document viewDocument()
 {
     std::vector<test::SheetQuestion> questions;
     for (int q = 0; q < 20; ++q)
-        questions.push_back({QStringLiteral("Q%1").arg(q), q < 10 ? 0 : 1, -1, 0x808080,
-                             {{QStringLiteral("a"), 0x0000FF}, {QStringLiteral("b"), 0x00FF00}, {QStringLiteral("c"), 0xFF0000}}});
+        questions.push_back(
+            {QStringLiteral("Q%1").arg(q),
+             q < 10 ? 0 : 1,
+             -1,
+             0x808080,
+             {{QStringLiteral("a"), 0x0000FF}, {QStringLiteral("b"), 0x00FF00}, {QStringLiteral("c"), 0xFF0000}}});
     std::vector<std::vector<qint32>> answers(40, std::vector<qint32>(20));
     for (int r = 0; r < 40; ++r)
         for (int q = 0; q < 20; ++q)
@@ -108,5 +112,3 @@ TEST_F(SheetViewTest, RightClickRequestsThePopupOnlyOnTheSheet)
     EXPECT_EQ(view.popupRow(), 2);
     EXPECT_EQ(view.popupQuestion(), 5);
 }
-
-

@@ -18,8 +18,13 @@ Document sheetDocument(qint32 rows = 20)
     EngineSurvey b;
     b.properties().minimumGraphSelection = 3;
     b.properties().minimumSelection = 5;
-    b.addQuestion({.heading = "Unit", .points = {-1, -1, -1}, .category = true, .overview = false, .flex = true,
-                   .inTotal = false, .countsForPrivacy = {true, true, true}});
+    b.addQuestion({.heading = "Unit",
+                   .points = {-1, -1, -1},
+                   .category = true,
+                   .overview = false,
+                   .flex = true,
+                   .inTotal = false,
+                   .countsForPrivacy = {true, true, true}});
     b.addQuestion({.heading = "Age", .points = {-1, -1}, .category = true, .overview = false, .inTotal = false});
     b.addQuestion({.heading = "Score", .points = {0, 1, 2, 3, 4}});
     b.addQuestion({.heading = "Other", .points = {0, 1}});
@@ -108,4 +113,3 @@ TEST(SubSheet, SelectionTextAndDifferenceFromTheFlexTotal)
     selection.set(0, 2, false);
     EXPECT_EQ(selectionSteps(doc, selection, flex).selectionText, QStringLiteral("Unit s1"));
 }
-

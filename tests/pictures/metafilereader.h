@@ -12,13 +12,25 @@
 
 namespace kel::test {
 
-inline quint32 u32At(const QByteArray &b, qsizetype at) { return qFromLittleEndian<quint32>(b.constData() + at); }
-inline qint32 i32At(const QByteArray &b, qsizetype at) { return qFromLittleEndian<qint32>(b.constData() + at); }
-inline quint16 u16At(const QByteArray &b, qsizetype at) { return qFromLittleEndian<quint16>(b.constData() + at); }
-inline qint16 i16At(const QByteArray &b, qsizetype at) { return qFromLittleEndian<qint16>(b.constData() + at); }
+inline quint32 u32At(const QByteArray &b, qsizetype at)
+{
+    return qFromLittleEndian<quint32>(b.constData() + at);
+}
+inline qint32 i32At(const QByteArray &b, qsizetype at)
+{
+    return qFromLittleEndian<qint32>(b.constData() + at);
+}
+inline quint16 u16At(const QByteArray &b, qsizetype at)
+{
+    return qFromLittleEndian<quint16>(b.constData() + at);
+}
+inline qint16 i16At(const QByteArray &b, qsizetype at)
+{
+    return qFromLittleEndian<qint16>(b.constData() + at);
+}
 
 struct MetaRecord {
-    quint32 type = 0;   ///< EMF record type, or WMF function number
+    quint32 type = 0; ///< EMF record type, or WMF function number
     qsizetype offset = 0;
     qsizetype size = 0; ///< bytes
 };
@@ -46,8 +58,14 @@ inline std::vector<MetaRecord> metaRecords(const QByteArray &file, bool wmf, boo
     }
     return records;
 }
-inline std::vector<MetaRecord> emfRecords(const QByteArray &file, bool *ok) { return metaRecords(file, false, ok); }
-inline std::vector<MetaRecord> wmfRecords(const QByteArray &file, bool *ok) { return metaRecords(file, true, ok); }
+inline std::vector<MetaRecord> emfRecords(const QByteArray &file, bool *ok)
+{
+    return metaRecords(file, false, ok);
+}
+inline std::vector<MetaRecord> wmfRecords(const QByteArray &file, bool *ok)
+{
+    return metaRecords(file, true, ok);
+}
 
 /// The UTF-16 string of an EMR_EXTTEXTOUTW record.
 inline QString emfText(const QByteArray &file, const MetaRecord &r)

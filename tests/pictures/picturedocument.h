@@ -32,8 +32,11 @@ inline SurveyBuilder pictureSurvey(qint32 rows)
     h.statusPanel2Tip = b.text(QStringLiteral("Respondents"));
     h.statusPanel3Tip = b.text(QStringLiteral("Selection"));
     h.totalText = b.text(QStringLiteral("Everyone"));
-    const qint32 unit = b.addQuestion({.code = QStringLiteral("U"), .heading = QStringLiteral("Unit"),
-                                       .isCategory = true, .inOverview = false, .inTotalIndex = false},
+    const qint32 unit = b.addQuestion({.code = QStringLiteral("U"),
+                                       .heading = QStringLiteral("Unit"),
+                                       .isCategory = true,
+                                       .inOverview = false,
+                                       .inTotalIndex = false},
                                       {{.text = QStringLiteral("North"), .label = QStringLiteral("N")},
                                        {.text = QStringLiteral("South"), .label = QStringLiteral("S")}});
     for (qint32 r = 0; r < rows; ++r)
@@ -44,8 +47,11 @@ inline SurveyBuilder pictureSurvey(qint32 rows)
     const char *const words[] = {"Agree", "Neutral", "Disagree"};
     const qint32 colours[] = {rgb(0, 160, 0), rgb(240, 240, 0), rgb(220, 0, 0)};
     for (qint32 a = 0; a < 3; ++a)
-        scale.push_back({.text = QString::fromLatin1(words[a]), .points = 2 - a, .colour = colours[a],
-                         .label = QString::number(a + 1), .shortText = QString::fromLatin1(words[a])});
+        scale.push_back({.text = QString::fromLatin1(words[a]),
+                         .points = 2 - a,
+                         .colour = colours[a],
+                         .label = QString::number(a + 1),
+                         .shortText = QString::fromLatin1(words[a])});
     const struct {
         const char *code, *heading, *text;
         qint32 block;
@@ -55,8 +61,10 @@ inline SurveyBuilder pictureSurvey(qint32 rows)
                      {"B1", "Salary", "My pay is fair", pay}};
     qint32 q0 = -1;
     for (const auto &q : questions) {
-        const QuestionSpec spec{.code = QString::fromLatin1(q.code), .heading = QString::fromLatin1(q.heading),
-                                .text = QString::fromLatin1(q.text), .block = q.block};
+        const QuestionSpec spec{.code = QString::fromLatin1(q.code),
+                                .heading = QString::fromLatin1(q.heading),
+                                .text = QString::fromLatin1(q.text),
+                                .block = q.block};
         q0 = q0 < 0 ? b.addQuestion(spec, scale) : (b.addQuestionLike(spec, q0), q0);
     }
     for (qint32 q = 1; q <= 4; ++q)

@@ -45,10 +45,14 @@ TEST_F(KelRender, OverviewInEveryFormatGraphsAndSelections)
     const struct {
         const char *suffix;
         QByteArray start;
-    } formats[] = {{"emf", QByteArray::fromHex("01000000")}, {"wmf", QByteArray::fromHex("D7CDC69A")},
-                   {"png", QByteArray("\x89PNG")},            {"bmp", QByteArray("BM")},
-                   {"jpg", QByteArray::fromHex("FFD8")},      {"gif", QByteArray("GIF8")},
-                   {"svg", QByteArray("<?xml")},              {"pdf", QByteArray("%PDF")}};
+    } formats[] = {{"emf", QByteArray::fromHex("01000000")},
+                   {"wmf", QByteArray::fromHex("D7CDC69A")},
+                   {"png", QByteArray("\x89PNG")},
+                   {"bmp", QByteArray("BM")},
+                   {"jpg", QByteArray::fromHex("FFD8")},
+                   {"gif", QByteArray("GIF8")},
+                   {"svg", QByteArray("<?xml")},
+                   {"pdf", QByteArray("%PDF")}};
     for (const auto &f : formats) {
         const QString path = out(QStringLiteral("overview.") + QLatin1String(f.suffix));
         EXPECT_EQ(render("overview", path), 0) << f.suffix << mRun.err.toStdString();
@@ -77,8 +81,8 @@ TEST_F(KelRender, AHistogramTooWideForItsWindowIsNotWrittenEmpty)
     const qint32 block = b.addBlock({.code = QStringLiteral("W"), .name = QStringLiteral("Wide")});
     for (qint32 q = 0; q < 16; ++q) {
         const QuestionSpec spec{.code = QStringLiteral("Q%1").arg(q), .block = block};
-        const qint32 added = q == 0 ? b.addQuestion(spec, {{.points = 0}, {.points = 1}, {.points = 2}})
-                                    : b.addQuestionLike(spec, 0);
+        const qint32 added =
+            q == 0 ? b.addQuestion(spec, {{.points = 0}, {.points = 1}, {.points = 2}}) : b.addQuestionLike(spec, 0);
         for (qint32 r = 0; r < 6; ++r)
             b.setAnswer(r, added, r % 3);
     }
@@ -102,8 +106,8 @@ TEST_F(KelRender, RefusalsWriteNothing)
         EXPECT_FALSE(mRun.err.isEmpty());
         EXPECT_TRUE(mRun.out.isEmpty());
     }
-    for (const char *bad : {"overview --mode 4", "graph", "graph pie", "graph ranking --block 9",
-                            "graph fraction --block 0 --mode 2"}) {
+    for (const char *bad :
+         {"overview --mode 4", "graph", "graph pie", "graph ranking --block 9", "graph fraction --block 0 --mode 2"}) {
         EXPECT_EQ(render(bad, path), 64) << bad;
         EXPECT_TRUE(mRun.err.contains("usage")) << mRun.err.toStdString();
     }
@@ -118,7 +122,7 @@ TEST_F(KelRender, BatchDrawsPicturesBetweenOtherLines)
 {
     const QString png = out(QStringLiteral("b.png")), emf = out(QStringLiteral("b.emf"));
     const QByteArray lines = "select --max-rows 0\nrender overview -o " + png.toUtf8()
-                             + "\nrender graph fraction --block 0 -o " + emf.toUtf8() + "\nindexes --total --items total\n";
+        + "\nrender graph fraction --block 0 -o " + emf.toUtf8() + "\nindexes --total --items total\n";
     const KelRun run = runKel(QStringList{QStringLiteral("batch"), mFile}, lines);
     ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
     const QList<QByteArray> answers = run.out.trimmed().split('\n');

@@ -67,7 +67,8 @@ TEST(OverviewPicture, HeadersTotalsAndMetafileTexts)
     ASSERT_TRUE(ok);
     // Block codes, and the last block's name shortened to its run.
     for (const char *code : {"A0", "A1", "A2", "B1", "W", "Pa", "Everyone"})
-        EXPECT_TRUE(texts.contains(QString::fromLatin1(code))) << code << " in " << texts.join(QLatin1Char('|')).toStdString();
+        EXPECT_TRUE(texts.contains(QString::fromLatin1(code)))
+            << code << " in " << texts.join(QLatin1Char('|')).toStdString();
     // Every answer cell is a filled rectangle with its label.
     EXPECT_GE(rectangles, 200 * 4);
     EXPECT_GE(texts.count(QStringLiteral("2")), 200 * 4 / 3);

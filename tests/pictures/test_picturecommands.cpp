@@ -35,13 +35,15 @@ TEST(SaveAndPrintRules, FiltersFormatSettingFolderAndMargins)
     SaveChoice c = resolveSaveChoice(overview, QStringLiteral("/p/report"), overview[1].description, false);
     EXPECT_TRUE(c.path == QStringLiteral("/p/report.wmf") && c.format == PictureFormat::Wmf && c.settingValue == 2);
     // No recognisable type: nothing to write.
-    EXPECT_FALSE(resolveSaveChoice(overview, QStringLiteral("/p/r.emf"), QStringLiteral("All files (*)"), false).format);
+    EXPECT_FALSE(
+        resolveSaveChoice(overview, QStringLiteral("/p/r.emf"), QStringLiteral("All files (*)"), false).format);
     // For charts the extension decides over the filter.
     c = resolveSaveChoice(chart, QStringLiteral("/p/r.gif"), chart[0].description, true);
     EXPECT_TRUE(c.format == PictureFormat::Gif && c.settingValue == 6);
     // A folder that is gone gives way to the next.
     QTemporaryDir dir;
-    EXPECT_EQ(pictureSaveFolder(dir.filePath(QStringLiteral("gone")), QStringLiteral("/p"), QString()), QStringLiteral("/p"));
+    EXPECT_EQ(pictureSaveFolder(dir.filePath(QStringLiteral("gone")), QStringLiteral("/p"), QString()),
+              QStringLiteral("/p"));
 
     // Print format margins in their units; nonsense is refused.
     const MarginUnit mm = marginUnit(QLocale::MetricSystem, true);
@@ -110,7 +112,8 @@ TEST(OverviewCommands, CopyAndSaveFromTheMenus)
     const QImage copied = QImage::fromData(QApplication::clipboard()->mimeData()->data(QStringLiteral("image/png")));
     EXPECT_EQ(copied.width(), 4 * 32);
     m.mnuECopyHeadersAndTotals->trigger();
-    EXPECT_EQ(copied.height() - QImage::fromData(QApplication::clipboard()->mimeData()->data(QStringLiteral("image/png"))).height(),
+    EXPECT_EQ(copied.height()
+                  - QImage::fromData(QApplication::clipboard()->mimeData()->data(QStringLiteral("image/png"))).height(),
               12 * 32);
 
     // Save As writes the type the dialog's filter names.

@@ -158,18 +158,26 @@ TEST(Metafiles, PensAndClipsAgreeInBothFormats)
         QStringList list;
         const auto records = wmf ? wmfRecords(file, &ok) : emfRecords(file, &ok);
         EXPECT_TRUE(ok);
-        const auto i = [&](const MetaRecord &r, int at) { return wmf ? i16At(file, r.offset + at) : i32At(file, r.offset + at); };
+        const auto i = [&](const MetaRecord &r, int at) {
+            return wmf ? i16At(file, r.offset + at) : i32At(file, r.offset + at);
+        };
         for (const MetaRecord &r : records) {
-            const std::array<quint32, 6> codes = wmf ? std::array<quint32, 6>{0x02FA, 0x001E, 0x0416, 0x0127, 0x012D, 0x041B}
-                                                     : std::array<quint32, 6>{38, 33, 30, 34, 37, 43};
+            const std::array<quint32, 6> codes = wmf
+                ? std::array<quint32, 6>{0x02FA, 0x001E, 0x0416, 0x0127, 0x012D, 0x041B}
+                : std::array<quint32, 6>{38, 33, 30, 34, 37, 43};
             if (r.type == codes[0]) // CREATEPEN: style, width
                 list << (wmf ? QStringLiteral("pen %1/%2").arg(u16At(file, r.offset + 6)).arg(i(r, 8))
                              : QStringLiteral("pen %1/%2").arg(u32At(file, r.offset + 12)).arg(i(r, 16)));
             else if (r.type == codes[2]) // EMF left, top, right, bottom; WMF bottom, right, top, left
                 list << (wmf ? QStringLiteral("clip %1,%2,%3,%4").arg(i(r, 12)).arg(i(r, 10)).arg(i(r, 8)).arg(i(r, 6))
-                             : QStringLiteral("clip %1,%2,%3,%4").arg(i(r, 8)).arg(i(r, 12)).arg(i(r, 16)).arg(i(r, 20)));
+                             : QStringLiteral("clip %1,%2,%3,%4")
+                                   .arg(i(r, 8))
+                                   .arg(i(r, 12))
+                                   .arg(i(r, 16))
+                                   .arg(i(r, 20)));
             else if (const auto *word = std::find(codes.begin(), codes.end(), r.type); word != codes.end())
-                list << QString::fromLatin1(std::array{"", "save", "", "restore", "select", "rect"}[word - codes.begin()]);
+                list << QString::fromLatin1(
+                    std::array{"", "save", "", "restore", "select", "rect"}[word - codes.begin()]);
         }
         return list;
     };
@@ -185,8 +193,8 @@ TEST(Metafiles, PensAndClipsAgreeInBothFormats)
 
 TEST(PictureFiles, OtherFormatsReadBackWithTheirColours)
 {
-    for (PictureFormat format : {PictureFormat::Png, PictureFormat::Bmp, PictureFormat::Jpg, PictureFormat::Gif,
-                                 PictureFormat::Svg}) {
+    for (PictureFormat format :
+         {PictureFormat::Png, PictureFormat::Bmp, PictureFormat::Jpg, PictureFormat::Gif, PictureFormat::Svg}) {
         SCOPED_TRACE(pictureFormatSuffix(format).toStdString());
         QImage image(240, 120, QImage::Format_ARGB32);
         if (format == PictureFormat::Svg) {
@@ -240,8 +248,8 @@ TEST(MetafilesElsewhere, IndependentReadersOpenThem)
     const QString fromEmf = dir.filePath(QStringLiteral("emf.svg")), fromWmf = dir.filePath(QStringLiteral("wmf.svg"));
     ASSERT_TRUE(writePicture(samplePicture(), PictureFormat::Emf, emfPath)
                 && writePicture(samplePicture(), PictureFormat::Wmf, wmfPath));
-    const QByteArray svg1 = convertWith(emf2svg, {QStringLiteral("-i"), emfPath, QStringLiteral("-o"), fromEmf},
-                                        fromEmf);
+    const QByteArray svg1 =
+        convertWith(emf2svg, {QStringLiteral("-i"), emfPath, QStringLiteral("-o"), fromEmf}, fromEmf);
     // libwmf copies the metafile's ANSI text bytes into its UTF-8 output as
     // they are.
     const QByteArray svg2 =

@@ -79,7 +79,7 @@ TEST(CountOptions, CountsWhatEachOptionWouldLeave)
     selected.set(0, 2, false); // Unit: not option 2
     selected.set(1, 0, false); // Age: only option 1
     CountMatrix found = countMatrixFor(doc);
-    found.row(0)[0] = 100; // incremented, never cleared
+    found.row(0)[0] = 100;                            // incremented, never cleared
     EXPECT_EQ(countOptions(doc, selected, found), 2); // rows 3 and 4
     // Unit options among rows with Age 1: rows 2 (2), 3 (1), 4 (0); Age
     // options among rows with Unit 0 or 1: rows 0, 1 (0); 3, 4 (1).
@@ -98,7 +98,9 @@ Document navigatorDocument(bool firstIsNoAnswer)
     b.properties().firstAlternativeIsNoAnswer = firstIsNoAnswer;
     b.properties().minimumComplementSelection = 3;
     b.properties().minimumGraphSelection = 2;
-    b.addQuestion({.heading = "Unit", .points = {-1, -1, -1, -1}, .category = true,
+    b.addQuestion({.heading = "Unit",
+                   .points = {-1, -1, -1, -1},
+                   .category = true,
                    .complementCheck = {false, true, true, true}});
     b.addQuestion({.heading = "Role", .points = {-1, -1, -1}, .category = true, .flex = true});
     b.addQuestion({.heading = "Score", .points = {0, 1, 2, 3, 4}});
@@ -130,7 +132,6 @@ TEST(SelectionModel, NoAnswerOptionAlwaysMatches)
     model.setCategoryChecked(0, false);
     EXPECT_EQ(model.recount(plain).count, 0);
     EXPECT_FALSE(model.showEnabled());
-
 }
 
 TEST(SelectionModel, ShadingAndBlocking)

@@ -73,7 +73,9 @@ qint32 EngineSurvey::addBlock(const QString &name, bool memberRule, qint32 linke
         return fileBlocks + qint32(mUserBlocks.size()) - 1;
     }
     EXPECT_TRUE(mUserBlocks.empty()) << "a user-defined block comes after the document's blocks";
-    mBuilder.addBlock({.code = QStringLiteral("B%1").arg(fileBlocks + 1), .name = name, .linkedBlock = linkedBlock,
+    mBuilder.addBlock({.code = QStringLiteral("B%1").arg(fileBlocks + 1),
+                       .name = name,
+                       .linkedBlock = linkedBlock,
                        .memberRule = memberRule});
     mBlockTotals.push_back(totalIndex);
     return fileBlocks;
@@ -120,10 +122,14 @@ Document sheetSurvey(const std::vector<SheetQuestion> &questions, const std::vec
     for (const SheetQuestion &sq : questions) {
         QList<AlternativeSpec> alternatives;
         for (const SheetAlternative &sa : sq.alternatives)
-            alternatives << AlternativeSpec{.text = sa.label, .points = sa.points, .colour = sa.colour,
-                                            .label = sa.label};
-        b.addQuestion({.code = sq.code, .heading = sq.code, .block = sq.block, .subBlock = sq.subBlock,
-                       .sheetColour = sq.colour, .graphFlags = sq.graphFlags},
+            alternatives << AlternativeSpec{
+                .text = sa.label, .points = sa.points, .colour = sa.colour, .label = sa.label};
+        b.addQuestion({.code = sq.code,
+                       .heading = sq.code,
+                       .block = sq.block,
+                       .subBlock = sq.subBlock,
+                       .sheetColour = sq.colour,
+                       .graphFlags = sq.graphFlags},
                       alternatives);
     }
     for (std::size_t r = 0; r < answers.size(); ++r)
@@ -151,8 +157,11 @@ std::unique_ptr<Document> shellSurvey(const ShellSurveyOptions &recipe)
     for (qint32 r = 0; r < recipe.rows; ++r)
         b.setAnswer(r, q, r % 2);
     for (const QString &heading : recipe.categoryHeadings)
-        b.addQuestion({.code = QStringLiteral("Q%1").arg(b.file().questions.size() + 1), .heading = heading,
-                       .isCategory = true, .inOverview = false, .inTotalIndex = false},
+        b.addQuestion({.code = QStringLiteral("Q%1").arg(b.file().questions.size() + 1),
+                       .heading = heading,
+                       .isCategory = true,
+                       .inOverview = false,
+                       .inTotalIndex = false},
                       {{.text = QStringLiteral("No")}, {.text = QStringLiteral("Yes")}});
     if (recipe.rowComments)
         b.setRowComment(0, QStringLiteral("A comment"));
@@ -175,28 +184,31 @@ QByteArray navigatorSurveyBytes(const NavigatorSurveyOptions &o)
     h.indexLineTexts = {b.text(QStringLiteral("Respondent")), b.text(QStringLiteral("Question")),
                         o.subBlockLabel ? b.text(QStringLiteral("Sub-block")) : -1, b.text(QStringLiteral("Block")),
                         b.text(QStringLiteral("All questions"))};
-    const qint32 unit = b.addQuestion({.code = QStringLiteral("U"), .heading = QStringLiteral("Unit"),
-                                       .selectionLabel = QStringLiteral("Unit"), .isCategory = true,
-                                       .inOverview = false, .inTotalIndex = false,
-                                       .isFlexCategory = o.flexCategory && o.flexOnUnit},
-                                      {{.text = QStringLiteral("No answer")},
-                                       {.text = QStringLiteral("North"), .shortText = QStringLiteral("N"),
-                                        .complementCheck = true},
-                                       {.text = QStringLiteral("South"), .shortText = QStringLiteral("S"),
-                                        .complementCheck = true},
-                                       {.text = QStringLiteral("East"), .shortText = QStringLiteral("E"),
-                                        .complementCheck = true}});
-    const qint32 role = b.addQuestion({.code = QStringLiteral("R"), .heading = QStringLiteral("Role"),
-                                       .selectionLabel = QStringLiteral("Role"), .isCategory = true,
-                                       .inOverview = false, .inTotalIndex = false,
-                                       .isFlexCategory = o.flexCategory && !o.flexOnUnit},
-                                      {{.text = QStringLiteral("No answer")},
-                                       {.text = QStringLiteral("Staff")},
-                                       {.text = QStringLiteral("Boss")}});
+    const qint32 unit =
+        b.addQuestion({.code = QStringLiteral("U"),
+                       .heading = QStringLiteral("Unit"),
+                       .selectionLabel = QStringLiteral("Unit"),
+                       .isCategory = true,
+                       .inOverview = false,
+                       .inTotalIndex = false,
+                       .isFlexCategory = o.flexCategory && o.flexOnUnit},
+                      {{.text = QStringLiteral("No answer")},
+                       {.text = QStringLiteral("North"), .shortText = QStringLiteral("N"), .complementCheck = true},
+                       {.text = QStringLiteral("South"), .shortText = QStringLiteral("S"), .complementCheck = true},
+                       {.text = QStringLiteral("East"), .shortText = QStringLiteral("E"), .complementCheck = true}});
+    const qint32 role = b.addQuestion(
+        {.code = QStringLiteral("R"),
+         .heading = QStringLiteral("Role"),
+         .selectionLabel = QStringLiteral("Role"),
+         .isCategory = true,
+         .inOverview = false,
+         .inTotalIndex = false,
+         .isFlexCategory = o.flexCategory && !o.flexOnUnit},
+        {{.text = QStringLiteral("No answer")}, {.text = QStringLiteral("Staff")}, {.text = QStringLiteral("Boss")}});
     const qint32 block = b.addBlock({.code = QStringLiteral("B"), .name = QStringLiteral("Work")});
-    const qint32 q = b.addQuestion({.code = QStringLiteral("1"), .heading = QStringLiteral("Mood"), .block = block},
-                                   {{.text = QStringLiteral("Bad"), .points = 0},
-                                    {.text = QStringLiteral("Good"), .points = o.pointsScale}});
+    const qint32 q = b.addQuestion(
+        {.code = QStringLiteral("1"), .heading = QStringLiteral("Mood"), .block = block},
+        {{.text = QStringLiteral("Bad"), .points = 0}, {.text = QStringLiteral("Good"), .points = o.pointsScale}});
     for (qint32 r = 0; r < b.rowCount(); ++r) {
         b.setAnswer(r, unit, r < 10 ? 1 : r < 18 ? 2 : r == 18 ? 3 : 0);
         b.setAnswer(r, role, r % 2 == 0 || r >= 20 ? 1 : 2);

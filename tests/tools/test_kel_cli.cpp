@@ -74,10 +74,17 @@ TEST_F(KelCli, CheckAndDumpExitWithTheResultCodeAndItsMessage)
 TEST_F(KelCli, BadCommandLinesAreUsageErrors)
 {
     const QString path = write(richSurvey().toBytes());
-    const QList<QStringList> nonsense = {
-        {}, words("frobnicate"), words("check"), kelArgs("check", path, "--lang de"), words("dump"),
-        QStringList{QStringLiteral("dump"), path, path}, words("select"), kelArgs("select", path, "--select 9:0"),
-        kelArgs("indexes", path, "--items total"), words("batch"), kelArgs("batch", path, "--bogus")};
+    const QList<QStringList> nonsense = {{},
+                                         words("frobnicate"),
+                                         words("check"),
+                                         kelArgs("check", path, "--lang de"),
+                                         words("dump"),
+                                         QStringList{QStringLiteral("dump"), path, path},
+                                         words("select"),
+                                         kelArgs("select", path, "--select 9:0"),
+                                         kelArgs("indexes", path, "--items total"),
+                                         words("batch"),
+                                         kelArgs("batch", path, "--bogus")};
     for (const QStringList &args : nonsense) {
         SCOPED_TRACE(args.join(QLatin1Char(' ')).toStdString());
         const KelRun r = runKel(args);
@@ -93,7 +100,8 @@ TEST_F(KelCli, DumpHoldsTheWholeDocument)
     b.setComputeIndexes(false);
     KelFile f = b.build();
     // Values that only a shortest round-trip form gives back exactly.
-    f.header.created = 0.1 + 0.2; f.header.totalIndex = -1.0;
+    f.header.created = 0.1 + 0.2;
+    f.header.totalIndex = -1.0;
     f.questions[2].totalIndex = 1.0 / 3.0;
     const QString path = write(f.toBytes());
     const kel::ReadResult read = kel::readDocumentFile(path);
@@ -103,9 +111,10 @@ TEST_F(KelCli, DumpHoldsTheWholeDocument)
     const KelRun r = runKel(kelArgs("dump", path));
     const QJsonObject o = jsonOf(r);
 
-    EXPECT_EQ(o.keys(), words("alternatives answers blockItems blocks categories cellComments cellType columnCount "
-                              "compatibleRevision flexCategory guid maxCategoryAlternatives overviewColumns properties "
-                              "questions revision rowComments rowCount textCount upgradeWarning"));
+    EXPECT_EQ(o.keys(),
+              words("alternatives answers blockItems blocks categories cellComments cellType columnCount "
+                    "compatibleRevision flexCategory guid maxCategoryAlternatives overviewColumns properties "
+                    "questions revision rowComments rowCount textCount upgradeWarning"));
     EXPECT_EQ(o[QLatin1String("textCount")].toInt(), d.textPool.size());
 
     EXPECT_EQ(jsonAt(o, "properties").toObject().size(), 35);

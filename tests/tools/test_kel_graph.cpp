@@ -23,9 +23,12 @@ protected:
     {
         SurveyBuilder b(12);
         HeaderFields &h = b.header();
-        h.pointsScale = 10; h.minimumGraphSelection = 3; h.minimumSelection = 3;
+        h.pointsScale = 10;
+        h.minimumGraphSelection = 3;
+        h.minimumSelection = 3;
         h.totalText = b.text(QStringLiteral("Everyone"));
-        h.selectionTooSmallText = b.text(QStringLiteral("Too few.")); h.language = b.text(QStringLiteral("sv"));
+        h.selectionTooSmallText = b.text(QStringLiteral("Too few."));
+        h.language = b.text(QStringLiteral("sv"));
         const qint32 block = b.addBlock({.name = QStringLiteral("Work")});
         b.addBlock({.name = QStringLiteral("Empty")});
         b.addQuestion({.heading = QStringLiteral("Unit"), .isCategory = true, .inOverview = false},
@@ -35,7 +38,9 @@ protected:
         b.addQuestion({.heading = QStringLiteral("Role"), .isCategory = true, .inOverview = false},
                       {{.text = QStringLiteral("A"), .shortText = QStringLiteral("a")},
                        {.text = QStringLiteral("B"), .shortText = QStringLiteral("b")}});
-        b.addQuestion({.code = QStringLiteral("Q"), .heading = QStringLiteral("Load"), .text = QStringLiteral("Is it?"),
+        b.addQuestion({.code = QStringLiteral("Q"),
+                       .heading = QStringLiteral("Load"),
+                       .text = QStringLiteral("Is it?"),
                        .block = block},
                       {{.text = QStringLiteral("low"), .points = 0, .colour = rgb(255, 0, 0)},
                        {.text = QStringLiteral("high"), .points = 20, .colour = rgb(0, 0, 255), .graphAttribute = 1}});
@@ -58,16 +63,25 @@ protected:
 TEST_F(KelGraph, HistogramFractionAndSplitDescriptions)
 {
     expectJson(jsonOf(graph("histogram --question 2")),
-               {{"caption", "Frågehistogram: Load"}, {"selectionText", "Everyone [12]"}, {"bars.0.count", "7"},
-                {"bars.0.perMille", "583"}, {"bars.0.percentText", "58"}, {"bars.0.colour", "16711680"},
-                {"bars.2.count", ""}, {"groups.0.label", "Q (1.2) Is it?"}, {"totalText", ""}});
+               {{"caption", "Frågehistogram: Load"},
+                {"selectionText", "Everyone [12]"},
+                {"bars.0.count", "7"},
+                {"bars.0.perMille", "583"},
+                {"bars.0.percentText", "58"},
+                {"bars.0.colour", "16711680"},
+                {"bars.2.count", ""},
+                {"groups.0.label", "Q (1.2) Is it?"},
+                {"totalText", ""}});
     const QJsonObject block = jsonOf(graph("--select 0:0 fraction --block 0"));
     expectJson(block, {{"caption", "Blockgraf: Work"}, {"groups.0.label", "Q (1.3 / 1.2) Is it?"}});
     EXPECT_TRUE(jsonAt(block, "selectionText").toString().endsWith(QStringLiteral("[6] / Everyone [12]")));
     // Reversed: low (0 points) before high.
     expectJson(jsonOf(graph("--short-names --reversed histogram --question 2 --split 1")),
-               {{"title", "Load fördelad på Role"}, {"groups.0.label", "a (1.3) [6]"}, {"groups.2.label", ""},
-                {"totalText", "Totalt: 1.2"}, {"legends.0.text", "low"}});
+               {{"title", "Load fördelad på Role"},
+                {"groups.0.label", "a (1.3) [6]"},
+                {"groups.2.label", ""},
+                {"totalText", "Totalt: 1.2"},
+                {"legends.0.text", "low"}});
 }
 
 TEST_F(KelGraph, RefusalsAndUsage)
@@ -95,9 +109,11 @@ TEST_F(KelGraph, RefusalsAndUsage)
 TEST(KelGraphSample, SplitGroupsMatchTheSelectionCounts)
 {
     // The split graph's group sizes are the counts `kel select` finds.
-    const QJsonArray found = jsonAt(jsonOf(runKel(kelArgs("select", QStringLiteral(KEL_SAMPLE), "--max-rows 0"))), "found.2").toArray();
-    const QJsonArray groups =
-        jsonOf(runKel(kelArgs("graph", QStringLiteral(KEL_SAMPLE), "fraction --question 45 --split 2")))[QStringLiteral("groups")].toArray();
+    const QJsonArray found =
+        jsonAt(jsonOf(runKel(kelArgs("select", QStringLiteral(KEL_SAMPLE), "--max-rows 0"))), "found.2").toArray();
+    const QJsonArray groups = jsonOf(runKel(
+        kelArgs("graph", QStringLiteral(KEL_SAMPLE), "fraction --question 45 --split 2")))[QStringLiteral("groups")]
+                                  .toArray();
     ASSERT_EQ(groups.size(), 3);
     for (int g = 0; g < 3; ++g) {
         const QString label = jsonAt(groups[g], "label").toString();

@@ -41,11 +41,17 @@ protected:
 TEST_F(KelGraphCharts, PrintsTheChartDescriptionByTheContractsNames)
 {
     const QJsonObject chart = graph("block-index --block 0 --main --questions --lines 3 --explain");
-    EXPECT_EQ(chart.keys(), words("caption categoryAxisTitle chartType dataLabels horizontal indexLines legendPosition "
-                                  "selectionCaption series threeD title valueAxis valueAxisTitle verticalLabels"));
-    expectJson(chart, {{"title", "Work and it's question indexes"}, {"valueAxis.max", "10"}, {"valueAxis.ticks", "5"},
-                       {"series.0.points.1.dataLabel", "5.0"}, {"series.0.points.3", ""},
-                       {"indexLines.1.text", "Total index (5.0)"}, {"indexLines.2", ""}});
+    EXPECT_EQ(chart.keys(),
+              words("caption categoryAxisTitle chartType dataLabels horizontal indexLines legendPosition "
+                    "selectionCaption series threeD title valueAxis valueAxisTitle verticalLabels"));
+    expectJson(chart,
+               {{"title", "Work and it's question indexes"},
+                {"valueAxis.max", "10"},
+                {"valueAxis.ticks", "5"},
+                {"series.0.points.1.dataLabel", "5.0"},
+                {"series.0.points.3", ""},
+                {"indexLines.1.text", "Total index (5.0)"},
+                {"indexLines.2", ""}});
 }
 
 // North only (Unit option 0), numbers in Swedish format; ranking graphs
@@ -53,7 +59,9 @@ TEST_F(KelGraphCharts, PrintsTheChartDescriptionByTheContractsNames)
 TEST_F(KelGraphCharts, SelectionsAndLocalesReachTheChart)
 {
     expectJson(graph("--select 0:0 --locale sv_SE total-index --main"),
-               {{"series.0.points.0.value", "7.5"}, {"series.0.points.0.dataLabel", "7,5"}, {"selectionCaption", "Unit N [4]"}});
+               {{"series.0.points.0.value", "7.5"},
+                {"series.0.points.0.dataLabel", "7,5"},
+                {"selectionCaption", "Unit N [4]"}});
     expectJson(graph("--short-names ranking --question 7 --unsorted"),
                {{"title", "Ranking R3"}, {"series.0.points.0.label", "Apple"}, {"series.0.points.3", ""}});
 }
@@ -69,8 +77,8 @@ TEST_F(KelGraphCharts, RefusalsAndNonsenseGetTheirExitStatus)
     EXPECT_EQ(runKel(kelArgs("graph", path, "total-index --main --split 0")).exitCode, 0) << "everyone may be split";
 
     for (const char *args : {"pie-chart", "ranking --block 9", "total-index", "total-index --blocks --questions",
-                             "total-index --main --lines 4", "block-index --main", "distribution --category 1 --group 1",
-                             "--wrong ranking"}) {
+                             "total-index --main --lines 4", "block-index --main",
+                             "distribution --category 1 --group 1", "--wrong ranking"}) {
         const KelRun run = runKel(kelArgs("graph", path, args));
         EXPECT_EQ(run.exitCode, 64) << args;
         EXPECT_TRUE(run.out.isEmpty());
@@ -82,7 +90,9 @@ TEST(KelGraphSample, SplitTotalIndexAgreesWithTheIndexExport)
     // The sample survey's total index by department, once as a chart and
     // once as the exported index table.
     const QJsonArray points =
-        jsonAt(jsonOf(runKel(kelArgs("graph", QStringLiteral(KEL_SAMPLE), "total-index --main --split 0"))), "series.0.points").toArray();
+        jsonAt(jsonOf(runKel(kelArgs("graph", QStringLiteral(KEL_SAMPLE), "total-index --main --split 0"))),
+               "series.0.points")
+            .toArray();
     const KelRun table = runKel(kelArgs("indexes", QStringLiteral(KEL_SAMPLE), "--category 0 --items total"));
     ASSERT_EQ(table.exitCode, 0) << table.err.toStdString();
     const QStringList lines = QString::fromUtf8(table.out).split(QStringLiteral("\r\n"));

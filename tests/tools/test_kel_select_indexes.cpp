@@ -33,20 +33,26 @@ protected:
     {
         SurveyBuilder b(12);
         HeaderFields &h = b.header();
-        h.pointsScale = 10, h.minimumSelection = 5; h.minimumGraphSelection = h.minimumComplementSelection = 3;
+        h.pointsScale = 10, h.minimumSelection = 5;
+        h.minimumGraphSelection = h.minimumComplementSelection = 3;
         h.totalText = b.text(QStringLiteral("Everyone"));
         h.selectionTooSmallText = b.text(QStringLiteral("Selection too small."));
         const qint32 block = b.addBlock({.name = QStringLiteral("Block A")});
-        b.addQuestion({.heading = QStringLiteral("Unit"), .isCategory = true, .inOverview = false,
-                       .inTotalIndex = false, .isFlexCategory = true},
-                      {{.text = QStringLiteral("North"), .countsForPrivacy = true},
-                       {.text = QStringLiteral("South"), .countsForPrivacy = true},
-                       {.text = QStringLiteral("West"), .complementCheck = westComplementCheck,
-                        .countsForPrivacy = true}});
-        b.addQuestion({.heading = QStringLiteral("Role"), .isCategory = true, .inOverview = false, .inTotalIndex = false},
-                      {{.text = QStringLiteral("A")}, {.text = QStringLiteral("B")}});
+        b.addQuestion(
+            {.heading = QStringLiteral("Unit"),
+             .isCategory = true,
+             .inOverview = false,
+             .inTotalIndex = false,
+             .isFlexCategory = true},
+            {{.text = QStringLiteral("North"), .countsForPrivacy = true},
+             {.text = QStringLiteral("South"), .countsForPrivacy = true},
+             {.text = QStringLiteral("West"), .complementCheck = westComplementCheck, .countsForPrivacy = true}});
+        b.addQuestion(
+            {.heading = QStringLiteral("Role"), .isCategory = true, .inOverview = false, .inTotalIndex = false},
+            {{.text = QStringLiteral("A")}, {.text = QStringLiteral("B")}});
         b.addQuestion({.heading = QStringLiteral("Q"), .block = block},
-                      {{.text = QStringLiteral("low"), .points = 0}, {.text = QStringLiteral("mid"), .points = 20},
+                      {{.text = QStringLiteral("low"), .points = 0},
+                       {.text = QStringLiteral("mid"), .points = 20},
                        {.text = QStringLiteral("high"), .points = 40}});
         b.addQuestion({.heading = QStringLiteral("R"), .block = block}, {{.text = QStringLiteral("ok"), .points = 10}});
         for (qint32 r = 0; r < 12; ++r) {
@@ -72,11 +78,22 @@ protected:
 // South on top of the current selection (Role A) has 2 < graph minimum.
 TEST_F(SelectIndexesCli, SelectCountsRowsAndTexts)
 {
-    expectJson(select("--select 0:0,1"), {{"count", "10"}, {"selectionText", "Unit North, South"}, {"found.1.0", "5"}, {"found.1.2", "0"},
-                   {"splitNotAllowed.0", "true"}, {"totalIndex", "2.1"}, {"rows.0", "0"}, {"rows.9", "9"}, {"rows.10", ""}});
+    expectJson(select("--select 0:0,1"),
+               {{"count", "10"},
+                {"selectionText", "Unit North, South"},
+                {"found.1.0", "5"},
+                {"found.1.2", "0"},
+                {"splitNotAllowed.0", "true"},
+                {"totalIndex", "2.1"},
+                {"rows.0", "0"},
+                {"rows.9", "9"},
+                {"rows.10", ""}});
     expectJson(select("--select 1:0 --flex 1 --flex-current"),
-               {{"flexText", "Current selection but Unit South"}, {"flexRows.0", "6"}, {"flexRows.1", "8"},
-                {"flexRows.2", ""}, {"flexTotalIndex", "-1"}});
+               {{"flexText", "Current selection but Unit South"},
+                {"flexRows.0", "6"},
+                {"flexRows.1", "8"},
+                {"flexRows.2", ""},
+                {"flexTotalIndex", "-1"}});
 }
 
 TEST_F(SelectIndexesCli, IndexesTable)
@@ -89,8 +106,9 @@ TEST_F(SelectIndexesCli, IndexesTable)
                              "Unit: North\t6\t2.5\t2.5\t4.0\t1.0\r\n"
                              "Unit: South\t4\t1.5\t1.5\t2.0\t1.0\r\n"
                              "Unit: West\t2\t---\t---\t---\t---"));
-    EXPECT_EQ(runKel(kelArgs("indexes", mPath, "--select 0:0 --category 1 --items questions --columns --locale sv_SE")).out,
-              "Unit North\tRole: A\tRole: B\r\nQ\t4,0\t4,0\r\nR\t1,0\t1,0");
+    EXPECT_EQ(
+        runKel(kelArgs("indexes", mPath, "--select 0:0 --category 1 --items questions --columns --locale sv_SE")).out,
+        "Unit North\tRole: A\tRole: B\r\nQ\t4,0\t4,0\r\nR\t1,0\t1,0");
 }
 
 // What Show refuses prints its refusal and no figure: neither `select`
@@ -140,7 +158,8 @@ TEST_F(SelectIndexesCli, BatchAnswersAsTheSeparateCommandsDo)
     QByteArray input;
     for (const QString &line : lines)
         input += line.toUtf8() + '\n';
-    input += "\n# comments and blank lines are skipped\nfrobnicate 1\nselect --select '0:0\nselect ''\nselect --order\n";
+    input +=
+        "\n# comments and blank lines are skipped\nfrobnicate 1\nselect --select '0:0\nselect ''\nselect --order\n";
     const KelRun batch = runKel(kelArgs("batch", mPath), input);
     ASSERT_EQ(batch.exitCode, 0) << batch.err.toStdString();
     QList<QByteArray> answers = batch.out.split('\n');
@@ -158,14 +177,16 @@ TEST_F(SelectIndexesCli, BatchAnswersAsTheSeparateCommandsDo)
         EXPECT_EQ(answer.value(QStringLiteral("error")).toString(QStringLiteral("none")),
                   run.err.isEmpty() ? QStringLiteral("none") : QString::fromUtf8(run.err));
     }
-    EXPECT_EQ(jsonAt(QJsonDocument::fromJson(answers[2]).object(), "output").toString().count(QStringLiteral("Everyone")), 2)
+    EXPECT_EQ(
+        jsonAt(QJsonDocument::fromJson(answers[2]).object(), "output").toString().count(QStringLiteral("Everyone")), 2)
         << "the flex text of the line before leaked";
     // An unknown command, an open quote, an empty argument, a usage error.
     for (qsizetype k = lines.size(); k < answers.size() - 1; ++k)
         expectJson(QJsonDocument::fromJson(answers[k]).object(), {{"status", "64"}, {"output", ""}});
 
     // A document that cannot be read: its result code and message, no lines.
-    EXPECT_EQ(runKel(kelArgs("batch", mDir.filePath(QStringLiteral("none.kel"))), input).out, "Can not open the file!\n");
+    EXPECT_EQ(runKel(kelArgs("batch", mDir.filePath(QStringLiteral("none.kel"))), input).out,
+              "Can not open the file!\n");
 }
 
 } // namespace
@@ -176,9 +197,11 @@ TEST_F(SelectIndexesCli, IndexesTakeTheUserBlocksOfASettingsFile)
     {
         QSettings s(ini, QSettings::IniFormat);
         s.beginGroup(QStringLiteral("Documents/{00000000-0000-0000-0000-000000000000}"));
-        for (const auto &[key, value] : {std::pair{"Block Items", "dword:00000003"}, {"Block 001/Name", "Mine"},
+        for (const auto &[key, value] : {std::pair{"Block Items", "dword:00000003"},
+                                         {"Block 001/Name", "Mine"},
                                          {"Block 001/Include In Copy", "dword:00000001"},
-                                         {"Block 001/Included Data Headers", "3"}, {"Block 002/Name", "Broken"},
+                                         {"Block 001/Included Data Headers", "3"},
+                                         {"Block 002/Name", "Broken"},
                                          {"Block 002/Include In Copy", "dword:00000001"},
                                          {"Block 002/Included Data Headers", "2|40"}})
             s.setValue(QString::fromLatin1(key), QString::fromLatin1(value));
@@ -195,5 +218,6 @@ TEST_F(SelectIndexesCli, IndexesTakeTheUserBlocksOfASettingsFile)
     EXPECT_EQ(lines[1], QStringLiteral("Total\t1.0\t2.7")); // Q: (6*40 + 4*20) / 12 / 10
     EXPECT_TRUE(with.err.contains("40")) << with.err.toStdString();
 
-    EXPECT_EQ(runKel(args + QStringList{QStringLiteral("--settings"), mDir.filePath(QStringLiteral("no.ini"))}).exitCode, 64);
+    EXPECT_EQ(
+        runKel(args + QStringList{QStringLiteral("--settings"), mDir.filePath(QStringLiteral("no.ini"))}).exitCode, 64);
 }

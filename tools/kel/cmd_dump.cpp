@@ -71,7 +71,8 @@ int runCheck(const QStringList &args)
         } else if (file.isEmpty() && !args[i].startsWith(QLatin1String("--"))) {
             file = args[i];
         } else {
-            printErr(QStringLiteral("kel check: unexpected argument '%1'\nusage: kel check FILE [--lang en|sv]\n").arg(args[i]));
+            printErr(QStringLiteral("kel check: unexpected argument '%1'\nusage: kel check FILE [--lang en|sv]\n")
+                         .arg(args[i]));
             return UsageError;
         }
     }

@@ -178,12 +178,8 @@ int chartKind(const GraphInput &in, MadeGraph &graph, CommandOutput &output)
 }
 
 const GraphKindEntry GraphKinds[] = {
-    {"histogram", histogramKind},
-    {"fraction", fractionKind},
-    {"ranking", chartKind},
-    {"distribution", chartKind},
-    {"total-index", chartKind},
-    {"block-index", chartKind},
+    {"histogram", histogramKind}, {"fraction", fractionKind}, {"ranking", chartKind},
+    {"distribution", chartKind},  {"total-index", chartKind}, {"block-index", chartKind},
 };
 
 } // namespace

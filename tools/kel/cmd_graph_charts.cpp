@@ -20,7 +20,6 @@ const char ChartKindsUsage[] =
     "              [--horizontal] [--no-vertical-labels] [--no-data-labels]\n"
     "  block-index --block B [--main] [--questions] [--split Q] ...the same look options\n";
 
-
 /// Reads the number after args[i]; false (with `error`) when missing or bad.
 bool takeNumber(const QStringList &args, qsizetype &i, qint32 low, qint32 high, qint32 &value, QString &error)
 {
@@ -193,7 +192,7 @@ int makeChartGraph(const Document &doc, const ShownSelection &shown, const QStri
             error = QStringLiteral("--group must name another category");
         if (!error.isEmpty())
             return fail(error);
-        request.type = pie ? DistributionGraphType::Pie
+        request.type = pie                 ? DistributionGraphType::Pie
             : request.groupByCategory >= 0 ? DistributionGraphType::GroupedBar
                                            : DistributionGraphType::Bar;
         chart = generateDistributionGraph(doc, context, shown.sheet.selection, request);
@@ -252,10 +251,10 @@ int makeChartGraph(const Document &doc, const ShownSelection &shown, const QStri
             request.includeEmptySplits = false;
         request.includeSubIndexes = total ? (blocksWanted || questionsWanted) : questionsWanted;
         request.useQuestionsInsteadOfBlocks = total && questionsWanted;
-        request.title = total ? totalIndexGraphTitle(doc, request.includeMainIndex, blocksWanted, questionsWanted,
-                                                     request.splitQuestion)
-                              : blockIndexGraphTitle(doc, request.block, request.includeMainIndex, questionsWanted,
-                                                     request.splitQuestion);
+        request.title = total
+            ? totalIndexGraphTitle(doc, request.includeMainIndex, blocksWanted, questionsWanted, request.splitQuestion)
+            : blockIndexGraphTitle(doc, request.block, request.includeMainIndex, questionsWanted,
+                                   request.splitQuestion);
         chart = generateIndexGraph(doc, context, request);
         return 0;
     }

@@ -22,8 +22,8 @@ void writeChart(const ChartDescription &chart, CommandOutput &output);
 /// Returns 0, or the exit status (64 on a kind argument that makes no
 /// sense, 7 on a refusal) with the message in `output.err`. `reversed` has
 /// no effect on charts.
-int makeChartGraph(const Document &doc, const ShownSelection &shown, const QString &kind,
-                   const QStringList &kindArgs, bool reversed, bool shortNames, const QLocale &locale,
-                   ChartDescription &chart, CommandOutput &output);
+int makeChartGraph(const Document &doc, const ShownSelection &shown, const QString &kind, const QStringList &kindArgs,
+                   bool reversed, bool shortNames, const QLocale &locale, ChartDescription &chart,
+                   CommandOutput &output);
 
 } // namespace kel::cli

@@ -12,7 +12,8 @@ namespace {
 
 const char IndexesUsage[] =
     "usage: kel indexes FILE [--select SPEC] [--flex OPTS] [--flex-current] [--total] [--category Q]... "
-    "[--counts] [--items total,blocks,subblocks,questions,userblocks] [--full-text] [--columns] [--locale NAME] [--settings FILE]\n";
+    "[--counts] [--items total,blocks,subblocks,questions,userblocks] [--full-text] [--columns] [--locale NAME] "
+    "[--settings FILE]\n";
 
 bool parseItems(const QString &list, IndexExportOptions &options, QString &error)
 {

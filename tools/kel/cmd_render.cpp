@@ -105,8 +105,8 @@ std::optional<Picture> basicGraphFilePicture(const BasicGraphDescription &descri
     constexpr int Scale = 2;
     const BasicGraphRenderer renderer(description, BasicGraphUnits{});
     const LastSettings defaults;
-    const QSize window = basicGraphWindowSize(renderer, defaults.questionGraphWindowWidth,
-                                              defaults.questionGraphBarWidth, 96);
+    const QSize window =
+        basicGraphWindowSize(renderer, defaults.questionGraphWindowWidth, defaults.questionGraphBarWidth, 96);
     Picture picture;
     picture.size = (window - QSize(2 * BasicGraphMargin, 2 * BasicGraphMargin)) * Scale;
     const QRect area(QPoint(0, 0), picture.size);
@@ -116,20 +116,17 @@ std::optional<Picture> basicGraphFilePicture(const BasicGraphDescription &descri
     painter.end();
     if (!fits)
         return std::nullopt;
-    picture.paint = [renderer, area](QPainter &target) {
-        drawScaledBasicGraph(target, renderer, area, Scale, false);
-    };
+    picture.paint = [renderer, area](QPainter &target) { drawScaledBasicGraph(target, renderer, area, Scale, false); };
     return picture;
 }
 
-int renderGraph(const Document &base, const QStringList &graphArgs, const QString &outputPath,
-                CommandOutput &output)
+int renderGraph(const Document &base, const QStringList &graphArgs, const QString &outputPath, CommandOutput &output)
 {
     if (outputPath.isEmpty() || !pictureFormatForFileName(outputPath)) {
-        output.err += (outputPath.isEmpty()
-                           ? QStringLiteral("kel render: -o OUT is missing\n")
-                           : QStringLiteral("kel render: '%1' does not end in a picture format's extension\n")
-                                 .arg(outputPath))
+        output.err +=
+            (outputPath.isEmpty()
+                 ? QStringLiteral("kel render: -o OUT is missing\n")
+                 : QStringLiteral("kel render: '%1' does not end in a picture format's extension\n").arg(outputPath))
             + QLatin1String(RenderUsage);
         return UsageError;
     }
@@ -140,8 +137,8 @@ int renderGraph(const Document &base, const QStringList &graphArgs, const QStrin
         output.err += QStringLiteral("kel render: charts can only be drawn when kel starts with render or batch\n");
         return UsageError;
     }
-    std::optional<Picture> picture = graph.chart ? chartPicture(*graph.chart, DefaultChartPictureSize)
-                                                 : basicGraphFilePicture(*graph.basic);
+    std::optional<Picture> picture =
+        graph.chart ? chartPicture(*graph.chart, DefaultChartPictureSize) : basicGraphFilePicture(*graph.basic);
     if (!picture) {
         output.err += QStringLiteral("kel render: %1\n").arg(graphTooBigMessage(false));
         return 1;
@@ -159,8 +156,8 @@ SheetMode modeFor(int mode, PictureFormat format)
 {
     if (mode == 0)
         return format == PictureFormat::Emf ? SheetMode::SaveEmf
-               : format == PictureFormat::Wmf ? SheetMode::SaveWmf
-                                              : SheetMode::CopyPicture;
+            : format == PictureFormat::Wmf  ? SheetMode::SaveWmf
+                                            : SheetMode::CopyPicture;
     return SheetMode(mode);
 }
 
@@ -182,7 +179,8 @@ int renderCommand(const Document &base, const QStringList &args, CommandOutput &
     QString graphOutput;
     if (splitGraphCommandLine(args, graphArgs, graphOutput)) {
         if (!qobject_cast<QGuiApplication *>(QCoreApplication::instance())) {
-            output.err += QStringLiteral("kel render: pictures need the graphical application, which kel starts for render\n");
+            output.err +=
+                QStringLiteral("kel render: pictures need the graphical application, which kel starts for render\n");
             return UsageError;
         }
         return renderGraph(base, graphArgs, graphOutput, output);

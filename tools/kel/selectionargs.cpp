@@ -152,14 +152,16 @@ std::optional<ShownSelection> showFromArgs(Document &doc, const SelectionArgs &a
         // The navigator's button is disabled: the viewer shows nothing, so
         // neither may we. The words are those the build would use for the
         // same selection, and our own for a blocking category.
-        const bool blocked = std::find(shown.recount.blocked.begin(), shown.recount.blocked.end(), true)
-                             != shown.recount.blocked.end();
+        const bool blocked =
+            std::find(shown.recount.blocked.begin(), shown.recount.blocked.end(), true) != shown.recount.blocked.end();
         if (blocked)
             shown.refusal = Refusal{QStringLiteral("blocked"), selectionBlockedMessage(args.isSwedish)};
         else if (shown.recount.count == 0)
-            shown.refusal = Refusal{QStringLiteral("none"), showRefusalMessage(doc, SubSheetOutcome::NoAnswers, args.isSwedish)};
+            shown.refusal =
+                Refusal{QStringLiteral("none"), showRefusalMessage(doc, SubSheetOutcome::NoAnswers, args.isSwedish)};
         else
-            shown.refusal = Refusal{QStringLiteral("tooSmall"), showRefusalMessage(doc, SubSheetOutcome::TooSmall, args.isSwedish)};
+            shown.refusal =
+                Refusal{QStringLiteral("tooSmall"), showRefusalMessage(doc, SubSheetOutcome::TooSmall, args.isSwedish)};
         return shown;
     }
 

@@ -51,10 +51,10 @@ struct ShownSelection {
     /// Damaged values of the settings file's user blocks, left out.
     QStringList blockProblems;
 
-/// Appends the user blocks that `settingsFile` keeps for `doc`, as the
-/// viewer does when it opens the document; the file is only read. False
-/// with `error` set when the file does not exist.
-bool applyStoredBlocks(Document &doc, const QString &settingsFile, QStringList &problems, QString &error);
+    /// Appends the user blocks that `settingsFile` keeps for `doc`, as the
+    /// viewer does when it opens the document; the file is only read. False
+    /// with `error` set when the file does not exist.
+    bool applyStoredBlocks(Document &doc, const QString &settingsFile, QStringList &problems, QString &error);
 
     /// Set when Show would be disabled or the overview build refuses; then
     /// nothing of the selection (counts, rows, indexes) may be printed.

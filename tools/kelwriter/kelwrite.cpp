@@ -68,7 +68,11 @@ std::optional<qint64> number(const Arguments &a, const QString &option, qint64 f
     bool ok = false;
     const qint64 v = it->second.toLongLong(&ok);
     if (!ok || v < low || v > high) {
-        error = QStringLiteral("%1 must be a number from %2 to %3, not \"%4\"").arg(option).arg(low).arg(high).arg(it->second);
+        error = QStringLiteral("%1 must be a number from %2 to %3, not \"%4\"")
+                    .arg(option)
+                    .arg(low)
+                    .arg(high)
+                    .arg(it->second);
         return std::nullopt;
     }
     return v;

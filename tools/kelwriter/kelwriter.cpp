@@ -66,7 +66,9 @@ quint32 crcOf(const QByteArray &header, const QByteArray &stored)
 class RecordBuffer
 {
 public:
-    RecordBuffer(qint32 size, qint32 revision, quint8 fill) : mBytes(std::max(size, 0), char(fill)), mRevision(revision) {}
+    RecordBuffer(qint32 size, qint32 revision, quint8 fill) : mBytes(std::max(size, 0), char(fill)), mRevision(revision)
+    {
+    }
 
     void i32(int offset, qint32 value, int sinceRevision = 1)
     {
@@ -139,7 +141,8 @@ private:
 };
 
 template<typename Record, typename Fill>
-SectionPlace PayloadWriter::writeSection(const std::vector<Record> &records, qint32 stride, qint32 readSize, Fill &&fill)
+SectionPlace PayloadWriter::writeSection(const std::vector<Record> &records, qint32 stride, qint32 readSize,
+                                         Fill &&fill)
 {
     if (records.empty() || stride < 1)
         return {};

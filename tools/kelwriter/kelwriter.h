@@ -30,10 +30,16 @@ namespace kel::writer {
 /// Booleans in KEL files are i16; writers use -1 for true.
 inline constexpr qint16 FileTrue = -1;
 inline constexpr qint16 FileFalse = 0;
-inline constexpr qint16 fileBool(bool b) { return b ? FileTrue : FileFalse; }
+inline constexpr qint16 fileBool(bool b)
+{
+    return b ? FileTrue : FileFalse;
+}
 
 /// A COLORREF (0x00BBGGRR) from its components.
-inline constexpr qint32 rgb(int r, int g, int b) { return qint32((b & 0xFF) << 16 | (g & 0xFF) << 8 | (r & 0xFF)); }
+inline constexpr qint32 rgb(int r, int g, int b)
+{
+    return qint32((b & 0xFF) << 16 | (g & 0xFF) << 8 | (r & 0xFF));
+}
 
 /// The text table. add() always appends; intern() reuses an equal entry.
 class TextPool
@@ -174,7 +180,10 @@ public:
     qint32 at(qint32 row, qint32 column) const { return mValues[index(row, column)]; }
 
 private:
-    std::size_t index(qint32 row, qint32 column) const { return std::size_t(column) * std::size_t(mRows) + std::size_t(row); }
+    std::size_t index(qint32 row, qint32 column) const
+    {
+        return std::size_t(column) * std::size_t(mRows) + std::size_t(row);
+    }
 
     qint32 mCellType = 0;
     qint32 mRows = 0;
@@ -316,9 +325,9 @@ void repairContainer(QByteArray &file);
 struct AlternativeSpec {
     QString text;
     qint32 points = -1;
-    qint32 colour = -1;  ///< sheet colour, and graph colour unless graphColour is set
-    QString label;       ///< the label drawn in sheet cells
-    QString shortText;   ///< empty = the text
+    qint32 colour = -1; ///< sheet colour, and graph colour unless graphColour is set
+    QString label;      ///< the label drawn in sheet cells
+    QString shortText;  ///< empty = the text
     bool complementCheck = false;
     bool countsForPrivacy = false;
     qint32 graphAttribute = 0;
@@ -414,7 +423,7 @@ private:
     std::vector<std::vector<qint32>> mColumns;      // answers per question
     std::vector<std::optional<qint32>> mGraphFlags; // per question; unset = default
     std::vector<std::optional<qint32>> mBlockGraphFlags;
-    std::map<qint32, qint32> mRowComments;                 // row -> text index
+    std::map<qint32, qint32> mRowComments;                     // row -> text index
     std::map<std::pair<qint32, qint32>, qint32> mCellComments; // (row, question) -> text index
 };
 
@@ -441,7 +450,7 @@ KelFile demoDocument(const DemoOptions &options);
 class Random
 {
 public:
-    explicit Random(quint64 seed) : mState(seed) {}
+    explicit Random(quint64 seed) : mState(seed) { }
     quint64 next();
     /// Uniform in [0, n).
     qint32 below(qint32 n);

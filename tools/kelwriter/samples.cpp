@@ -37,7 +37,7 @@ QString rtfFragment(const QString &plain)
             body += QStringLiteral("\\u%1?").arg(int(qint16(u)));
     }
     return QStringLiteral("{\\rtf1\\ansi\\ansicpg1252\\deff0{\\fonttbl{\\f0\\fswiss Arial;}}\\f0\\fs18 ") + body
-           + QStringLiteral("\\par}");
+        + QStringLiteral("\\par}");
 }
 
 double oleDate(QDate date, int hour, int minute)
@@ -98,7 +98,10 @@ const std::vector<CategoryDef> &categoryDefs()
         {"BG2",
          {"Age group", "Åldersgrupp"},
          {"How old are you?", "Hur gammal är du?"},
-         {{"Under 30", "Under 30 år"}, {"30-39", "30–39 år"}, {"40-49", "40–49 år"}, {"50 or older", "50 år eller äldre"}},
+         {{"Under 30", "Under 30 år"},
+          {"30-39", "30–39 år"},
+          {"40-49", "40–49 år"},
+          {"50 or older", "50 år eller äldre"}},
          {20, 30, 28, 22},
          0.02},
         {"BG3",
@@ -141,7 +144,8 @@ const std::vector<BlockDef> &blockDefs()
          12},
         {"C",
          {"Collaboration", "Samarbete"},
-         {"Collaboration within the team and across departments", "Samarbete inom arbetsgruppen och mellan avdelningar"},
+         {"Collaboration within the team and across departments",
+          "Samarbete inom arbetsgruppen och mellan avdelningar"},
          {{"C1", {"My team", "Arbetsgruppen"}, 24, 4}, {"C2", {"Across departments", "Mellan avdelningar"}, 28, 3}},
          24,
          7},
@@ -161,7 +165,9 @@ const std::vector<ScaleQuestionDef> &scaleQuestionDefs()
 {
     static const std::vector<ScaleQuestionDef> defs = {
         // A1 Workload
-        {{"Reasonable workload", "Rimlig arbetsbelastning"}, {"My workload is reasonable.", "Min arbetsbelastning är rimlig."}, -0.1},
+        {{"Reasonable workload", "Rimlig arbetsbelastning"},
+         {"My workload is reasonable.", "Min arbetsbelastning är rimlig."},
+         -0.1},
         {{"Time for tasks", "Tid för uppgifterna"},
          {"I have enough time to do my work well.", "Jag har tillräckligt med tid för att göra ett bra arbete."},
          -0.2},
@@ -172,14 +178,18 @@ const std::vector<ScaleQuestionDef> &scaleQuestionDefs()
          {"The level of stress in my work is manageable.", "Stressnivån i mitt arbete är hanterbar."},
          -0.3},
         // A2 Work content
-        {{"Meaningful work", "Meningsfullt arbete"}, {"My work feels meaningful.", "Mitt arbete känns meningsfullt."}, 0.9},
+        {{"Meaningful work", "Meningsfullt arbete"},
+         {"My work feels meaningful.", "Mitt arbete känns meningsfullt."},
+         0.9},
         {{"Use of skills", "Använder min kompetens"},
          {"I make good use of my skills in my work.", "Jag får använda min kompetens i arbetet."},
          0.7},
         {{"Clear goals", "Tydliga mål"},
          {"I know what is expected of me in my work.", "Jag vet vad som förväntas av mig i arbetet."},
          0.8},
-        {{"Influence", "Inflytande"}, {"I can influence how my work is done.", "Jag kan påverka hur mitt arbete utförs."}, 0.3},
+        {{"Influence", "Inflytande"},
+         {"I can influence how my work is done.", "Jag kan påverka hur mitt arbete utförs."},
+         0.3},
         // A3 Work environment
         {{"Physical environment", "Fysisk arbetsmiljö"},
          {"The physical work environment is good.", "Den fysiska arbetsmiljön är bra."},
@@ -195,12 +205,18 @@ const std::vector<ScaleQuestionDef> &scaleQuestionDefs()
         {{"Trust in manager", "Förtroende för chefen"},
          {"I have confidence in my immediate manager.", "Jag har förtroende för min närmaste chef."},
          0.8},
-        {{"Manager listens", "Chefen lyssnar"}, {"My manager listens to my views.", "Min chef lyssnar på mina synpunkter."}, 0.7},
+        {{"Manager listens", "Chefen lyssnar"},
+         {"My manager listens to my views.", "Min chef lyssnar på mina synpunkter."},
+         0.7},
         {{"Manager available", "Chefen finns tillgänglig"},
          {"My manager is available when I need support.", "Min chef finns tillgänglig när jag behöver stöd."},
          0.5},
-        {{"Clear decisions", "Tydliga beslut"}, {"My manager makes clear decisions.", "Min chef fattar tydliga beslut."}, 0.4},
-        {{"Manager informs", "Chefen informerar"}, {"My manager keeps me informed.", "Min chef håller mig informerad."}, 0.4},
+        {{"Clear decisions", "Tydliga beslut"},
+         {"My manager makes clear decisions.", "Min chef fattar tydliga beslut."},
+         0.4},
+        {{"Manager informs", "Chefen informerar"},
+         {"My manager keeps me informed.", "Min chef håller mig informerad."},
+         0.4},
         // B2 Feedback
         {{"Regular feedback", "Regelbunden återkoppling"},
          {"I receive regular feedback on my work.", "Jag får regelbunden återkoppling på mitt arbete."},
@@ -208,7 +224,9 @@ const std::vector<ScaleQuestionDef> &scaleQuestionDefs()
         {{"Recognition", "Uppskattning"},
          {"Good work is recognised in my workplace.", "Bra arbete uppmärksammas på min arbetsplats."},
          0.0},
-        {{"Useful appraisal", "Givande medarbetarsamtal"}, {"My appraisal talk was useful.", "Mitt medarbetarsamtal var givande."}, 0.2},
+        {{"Useful appraisal", "Givande medarbetarsamtal"},
+         {"My appraisal talk was useful.", "Mitt medarbetarsamtal var givande."},
+         0.2},
         // B3 Senior management
         {{"Trust in management", "Förtroende för ledningen"},
          {"I have confidence in senior management.", "Jag har förtroende för företagsledningen."},
@@ -232,7 +250,9 @@ const std::vector<ScaleQuestionDef> &scaleQuestionDefs()
         {{"Open climate", "Öppet klimat"},
          {"We can discuss problems openly in my team.", "Vi kan diskutera problem öppet i min arbetsgrupp."},
          0.7},
-        {{"Shared goals", "Gemensamma mål"}, {"My team works towards shared goals.", "Min arbetsgrupp arbetar mot gemensamma mål."}, 0.6},
+        {{"Shared goals", "Gemensamma mål"},
+         {"My team works towards shared goals.", "Min arbetsgrupp arbetar mot gemensamma mål."},
+         0.6},
         // C2 Across departments
         {{"Cooperation between departments", "Samarbete mellan avdelningar"},
          {"Departments cooperate well with each other.", "Avdelningarna samarbetar bra med varandra."},
@@ -241,14 +261,19 @@ const std::vector<ScaleQuestionDef> &scaleQuestionDefs()
          {"Information flows well between departments.", "Informationen flödar bra mellan avdelningarna."},
          -0.5},
         {{"Understanding of others' work", "Förståelse för andras arbete"},
-         {"I understand how my work affects other departments.", "Jag förstår hur mitt arbete påverkar andra avdelningar."},
+         {"I understand how my work affects other departments.",
+          "Jag förstår hur mitt arbete påverkar andra avdelningar."},
          0.6},
         // D1 Competence
         {{"Opportunities to learn", "Möjlighet att lära"},
          {"I have opportunities to learn new things at work.", "Jag har möjlighet att lära mig nya saker i arbetet."},
          0.5},
-        {{"Training", "Utbildning"}, {"I get the training I need for my job.", "Jag får den utbildning jag behöver för mitt arbete."}, 0.2},
-        {{"Development plan", "Utvecklingsplan"}, {"I have an individual development plan.", "Jag har en individuell utvecklingsplan."}, -0.6},
+        {{"Training", "Utbildning"},
+         {"I get the training I need for my job.", "Jag får den utbildning jag behöver för mitt arbete."},
+         0.2},
+        {{"Development plan", "Utvecklingsplan"},
+         {"I have an individual development plan.", "Jag har en individuell utvecklingsplan."},
+         -0.6},
         // D2 Career
         {{"Career opportunities", "Karriärmöjligheter"},
          {"There are career opportunities for me in the company.", "Det finns karriärmöjligheter för mig i företaget."},
@@ -256,10 +281,16 @@ const std::vector<ScaleQuestionDef> &scaleQuestionDefs()
         {{"Internal vacancies", "Interna tjänster"},
          {"Internal vacancies are filled fairly.", "Interna tjänster tillsätts på ett rättvist sätt."},
          -0.2},
-        {{"Future here", "Framtid här"}, {"I see a future for myself in the company.", "Jag ser en framtid för mig i företaget."}, 0.5},
+        {{"Future here", "Framtid här"},
+         {"I see a future for myself in the company.", "Jag ser en framtid för mig i företaget."},
+         0.5},
         // E Health
-        {{"Good health", "God hälsa"}, {"I feel well physically and mentally.", "Jag mår bra fysiskt och psykiskt."}, 0.7},
-        {{"Energy after work", "Ork efter arbetet"}, {"I have energy left after work.", "Jag har ork kvar efter arbetsdagen."}, 0.1},
+        {{"Good health", "God hälsa"},
+         {"I feel well physically and mentally.", "Jag mår bra fysiskt och psykiskt."},
+         0.7},
+        {{"Energy after work", "Ork efter arbetet"},
+         {"I have energy left after work.", "Jag har ork kvar efter arbetsdagen."},
+         0.1},
         {{"Recovery", "Återhämtning"},
          {"I have enough time for recovery between work periods.", "Jag har tillräckligt med tid för återhämtning."},
          0.3},
@@ -301,19 +332,24 @@ const std::vector<Tr> PositiveComments = {
     {"The training programme was excellent.", "Utbildningsprogrammet var utmärkt."},
 };
 const std::vector<Tr> NeutralComments = {
-    {"More information about the reorganisation would be welcome.", "Mer information om omorganisationen vore välkommet."},
+    {"More information about the reorganisation would be welcome.",
+     "Mer information om omorganisationen vore välkommet."},
     {"The survey could be shorter.", "Enkäten kunde vara kortare."},
-    {"Some of the questions were hard to answer for part-time staff.", "Vissa frågor var svåra att besvara för deltidsanställda."},
-    {"It is too early for me to judge, I started recently.", "Det är för tidigt för mig att bedöma, jag började nyligen."},
+    {"Some of the questions were hard to answer for part-time staff.",
+     "Vissa frågor var svåra att besvara för deltidsanställda."},
+    {"It is too early for me to judge, I started recently.",
+     "Det är för tidigt för mig att bedöma, jag började nyligen."},
     {"The meeting rooms are often fully booked.", "Mötesrummen är ofta fullbokade."},
 };
 const std::vector<Tr> NegativeComments = {
     {"Far too much overtime during the spring.", "Alldeles för mycket övertid under våren."},
     {"We need more staff in our department.", "Vi behöver mer personal på vår avdelning."},
-    {"Decisions are made without asking the people who do the work.", "Beslut fattas utan att fråga dem som gör jobbet."},
+    {"Decisions are made without asking the people who do the work.",
+     "Beslut fattas utan att fråga dem som gör jobbet."},
     {"The ventilation in the workshop is still not fixed.", "Ventilationen i verkstaden är fortfarande inte åtgärdad."},
     {"I have not had an appraisal talk for two years.", "Jag har inte haft medarbetarsamtal på två år."},
-    {"Information from management arrives late or not at all.", "Information från ledningen kommer sent eller inte alls."},
+    {"Information from management arrives late or not at all.",
+     "Information från ledningen kommer sent eller inte alls."},
 };
 const std::vector<Tr> LowCellComments = {
     {"Especially during the quarterly closing.", "Särskilt under kvartalsbokslutet."},
@@ -330,7 +366,7 @@ const std::vector<Tr> HighCellComments = {
 class EmployeeSurvey
 {
 public:
-    explicit EmployeeSurvey(bool swedish) : mSv(swedish), mBuilder(Respondents, 1) {}
+    explicit EmployeeSurvey(bool swedish) : mSv(swedish), mBuilder(Respondents, 1) { }
 
     KelFile make();
 
@@ -347,10 +383,10 @@ private:
     bool mSv;
     SurveyBuilder mBuilder;
     Random mRandom{20260323};
-    std::vector<qint32> mCategories;              // question numbers
-    std::vector<qint32> mScale;                   // question numbers of the scale questions
-    std::vector<int> mBlockOfScale;               // main block (0..5) per scale question
-    std::vector<double> mMood;                    // per respondent
+    std::vector<qint32> mCategories;                // question numbers
+    std::vector<qint32> mScale;                     // question numbers of the scale questions
+    std::vector<int> mBlockOfScale;                 // main block (0..5) per scale question
+    std::vector<double> mMood;                      // per respondent
     std::vector<std::array<qint32, 4>> mBackground; // per respondent: chosen category options (0 = none)
 };
 
@@ -365,7 +401,10 @@ QList<AlternativeSpec> EmployeeSurvey::scale() const
          .colour = rgb(215, 48, 39),
          .label = QStringLiteral("1"),
          .shortText = t({"Disagree strongly", "Inte alls"})},
-        {.text = t({"Disagree", "Instämmer inte"}), .points = 25, .colour = rgb(252, 141, 89), .label = QStringLiteral("2")},
+        {.text = t({"Disagree", "Instämmer inte"}),
+         .points = 25,
+         .colour = rgb(252, 141, 89),
+         .label = QStringLiteral("2")},
         {.text = t({"Neither agree nor disagree", "Varken eller"}),
          .points = 50,
          .colour = rgb(254, 224, 139),
@@ -382,8 +421,8 @@ QList<AlternativeSpec> EmployeeSurvey::scale() const
 
 void EmployeeSurvey::addStructure()
 {
-    static constexpr std::array<qint32, 6> CategoryColours = {
-        rgb(31, 119, 180), rgb(255, 127, 14), rgb(44, 160, 44), rgb(148, 103, 189), rgb(140, 86, 75), rgb(23, 190, 207)};
+    static constexpr std::array<qint32, 6> CategoryColours = {rgb(31, 119, 180),  rgb(255, 127, 14), rgb(44, 160, 44),
+                                                              rgb(148, 103, 189), rgb(140, 86, 75),  rgb(23, 190, 207)};
     for (std::size_t k = 0; k < categoryDefs().size(); ++k) {
         const CategoryDef &def = categoryDefs()[k];
         QList<AlternativeSpec> options{{.text = t({"No answer", "Inget svar"}), .colour = Grey}};
@@ -406,7 +445,8 @@ void EmployeeSurvey::addStructure()
     // Main blocks first, then the sub-blocks of each, then the item block.
     std::vector<qint32> mainBlocks;
     for (const BlockDef &def : blockDefs())
-        mainBlocks.push_back(mBuilder.addBlock({.code = QString::fromLatin1(def.code), .name = t(def.name), .text = t(def.text)}));
+        mainBlocks.push_back(
+            mBuilder.addBlock({.code = QString::fromLatin1(def.code), .name = t(def.name), .text = t(def.text)}));
     std::vector<qint32> subBlockOf(scaleQuestionDefs().size(), -1);
     for (std::size_t b = 0; b < blockDefs().size(); ++b)
         for (const SubBlockDef &sub : blockDefs()[b].subBlocks) {
@@ -485,7 +525,8 @@ void EmployeeSurvey::answer()
             m = 0.55 * mRandom.normal();
         for (std::size_t i = 0; i < mScale.size(); ++i) {
             const int block = mBlockOfScale[i];
-            double x = scaleQuestionDefs()[i].mean + 0.75 * mood + blockMood[std::size_t(block)] + 0.7 * mRandom.normal();
+            double x =
+                scaleQuestionDefs()[i].mean + 0.75 * mood + blockMood[std::size_t(block)] + 0.7 * mRandom.normal();
             if (department >= 0)
                 x += DepartmentEffect[std::size_t(department)][std::size_t(block)];
             if (block == 3 && background[1] > 0)
@@ -506,9 +547,9 @@ void EmployeeSurvey::comment()
     for (qint32 r = 0; r < Respondents; ++r) {
         if (!mRandom.chance(0.05))
             continue;
-        const std::vector<Tr> &pool = mMood[std::size_t(r)] > 0.5    ? PositiveComments
-                                      : mMood[std::size_t(r)] < -0.5 ? NegativeComments
-                                                                     : NeutralComments;
+        const std::vector<Tr> &pool = mMood[std::size_t(r)] > 0.5 ? PositiveComments
+            : mMood[std::size_t(r)] < -0.5                        ? NegativeComments
+                                                                  : NeutralComments;
         const QString text = t(pool[std::size_t(mRandom.below(qint32(pool.size())))]);
         // The survey tool stored some comments as RTF, older ones as plain text.
         mBuilder.setRowComment(r, written++ % 3 == 2 ? text : rtfFragment(text));
@@ -532,7 +573,8 @@ void EmployeeSurvey::setHeader()
 {
     HeaderFields &h = mBuilder.header();
     // {6F1C2B3A-8D4E-4F21-9A7B-3C5D6E7F8A90}, the Swedish one ending in 91.
-    h.guid = {0x3A, 0x2B, 0x1C, 0x6F, 0x4E, 0x8D, 0x21, 0x4F, 0x9A, 0x7B, 0x3C, 0x5D, 0x6E, 0x7F, 0x8A, quint8(mSv ? 0x91 : 0x90)};
+    h.guid = {0x3A, 0x2B, 0x1C, 0x6F, 0x4E, 0x8D, 0x21, 0x4F,
+              0x9A, 0x7B, 0x3C, 0x5D, 0x6E, 0x7F, 0x8A, quint8(mSv ? 0x91 : 0x90)};
     h.projectNumber = mBuilder.text(QStringLiteral("P-26-014"));
     h.projectName = mBuilder.text(t({"Employee survey 2026", "Medarbetarundersökning 2026"}));
     h.copyright = mBuilder.text(QStringLiteral("© 2026 Nordhamn Industri AB"));
@@ -555,9 +597,9 @@ void EmployeeSurvey::setHeader()
     h.statusPanel2Tip = mBuilder.text(t({"Number of respondents", "Antal svarande"}));
     h.statusPanel3Tip = mBuilder.text(t({"Selection", "Urval"}));
     h.totalText = mBuilder.text(t({"Total", "Totalt"}));
-    h.selectionTooSmallText = mBuilder.text(
-        t({"The selection is too small. To protect the anonymity of the respondents, at least 3 respondents are needed.",
-           "Urvalet är för litet. För att skydda de svarandes anonymitet krävs minst 3 svarande."}));
+    h.selectionTooSmallText = mBuilder.text(t(
+        {"The selection is too small. To protect the anonymity of the respondents, at least 3 respondents are needed.",
+         "Urvalet är för litet. För att skydda de svarandes anonymitet krävs minst 3 svarande."}));
     h.minimumSelection = 5;
     h.minimumComplementSelection = 5;
     h.minimumGraphSelection = 3;
@@ -596,7 +638,8 @@ KelFile demoDocument(const DemoOptions &options)
     Random random(options.seed);
     SurveyBuilder b(std::max(options.rows, 0), options.cellType);
     HeaderFields &h = b.header();
-    h.guid = {0xD3, 0x30, 0x00, 0x00, 0x00, 0x00, 0x00, 0x40, 0x80, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, quint8(options.seed)};
+    h.guid = {0xD3, 0x30, 0x00, 0x00, 0x00, 0x00, 0x00, 0x40,
+              0x80, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, quint8(options.seed)};
     h.projectName = b.text(QStringLiteral("Demo survey"));
     h.language = b.text(QStringLiteral("en"));
     h.comment = b.text(rtfFragment(QStringLiteral("A small generated document.")));
@@ -621,33 +664,60 @@ KelFile demoDocument(const DemoOptions &options)
     h.rowOrder = 0;
     h.rowOrderThreshold = -1;
 
-    const qint32 unit = b.addQuestion({.code = QStringLiteral("U"), .heading = QStringLiteral("Unit"), .isCategory = true,
-                                       .inOverview = false, .inTotalIndex = false, .isFlexCategory = true},
+    const qint32 unit = b.addQuestion({.code = QStringLiteral("U"),
+                                       .heading = QStringLiteral("Unit"),
+                                       .isCategory = true,
+                                       .inOverview = false,
+                                       .inTotalIndex = false,
+                                       .isFlexCategory = true},
                                       {{.text = QStringLiteral("No answer"), .colour = Grey},
-                                       {.text = QStringLiteral("North"), .colour = rgb(0, 0, 255), .label = QStringLiteral("N"),
-                                        .complementCheck = true, .countsForPrivacy = true},
-                                       {.text = QStringLiteral("South"), .colour = rgb(0, 128, 0), .label = QStringLiteral("S"),
-                                        .complementCheck = true, .countsForPrivacy = true},
-                                       {.text = QStringLiteral("East"), .colour = rgb(255, 0, 0), .label = QStringLiteral("E"),
-                                        .complementCheck = true, .countsForPrivacy = true}});
-    const qint32 group = b.addQuestion({.code = QStringLiteral("G"), .heading = QStringLiteral("Group"), .isCategory = true,
-                                        .inOverview = false, .inTotalIndex = false},
-                                       {{.text = QStringLiteral("No answer"), .colour = Grey},
-                                        {.text = QStringLiteral("Staff"), .colour = rgb(128, 0, 128), .countsForPrivacy = true},
-                                        {.text = QStringLiteral("Managers"), .colour = rgb(0, 128, 128), .countsForPrivacy = true}});
+                                       {.text = QStringLiteral("North"),
+                                        .colour = rgb(0, 0, 255),
+                                        .label = QStringLiteral("N"),
+                                        .complementCheck = true,
+                                        .countsForPrivacy = true},
+                                       {.text = QStringLiteral("South"),
+                                        .colour = rgb(0, 128, 0),
+                                        .label = QStringLiteral("S"),
+                                        .complementCheck = true,
+                                        .countsForPrivacy = true},
+                                       {.text = QStringLiteral("East"),
+                                        .colour = rgb(255, 0, 0),
+                                        .label = QStringLiteral("E"),
+                                        .complementCheck = true,
+                                        .countsForPrivacy = true}});
+    const qint32 group =
+        b.addQuestion({.code = QStringLiteral("G"),
+                       .heading = QStringLiteral("Group"),
+                       .isCategory = true,
+                       .inOverview = false,
+                       .inTotalIndex = false},
+                      {{.text = QStringLiteral("No answer"), .colour = Grey},
+                       {.text = QStringLiteral("Staff"), .colour = rgb(128, 0, 128), .countsForPrivacy = true},
+                       {.text = QStringLiteral("Managers"), .colour = rgb(0, 128, 128), .countsForPrivacy = true}});
     const qint32 work = b.addBlock({.code = QStringLiteral("W"), .name = QStringLiteral("Work")});
     const qint32 team = b.addBlock({.code = QStringLiteral("T"), .name = QStringLiteral("Team")});
     const qint32 load = b.addBlock({.code = QStringLiteral("W1"), .name = QStringLiteral("Load"), .linkedBlock = work});
-    const qint32 content = b.addBlock({.code = QStringLiteral("W2"), .name = QStringLiteral("Content"), .linkedBlock = work});
-    const qint32 picked = b.addBlock({.code = QStringLiteral("P"), .name = QStringLiteral("Picked"), .memberRule = false});
+    const qint32 content =
+        b.addBlock({.code = QStringLiteral("W2"), .name = QStringLiteral("Content"), .linkedBlock = work});
+    const qint32 picked =
+        b.addBlock({.code = QStringLiteral("P"), .name = QStringLiteral("Picked"), .memberRule = false});
 
     const QList<AlternativeSpec> scale = {
         {.text = QStringLiteral("No answer"), .colour = Grey},
         {.text = QStringLiteral("Bad"), .points = 0, .colour = rgb(220, 40, 40), .label = QStringLiteral("1")},
-        {.text = QStringLiteral("Fair"), .points = 5, .colour = rgb(250, 220, 120), .label = QStringLiteral("2"), .graphAttribute = 1},
+        {.text = QStringLiteral("Fair"),
+         .points = 5,
+         .colour = rgb(250, 220, 120),
+         .label = QStringLiteral("2"),
+         .graphAttribute = 1},
         {.text = QStringLiteral("Good"), .points = 10, .colour = rgb(40, 160, 60), .label = QStringLiteral("3")},
-        {.text = QStringLiteral("Not applicable"), .points = -1, .colour = rgb(255, 255, 255), .label = QStringLiteral("-"),
-         .graphAttribute = 2, .sortValue = -1},
+        {.text = QStringLiteral("Not applicable"),
+         .points = -1,
+         .colour = rgb(255, 255, 255),
+         .label = QStringLiteral("-"),
+         .graphAttribute = 2,
+         .sortValue = -1},
     };
     struct Item {
         const char *code;
@@ -655,17 +725,18 @@ KelFile demoDocument(const DemoOptions &options)
         qint32 block;
         qint32 subBlock;
     };
-    const Item items[] = {{"1", "Workload", work, load},      {"2", "Pace", work, load},
-                          {"3", "Variety", work, content},    {"4", "Purpose", work, content},
-                          {"5", "Tools", work, -1},           {"6", "Climate", team, -1},
-                          {"7", "Support", team, -1},         {"8", "Meetings", team, -1}};
+    const Item items[] = {{"1", "Workload", work, load},   {"2", "Pace", work, load},  {"3", "Variety", work, content},
+                          {"4", "Purpose", work, content}, {"5", "Tools", work, -1},   {"6", "Climate", team, -1},
+                          {"7", "Support", team, -1},      {"8", "Meetings", team, -1}};
     std::vector<qint32> scaleQuestions;
     for (const Item &it : items)
-        scaleQuestions.push_back(
-            b.addQuestion({.code = QString::fromLatin1(it.code), .heading = QString::fromLatin1(it.heading),
-                           .block = it.block, .subBlock = it.subBlock, .inTotalIndex = it.code[0] != '8',
-                           .rankingWeight = it.code[0] == '7' ? 2 : 1},
-                          scale));
+        scaleQuestions.push_back(b.addQuestion({.code = QString::fromLatin1(it.code),
+                                                .heading = QString::fromLatin1(it.heading),
+                                                .block = it.block,
+                                                .subBlock = it.subBlock,
+                                                .inTotalIndex = it.code[0] != '8',
+                                                .rankingWeight = it.code[0] == '7' ? 2 : 1},
+                                               scale));
     b.addBlockItem(picked, scaleQuestions[0]);
     b.addBlockItem(picked, scaleQuestions[6]);
     b.addBlockItem(picked, group);
@@ -684,7 +755,9 @@ KelFile demoDocument(const DemoOptions &options)
             b.setAnswer(r, q, v);
         }
         if (random.chance(0.1))
-            b.setRowComment(r, r % 2 ? QStringLiteral("Row remark %1").arg(r) : rtfFragment(QStringLiteral("Row remark %1").arg(r)));
+            b.setRowComment(r,
+                            r % 2 ? QStringLiteral("Row remark %1").arg(r)
+                                  : rtfFragment(QStringLiteral("Row remark %1").arg(r)));
         if (random.chance(0.1))
             b.setCellComment(r, scaleQuestions[std::size_t(random.below(8))], QStringLiteral("Cell remark %1").arg(r));
     }

@@ -210,7 +210,8 @@ KelFile SurveyBuilder::build() const
         return given.value_or(3 | ((indexes && totalIndex != -1.0) ? 0x100 : 0));
     };
     for (qint32 q = 0; q < questions; ++q)
-        f.questions[std::size_t(q)].graphFlags = graphFlags(mGraphFlags[std::size_t(q)], f.questions[std::size_t(q)].totalIndex);
+        f.questions[std::size_t(q)].graphFlags =
+            graphFlags(mGraphFlags[std::size_t(q)], f.questions[std::size_t(q)].totalIndex);
     for (std::size_t b = 0; b < f.blocks.size(); ++b)
         f.blocks[b].graphFlags = graphFlags(mBlockGraphFlags[b], f.blocks[b].totalIndex);
     return f;

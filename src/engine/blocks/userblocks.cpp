@@ -154,15 +154,15 @@ UserBlockRestore restoreUserBlocks(Document &doc, SettingsStore &store, bool may
         std::set<qint32> members;
         const std::optional<QString> list = store.readString(k, str(blockstore::IncludedDataHeaders));
         if (!list)
-            result.problems << QStringLiteral("%1: \"%2\" is missing")
-                                   .arg(blockKeyName(b), str(blockstore::IncludedDataHeaders));
+            result.problems
+                << QStringLiteral("%1: \"%2\" is missing").arg(blockKeyName(b), str(blockstore::IncludedDataHeaders));
         for (const QString &piece : list.value_or(QString()).split(QLatin1Char('|'), Qt::SkipEmptyParts)) {
             bool ok = false;
             const double value = piece.trimmed().toDouble(&ok);
             const double rounded = std::round(value);
             if (!ok || !std::isfinite(value) || rounded < 0 || rounded >= double(questionCount)) {
-                result.problems << QStringLiteral("%1: \"%2\" is not a question of this document")
-                                       .arg(blockKeyName(b), piece);
+                result.problems
+                    << QStringLiteral("%1: \"%2\" is not a question of this document").arg(blockKeyName(b), piece);
                 continue;
             }
             members.insert(qint32(rounded));

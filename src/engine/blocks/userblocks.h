@@ -46,9 +46,9 @@ QString joinMembers(const QuestionList &members);
 
 /// What restoring the stored blocks found.
 struct UserBlockRestore {
-    bool found = false;   ///< the document has a key in the store
-    qint32 added = 0;     ///< user blocks appended
-    QStringList problems; ///< damaged values that were ignored, one line each
+    bool found = false;    ///< the document has a key in the store
+    qint32 added = 0;      ///< user blocks appended
+    QStringList problems;  ///< damaged values that were ignored, one line each
     bool repaired = false; ///< the store was rewritten without them
 };
 

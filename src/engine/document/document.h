@@ -21,8 +21,8 @@ enum class CellType : int { None = -1, U8 = 1, I16 = 2, I32 = 3 };
 /// question owns the run [firstAlternative, firstAlternative + alternativeCount).
 struct Alternative {
     QString label;
-    QString text;      ///< shown in lists and graph legends
-    QString shortText; ///< used in selection texts and as short category name
+    QString text;            ///< shown in lists and graph legends
+    QString shortText;       ///< used in selection texts and as short category name
     qint32 sheetColour = -1; ///< 0x00BBGGRR; -1 = no colour
     qint32 kept16 = 0;       ///< file value with no settled use
     qint32 graphColour = -1; ///< revision < 7: = sheetColour
@@ -43,8 +43,8 @@ struct Question {
     bool isFlexCategory = false;
     qint32 sheetColour = -1; ///< fill of the question's cell in the code line
     qint32 kept20 = 0;
-    qint32 block = -1;    ///< index into Document::blocks, -1 = none; may lie outside it (see blockAt)
-    qint32 subBlock = -1; ///< -1 = none; may lie outside Document::blocks (see blockAt)
+    qint32 block = -1;            ///< index into Document::blocks, -1 = none; may lie outside it (see blockAt)
+    qint32 subBlock = -1;         ///< -1 = none; may lie outside Document::blocks (see blockAt)
     double totalIndex = -1.0;     ///< over all rows, from the file; -1 = none
     double flexTotalIndex = -1.0; ///< over the flex total; starts as totalIndex
     qint32 graphFlags = 3;
@@ -100,7 +100,7 @@ struct DocumentProperties {
     bool allowPrint = false; ///< the document's own flag
     bool allowSavePicture = false;
     bool allowCopyData = false;
-    qint32 rowOrder = -1; ///< -1 user selectable, 0 original, 1 random, 2 random per column
+    qint32 rowOrder = -1;          ///< -1 user selectable, 0 original, 1 random, 2 random per column
     qint32 rowOrderThreshold = -1; ///< rowOrder applies below this many rows; -1 = always
     qint32 pointsScale = 0;        ///< > 0: the document has indexes
     qint32 maxPoints = -1;

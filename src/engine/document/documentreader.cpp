@@ -28,8 +28,14 @@ constexpr qint64 InitialInflateBuffer = 64 * 1024;
 // within that bound is allocated whole at once, as uncompress would.
 constexpr qint64 MaxDeflateRatio = 1032;
 
-qint32 readI32(const uchar *p) { return qFromLittleEndian<qint32>(p); }
-qint16 readI16(const uchar *p) { return qFromLittleEndian<qint16>(p); }
+qint32 readI32(const uchar *p)
+{
+    return qFromLittleEndian<qint32>(p);
+}
+qint16 readI16(const uchar *p)
+{
+    return qFromLittleEndian<qint16>(p);
+}
 double readF64(const uchar *p)
 {
     const quint64 bits = qFromLittleEndian<quint64>(p);
@@ -108,8 +114,8 @@ int inflateBounded(const Bytef *source, qint64 sourceLength, qint64 limit, QByte
     zs.next_in = const_cast<Bytef *>(source);
     zs.avail_in = uInt(sourceLength);
     qint64 capacity = limit <= sourceLength * MaxDeflateRatio + InitialInflateBuffer
-                          ? limit
-                          : std::min(limit, std::max(sourceLength * 4, InitialInflateBuffer));
+        ? limit
+        : std::min(limit, std::max(sourceLength * 4, InitialInflateBuffer));
     out.resize(qsizetype(capacity));
     int z;
     for (;;) {
@@ -177,17 +183,20 @@ std::optional<Failure> extractPayload(const QByteArray &file, const ContainerHea
     const qint64 stored = compressed ? h.storedLength : h.payloadLength;
     const qint64 payloadStart = h.headerLength;
     if (payloadStart + stored + 4 > file.size())
-        return Failure{OpenResult::Damaged, QStringLiteral("payload of %1 bytes at %2 and its checksum do not fit "
-                                                           "in a file of %3 bytes")
-                                                .arg(stored)
-                                                .arg(payloadStart)
-                                                .arg(file.size())};
+        return Failure{OpenResult::Damaged,
+                       QStringLiteral("payload of %1 bytes at %2 and its checksum do not fit "
+                                      "in a file of %3 bytes")
+                           .arg(stored)
+                           .arg(payloadStart)
+                           .arg(file.size())};
     const auto *bytes = reinterpret_cast<const Bytef *>(file.constData());
     const uLong crc = knownCrc ? uLong(*knownCrc) : crcContinue(crc32(0L, Z_NULL, 0), bytes, payloadStart + stored);
     const quint32 checksum = qFromLittleEndian<quint32>(bytes + payloadStart + stored);
     if (quint32(crc) != checksum)
         return Failure{OpenResult::Damaged,
-                       QStringLiteral("checksum %1, computed %2").arg(checksum, 8, 16, QLatin1Char('0')).arg(quint32(crc), 8, 16, QLatin1Char('0'))};
+                       QStringLiteral("checksum %1, computed %2")
+                           .arg(checksum, 8, 16, QLatin1Char('0'))
+                           .arg(quint32(crc), 8, 16, QLatin1Char('0'))};
 
     if (!compressed) {
         payload = {file, qsizetype(payloadStart), qsizetype(stored)};
@@ -353,7 +362,9 @@ void PayloadParser::parseRecords(Document &doc, const Section &alt, const Sectio
 {
     const qint32 pointsScale = h32(PhPointsScale);
     auto text = [&](const uchar *p) { return doc.text(readI32(p)); };
-    auto defaultGraphFlags = [&](double totalIndex) { return 3 | ((pointsScale > 0 && totalIndex != -1.0) ? 0x100 : 0); };
+    auto defaultGraphFlags = [&](double totalIndex) {
+        return 3 | ((pointsScale > 0 && totalIndex != -1.0) ? 0x100 : 0);
+    };
 
     doc.alternatives.resize(std::size_t(alt.count));
     for (qint32 i = 0; i < alt.count; ++i) {
@@ -458,7 +469,8 @@ std::optional<Failure> PayloadParser::checkReferences(const Document &doc) const
                                .arg(questions));
     }
     if (!doc.answers.isEmpty() && doc.columnCount() != questions)
-        return damaged(QStringLiteral("answer matrix has %1 columns for %2 questions").arg(doc.columnCount()).arg(questions));
+        return damaged(
+            QStringLiteral("answer matrix has %1 columns for %2 questions").arg(doc.columnCount()).arg(questions));
     return std::nullopt;
 }
 

@@ -71,19 +71,19 @@ inline constexpr int PhHasRowComments = 208;
 inline constexpr int PhFirstAlternativeIsNoAnswer = 210;
 inline constexpr int PhSheetColourA = 212;
 inline constexpr int PhSheetColourB = 216;
-inline constexpr int PhSheetColours = 220; // 4 colours
-inline constexpr int PhIndexLineText2 = 236; // rev >= 2
-inline constexpr int PhUnused240 = 240;      // rev >= 4
-inline constexpr int PhCellCommentsOffset = 244; // rev >= 4
-inline constexpr int PhCellCommentStride = 248;  // rev >= 4
-inline constexpr int PhRowOrder = 252;           // rev >= 5
+inline constexpr int PhSheetColours = 220;               // 4 colours
+inline constexpr int PhIndexLineText2 = 236;             // rev >= 2
+inline constexpr int PhUnused240 = 240;                  // rev >= 4
+inline constexpr int PhCellCommentsOffset = 244;         // rev >= 4
+inline constexpr int PhCellCommentStride = 248;          // rev >= 4
+inline constexpr int PhRowOrder = 252;                   // rev >= 5
 inline constexpr int PhMinimumComplementSelection = 256; // rev >= 5
-inline constexpr int PhTotalIndex = 260;         // rev >= 5
-inline constexpr int PhUnused268 = 268;          // rev >= 6
-inline constexpr int PhIndexFlags = 272;         // rev >= 9
-inline constexpr int PhMaxPoints = 276;          // rev >= 9
-inline constexpr int PhRowOrderThreshold = 280;  // rev >= 9
-inline constexpr int PhAllowCopyData = 284;      // rev >= 9
+inline constexpr int PhTotalIndex = 260;                 // rev >= 5
+inline constexpr int PhUnused268 = 268;                  // rev >= 6
+inline constexpr int PhIndexFlags = 272;                 // rev >= 9
+inline constexpr int PhMaxPoints = 276;                  // rev >= 9
+inline constexpr int PhRowOrderThreshold = 280;          // rev >= 9
+inline constexpr int PhAllowCopyData = 284;              // rev >= 9
 
 // Record read sizes: the reader always takes this many bytes per record,
 // whatever the stride. A revision-9 writer uses stride = read size.
@@ -107,10 +107,17 @@ struct Strides {
 constexpr Strides stridesForRevision(int revision)
 {
     return Strides{
-        revision >= 7 ? 40 : revision >= 3 ? 36 : 28,
-        revision >= 8 ? 68 : revision >= 6 ? 60 : revision >= 2 ? 56 : 52,
+        revision >= 7       ? 40
+            : revision >= 3 ? 36
+                            : 28,
+        revision >= 8       ? 68
+            : revision >= 6 ? 60
+            : revision >= 2 ? 56
+                            : 52,
         revision >= 4 ? 8 : 4,
-        revision >= 8 ? 40 : revision >= 2 ? 36 : 32,
+        revision >= 8       ? 40
+            : revision >= 2 ? 36
+                            : 32,
         8,
     };
 }

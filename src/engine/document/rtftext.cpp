@@ -32,10 +32,10 @@ struct GroupState {
 
 // Windows-1252 in 0x80..0x9F (the rest of the byte range is Latin-1); the
 // authoring tool writes \'hh escapes in that code page.
-constexpr std::array<char16_t, 32> Cp1252High = {
-    0x20AC, 0xFFFD, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
-    0x2039, 0x0152, 0xFFFD, 0x017D, 0xFFFD, 0xFFFD, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
-    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0xFFFD, 0x017E, 0x0178};
+constexpr std::array<char16_t, 32> Cp1252High = {0x20AC, 0xFFFD, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
+                                                 0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0xFFFD, 0x017D, 0xFFFD,
+                                                 0xFFFD, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
+                                                 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0xFFFD, 0x017E, 0x0178};
 
 QChar fromCp1252(int byte)
 {
@@ -71,18 +71,42 @@ bool isAsciiDigit(QChar c)
 bool isHiddenDestination(const QString &word)
 {
     static const QStringList hidden = {
-        QStringLiteral("fonttbl"),    QStringLiteral("colortbl"),   QStringLiteral("stylesheet"),
-        QStringLiteral("info"),       QStringLiteral("pict"),       QStringLiteral("object"),
-        QStringLiteral("header"),     QStringLiteral("footer"),     QStringLiteral("headerl"),
-        QStringLiteral("headerr"),    QStringLiteral("headerf"),    QStringLiteral("footerl"),
-        QStringLiteral("footerr"),    QStringLiteral("footerf"),    QStringLiteral("footnote"),
-        QStringLiteral("fldinst"),    QStringLiteral("themedata"),  QStringLiteral("colorschememapping"),
-        QStringLiteral("latentstyles"), QStringLiteral("datastore"), QStringLiteral("xmlnstbl"),
-        QStringLiteral("listtable"),  QStringLiteral("listoverridetable"), QStringLiteral("rsidtbl"),
-        QStringLiteral("generator"),  QStringLiteral("filetbl"),    QStringLiteral("revtbl"),
-        QStringLiteral("template"),   QStringLiteral("nonshppict"), QStringLiteral("shpinst"),
-        QStringLiteral("bkmkstart"),  QStringLiteral("bkmkend"),    QStringLiteral("comment"),
-        QStringLiteral("annotation"), QStringLiteral("atnid"),      QStringLiteral("atnauthor"),
+        QStringLiteral("fonttbl"),
+        QStringLiteral("colortbl"),
+        QStringLiteral("stylesheet"),
+        QStringLiteral("info"),
+        QStringLiteral("pict"),
+        QStringLiteral("object"),
+        QStringLiteral("header"),
+        QStringLiteral("footer"),
+        QStringLiteral("headerl"),
+        QStringLiteral("headerr"),
+        QStringLiteral("headerf"),
+        QStringLiteral("footerl"),
+        QStringLiteral("footerr"),
+        QStringLiteral("footerf"),
+        QStringLiteral("footnote"),
+        QStringLiteral("fldinst"),
+        QStringLiteral("themedata"),
+        QStringLiteral("colorschememapping"),
+        QStringLiteral("latentstyles"),
+        QStringLiteral("datastore"),
+        QStringLiteral("xmlnstbl"),
+        QStringLiteral("listtable"),
+        QStringLiteral("listoverridetable"),
+        QStringLiteral("rsidtbl"),
+        QStringLiteral("generator"),
+        QStringLiteral("filetbl"),
+        QStringLiteral("revtbl"),
+        QStringLiteral("template"),
+        QStringLiteral("nonshppict"),
+        QStringLiteral("shpinst"),
+        QStringLiteral("bkmkstart"),
+        QStringLiteral("bkmkend"),
+        QStringLiteral("comment"),
+        QStringLiteral("annotation"),
+        QStringLiteral("atnid"),
+        QStringLiteral("atnauthor"),
     };
     return hidden.contains(word);
 }

@@ -109,8 +109,7 @@ QString splitGraphName(const Document &doc, qint32 question, qint32 splitQuestio
     const auto heading = [&](qint32 q) {
         return q >= 0 && std::size_t(q) < doc.questions.size() ? doc.questions[std::size_t(q)].heading : QString();
     };
-    return heading(question)
-        + (graphTextsSwedish(doc) ? QStringLiteral(" fördelad på ") : QStringLiteral(" split by "))
+    return heading(question) + (graphTextsSwedish(doc) ? QStringLiteral(" fördelad på ") : QStringLiteral(" split by "))
         + heading(splitQuestion);
 }
 
@@ -157,8 +156,7 @@ BasicGraphResult generateBasicGraph(const Document &doc, const BasicGraphRequest
         result.outcome = BasicGraphOutcome::Failed;
         return result;
     }
-    const std::vector<qint32> questions =
-        split ? std::vector<qint32>{request.questions.front()} : request.questions;
+    const std::vector<qint32> questions = split ? std::vector<qint32>{request.questions.front()} : request.questions;
     for (qint32 q : questions) {
         if (!validQuestion(doc, q)) {
             result.outcome = BasicGraphOutcome::Failed;
@@ -175,7 +173,7 @@ BasicGraphResult generateBasicGraph(const Document &doc, const BasicGraphRequest
     const QLocale &locale = selection.locale;
     const qint32 pointsScale = p.pointsScale;
     const bool withIndex = pointsScale >= 1;
-    const qint32 hidden = p.firstAlternativeIsNoAnswer ? 1 : 0;         // s0
+    const qint32 hidden = p.firstAlternativeIsNoAnswer ? 1 : 0;              // s0
     const qint32 firstGroup = split && p.firstAlternativeIsNoAnswer ? 1 : 0; // g0
 
     d.graphKind = request.kind;
@@ -291,8 +289,8 @@ BasicGraphResult generateBasicGraph(const Document &doc, const BasicGraphRequest
     for (std::size_t g = std::size_t(firstGroup); g < groups.size(); ++g) {
         const Scale &s = scales[std::size_t(groupScale[g])];
         const GroupCounts &c = groups[g];
-        const bool anyShown = std::any_of(s.order.begin(), s.order.end(),
-                                          [&](qint32 a) { return c.count[std::size_t(a)] > 0; });
+        const bool anyShown =
+            std::any_of(s.order.begin(), s.order.end(), [&](qint32 a) { return c.count[std::size_t(a)] > 0; });
         if (!anyShown)
             continue;
         BasicGraphGroup group;
@@ -302,8 +300,7 @@ BasicGraphResult generateBasicGraph(const Document &doc, const BasicGraphRequest
         group.legendCount = qint32(s.order.size());
         if (split) {
             const Alternative &alt =
-                doc.alternatives[std::size_t(doc.questions[std::size_t(request.splitQuestion)].firstAlternative)
-                                 + g];
+                doc.alternatives[std::size_t(doc.questions[std::size_t(request.splitQuestion)].firstAlternative) + g];
             group.label = selection.shortCategoryNames ? alt.shortText : alt.text;
             if (withIndex && groupIndex[g] != -1.0)
                 group.label += QStringLiteral(" (") + formatIndex(groupIndex[g], decimals, locale) + QLatin1Char(')');
@@ -337,8 +334,8 @@ BasicGraphResult generateBasicGraph(const Document &doc, const BasicGraphRequest
     }
 
     // 8. Selection text.
-    d.selectionText = selection.selectionText + QStringLiteral(" [") + formatCount(qint64(rows.size()), locale)
-        + QLatin1Char(']');
+    d.selectionText =
+        selection.selectionText + QStringLiteral(" [") + formatCount(qint64(rows.size()), locale) + QLatin1Char(']');
     if (request.showTotalIndex && withIndex)
         d.selectionText += QStringLiteral(" / ") + selection.usedTotalText + QStringLiteral(" [")
             + formatCount(selection.usedTotalSize, locale) + QLatin1Char(']');

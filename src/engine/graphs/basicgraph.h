@@ -17,8 +17,8 @@ namespace kel {
 enum BasicGraphKind : qint32 { HistogramGraph = 1, FractionGraph = 2 };
 
 struct BasicGraphGroup {
-    qint32 firstBar = 0;    ///< index of the group's first entry in `bars`
-    qint32 barCount = 0;    ///< = legendCount
+    qint32 firstBar = 0; ///< index of the group's first entry in `bars`
+    qint32 barCount = 0; ///< = legendCount
     QString label;
     qint32 firstLegend = 0; ///< first legend of the group's answer scale
     qint32 legendCount = 0; ///< shown alternatives of that scale
@@ -48,10 +48,10 @@ struct BasicGraphDescription {
     QString subTitle;
     QString selectionText;
     QString totalText;
-    std::vector<BasicGraphGroup> groups; ///< in drawing order
-    std::vector<BasicGraphBar> bars;     ///< group after group
+    std::vector<BasicGraphGroup> groups;   ///< in drawing order
+    std::vector<BasicGraphBar> bars;       ///< group after group
     std::vector<BasicGraphLegend> legends; ///< one run per answer scale
-    QString caption; ///< the window caption: kind prefix + name
+    QString caption;                       ///< the window caption: kind prefix + name
     // Axis captions of the histogram, in the document's language.
     QString countAxisText;
     QString percentAxisText;

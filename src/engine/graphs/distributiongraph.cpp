@@ -44,8 +44,8 @@ ChartDescription generateDistributionGraph(const Document &doc, const ChartConte
     chart.legendPosition = chartLegendPosition(context.graphLegends);
     chart.categoryAxisTitle = chart.selectionCaption;
     if (!pie) {
-        chart.valueAxisTitle = request.inPercent ? pickDocumentText(doc, "Percent", "Procent")
-                                                 : pickDocumentText(doc, "Number", "Antal");
+        chart.valueAxisTitle =
+            request.inPercent ? pickDocumentText(doc, "Percent", "Procent") : pickDocumentText(doc, "Number", "Antal");
         if (chart.horizontal)
             std::swap(chart.valueAxisTitle, chart.categoryAxisTitle);
     }

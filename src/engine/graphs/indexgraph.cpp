@@ -100,8 +100,9 @@ Grouping indexGroups(const Document &doc, const ChartContext &context, const Ind
             continue;
         const Alternative &alt = doc.alternatives[std::size_t(split.firstAlternative + a)];
         renumbered[std::size_t(a)] = qint32(out.groups.size());
-        out.groups.push_back({count, chartAlternativeName(alt, context.shortCategoryNames) + QStringLiteral(" [")
-                                         + chartWholeNumber(count, context.locale) + QLatin1Char(']')});
+        out.groups.push_back({count,
+                              chartAlternativeName(alt, context.shortCategoryNames) + QStringLiteral(" [")
+                                  + chartWholeNumber(count, context.locale) + QLatin1Char(']')});
     }
     for (qint32 &g : out.groupOfRow)
         if (g >= 0)
@@ -180,8 +181,9 @@ std::vector<ChartIndexLine> indexLines(const Document &doc, const ChartContext &
     const auto add = [&](double value, const QString &text, bool ofTotal) {
         if (value == -1.0 || lines.size() >= 2)
             return;
-        lines.push_back({value, text + (ofTotal ? QStringLiteral(", total (") : QStringLiteral(" (")) + format(value)
-                                    + QLatin1Char(')')});
+        lines.push_back(
+            {value,
+             text + (ofTotal ? QStringLiteral(", total (") : QStringLiteral(" (")) + format(value) + QLatin1Char(')')});
     };
     if (request.indexLines & TotalIndexForTotal)
         add(p.flexTotalIndex, totalText, true);
@@ -190,8 +192,7 @@ std::vector<ChartIndexLine> indexLines(const Document &doc, const ChartContext &
     if (blockGraph && (request.indexLines & BlockIndexForTotal))
         add(doc.blocks[std::size_t(request.block)].flexTotalIndex, blockText, true);
     if (blockGraph && (request.indexLines & BlockIndexForSelection))
-        add(context.rows->empty() ? -1.0 : calculateBlockIndex(doc, request.block, *context.rows), blockText,
-            false);
+        add(context.rows->empty() ? -1.0 : calculateBlockIndex(doc, request.block, *context.rows), blockText, false);
     if (lines.size() == 2 && lines[1].value > lines[0].value)
         std::swap(lines[0], lines[1]);
     return lines;
@@ -231,9 +232,14 @@ std::optional<ChartValueAxis> indexValueAxis(qint32 maxPoints, qint32 pointsScal
     ChartValueAxis axis;
     axis.max = d * power / pointsScale;
     switch (d) {
-    case 1: case 2: case 5: axis.ticks = 5; break;
-    case 3: case 6: case 9: axis.ticks = 6; break;
-    case 4: case 8: axis.ticks = 4; break;
+    case 1:
+    case 2:
+    case 5: axis.ticks = 5; break;
+    case 3:
+    case 6:
+    case 9: axis.ticks = 6; break;
+    case 4:
+    case 8: axis.ticks = 4; break;
     case 7: axis.ticks = 7; break;
     default: axis.ticks = 0; break; // 10: the chart's own count
     }
@@ -273,16 +279,14 @@ QString blockIndexGraphTitle(const Document &doc, qint32 block, bool blockIndex,
     return title + splitSuffix(doc, splitQuestion);
 }
 
-ChartDescription generateIndexGraph(const Document &doc, const ChartContext &context,
-                                    const IndexGraphRequest &request)
+ChartDescription generateIndexGraph(const Document &doc, const ChartContext &context, const IndexGraphRequest &request)
 {
     const DocumentProperties &p = doc.properties;
     ChartDescription chart;
     chart.chartType = ChartType::Bar;
     chart.title = shortenChartTitle(request.title);
     chart.caption = chart.title;
-    chart.selectionCaption =
-        chartSelectionCaption(context.selectionText, qint32(context.rows->size()), context.locale);
+    chart.selectionCaption = chartSelectionCaption(context.selectionText, qint32(context.rows->size()), context.locale);
     chart.horizontal = request.horizontalBars;
     chart.verticalLabels = request.verticalLabels && !request.horizontalBars;
     chart.dataLabels = request.dataLabels;

@@ -34,8 +34,7 @@ struct IndexGraphRequest {
 
 /// The chart of `request` over the context's rows. Needs a document with
 /// indexes (points scale >= 1); otherwise the chart has no series.
-ChartDescription generateIndexGraph(const Document &doc, const ChartContext &context,
-                                    const IndexGraphRequest &request);
+ChartDescription generateIndexGraph(const Document &doc, const ChartContext &context, const IndexGraphRequest &request);
 
 /// The fixed value axis that the document's maximum points ask for; none
 /// when they have fewer than two digits (the chart scales itself).

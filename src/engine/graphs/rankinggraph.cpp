@@ -61,8 +61,7 @@ ChartDescription generateRankingGraph(const Document &doc, const ChartContext &c
     chart.chartType = request.barChart ? ChartType::Bar : ChartType::Pie;
     chart.title = shortenChartTitle(pickDocumentText(doc, "Ranking ", "Rankning ") + request.titleText);
     chart.caption = chart.title;
-    chart.selectionCaption =
-        chartSelectionCaption(context.selectionText, qint32(context.rows->size()), context.locale);
+    chart.selectionCaption = chartSelectionCaption(context.selectionText, qint32(context.rows->size()), context.locale);
     chart.threeD = request.threeD;
     chart.dataLabels = request.showPoints;
     const QString pointsCaption = rankingPointsCaption(doc, request.questions, context.locale);
@@ -80,17 +79,16 @@ ChartDescription generateRankingGraph(const Document &doc, const ChartContext &c
         if ((doc.alternatives[std::size_t(scale.firstAlternative + a)].graphAttribute & 2) == 0)
             order.push_back(a);
     if (request.sorted)
-        std::stable_sort(order.begin(), order.end(), [&](qint32 x, qint32 y) {
-            return points[std::size_t(x)] > points[std::size_t(y)];
-        });
+        std::stable_sort(order.begin(), order.end(),
+                         [&](qint32 x, qint32 y) { return points[std::size_t(x)] > points[std::size_t(y)]; });
 
     ChartSeries series;
     series.name = pointsCaption;
     series.colour = RankingBarColour;
     for (qint32 a : order) {
         ChartPoint pt;
-        pt.label = chartAlternativeName(doc.alternatives[std::size_t(scale.firstAlternative + a)],
-                                        context.shortCategoryNames);
+        pt.label =
+            chartAlternativeName(doc.alternatives[std::size_t(scale.firstAlternative + a)], context.shortCategoryNames);
         pt.value = double(points[std::size_t(a)]);
         if (request.showPoints)
             pt.dataLabel = chartWholeNumber(points[std::size_t(a)], context.locale);

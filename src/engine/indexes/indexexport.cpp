@@ -97,7 +97,8 @@ std::vector<IndexItem> buildIndexItems(const Document &doc, const IndexExportOpt
     using O = IndexExportOptions;
     std::vector<IndexItem> items;
     if (options.indexFor[O::ForTotal])
-        items.push_back({IndexItem::Total, -1, isSwedishDocument(doc) ? QStringLiteral("Totalt") : QStringLiteral("Total")});
+        items.push_back(
+            {IndexItem::Total, -1, isSwedishDocument(doc) ? QStringLiteral("Totalt") : QStringLiteral("Total")});
     qint32 previousBlock = -1;
     qint32 previousSubBlock = -1;
     for (qint32 q : doc.overviewColumns) {

@@ -9,8 +9,8 @@ CellDetails cellDetails(const Document &doc, const SheetHit &hit, const std::vec
                         const RowList &selectionRows)
 {
     CellDetails d;
-    const bool onQuestion = hit.place != SheetPlace::Outside && hit.question >= 0
-        && hit.question < qint32(doc.questions.size());
+    const bool onQuestion =
+        hit.place != SheetPlace::Outside && hit.question >= 0 && hit.question < qint32(doc.questions.size());
     if (doc.properties.pointsScale < 1 || !onQuestion)
         return d;
     d.onQuestion = true;

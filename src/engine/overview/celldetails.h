@@ -20,10 +20,10 @@ struct CellDetails {
     bool onQuestion = false; ///< false: outside the sheet or a document without indexes
     QString blockName;       ///< the question's block, "" when it has none
     QString subBlockName;
-    QString questionText;    ///< its text, else its heading
-    QString answerText;      ///< answer cells only
-    double respondentIndex = -1.0; ///< the row's index over the overview questions (answer cells)
-    double questionIndex = -1.0;   ///< over the selection
+    QString questionText;             ///< its text, else its heading
+    QString answerText;               ///< answer cells only
+    double respondentIndex = -1.0;    ///< the row's index over the overview questions (answer cells)
+    double questionIndex = -1.0;      ///< over the selection
     double questionTotalIndex = -1.0; ///< over the flex total
     double subBlockIndex = -1.0;
     double subBlockTotalIndex = -1.0;

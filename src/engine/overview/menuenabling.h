@@ -29,11 +29,11 @@ enum class MenuCommand : int {
     DetailInformation,
     DistributionGraph,
     TotalIndexGraph,
-    BlockGraphs,       ///< the block graph items (View submenus and popup)
-    QuestionGraphs,    ///< the popup's question graph items, split-by included
-    Comments,          ///< View > Comments
-    RowsComments,      ///< popup
-    ColumnsComments,   ///< popup
+    BlockGraphs,     ///< the block graph items (View submenus and popup)
+    QuestionGraphs,  ///< the popup's question graph items, split-by included
+    Comments,        ///< View > Comments
+    RowsComments,    ///< popup
+    ColumnsComments, ///< popup
     CopyThisRowsAnswers,
     CloseAllGraphWindows,
     EditBlocks,

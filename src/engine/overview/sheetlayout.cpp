@@ -127,7 +127,7 @@ bool isReadableColumn(const Document &doc, qint32 question)
 {
     const Question *q = questionAt(doc, question);
     return q && question < doc.columnCount() && q->firstAlternative >= 0 && q->alternativeCount > 0
-           && qint64(q->firstAlternative) + q->alternativeCount <= qint64(doc.alternatives.size());
+        && qint64(q->firstAlternative) + q->alternativeCount <= qint64(doc.alternatives.size());
 }
 
 std::vector<qint32> rowsInMatrix(const Document &doc, const std::vector<qint32> &rows)
@@ -239,8 +239,7 @@ PopupItems popupItemsFor(SheetPlace place, const PopupContext &context)
     switch (place) {
     case SheetPlace::Outside: return items;
     case SheetPlace::AnswerCell:
-        items.showRowsComments =
-            !context.randomPerColumn && (context.hasRowComments || context.hasCellComments);
+        items.showRowsComments = !context.randomPerColumn && (context.hasRowComments || context.hasCellComments);
         items.showColumnsComments = context.hasCellComments;
         items.copyThisRowsAnswers = !context.randomPerColumn;
         items.bar1 = items.showRowsComments || items.showColumnsComments || items.copyThisRowsAnswers;
@@ -271,9 +270,8 @@ qint32 blockAtHeaderLine(const Question &question, int line, int headerLines)
     return question.subBlock != -1 ? question.subBlock : question.block;
 }
 
-PopupEnabling popupEnablingFor(const Document &doc, const std::vector<qint32> &rows,
-                               const std::vector<qint32> &columns, bool randomPerColumn, qint32 row,
-                               qint32 question)
+PopupEnabling popupEnablingFor(const Document &doc, const std::vector<qint32> &rows, const std::vector<qint32> &columns,
+                               bool randomPerColumn, qint32 row, qint32 question)
 {
     PopupEnabling enabling;
     const bool rowInMatrix = row >= 0 && row < doc.rowCount();

@@ -45,8 +45,8 @@ int headerLineCount(const Document &doc, const std::vector<qint32> &columns);
 struct HeaderRun {
     int firstColumn = 0;
     int columnCount = 0;
-    qint32 block = -1;  ///< -1: the run has no block and is not painted
-    int colourSlot = 0; ///< 0 or 1: alternates at every run, with or without a block
+    qint32 block = -1;   ///< -1: the run has no block and is not painted
+    int colourSlot = 0;  ///< 0 or 1: alternates at every run, with or without a block
     bool isLast = false; ///< ends at the last column: shows the block's name
     QString text;        ///< unshortened: the block's code, or name for the last run
 };
@@ -79,13 +79,13 @@ struct SheetGeometry {
     int cellWidth = 16;
     int cellHeight = 16;
     int scale = 1;
-    int headerLines = 1;    ///< H
-    int columns = 0;        ///< C
-    int answerLines = 0;    ///< R, after the display limits
-    int indexLines = 0;     ///< T, picture modes with indexes
-    int captionLines = 0;   ///< L, picture modes
-    int captionExtra = 0;   ///< pixels of caption text taller than its line
-    qint32 rowCount = 0;    ///< n, entries of the row list
+    int headerLines = 1;  ///< H
+    int columns = 0;      ///< C
+    int answerLines = 0;  ///< R, after the display limits
+    int indexLines = 0;   ///< T, picture modes with indexes
+    int captionLines = 0; ///< L, picture modes
+    int captionExtra = 0; ///< pixels of caption text taller than its line
+    qint32 rowCount = 0;  ///< n, entries of the row list
 
     int width() const { return columns * cellWidth; }
     int height() const { return (headerLines + answerLines + indexLines + captionLines) * cellHeight + captionExtra; }
@@ -112,8 +112,8 @@ enum class SheetPlace { Outside, AnswerCell, CodeLine, BlockLine };
 /// What lies under a point of the sheet view.
 struct SheetHit {
     SheetPlace place = SheetPlace::Outside;
-    int column = -1;     ///< index into the column list
-    int line = 0;        ///< answer line k >= 0, or -H .. -1 for header lines (-1 = code line)
+    int column = -1; ///< index into the column list
+    int line = 0;    ///< answer line k >= 0, or -H .. -1 for header lines (-1 = code line)
     qint32 question = -1;
     /// Answer cells: the row number shown there; header lines: the line (negative).
     qint32 row = -1;
@@ -162,8 +162,8 @@ struct PopupContext {
     bool randomPerColumn = false;
     bool hasRowComments = false;
     bool hasCellComments = false;
-    qint32 questionGraphFlags = 0; ///< of the clicked column's question
-    qint32 blockGraphFlags = 0;    ///< of the clicked block (block lines)
+    qint32 questionGraphFlags = 0;  ///< of the clicked column's question
+    qint32 blockGraphFlags = 0;     ///< of the clicked block (block lines)
     bool totalGraphVisible = false; ///< the total-index graph item is offered
 };
 
@@ -180,8 +180,7 @@ struct PopupEnabling {
     bool showRowsComments = false;
     bool showColumnsComments = false;
 };
-PopupEnabling popupEnablingFor(const Document &doc, const std::vector<qint32> &rows,
-                               const std::vector<qint32> &columns, bool randomPerColumn, qint32 row,
-                               qint32 question);
+PopupEnabling popupEnablingFor(const Document &doc, const std::vector<qint32> &rows, const std::vector<qint32> &columns,
+                               bool randomPerColumn, qint32 row, qint32 question);
 
 } // namespace kel

@@ -56,8 +56,7 @@ void shuffleRows(RowList &rows, RowRandom &random)
 qint32 effectiveRowOrder(const DocumentProperties &properties, qint32 userRowOrder, qint32 n)
 {
     qint32 order = userRowOrder;
-    if (properties.rowOrder != -1
-        && (properties.rowOrderThreshold == -1 || n < properties.rowOrderThreshold))
+    if (properties.rowOrder != -1 && (properties.rowOrderThreshold == -1 || n < properties.rowOrderThreshold))
         order = properties.rowOrder;
     // Undefined codes behave as Original.
     return (order == RowOrderRandom || order == RowOrderRandomPerColumn) ? order : RowOrderOriginal;
@@ -95,7 +94,7 @@ SelectionSteps selectionSteps(const Document &doc, const SelectionMatrix &select
                 if (selection.at(c, o))
                     names << doc.alternatives[std::size_t(question.firstAlternative + o)].shortText;
             text += QStringLiteral("; ") + question.selectionLabel + QLatin1Char(' ')
-                    + (names.isEmpty() ? QStringLiteral("--") : names.join(QStringLiteral(", ")));
+                + (names.isEmpty() ? QStringLiteral("--") : names.join(QStringLiteral(", ")));
         }
         if (flex.rowCount() >= 1) {
             if (q == doc.flexCategory)

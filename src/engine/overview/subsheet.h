@@ -25,7 +25,7 @@ enum RowOrder : qint32 { RowOrderOriginal = 0, RowOrderRandom = 1, RowOrderRando
 class RowRandom
 {
 public:
-    explicit RowRandom(quint64 seed) : mState(seed) {}
+    explicit RowRandom(quint64 seed) : mState(seed) { }
     /// Uniform in [0, 1), single precision (24 random bits).
     float rnd() { return float(next() >> 40) * (1.0f / 16777216.0f); }
 
@@ -75,9 +75,9 @@ struct SubSheet {
     bool dataRowsAllowed = false;
     qint32 rowOrder = RowOrderOriginal; ///< the effective order
     bool randomPerColumn = false;
-    RowList rows;                       ///< ordered; empty when refused
+    RowList rows;                         ///< ordered; empty when refused
     std::vector<qint32> columnRowOffsets; ///< per question; only with randomPerColumn
-    double totalIndex = 0.0;            ///< the sheet's own total index (0.0 when none)
+    double totalIndex = 0.0;              ///< the sheet's own total index (0.0 when none)
     SelectionMatrix selection;
 
     /// -1 (every row may be shown) or 0 (headers and totals only).

@@ -42,8 +42,8 @@ void markFailures(const Document &doc, const SelectionMatrix &selected, qint32 c
     });
 }
 
-void fillFailures(const Document &doc, const SelectionMatrix &selected, qint32 categories, qint32 first,
-                  qint32 count, BlockState &state)
+void fillFailures(const Document &doc, const SelectionMatrix &selected, qint32 categories, qint32 first, qint32 count,
+                  BlockState &state)
 {
     std::fill_n(state.fails.begin(), count, 0);
     std::fill_n(state.lastFail.begin(), count, -1);
@@ -64,7 +64,7 @@ struct Combinations {
     qint32 categories = 0;
     std::array<quint32, MaxKeyedCategories> limit{};  // options of each category
     std::array<quint32, MaxKeyedCategories> stride{}; // mixed-radix place value
-    qint64 count = 0; // 0: too many to tabulate
+    qint64 count = 0;                                 // 0: too many to tabulate
 };
 
 Combinations planCombinations(const Document &doc, const SelectionMatrix &selected, qint32 categories)
@@ -198,7 +198,8 @@ qint32 countOptions(const Document &doc, const SelectionMatrix &selected, CountM
                     const qint32 f = state.fails[std::size_t(i)];
                     const quint32 v = quint32(qint32(cells[i]));
                     const quint32 inRange = v < options;
-                    const quint32 counts = quint32(f == 0) | (quint32(f == 1) & quint32(state.lastFail[std::size_t(i)] == c));
+                    const quint32 counts =
+                        quint32(f == 0) | (quint32(f == 1) & quint32(state.lastFail[std::size_t(i)] == c));
                     hist[std::size_t(i & (Lanes - 1)) * options + (inRange ? v : 0)] += qint32(counts & inRange);
                 }
             });

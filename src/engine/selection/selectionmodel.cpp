@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/selection/selectionmodel.h"
 
-
 namespace kel {
 
 void SelectionModel::setUpDimensions(const Document &doc)

@@ -16,8 +16,8 @@
 namespace kel {
 
 struct RecountResult {
-    qint32 count = 0;  ///< respondents in the edited selection
-    CountMatrix found; ///< what each option would leave (countOptions)
+    qint32 count = 0;          ///< respondents in the edited selection
+    CountMatrix found;         ///< what each option would leave (countOptions)
     std::vector<bool> shaded;  ///< per category: an option is a too small complement
     std::vector<bool> blocked; ///< per category: shaded and restricted
     bool showEnabled = false;

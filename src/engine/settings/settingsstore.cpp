@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/settings/settingsstore.h"
 
-
 #include <QDir>
 #include <QFileInfo>
 #include <QMetaType>
@@ -123,10 +122,8 @@ bool isIntegerVariant(const QVariant &v)
     case QMetaType::Long:
     case QMetaType::ULong:
     case QMetaType::LongLong:
-    case QMetaType::ULongLong:
-        return true;
-    default:
-        return false;
+    case QMetaType::ULongLong: return true;
+    default: return false;
     }
 }
 
@@ -182,14 +179,13 @@ SettingsLocation SettingsLocation::platformDefault()
 #ifdef Q_OS_WIN
     location.file = QStringLiteral("HKEY_CURRENT_USER\\Software\\") + organization + QLatin1Char('\\') + application;
     location.format = QSettings::NativeFormat;
-    location.policyFile = QStringLiteral(
-        "HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Policies\\Explorer");
+    location.policyFile =
+        QStringLiteral("HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Policies\\Explorer");
     location.policyFormat = QSettings::NativeFormat;
     location.policyGroup.clear();
 #else
     location.file = QSettings(QSettings::IniFormat, QSettings::UserScope, organization, application).fileName();
-    location.policyFile =
-        QSettings(QSettings::IniFormat, QSettings::SystemScope, organization, application).fileName();
+    location.policyFile = QSettings(QSettings::IniFormat, QSettings::SystemScope, organization, application).fileName();
 #endif
     return location;
 }
@@ -267,8 +263,7 @@ std::optional<QString> SettingsStore::readString(const QString &key, const QStri
     case QMetaType::QStringList:
         // A hand-edited INI value with unquoted commas comes back split.
         return v.toStringList().join(QLatin1Char(','));
-    default:
-        return std::nullopt;
+    default: return std::nullopt;
     }
 }
 
@@ -280,7 +275,8 @@ bool SettingsStore::writeDword(const QString &key, const QString &name, qint32 v
         mSettings->setValue(fullKey(key, name), value);
     else
         mSettings->setValue(fullKey(key, name),
-                            DwordPrefix + QStringLiteral("%1").arg(static_cast<quint32>(value), 8, 16, QLatin1Char('0')));
+                            DwordPrefix
+                                + QStringLiteral("%1").arg(static_cast<quint32>(value), 8, 16, QLatin1Char('0')));
     return true;
 }
 
@@ -293,8 +289,8 @@ bool SettingsStore::writeString(const QString &key, const QString &name, const Q
 {
     if (!canWrite())
         return false;
-    const bool ambiguous = !mNative
-        && (value.trimmed().startsWith(DwordPrefix, Qt::CaseInsensitive) || value.startsWith(StringPrefix));
+    const bool ambiguous =
+        !mNative && (value.trimmed().startsWith(DwordPrefix, Qt::CaseInsensitive) || value.startsWith(StringPrefix));
     mSettings->setValue(fullKey(key, name), ambiguous ? StringPrefix + value : value);
     return true;
 }
@@ -433,9 +429,7 @@ bool SettingsStore::writeWindowPlacement(const QString &name, BorderStyle style,
     switch (style) {
     case BorderStyle::None:
     case BorderStyle::FixedDialog:
-    case BorderStyle::FixedToolWindow:
-        putPosition();
-        break;
+    case BorderStyle::FixedToolWindow: putPosition(); break;
     case BorderStyle::FixedSingle:
         if (state == WindowPlacement::Normal)
             putPosition();

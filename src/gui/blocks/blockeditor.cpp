@@ -30,9 +30,7 @@ BlockEditorPrompts BlockEditorPrompts::dialogs(QWidget *parent)
         box.setDefaultButton(QMessageBox::Cancel);
         return box.exec() == QMessageBox::Ok;
     };
-    p.error = [parent](const QString &title, const QString &text) {
-        QMessageBox::critical(parent, title, text);
-    };
+    p.error = [parent](const QString &title, const QString &text) { QMessageBox::critical(parent, title, text); };
     return p;
 }
 
@@ -206,10 +204,9 @@ void BlockEditor::questionChanged(QListWidgetItem *item)
 
 void BlockEditor::addBlock()
 {
-    const std::optional<QString> name = mPrompts.input(t("Add Block", "Lägg till block"),
-                                                       t("Enter a unique name for the new block:",
-                                                         "Ange ett unikt namn på det nya blocket:"),
-                                                       QString());
+    const std::optional<QString> name = mPrompts.input(
+        t("Add Block", "Lägg till block"),
+        t("Enter a unique name for the new block:", "Ange ett unikt namn på det nya blocket:"), QString());
     if (!name)
         return;
     qint32 index = -1;
@@ -232,18 +229,18 @@ void BlockEditor::renameBlock()
     const qint32 index = selectedEntry();
     if (index < 0 || mModel.entry(index).isDocumentBlock)
         return;
-    const std::optional<QString> name = mPrompts.input(t("Rename Block", "Byt namn på block"),
-                                                       t("Enter the block's new name:", "Ange blockets nya namn:"),
-                                                       mModel.entry(index).name);
+    const std::optional<QString> name =
+        mPrompts.input(t("Rename Block", "Byt namn på block"),
+                       t("Enter the block's new name:", "Ange blockets nya namn:"), mModel.entry(index).name);
     if (!name)
         return;
     switch (mModel.rename(index, *name)) {
     case BlockEditModel::NameCheck::Nothing: return;
     case BlockEditModel::NameCheck::Duplicate:
-        mPrompts.error(t("Rename Block", "Byt namn på block"),
-                       t("There already exists another block with the name ",
-                         "Det finns redan ett annat block med namnet ")
-                           + QLatin1Char('"') + name->trimmed() + QStringLiteral("\"!"));
+        mPrompts.error(
+            t("Rename Block", "Byt namn på block"),
+            t("There already exists another block with the name ", "Det finns redan ett annat block med namnet ")
+                + QLatin1Char('"') + name->trimmed() + QStringLiteral("\"!"));
         return;
     case BlockEditModel::NameCheck::Ok: break;
     }
@@ -258,8 +255,7 @@ void BlockEditor::deleteBlock()
         return;
     const QString name = mModel.entry(index).name;
     if (!mPrompts.confirm(t("Delete Block", "Ta bort block"),
-                          QStringLiteral("Block \"") + name
-                              + t("\" will be deleted!", "\" kommer att tas bort!")))
+                          QStringLiteral("Block \"") + name + t("\" will be deleted!", "\" kommer att tas bort!")))
         return;
     const bool forgotten = mModel.entry(index).state == BlockEditModel::Added;
     mModel.remove(index);

@@ -39,7 +39,8 @@ QRect keepOnScreen(const QRect &frame, const QList<QRect> &screens)
             best = screen;
         }
     }
-    QRect result(frame.topLeft(), QSize(std::min(frame.width(), best.width()), std::min(frame.height(), best.height())));
+    QRect result(frame.topLeft(),
+                 QSize(std::min(frame.width(), best.width()), std::min(frame.height(), best.height())));
     if (result.right() > best.right())
         result.moveRight(best.right());
     if (result.bottom() > best.bottom())

@@ -18,8 +18,7 @@ bool isDockArea(qint32 value)
 
 } // namespace
 
-ToolDock::ToolDock(const QString &name, const QString &title, QWidget *parent)
-    : QDockWidget(title, parent), mName(name)
+ToolDock::ToolDock(const QString &name, const QString &title, QWidget *parent) : QDockWidget(title, parent), mName(name)
 {
     setObjectName(QStringLiteral("frm") + name);
     setFeatures(QDockWidget::DockWidgetClosable | QDockWidget::DockWidgetMovable | QDockWidget::DockWidgetFloatable);

@@ -43,12 +43,14 @@ PropertiesView::PropertiesView(const Document &doc, bool isSwedish, const QLocal
 
     auto *form = new QFormLayout;
     layout->addLayout(form);
-    addRow(form, QStringLiteral("lblFileNameLabel"), t.fileNameLabel, valueLabel(QStringLiteral("lblFileName"), t.fileName, this));
+    addRow(form, QStringLiteral("lblFileNameLabel"), t.fileNameLabel,
+           valueLabel(QStringLiteral("lblFileName"), t.fileName, this));
     addRow(form, QStringLiteral("lblFileFormatLabel"), t.fileFormatLabel,
            valueLabel(QStringLiteral("lblFileFormat"), t.fileFormat, this));
     addRow(form, QStringLiteral("lblFileVersionLabel"), t.fileVersionLabel,
            valueLabel(QStringLiteral("lblFileVersion"), t.fileVersion, this));
-    addRow(form, QStringLiteral("lblFileGUIDLabel"), t.fileGuidLabel, valueLabel(QStringLiteral("lblFileGUID"), t.fileGuid, this));
+    addRow(form, QStringLiteral("lblFileGUIDLabel"), t.fileGuidLabel,
+           valueLabel(QStringLiteral("lblFileGUID"), t.fileGuid, this));
     addRow(form, QStringLiteral("lblFileCreatedLabel"), t.fileCreatedLabel,
            valueLabel(QStringLiteral("lblFileCreated"), t.fileCreated, this));
     addRow(form, QStringLiteral("lblProjectNumberLabel"), t.projectNumberLabel,
@@ -85,9 +87,9 @@ PropertiesView::PropertiesView(const Document &doc, bool isSwedish, const QLocal
            t.minimumComplementSelectionLabel,
            valueLabel(QStringLiteral("lblIntegrityProtectionMinimumComplementSelection"), t.minimumComplementSelection,
                       integrity));
-    addRow(integrityForm, QStringLiteral("lblIntegrityProtectionMinimumGraphSelectionLabel"),
-           t.minimumGraphSelectionLabel,
-           valueLabel(QStringLiteral("lblIntegrityProtectionMinimumGraphSelection"), t.minimumGraphSelection, integrity));
+    addRow(
+        integrityForm, QStringLiteral("lblIntegrityProtectionMinimumGraphSelectionLabel"), t.minimumGraphSelectionLabel,
+        valueLabel(QStringLiteral("lblIntegrityProtectionMinimumGraphSelection"), t.minimumGraphSelection, integrity));
     addRow(integrityForm, QStringLiteral("lblIntegrityProtectionOverviewRowOrderLabel"), t.rowOrderLabel,
            valueLabel(QStringLiteral("lblIntegrityProtectionOverviewRowOrder"), t.rowOrder, integrity));
     layout->addWidget(integrity);

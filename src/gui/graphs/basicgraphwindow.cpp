@@ -247,10 +247,10 @@ Picture BasicGraphWindow::picture(const BasicGraphPictureOptions &options) const
     // must not depend on this window still showing the same graph.
     const BasicGraphRenderer renderer = *mRenderer;
     const bool percentage = mPercentage;
-    Picture picture = basicGraphPicture(size(), options, [renderer, percentage](QPainter &painter, const QRect &area,
-                                                                               int scale) {
-        drawScaledBasicGraph(painter, renderer, area, scale, percentage);
-    });
+    Picture picture =
+        basicGraphPicture(size(), options, [renderer, percentage](QPainter &painter, const QRect &area, int scale) {
+            drawScaledBasicGraph(painter, renderer, area, scale, percentage);
+        });
     picture.description = applicationTitle();
     return picture;
 }
@@ -275,8 +275,7 @@ bool BasicGraphWindow::saveGraph()
     if (!mnuPSave->isEnabled())
         return false;
     return saveGraphPicture(this, picture(), SaveKind::BasicGraph, mIsSwedish, *mContext.settings,
-                            statusReporter(mStatus), mContext.chooseFile,
-                            mContext.reportError);
+                            statusReporter(mStatus), mContext.chooseFile, mContext.reportError);
 }
 
 } // namespace kel

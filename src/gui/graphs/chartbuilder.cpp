@@ -221,8 +221,8 @@ QChart *buildChart(const ChartDescription &d)
                 item->setZValue(10);
                 const double centre = double(i) - BarWidth / 2 + (double(s) + 0.5) * BarWidth / double(setCount);
                 const double v = points[std::size_t(i)].value;
-                texts->push_back({item, d.horizontal ? QPointF(v, centre) : QPointF(centre, v), bars,
-                                  PlacedText::DataLabel});
+                texts->push_back(
+                    {item, d.horizontal ? QPointF(v, centre) : QPointF(centre, v), bars, PlacedText::DataLabel});
             }
         }
     }

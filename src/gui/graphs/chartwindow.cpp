@@ -89,7 +89,8 @@ bool ChartWindow::printGraph()
 {
     if (!mnuPPrint->isEnabled())
         return false;
-    return printGraphPicture(picture(), *mContext.settings, graphPrintFooter(mContext.documentIsSwedish), statusReporter(*mStatus));
+    return printGraphPicture(picture(), *mContext.settings, graphPrintFooter(mContext.documentIsSwedish),
+                             statusReporter(*mStatus));
 }
 
 bool ChartWindow::saveGraph()
@@ -104,7 +105,8 @@ bool ChartWindow::eventFilter(QObject *watched, QEvent *event)
 {
     if (watched == mView->viewport() && event->type() == QEvent::MouseButtonRelease) {
         const auto *mouse = static_cast<QMouseEvent *>(event);
-        const Qt::KeyboardModifiers held = mouse->modifiers() & (Qt::ShiftModifier | Qt::ControlModifier | Qt::AltModifier);
+        const Qt::KeyboardModifiers held =
+            mouse->modifiers() & (Qt::ShiftModifier | Qt::ControlModifier | Qt::AltModifier);
         if (mouse->button() == Qt::RightButton && held == Qt::NoModifier) {
             mPopup->popup(mouse->globalPosition().toPoint());
             return true;

@@ -29,8 +29,7 @@ qint32 chosenCategory(const QListWidget *list)
 
 } // namespace
 
-DistributionDialog::DistributionDialog(const LastSettings &settings, bool isSwedish, QWidget *parent)
-    : QDialog(parent)
+DistributionDialog::DistributionDialog(const LastSettings &settings, bool isSwedish, QWidget *parent) : QDialog(parent)
 {
     setObjectName(QStringLiteral("frmDistributionGraphLaunch"));
     setWindowTitle(pickText(isSwedish, "Distribution Graph", "Fördelningsgraf"));

@@ -42,15 +42,18 @@ IndexGraphDialog::IndexGraphDialog(const Document &doc, qint32 block, const Sele
         lblBlockName->setObjectName(QStringLiteral("lblBlockName"));
         lblBlockName->setTextFormat(Qt::PlainText);
         layout->addWidget(lblBlockName);
-        chkShowBlockIndex = checkBox(this, "chkShowBlockIndex", pickText(isSwedish, "Show &block index", "Visa &blockindex"));
+        chkShowBlockIndex =
+            checkBox(this, "chkShowBlockIndex", pickText(isSwedish, "Show &block index", "Visa &blockindex"));
         chkShowBlockIndex->setChecked(true);
-        chkShowQuestionIndexes = checkBox(this, "chkShowQuestionIndexes",
-                                          pickText(isSwedish, "Show block's &question indexes", "Visa blockets &frågeindex"));
+        chkShowQuestionIndexes =
+            checkBox(this, "chkShowQuestionIndexes",
+                     pickText(isSwedish, "Show block's &question indexes", "Visa blockets &frågeindex"));
         layout->addWidget(chkShowBlockIndex);
         layout->addWidget(chkShowQuestionIndexes);
         connect(chkShowBlockIndex, &QCheckBox::toggled, this, &IndexGraphDialog::updateOk);
     } else {
-        chkShowTotalIndex = checkBox(this, "chkShowTotalIndex", pickText(isSwedish, "Show &total index", "Visa &totalindex"));
+        chkShowTotalIndex =
+            checkBox(this, "chkShowTotalIndex", pickText(isSwedish, "Show &total index", "Visa &totalindex"));
         chkShowTotalIndex->setChecked(true);
         chkShowBlockIndexes = checkBox(this, "chkShowBlockIndexes",
                                        pickText(isSwedish, "Show all &block indexes", "Visa alla &blockindex"));
@@ -89,8 +92,8 @@ IndexGraphDialog::IndexGraphDialog(const Document &doc, qint32 block, const Sele
     splitRow->addWidget(lblSplitBy);
     splitRow->addWidget(lstSplitBy, 1);
     layout->addLayout(splitRow);
-    chkIncludeEmptySplits = checkBox(this, "chkIncludeEmptySplits",
-                                     pickText(isSwedish, "Include &empty splits", "Ta med &tomma delar"));
+    chkIncludeEmptySplits =
+        checkBox(this, "chkIncludeEmptySplits", pickText(isSwedish, "Include &empty splits", "Ta med &tomma delar"));
     layout->addWidget(chkIncludeEmptySplits);
 
     fraIndexLines = new QGroupBox(blockDialog ? pickText(isSwedish, "Index &lines (max 2)", "Index&linjer (max 2)")
@@ -114,13 +117,16 @@ IndexGraphDialog::IndexGraphDialog(const Document &doc, qint32 block, const Sele
         lines->addWidget(box);
         chkIndexLines[std::size_t(i)] = box;
     }
-    chkIndexLinesShowExplanation = checkBox(fraIndexLines, "chkIndexLinesShowExplanation",
-                                            pickText(isSwedish, "Show explanation at lines", "Visa förklaring vid linjerna"));
+    chkIndexLinesShowExplanation =
+        checkBox(fraIndexLines, "chkIndexLinesShowExplanation",
+                 pickText(isSwedish, "Show explanation at lines", "Visa förklaring vid linjerna"));
     lines->addWidget(chkIndexLinesShowExplanation);
     layout->addWidget(fraIndexLines);
 
-    chkHorizontalBars = checkBox(this, "chkHorizontalBars", pickText(isSwedish, "&Horizontal bars", "&Horisontella staplar"));
-    chkVerticalLabels = checkBox(this, "chkVerticalLabels", pickText(isSwedish, "&Vertical labels", "&Vertikala etiketter"));
+    chkHorizontalBars =
+        checkBox(this, "chkHorizontalBars", pickText(isSwedish, "&Horizontal bars", "&Horisontella staplar"));
+    chkVerticalLabels =
+        checkBox(this, "chkVerticalLabels", pickText(isSwedish, "&Vertical labels", "&Vertikala etiketter"));
     chkDataLabels = checkBox(this, "chkDataLabels", pickText(isSwedish, "&Data labels", "&Dataetiketter"));
     layout->addWidget(chkHorizontalBars);
     layout->addWidget(chkVerticalLabels);

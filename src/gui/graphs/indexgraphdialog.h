@@ -38,7 +38,7 @@ public:
     bool isBlockDialog() const { return mBlock >= 0; }
 
     // The controls, by the names the program knows them by.
-    QLabel *lblBlockName = nullptr; ///< block dialog only
+    QLabel *lblBlockName = nullptr;           ///< block dialog only
     QCheckBox *chkShowTotalIndex = nullptr;   ///< total dialog only
     QCheckBox *chkShowBlockIndexes = nullptr; ///< total dialog only
     QCheckBox *chkShowBlockIndex = nullptr;   ///< block dialog only

@@ -12,8 +12,7 @@
 namespace kel {
 
 QuestionSelectDialog::QuestionSelectDialog(const Document &doc, qint32 question,
-                                           const std::function<bool(qint32)> &offered, bool isSwedish,
-                                           QWidget *parent)
+                                           const std::function<bool(qint32)> &offered, bool isSwedish, QWidget *parent)
     : QDialog(parent), mDoc(doc)
 {
     setObjectName(QStringLiteral("frmQuestionSelect"));

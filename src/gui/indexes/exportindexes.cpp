@@ -151,10 +151,9 @@ void SetupExportIndexes::accept()
 // --- Progress ---
 
 ExportIndexes::ExportIndexes(const Document &doc, const QString &selectionText, const RowList &currentRows,
-                             const IndexExportOptions &options, const QLocale &locale, bool isSwedish,
-                             QWidget *parent)
-    : QDialog(parent), mDoc(doc), mSelectionText(selectionText), mRows(currentRows), mOptions(options),
-      mLocale(locale), mIsSwedish(isSwedish)
+                             const IndexExportOptions &options, const QLocale &locale, bool isSwedish, QWidget *parent)
+    : QDialog(parent), mDoc(doc), mSelectionText(selectionText), mRows(currentRows), mOptions(options), mLocale(locale),
+      mIsSwedish(isSwedish)
 {
     setObjectName(QStringLiteral("frmExportIndexes"));
     setWindowTitle(indexExportText(IndexExportText::Caption, isSwedish));
@@ -231,8 +230,8 @@ void ExportIndexes::start()
         mValues = calculateIndexValues(mDoc, mSubSelections, mItems, [this](qint32 done) {
             if (mObserver)
                 mObserver(done);
-            QMetaObject::invokeMethod(mProgress, [bar = mProgress, done] { bar->setValue(done); },
-                                      Qt::QueuedConnection);
+            QMetaObject::invokeMethod(
+                mProgress, [bar = mProgress, done] { bar->setValue(done); }, Qt::QueuedConnection);
             return !mCancelled.load();
         });
     });
@@ -253,8 +252,7 @@ void ExportIndexes::finish()
     WaitCursor wait;
     mCancel->setEnabled(false);
     mActivity->setText(indexExportText(IndexExportText::Copying, mIsSwedish));
-    const QString text =
-        formatIndexTable(mDoc, mSelectionText, mOptions, mSubSelections, mItems, mValues, mLocale);
+    const QString text = formatIndexTable(mDoc, mSelectionText, mOptions, mSubSelections, mItems, mValues, mLocale);
     QClipboard *clipboard = QGuiApplication::clipboard();
     clipboard->clear();
     clipboard->setText(text);

@@ -20,8 +20,7 @@ constexpr int Margin = 1;
 constexpr int NotchUnits = 120;
 } // namespace
 
-SheetView::SheetView(QWidget *parent)
-    : QAbstractScrollArea(parent)
+SheetView::SheetView(QWidget *parent) : QAbstractScrollArea(parent)
 {
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::StrongFocus);
@@ -190,8 +189,7 @@ void SheetView::paintEvent(QPaintEvent *)
     };
     copy(Margin, 0, headerHeight);
     const int bodySourceY = h * (scrollLine() + mGeometry.headerLines);
-    const int bodyHeight =
-        std::min(mLayout.availableHeight - headerHeight, mGeometry.height() - bodySourceY);
+    const int bodyHeight = std::min(mLayout.availableHeight - headerHeight, mGeometry.height() - bodySourceY);
     copy(Margin + headerHeight, bodySourceY, bodyHeight);
 }
 

@@ -102,7 +102,7 @@ private:
     SheetTextOffsets mOffsets;
     const Document *mOffsetsDocument = nullptr;
     QImage mImage;
-    QImage mSpare; // the last picture's memory, reused by a sheet of the same size
+    QImage mSpare;              // the last picture's memory, reused by a sheet of the same size
     qreal mRenderedRatio = 1.0; // the device pixel ratio the picture was drawn for
     SheetScrollLayout mLayout;
     QTimer mHoverTimer;

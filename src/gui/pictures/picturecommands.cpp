@@ -54,7 +54,7 @@ double twipsToMm(qint32 twips)
 class PictureMimeData : public QMimeData
 {
 public:
-    PictureMimeData(const Picture &picture, bool withMetafiles) : mPicture(picture), mMetafiles(withMetafiles) {}
+    PictureMimeData(const Picture &picture, bool withMetafiles) : mPicture(picture), mMetafiles(withMetafiles) { }
 
     QStringList formats() const override
     {
@@ -188,8 +188,8 @@ SaveChoice resolveSaveChoice(const std::vector<SaveFilter> &filters, const QStri
         return choice;
     const SaveFilter *byFilter = nullptr;
     for (const SaveFilter &f : filters)
-        if (f.description == selectedFilter || f.description + QStringLiteral(" (") + f.pattern + QLatin1Char(')')
-                                                   == selectedFilter)
+        if (f.description == selectedFilter
+            || f.description + QStringLiteral(" (") + f.pattern + QLatin1Char(')') == selectedFilter)
             byFilter = &f;
     if (extensionDecides) {
         if (const auto format = pictureFormatForFileName(fileName)) {
@@ -240,8 +240,7 @@ SaveChoice askPictureFile(QWidget *parent, SaveKind kind, const QString &title, 
     }
     if (chosen.first.isEmpty())
         return SaveChoice{};
-    SaveChoice choice = resolveSaveChoice(filters, chosen.first, chosen.second,
-                                          kind == SaveKind::Chart);
+    SaveChoice choice = resolveSaveChoice(filters, chosen.first, chosen.second, kind == SaveKind::Chart);
     if (!choice.path.isEmpty())
         settings.graphSaveFolder = QFileInfo(choice.path).absolutePath();
     if (choice.format)
@@ -252,8 +251,8 @@ SaveChoice askPictureFile(QWidget *parent, SaveKind kind, const QString &title, 
 QString createdByLine(bool documentIsSwedish, const QString &applicationTitle, int major, int minor)
 {
     return (documentIsSwedish ? QStringLiteral("Skapad av ") : QStringLiteral("Created by ")) + applicationTitle
-           + QStringLiteral(" version ") + QString::number(major) + QLatin1Char('.')
-           + QStringLiteral("%1").arg(minor, 2, 10, QLatin1Char('0')) + QLatin1Char('.');
+        + QStringLiteral(" version ") + QString::number(major) + QLatin1Char('.')
+        + QStringLiteral("%1").arg(minor, 2, 10, QLatin1Char('0')) + QLatin1Char('.');
 }
 
 QString graphPrintFooter(bool documentIsSwedish)
@@ -279,8 +278,9 @@ bool printPicture(QPrinter &printer, const Picture &picture, const QString &foot
     QPainter painter;
     if (!painter.begin(&printer))
         return false;
-    const QRect page = printer.pageLayout().paintRectPixels(printer.resolution()).translated(
-        -printer.pageLayout().paintRectPixels(printer.resolution()).topLeft());
+    const QRect page = printer.pageLayout()
+                           .paintRectPixels(printer.resolution())
+                           .translated(-printer.pageLayout().paintRectPixels(printer.resolution()).topLeft());
     QFont font(QStringLiteral("Arial"));
     font.setPointSize(10);
     const int footerHeight = footer.isEmpty() ? 0 : QFontMetrics(font, &printer).height() * 2;
@@ -309,8 +309,8 @@ bool printPictureWithSettings(const Picture &picture, const LastSettings &settin
     return printPicture(printer, picture, footer);
 }
 
-void previewPicturePrint(QWidget *parent, const Picture &picture, const LastSettings &settings,
-                         const QString &footer, bool isSwedish)
+void previewPicturePrint(QWidget *parent, const Picture &picture, const LastSettings &settings, const QString &footer,
+                         bool isSwedish)
 {
     QPrinter printer(QPrinter::HighResolution);
     applyPrintFormat(printer, settings);
@@ -363,8 +363,7 @@ bool copyGraphPicture(const Picture &picture, const StatusReporter &status, std:
 {
     WaitCursor wait;
     status("Copying the graph to the clipboard...", "Kopierar grafen till urklipp...", false);
-    const int result =
-        chartCopyFormat ? copyChartPicture(picture, *chartCopyFormat) : copyPictureToClipboard(picture);
+    const int result = chartCopyFormat ? copyChartPicture(picture, *chartCopyFormat) : copyPictureToClipboard(picture);
     const bool ok = result == ClipboardOk;
     if (ok)
         status("The graph has been copied to the clipboard!", "Grafen har kopierats till urklipp!", true);
@@ -387,8 +386,8 @@ bool saveGraphPicture(QWidget *parent, const Picture &picture, SaveKind kind, bo
     status("Saving the graph...", chart ? "Sparar grafen..." : "Spara grafen...", false);
     const std::vector<SaveFilter> filters = saveFilters(kind, isSwedish, true);
     const PictureFormat offered = filters[std::size_t(preselectedFilter(filters, settings.graphSaveFormat))].format;
-    const QString title = chart ? pickText(isSwedish, "Save Graph", "Spara graf")
-                                : pickText(isSwedish, "Save Graph", "Spara diagram");
+    const QString title =
+        chart ? pickText(isSwedish, "Save Graph", "Spara graf") : pickText(isSwedish, "Save Graph", "Spara diagram");
     const SaveChoice choice = askPictureFile(parent, kind, title, QStringLiteral("abc.") + pictureFormatSuffix(offered),
                                              isSwedish, settings, chooser);
     if (choice.path.isEmpty()) {
@@ -396,8 +395,7 @@ bool saveGraphPicture(QWidget *parent, const Picture &picture, SaveKind kind, bo
         return false;
     }
     if (!choice.format) {
-        error(pickText(isSwedish,
-                       "The graph could not be saved since you did not select what file format you wanted!",
+        error(pickText(isSwedish, "The graph could not be saved since you did not select what file format you wanted!",
                        "Grafen kunde inte sparas eftersom du inte angav vilket filformat du ville ha!"));
         status("", "", false);
         return false;

@@ -91,9 +91,9 @@ SaveChoice resolveSaveChoice(const std::vector<SaveFilter> &filters, const QStri
 
 /// Stands in for the save dialog (tests answer it): returns the chosen path
 /// and the chosen filter text; an empty path is a cancel.
-using PictureFileChooser = std::function<std::pair<QString, QString>(
-    const QString &title, const QString &folder, const QString &defaultName, const QStringList &filters,
-    int preselected)>;
+using PictureFileChooser =
+    std::function<std::pair<QString, QString>(const QString &title, const QString &folder, const QString &defaultName,
+                                              const QStringList &filters, int preselected)>;
 /// Stands in for the error message box.
 using PictureErrorReporter = std::function<void(const QString &title, const QString &text)>;
 
@@ -122,8 +122,8 @@ bool printPicture(QPrinter &printer, const Picture &picture, const QString &foot
 /// Prints on the printer of the print format settings; false on failure.
 bool printPictureWithSettings(const Picture &picture, const LastSettings &settings, const QString &footer);
 /// A print preview of the picture on the print format settings' printer.
-void previewPicturePrint(QWidget *parent, const Picture &picture, const LastSettings &settings,
-                         const QString &footer, bool isSwedish);
+void previewPicturePrint(QWidget *parent, const Picture &picture, const LastSettings &settings, const QString &footer,
+                         bool isSwedish);
 
 // --- Graph windows ---
 
@@ -155,8 +155,8 @@ bool copyGraphPicture(const Picture &picture, const StatusReporter &status,
                       std::optional<qint32> chartCopyFormat = std::nullopt);
 /// The dialog and the message box go to `chooser` and `reportError` when
 /// they are given.
-bool saveGraphPicture(QWidget *parent, const Picture &picture, SaveKind kind, bool isSwedish,
-                      LastSettings &settings, const StatusReporter &status, const PictureFileChooser &chooser = {},
+bool saveGraphPicture(QWidget *parent, const Picture &picture, SaveKind kind, bool isSwedish, LastSettings &settings,
+                      const StatusReporter &status, const PictureFileChooser &chooser = {},
                       const PictureErrorReporter &reportError = {});
 bool printGraphPicture(const Picture &picture, const LastSettings &settings, const QString &footer,
                        const StatusReporter &status);

@@ -43,10 +43,10 @@ std::optional<qint32> parseMargin(const QString &text, const MarginUnit &unit, c
     return qint32(std::lround(twips));
 }
 
-PrintFormatDialog::PrintFormatDialog(const LastSettings &settings, const QStringList &printers,
-                                     const MarginUnit &unit, bool isSwedish, const QLocale &locale, QWidget *parent)
-    : QDialog(parent), mUnit(unit), mLocale(locale), mPrinter(new QComboBox(this)),
-      mTwips{settings.printerBindingMargin, settings.printerOtherMargins}
+PrintFormatDialog::PrintFormatDialog(const LastSettings &settings, const QStringList &printers, const MarginUnit &unit,
+                                     bool isSwedish, const QLocale &locale, QWidget *parent)
+    : QDialog(parent), mUnit(unit), mLocale(locale),
+      mPrinter(new QComboBox(this)), mTwips{settings.printerBindingMargin, settings.printerOtherMargins}
 {
     setObjectName(QStringLiteral("frmPrintFormat"));
     setWindowTitle(pickText(isSwedish, "Print Format", "Utskriftsformat"));

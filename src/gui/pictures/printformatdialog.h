@@ -18,9 +18,9 @@ namespace kel {
 
 /// The unit the margins are edited in.
 struct MarginUnit {
-    QString name;         ///< "inches" / "tum", or "mm"
-    double twipsPerUnit;  ///< 1440 or 56.7
-    int decimals;         ///< 2 or 1
+    QString name;        ///< "inches" / "tum", or "mm"
+    double twipsPerUnit; ///< 1440 or 56.7
+    int decimals;        ///< 2 or 1
 };
 MarginUnit marginUnit(QLocale::MeasurementSystem system, bool isSwedish);
 /// Stored twips as the box shows them.
@@ -35,8 +35,8 @@ class PrintFormatDialog : public QDialog
 public:
     /// `printers` are the names offered; the stored one is selected when it
     /// is among them, else the first.
-    PrintFormatDialog(const LastSettings &settings, const QStringList &printers, const MarginUnit &unit,
-                      bool isSwedish, const QLocale &locale = QLocale(), QWidget *parent = nullptr);
+    PrintFormatDialog(const LastSettings &settings, const QStringList &printers, const MarginUnit &unit, bool isSwedish,
+                      const QLocale &locale = QLocale(), QWidget *parent = nullptr);
 
     /// What OK stores: the printer and both margins in twips.
     void storeInto(LastSettings &settings) const;

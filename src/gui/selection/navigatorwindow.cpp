@@ -28,9 +28,9 @@ namespace kel {
 namespace {
 
 constexpr int ReminderIntervalMs = 800;
-constexpr int MinimumPaneTwips = 285;     // tree and flex list never get smaller
+constexpr int MinimumPaneTwips = 285; // tree and flex list never get smaller
 constexpr int DesignedFlexHeightTwips = 1140;
-constexpr int LabelGapTwips = 120;        // between the count and the Show button
+constexpr int LabelGapTwips = 120; // between the count and the Show button
 
 } // namespace
 
@@ -40,8 +40,8 @@ NavigatorWindow::NavigatorWindow(bool isSwedish, StatusLine &status, const UserO
       mIsSwedish(isSwedish), mStatus(status), mOptions(options), mActions(std::move(actions)),
       mContent(new QWidget(this)), mSplitter(new QSplitter(Qt::Vertical, mContent)),
       mTree(new NavigatorTree(mSplitter)), mFlexList(new QListWidget(mSplitter)),
-      mFlexCheck(new QCheckBox(pickText(isSwedish, "Base total on &current selection", "Basera totalen på &aktuellt urval"),
-                               mContent)),
+      mFlexCheck(new QCheckBox(
+          pickText(isSwedish, "Base total on &current selection", "Basera totalen på &aktuellt urval"), mContent)),
       mTotalLabel(new QLabel(mContent)), mShowButton(new QPushButton(pickText(isSwedish, "Show", "Visa"), mContent))
 {
     mFlexList->setObjectName(QStringLiteral("lstFlexTotal"));
@@ -50,9 +50,9 @@ NavigatorWindow::NavigatorWindow(bool isSwedish, StatusLine &status, const UserO
                                    "Defines, together with the check box below, what should be considered total.",
                                    "Definierar, tillsammans med kryssrutan under, vad som ska anses vara totalen."));
     mFlexCheck->setObjectName(QStringLiteral("chkFlexTotalBasedOnCurrentSelection"));
-    mFlexCheck->setToolTip(pickText(
-        isSwedish, "Total should be the same as the current selection except for the settings made above.",
-        "Totalen ska vara den samma som det aktuella urvalet med undantag för inställningarna ovan."));
+    mFlexCheck->setToolTip(
+        pickText(isSwedish, "Total should be the same as the current selection except for the settings made above.",
+                 "Totalen ska vara den samma som det aktuella urvalet med undantag för inställningarna ovan."));
     mTotalLabel->setObjectName(QStringLiteral("lblTotal"));
     mShowButton->setObjectName(QStringLiteral("cmdShow"));
     mShowButton->setAutoFillBackground(true);

@@ -49,12 +49,10 @@ ChartCommands::ChartCommands(MainWindow &window) : QObject(&window), mWindow(win
         });
     }
     // The per-block items are rebuilt with every document; their menus stay.
-    connect(m.mnuVBlockGraph4, &QMenu::triggered, this, [this](QAction *item) {
-        blockIndexGraph(qint32(mWindow.menus().mnuVB4Item.indexOf(item)));
-    });
-    connect(m.mnuVBlockGraph3, &QMenu::triggered, this, [this](QAction *item) {
-        viewBlockRankingGraph(qint32(mWindow.menus().mnuVB3Item.indexOf(item)));
-    });
+    connect(m.mnuVBlockGraph4, &QMenu::triggered, this,
+            [this](QAction *item) { blockIndexGraph(qint32(mWindow.menus().mnuVB4Item.indexOf(item))); });
+    connect(m.mnuVBlockGraph3, &QMenu::triggered, this,
+            [this](QAction *item) { viewBlockRankingGraph(qint32(mWindow.menus().mnuVB3Item.indexOf(item))); });
 }
 
 bool ChartCommands::canGraph() const
@@ -137,8 +135,7 @@ void ChartCommands::totalIndexGraph()
     StatusLine &status = mWindow.statusLine();
     status.setStatus("Generating total index graph...", "Skapar totalindexgraf...", false);
     const Document &doc = *mWindow.document();
-    IndexGraphDialog dialog(doc, -1, mWindow.shownSheet().steps, mWindow.lastSettings(), mWindow.isSwedish(),
-                            &mWindow);
+    IndexGraphDialog dialog(doc, -1, mWindow.shownSheet().steps, mWindow.lastSettings(), mWindow.isSwedish(), &mWindow);
     if (runDialog(dialog) != QDialog::Accepted) {
         status.clearStatus();
         return;

@@ -32,7 +32,7 @@ namespace {
 class PanelClickFilter : public QObject
 {
 public:
-    PanelClickFilter(std::function<void()> onClick, QObject *parent) : QObject(parent), mOnClick(std::move(onClick)) {}
+    PanelClickFilter(std::function<void()> onClick, QObject *parent) : QObject(parent), mOnClick(std::move(onClick)) { }
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override
@@ -108,8 +108,8 @@ void MainWindow::copyIndexes()
     });
     setup.exec();
     if (done)
-        mStatus->setStatus(indexExportText(IndexExportText::Copied, false), indexExportText(IndexExportText::Copied, true),
-                           true);
+        mStatus->setStatus(indexExportText(IndexExportText::Copied, false),
+                           indexExportText(IndexExportText::Copied, true), true);
     else
         mStatus->setStatus(indexExportText(IndexExportText::Canceled, false),
                            indexExportText(IndexExportText::Canceled, true), true);

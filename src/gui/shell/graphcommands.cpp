@@ -165,8 +165,8 @@ void showSplitGraphByDialog(MainWindow &window, qint32 kind)
     setStatus(window, basicGraphStartText(command), false);
     const BasicGraphSelection selection = currentGraphSelection(window);
     QApplication::setOverrideCursor(Qt::ArrowCursor);
-    QuestionSelectDialog dialog(*doc, q, [&](qint32 s) { return splitPermitted(*doc, s, selection); },
-                                window.isSwedish(), &window);
+    QuestionSelectDialog dialog(
+        *doc, q, [&](qint32 s) { return splitPermitted(*doc, s, selection); }, window.isSwedish(), &window);
     dialog.exec();
     QApplication::restoreOverrideCursor();
     if (!dialog.accepted()) {

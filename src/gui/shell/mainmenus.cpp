@@ -16,7 +16,7 @@ namespace {
 class MenuBuilder
 {
 public:
-    explicit MenuBuilder(bool isSwedish) : mIsSwedish(isSwedish) {}
+    explicit MenuBuilder(bool isSwedish) : mIsSwedish(isSwedish) { }
 
     QAction *item(QMenu *menu, const char *name, const char *english, const char *swedish) const
     {
@@ -137,20 +137,23 @@ MainMenus buildMainMenus(QMenuBar *bar, QWidget *owner, bool isSwedish)
     m.mnuPShowBlockGraph4 = b.item(p, "mnuPShowBlockGraph4", "Show &Block Index Graph...", "Visa block&indexgraf...");
     m.mnuPShowBlockGraph1 = b.item(p, "mnuPShowBlockGraph1", "Show Block &Histogram", "Visa block&histogram");
     m.mnuPShowBlockGraph2 = b.item(p, "mnuPShowBlockGraph2", "Show Block &Graph", "Visa block&graf");
-    m.mnuPShowBlockGraph3 = b.submenu(p, "mnuPShowBlockGraph3", "Show Block &Ranking Graph", "Visa block&rankningsgraf");
-    m.mnuPSB3SortedBy[0] = b.item(m.mnuPShowBlockGraph3, "mnuPSB3SortedBy0", "Sorted by &Ranking", "Sorterad efter &rankning");
-    m.mnuPSB3SortedBy[1] = b.item(m.mnuPShowBlockGraph3, "mnuPSB3SortedBy1", "Sorted by &Option", "Sorterad efter &alternativ");
+    m.mnuPShowBlockGraph3 =
+        b.submenu(p, "mnuPShowBlockGraph3", "Show Block &Ranking Graph", "Visa block&rankningsgraf");
+    m.mnuPSB3SortedBy[0] =
+        b.item(m.mnuPShowBlockGraph3, "mnuPSB3SortedBy0", "Sorted by &Ranking", "Sorterad efter &rankning");
+    m.mnuPSB3SortedBy[1] =
+        b.item(m.mnuPShowBlockGraph3, "mnuPSB3SortedBy1", "Sorted by &Option", "Sorterad efter &alternativ");
     m.mnuPShowQuestionGraph1 =
         b.submenu(p, "mnuPShowQuestionGraph1", "Show Question &Histogram", "Visa fråge&histogram");
-    m.mnuPS1Total = b.item(m.mnuPShowQuestionGraph1, "mnuPS1Total", "&Total for Current Selection",
-                           "&Totalt för aktuellt urval");
+    m.mnuPS1Total =
+        b.item(m.mnuPShowQuestionGraph1, "mnuPS1Total", "&Total for Current Selection", "&Totalt för aktuellt urval");
     m.mnuPS1SplitBy = b.submenu(m.mnuPShowQuestionGraph1, "mnuPS1SplitBy", "&Split by", "&Fördelat på");
     m.mnuPS1SplitByColumn << newSplitByItem(m.mnuPS1SplitBy, 0);
     m.mnuPS1Split = b.item(m.mnuPShowQuestionGraph1, "mnuPS1Split", "Split by &Another Question...",
                            "Fördelat på en &annan fråga...");
     m.mnuPShowQuestionGraph2 = b.submenu(p, "mnuPShowQuestionGraph2", "Show Question &Graph", "Visa fråge&graf");
-    m.mnuPS2Total = b.item(m.mnuPShowQuestionGraph2, "mnuPS2Total", "&Total for Current Selection",
-                           "&Totalt för aktuellt urval");
+    m.mnuPS2Total =
+        b.item(m.mnuPShowQuestionGraph2, "mnuPS2Total", "&Total for Current Selection", "&Totalt för aktuellt urval");
     m.mnuPS2SplitBy = b.submenu(m.mnuPShowQuestionGraph2, "mnuPS2SplitBy", "&Split by", "&Fördelad på");
     m.mnuPS2SplitByColumn << newSplitByItem(m.mnuPS2SplitBy, 0);
     m.mnuPS2Split = b.item(m.mnuPShowQuestionGraph2, "mnuPS2Split", "Split by &Another Question...",
@@ -172,8 +175,8 @@ MainMenus buildMainMenus(QMenuBar *bar, QWidget *owner, bool isSwedish)
         b.item(p, "mnuPCopyToMiniOverview", "Copy to &Mini-overview", "Kopiera till mini&översikt");
     m.mnuPCopyData = b.item(p, "mnuPCopyData", "Copy Overview as &Data", "Kopiera översikt som &data");
     m.mnuPBar3 = b.bar(p, "mnuPBar3");
-    m.mnuPMouseWheelScrollDirection[0] = b.item(p, "mnuPMouseWheelScrollDirection0", "Mouse Wheel Scrolls &Vertically",
-                                                "Mushjulet bläddrar &vertikalt");
+    m.mnuPMouseWheelScrollDirection[0] =
+        b.item(p, "mnuPMouseWheelScrollDirection0", "Mouse Wheel Scrolls &Vertically", "Mushjulet bläddrar &vertikalt");
     m.mnuPMouseWheelScrollDirection[1] = b.item(p, "mnuPMouseWheelScrollDirection1",
                                                 "Mouse Wheel Scrolls Hori&zontally", "Mushjulet bläddrar horisonta&lt");
     auto *wheelGroup = new QActionGroup(p);
@@ -227,15 +230,17 @@ void applyMenuEnabling(MainMenus &m, const MenuEnabling &enabling, const std::ve
     enable(C::DetailInformation, {m.mnuVDetailInfo});
     enable(C::DistributionGraph, {m.mnuVDistributionGraph});
     both(C::TotalIndexGraph, {m.mnuVTotalGraph1, m.mnuPShowTotalGraph1});
-    show(C::BlockGraphs, {m.mnuVBlockGraph4->menuAction(), m.mnuVBlockGraph1->menuAction(),
-                          m.mnuVBlockGraph2->menuAction(), m.mnuVBlockGraph3->menuAction()});
+    show(C::BlockGraphs,
+         {m.mnuVBlockGraph4->menuAction(), m.mnuVBlockGraph1->menuAction(), m.mnuVBlockGraph2->menuAction(),
+          m.mnuVBlockGraph3->menuAction()});
     for (const QList<QAction *> *items : {&m.mnuVB4Item, &m.mnuVB1Item, &m.mnuVB2Item, &m.mnuVB3Item})
         enableAll(C::BlockGraphs, *items);
-    enable(C::BlockGraphs, {m.mnuPShowBlockGraph4, m.mnuPShowBlockGraph1, m.mnuPShowBlockGraph2,
-                            m.mnuPSB3SortedBy[0], m.mnuPSB3SortedBy[1]});
+    enable(C::BlockGraphs,
+           {m.mnuPShowBlockGraph4, m.mnuPShowBlockGraph1, m.mnuPShowBlockGraph2, m.mnuPSB3SortedBy[0],
+            m.mnuPSB3SortedBy[1]});
     show(C::QuestionGraphs, {m.mnuPS1SplitBy->menuAction(), m.mnuPS2SplitBy->menuAction()});
-    enable(C::QuestionGraphs, {m.mnuPS1Total, m.mnuPS1Split, m.mnuPS2Total, m.mnuPS2Split, m.mnuPSQ3SortedBy[0],
-                               m.mnuPSQ3SortedBy[1]});
+    enable(C::QuestionGraphs,
+           {m.mnuPS1Total, m.mnuPS1Split, m.mnuPS2Total, m.mnuPS2Split, m.mnuPSQ3SortedBy[0], m.mnuPSQ3SortedBy[1]});
     // A group smaller than the document allows must never be split off.
     for (QList<QAction *> *items : {&m.mnuPS1SplitByColumn, &m.mnuPS2SplitByColumn}) {
         for (qsizetype c = 0; c < items->size(); ++c) {

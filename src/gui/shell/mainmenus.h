@@ -118,8 +118,7 @@ MainMenus buildMainMenus(QMenuBar *bar, QWidget *owner, bool isSwedish);
 /// popup click are shown by the popup itself. Split-by item c is enabled
 /// only when question graphs are and the shown overview allows splitting by
 /// category c (`splitNotAllowed`, as the overview build decided it).
-void applyMenuEnabling(MainMenus &menus, const MenuEnabling &enabling,
-                       const std::vector<bool> &splitNotAllowed = {});
+void applyMenuEnabling(MainMenus &menus, const MenuEnabling &enabling, const std::vector<bool> &splitNotAllowed = {});
 
 /// Adds split-by item `index` to both popup split menus when it does not exist
 /// yet and sets its caption; returns false for a negative index.

@@ -73,8 +73,8 @@ QString picturesFolder()
 MainWindowEnvironment MainWindowEnvironment::detect()
 {
     MainWindowEnvironment e;
-    e.printerInstalled = !QPrinterInfo::defaultPrinterName().isEmpty()
-        || !QPrinterInfo::availablePrinterNames().isEmpty();
+    e.printerInstalled =
+        !QPrinterInfo::defaultPrinterName().isEmpty() || !QPrinterInfo::availablePrinterNames().isEmpty();
     for (const QInputDevice *device : QInputDevice::devices()) {
         if (device->type() == QInputDevice::DeviceType::Mouse
             || device->hasCapability(QInputDevice::Capability::Scroll)) {
@@ -111,8 +111,7 @@ MainWindow::MainWindow(SettingsStore &settings, bool isSwedish, const MainWindow
                        QWidget *parent)
     : QMainWindow(parent), mSettings(settings), mIsSwedish(isSwedish), mEnvironment(environment),
       mStatus(new StatusLine(isSwedish, StatusLine::DefaultClearInterval, this)),
-      mSession(new DocumentSession(!settings.policies().noRecentDocsMenu, this)),
-      mSheet(new SheetView(this)),
+      mSession(new DocumentSession(!settings.policies().noRecentDocsMenu, this)), mSheet(new SheetView(this)),
       mRowRandom(quint32(QDateTime::currentMSecsSinceEpoch()))
 {
     setObjectName(QStringLiteral("frmMain"));
@@ -291,8 +290,8 @@ void MainWindow::fileOpen()
     const Document *doc = document();
     const bool kelFirst = doc == nullptr || doc->currentFileName.endsWith(QLatin1String(".kel"), Qt::CaseInsensitive);
     QString selectedFilter = kelFirst ? kelFilter : allFilter;
-    const QString start = doc ? QDir(mSession->currentFolder()).filePath(doc->currentFileTitle)
-                              : mSession->currentFolder();
+    const QString start =
+        doc ? QDir(mSession->currentFolder()).filePath(doc->currentFileTitle) : mSession->currentFolder();
 
     QApplication::setOverrideCursor(Qt::ArrowCursor);
     const QString path = QFileDialog::getOpenFileName(this, openDialogTitle(), start,

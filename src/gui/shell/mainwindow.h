@@ -200,7 +200,7 @@ private:
     QPointer<NavigatorWindow> mNavigator;
     QPointer<DetailWindow> mDetail;
     FlexTotal mFlexTotal;
-    RowRandom mRowRandom; // seeded once per run from the clock
+    RowRandom mRowRandom;              // seeded once per run from the clock
     IndexExportOptions mExportOptions; // Copy Indexes' choices, reset with the document
     SheetHit mPopupHit;
     SelectionSteps mSteps;

@@ -173,16 +173,16 @@ OptionsDialog::OptionsDialog(bool isSwedish, const UserOptions &options, const D
     auto *overview = new QWidget(mTabs);
     auto *blockLinesLabel =
         newLabel(overview, "lblOverviewBlockLinesLabel", pickText(isSwedish, "Block lines:", "Blocklinjer:"));
-    mBlockLines = newCheck(overview, "chkOverviewBlockLines", isSwedish, "&Enabled", "&Aktiverade",
-                           options.overviewGroupLines);
+    mBlockLines =
+        newCheck(overview, "chkOverviewBlockLines", isSwedish, "&Enabled", "&Aktiverade", options.overviewGroupLines);
     auto *blockLinesRow = new QHBoxLayout;
     blockLinesRow->addWidget(blockLinesLabel);
     blockLinesRow->addWidget(mBlockLines);
     blockLinesRow->addStretch();
 
     auto *rowOrderFrame = newFrame(overview, "fraOverviewRowOrder", isSwedish, "Row order", "Radordning");
-    auto *rowOrderLabel = newLabel(rowOrderFrame, "lblOverviewRowOrderLabel",
-                                   pickText(isSwedish, "Default &row order:", "&Radordning:"));
+    auto *rowOrderLabel =
+        newLabel(rowOrderFrame, "lblOverviewRowOrderLabel", pickText(isSwedish, "Default &row order:", "&Radordning:"));
     mRowOrder = newList(rowOrderFrame, "cboOverviewRowOrder", isSwedish,
                         {{"Original", "Ursprunglig", 0},
                          {"Random", "Slumpmässig", 1},
@@ -222,11 +222,10 @@ OptionsDialog::OptionsDialog(bool isSwedish, const UserOptions &options, const D
 
     // Graphs
     auto *graphs = new QWidget(mTabs);
-    auto *questionGraphs =
-        newFrame(graphs, "fraGraphQuestionGraphs", isSwedish, "Question graphs", "Frågegrafer");
-    mReversed = newCheck(questionGraphs, "chkGraphValueOrderReversed", isSwedish,
-                         "&Reverse display order (start with lowest)",
-                         "Använd &omvänd visningsordning (lägsta först)", options.graphValueOrderReversed);
+    auto *questionGraphs = newFrame(graphs, "fraGraphQuestionGraphs", isSwedish, "Question graphs", "Frågegrafer");
+    mReversed =
+        newCheck(questionGraphs, "chkGraphValueOrderReversed", isSwedish, "&Reverse display order (start with lowest)",
+                 "Använd &omvänd visningsordning (lägsta först)", options.graphValueOrderReversed);
     mOpaque = newCheck(questionGraphs, "chkGraphCopySaveOpaque", isSwedish,
                        "Use &opaque background during copying or saveing",
                        "Använd &solid bakgrund vid kopiera och spara", options.graphCopySaveOpaque);
@@ -354,8 +353,7 @@ void OptionsDialog::accept()
     QDialog::accept();
 }
 
-bool runOptionsDialog(QWidget *parent, bool isSwedish, UserOptions &options, SettingsStore &store,
-                      const Document *doc)
+bool runOptionsDialog(QWidget *parent, bool isSwedish, UserOptions &options, SettingsStore &store, const Document *doc)
 {
     std::optional<WaitCursor> wait(std::in_place);
     OptionsDialog dialog(isSwedish, options, doc, false, parent);

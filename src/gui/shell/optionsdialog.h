@@ -82,7 +82,6 @@ private:
 /// OK: `options` takes the new values and, unless the store's policy
 /// forbids saving settings, all twelve are written to "Settings". Returns
 /// whether OK was chosen.
-bool runOptionsDialog(QWidget *parent, bool isSwedish, UserOptions &options, SettingsStore &store,
-                      const Document *doc);
+bool runOptionsDialog(QWidget *parent, bool isSwedish, UserOptions &options, SettingsStore &store, const Document *doc);
 
 } // namespace kel

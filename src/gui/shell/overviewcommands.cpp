@@ -127,9 +127,9 @@ void showAllComments(MainWindow &window)
     status.setStatus("Showing comments...", "Visar kommentarer...", false);
     const CommentsDocument comments = allComments(*doc);
     if (comments.isEmpty())
-        window.showMessage(QMessageBox::Warning, pickText(window.isSwedish(), "Show Comments", "Visa kommentarer"),
-                           pickText(window.isSwedish(), "Could not find any comments!",
-                                    "Kunde inte hitta några kommentarer!"));
+        window.showMessage(
+            QMessageBox::Warning, pickText(window.isSwedish(), "Show Comments", "Visa kommentarer"),
+            pickText(window.isSwedish(), "Could not find any comments!", "Kunde inte hitta några kommentarer!"));
     else
         showComments(window, comments, pickText(window.isSwedish(), "All Comments", "Alla kommentarer"));
     status.clearStatus();

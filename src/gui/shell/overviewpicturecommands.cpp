@@ -64,10 +64,10 @@ void OverviewCommands::copyPicture(bool headersOnly)
     StatusLine &status = mWindow.statusLine();
     status.setStatus("Copying overview...", "Kopierar översikt...", false);
     const SheetInput &input = sheet->input();
-    Picture picture = overviewPicture(input, SheetMode::CopyPicture,
-                                      headersOnly ? OverviewPictureContent::HeadersAndTotals
-                                                  : OverviewPictureContent::Answers,
-                                      input.maxRowsDisplayed == -1);
+    Picture picture =
+        overviewPicture(input, SheetMode::CopyPicture,
+                        headersOnly ? OverviewPictureContent::HeadersAndTotals : OverviewPictureContent::Answers,
+                        input.maxRowsDisplayed == -1);
     picture.description = applicationTitle();
     const int result = copyPictureToClipboard(picture, mClipboard);
     if (result != ClipboardOk) {
@@ -139,8 +139,9 @@ void OverviewCommands::saveOverviewAs()
 
     WaitCursor wait;
     const SheetInput &input = sheet->input();
-    Picture picture = overviewPicture(input, *choice.format == PictureFormat::Wmf ? SheetMode::SaveWmf : SheetMode::SaveEmf,
-                                      OverviewPictureContent::Answers, input.maxRowsDisplayed == -1);
+    Picture picture =
+        overviewPicture(input, *choice.format == PictureFormat::Wmf ? SheetMode::SaveWmf : SheetMode::SaveEmf,
+                        OverviewPictureContent::Answers, input.maxRowsDisplayed == -1);
     picture.description = applicationTitle();
     if (writePicture(picture, *choice.format, choice.path))
         status.setStatus("Overview saved!", "Översikt sparad!", true);

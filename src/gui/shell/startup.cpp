@@ -119,8 +119,7 @@ ZlibCheck checkZlibVersion(const char *version)
 QString zlibMessage(ZlibCheck check, const QString &version, bool isSwedish)
 {
     switch (check) {
-    case ZlibCheck::Ok:
-        return QString();
+    case ZlibCheck::Ok: return QString();
     case ZlibCheck::Missing:
         return pickText(isSwedish, "The file \"ZLib.dll\" is missing!", "Filen \"ZLib.dll\" saknas!");
     case ZlibCheck::Incompatible:
@@ -132,7 +131,8 @@ QString zlibMessage(ZlibCheck check, const QString &version, bool isSwedish)
 
 QString secondInstanceQuestion(bool isSwedish)
 {
-    return pickText(isSwedish, "You are already running at least one copy of ", "Du har redan startat minst en kopia av ")
+    return pickText(isSwedish, "You are already running at least one copy of ",
+                    "Du har redan startat minst en kopia av ")
         + applicationTitle()
         + pickText(isSwedish, ", do you really want to start another one?", ", vill du verkligen starta en till?");
 }

@@ -88,10 +88,9 @@ QFont BasicGraphRenderer::titleFont() const
 int BasicGraphRenderer::tickStep(int largestValue)
 {
     const double x = largestValue / 5.0;
-    static constexpr std::pair<double, int> Steps[] = {{1, 1},     {5, 5},     {10, 10},     {20, 20},
-                                                       {25, 25},   {50, 50},   {100, 100},   {200, 200},
-                                                       {250, 250}, {500, 500}, {1000, 1000}, {2500, 2500},
-                                                       {5000, 5000}};
+    static constexpr std::pair<double, int> Steps[] = {{1, 1},       {5, 5},       {10, 10},    {20, 20},   {25, 25},
+                                                       {50, 50},     {100, 100},   {200, 200},  {250, 250}, {500, 500},
+                                                       {1000, 1000}, {2500, 2500}, {5000, 5000}};
     for (const auto &[limit, step] : Steps) {
         if (x < limit)
             return step;
@@ -161,8 +160,8 @@ int BasicGraphRenderer::drawLegends(QPainter *painter, const QRect &area, int ou
             const int index = first + i;
             if (index < 0 || std::size_t(index) >= mDescription.legends.size())
                 break;
-            const int width = metrics.horizontalAdvance(mDescription.legends[std::size_t(index)].text) + h
-                + (3 * gx) / 2;
+            const int width =
+                metrics.horizontalAdvance(mDescription.legends[std::size_t(index)].text) + h + (3 * gx) / 2;
             if (x > markerColumn && x + width > W) {
                 ++line;
                 x = markerColumn;
@@ -228,8 +227,8 @@ void BasicGraphRenderer::drawCommon(QPainter &painter, const QRect &rect, int ou
         painter.drawText(QRect(rect.left(), rect.bottom() + 1 - selection, rect.width(), selection),
                          TextFlagsWrapped | Qt::AlignBottom, mDescription.selectionText);
     const int legends = legendBlockHeight(rect.width());
-    drawLegends(&painter, QRect(rect.left(), rect.bottom() + 1 - selection - mUnits.gapY() - legends, rect.width(),
-                                legends),
+    drawLegends(&painter,
+                QRect(rect.left(), rect.bottom() + 1 - selection - mUnits.gapY() - legends, rect.width(), legends),
                 outline);
 }
 
@@ -261,9 +260,7 @@ bool BasicGraphRenderer::drawHistogram(QPainter &painter, const QRect &R, int ou
         largest = std::max(largest, valueOf(bar));
     const int step = tickStep(largest);
     const int axisMax = 5 * step;
-    auto tickText = [&](int i) {
-        return QLatin1Char(' ') + QString::number(percentage ? i * step / 10 : i * step);
-    };
+    auto tickText = [&](int i) { return QLatin1Char(' ') + QString::number(percentage ? i * step / 10 : i * step); };
     int widestTick = 0;
     for (int i = 0; i <= 5; ++i)
         widestTick = std::max(widestTick, metrics.horizontalAdvance(tickText(i)));
@@ -294,10 +291,11 @@ bool BasicGraphRenderer::drawHistogram(QPainter &painter, const QRect &R, int ou
     }
     int labelRow = 0;
     for (std::size_t i = 0; i < d.groups.size(); ++i)
-        labelRow = std::max(labelRow, metrics
-                                          .boundingRect(QRect(0, 0, std::max(1, groupSpans[i].width()), 100000),
-                                                        TextFlagsWrapped, d.groups[i].label)
-                                          .height());
+        labelRow = std::max(labelRow,
+                            metrics
+                                .boundingRect(QRect(0, 0, std::max(1, groupSpans[i].width()), 100000), TextFlagsWrapped,
+                                              d.groups[i].label)
+                                .height());
 
     const int selection = selectionBlockHeight(R.width());
     const int legends = legendBlockHeight(R.width());
@@ -353,9 +351,8 @@ bool BasicGraphRenderer::drawHistogram(QPainter &painter, const QRect &R, int ou
     // The axis left of the plot, the base line under it.
     painter.fillRect(QRect(left - mUnits.borderWidth(), top, mUnits.borderWidth(), plotHeight + mUnits.borderHeight()),
                      Qt::black);
-    painter.fillRect(QRect(left - mUnits.borderWidth(), bottom, plotWidth + mUnits.borderWidth(),
-                           mUnits.borderHeight()),
-                     Qt::black);
+    painter.fillRect(
+        QRect(left - mUnits.borderWidth(), bottom, plotWidth + mUnits.borderWidth(), mUnits.borderHeight()), Qt::black);
     return true;
 }
 
@@ -427,9 +424,8 @@ bool BasicGraphRenderer::drawFraction(QPainter &painter, const QRect &R, int out
             if (bar.count <= 0)
                 continue;
             sum += bar.perMille;
-            const int end = d.valueScale > 0
-                ? roundEven(barLeft + double(barWidth) * double(sum) / d.valueScale + 1)
-                : start;
+            const int end =
+                d.valueScale > 0 ? roundEven(barLeft + double(barWidth) * double(sum) / d.valueScale + 1) : start;
             const QRect segment(start, y, end - start, barHeight);
             fillBar(painter, segment, bar.colour, bar.drawFlags, outline);
             if (metrics.horizontalAdvance(bar.percentText) <= segment.width() && h <= barHeight)

@@ -28,7 +28,7 @@ struct BasicGraphUnits {
     int titleHeight() const { return 24 * sy; }
     int textHeight() const { return 14 * sy; }
     int labelColumn() const { return 180 * sx; }
-    int borderWidth() const { return sx; }  // the one-pixel window border, scaled
+    int borderWidth() const { return sx; } // the one-pixel window border, scaled
     int borderHeight() const { return sy; }
 };
 

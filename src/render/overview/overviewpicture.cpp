@@ -7,8 +7,7 @@
 
 namespace kel {
 
-Picture overviewPicture(const SheetInput &sheet, SheetMode mode, OverviewPictureContent content,
-                        bool dataRowsAllowed)
+Picture overviewPicture(const SheetInput &sheet, SheetMode mode, OverviewPictureContent content, bool dataRowsAllowed)
 {
     SheetInput input = sheet;
     input.mode = mode;

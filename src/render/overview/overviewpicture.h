@@ -19,7 +19,6 @@ enum class OverviewPictureContent {
 /// WMF file). `dataRowsAllowed` is the overview build's decision whether
 /// answer rows may leave the program. Invalid (empty) when the sheet has
 /// no document or no columns.
-Picture overviewPicture(const SheetInput &sheet, SheetMode mode, OverviewPictureContent content,
-                        bool dataRowsAllowed);
+Picture overviewPicture(const SheetInput &sheet, SheetMode mode, OverviewPictureContent content, bool dataRowsAllowed);
 
 } // namespace kel

@@ -58,8 +58,7 @@ struct CaptionText {
     int extra = 0;  // pixels beyond those lines
 };
 
-std::vector<CaptionText> captionTexts(const SheetInput &input, const QFont &detailFont, int cellHeight,
-                                      int sheetWidth)
+std::vector<CaptionText> captionTexts(const SheetInput &input, const QFont &detailFont, int cellHeight, int sheetWidth)
 {
     std::vector<CaptionText> captions;
     if (!sheetModeMetrics(input.mode).isPicture || !input.document)
@@ -69,7 +68,7 @@ std::vector<CaptionText> captionTexts(const SheetInput &input, const QFont &deta
     QStringList texts;
     if (p.pointsScale > 0)
         texts << doc.text(p.indexLineTexts[4]) + QStringLiteral(": ")
-                     + formatIndex(input.totalIndex, p.indexDecimals, input.locale);
+                + formatIndex(input.totalIndex, p.indexDecimals, input.locale);
     texts << doc.text(p.statusPanel2Tip) + QStringLiteral(": ") + QString::number(input.rows.size());
     texts << doc.text(p.statusPanel3Tip) + QStringLiteral(": ") + input.selectionText;
 
@@ -78,10 +77,8 @@ std::vector<CaptionText> captionTexts(const SheetInput &input, const QFont &deta
     for (const QString &text : std::as_const(texts)) {
         CaptionText caption;
         caption.text = text;
-        caption.height = metrics
-                             .boundingRect(QRect(0, 0, wrapWidth, 1 << 20),
-                                           Qt::AlignHCenter | Qt::TextWordWrap, text)
-                             .height();
+        caption.height =
+            metrics.boundingRect(QRect(0, 0, wrapWidth, 1 << 20), Qt::AlignHCenter | Qt::TextWordWrap, text).height();
         caption.lines = std::max(1, caption.height / cellHeight);
         caption.extra = std::max(0, caption.height - caption.lines * cellHeight);
         captions.push_back(caption);
@@ -102,8 +99,8 @@ SheetGeometry geometryFor(const SheetInput &input, const std::vector<CaptionText
         return g;
     const Document &doc = *input.document;
     g.headerLines = headerLineCount(doc, input.columns);
-    g.answerLines = std::min(answerLineCount(g.rowCount, input.overviewMaxRows, input.maxRowsDisplayed),
-                             MaxGeometryCells);
+    g.answerLines =
+        std::min(answerLineCount(g.rowCount, input.overviewMaxRows, input.maxRowsDisplayed), MaxGeometryCells);
     if (metrics.isPicture) {
         if (doc.properties.pointsScale > 0)
             g.indexLines = (g.headerLines - 1) + 2;
@@ -151,7 +148,7 @@ public:
         // Tiles only where a copy is exact: raster target, no rotation or
         // shear, the same whole-pixel scale on both axes.
         mUseTiles = engine && engine->type() == QPaintEngine::Raster && t.type() <= QTransform::TxScale
-                    && qFuzzyCompare(t.m11(), t.m22()) && mDpr > 0.0;
+            && qFuzzyCompare(t.m11(), t.m22()) && mDpr > 0.0;
         if (mUseTiles)
             mTiles.resize(doc.alternatives.size());
     }
@@ -177,7 +174,8 @@ public:
 private:
     void drawCell(QPainter &painter, int x, int y, qint32 alternative)
     {
-        fillIfColoured(painter, QRect(x, y, mMetrics.cellWidth, mMetrics.cellHeight), mColours[std::size_t(alternative)]);
+        fillIfColoured(painter, QRect(x, y, mMetrics.cellWidth, mMetrics.cellHeight),
+                       mColours[std::size_t(alternative)]);
         if (!mMetrics.drawsText)
             return;
         const QString &label = mDoc.alternatives[std::size_t(alternative)].label;
@@ -216,20 +214,20 @@ private:
 };
 
 void drawHeaderRuns(QPainter &painter, const std::vector<HeaderRun> &runs, const SheetGeometry &g,
-                    const std::array<QColor, 4> &colours, int firstColour, int top, int fillHeight,
-                    bool drawsText, const QFontMetrics &boldMetrics)
+                    const std::array<QColor, 4> &colours, int firstColour, int top, int fillHeight, bool drawsText,
+                    const QFontMetrics &boldMetrics)
 {
     for (const HeaderRun &run : runs) {
         if (run.block == -1)
             continue;
         const int left = run.firstColumn * g.cellWidth;
         const int width = run.columnCount * g.cellWidth;
-        fillIfColoured(painter, QRect(left, top, width, fillHeight), colours[std::size_t(firstColour + run.colourSlot)]);
+        fillIfColoured(painter, QRect(left, top, width, fillHeight),
+                       colours[std::size_t(firstColour + run.colourSlot)]);
         if (!drawsText || run.text.isEmpty())
             continue;
-        const QString shown = shortenToWidth(run.text, width, [&](const QString &s) {
-            return boldMetrics.horizontalAdvance(s);
-        });
+        const QString shown =
+            shortenToWidth(run.text, width, [&](const QString &s) { return boldMetrics.horizontalAdvance(s); });
         const int textWidth = boldMetrics.horizontalAdvance(shown);
         drawTextAt(painter, boldMetrics, left + (width - textWidth) / 2, top + 2 * g.scale, shown);
     }
@@ -249,9 +247,8 @@ QFont sheetFont(bool bold, int scale)
     // Documents name Arial; where it is not installed its metric twin keeps
     // every text the same width, so shortened names and centred labels match.
     static std::once_flag substituted;
-    std::call_once(substituted, [] {
-        QFont::insertSubstitution(QStringLiteral("Arial"), QStringLiteral("Liberation Sans"));
-    });
+    std::call_once(substituted,
+                   [] { QFont::insertSubstitution(QStringLiteral("Arial"), QStringLiteral("Liberation Sans")); });
     QFont font(QStringLiteral("Arial"));
     font.setStyleHint(QFont::SansSerif);
     font.setPixelSize(12 * scale);
@@ -287,8 +284,8 @@ int SheetTextOffsets::questionOffset(qint32 question) const
 int SheetTextOffsets::alternativeOffset(qint32 alternative) const
 {
     return (alternative >= 0 && std::size_t(alternative) < mAlternatives.size())
-               ? mAlternatives[std::size_t(alternative)]
-               : 0;
+        ? mAlternatives[std::size_t(alternative)]
+        : 0;
 }
 
 SheetGeometry measureSheet(const SheetInput &input)
@@ -308,9 +305,9 @@ int drawSheet(QPainter &painter, const SheetInput &input, SheetTextOffsets &offs
     const QFont detailFont = sheetFont(false, metrics.scale);
     const QFontMetrics headerMetrics(headerFont);
     const QFontMetrics detailMetrics(detailFont);
-    const std::vector<CaptionText> captions = captionTexts(
-        input, detailFont, metrics.cellHeight,
-        int(std::min<std::size_t>(input.columns.size(), MaxGeometryCells)) * metrics.cellWidth);
+    const std::vector<CaptionText> captions =
+        captionTexts(input, detailFont, metrics.cellHeight,
+                     int(std::min<std::size_t>(input.columns.size(), MaxGeometryCells)) * metrics.cellWidth);
     const SheetGeometry g = geometryFor(input, captions);
     if (metrics.drawsText && !offsets.isComputed())
         offsets.compute(doc);
@@ -354,8 +351,7 @@ int drawSheet(QPainter &painter, const SheetInput &input, SheetTextOffsets &offs
             continue;
         fillIfColoured(painter, QRect(c * w, codeTop, w, h), sheetColour(question->sheetColour));
         if (metrics.drawsText && !question->code.isEmpty())
-            drawTextAt(painter, headerMetrics, c * w + offsets.questionOffset(q) * s, codeTop + 2 * s,
-                       question->code);
+            drawTextAt(painter, headerMetrics, c * w + offsets.questionOffset(q) * s, codeTop + 2 * s, question->code);
     }
 
     // Answer lines, column by column so each column's cells are read in a

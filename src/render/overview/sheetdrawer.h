@@ -95,7 +95,7 @@ QImage renderSheetImage(const SheetInput &input, SheetTextOffsets &offsets, qrea
 /// The same into `image`, whose memory is reused when it already has the
 /// sheet's size and ratio (a large picture costs more to allocate than to
 /// draw). Returns false, with `image` null, when it could not be made.
-bool renderSheetInto(QImage &image, const SheetInput &input, SheetTextOffsets &offsets,
-                     qreal devicePixelRatio = 1.0, SheetGeometry *geometry = nullptr);
+bool renderSheetInto(QImage &image, const SheetInput &input, SheetTextOffsets &offsets, qreal devicePixelRatio = 1.0,
+                     SheetGeometry *geometry = nullptr);
 
 } // namespace kel

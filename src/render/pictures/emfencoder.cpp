@@ -134,8 +134,8 @@ public:
         mClipped = clipped;
         if (clipped) {
             add(U_EMRSAVEDC_set());
-            add(U_EMRINTERSECTCLIPRECT_set(rectl(rect.isEmpty() ? QRect(rect.topLeft(), QSize(0, 0))
-                                                                : rect.adjusted(0, 0, 1, 1))));
+            add(U_EMRINTERSECTCLIPRECT_set(
+                rectl(rect.isEmpty() ? QRect(rect.topLeft(), QSize(0, 0)) : rect.adjusted(0, 0, 1, 1))));
         }
     }
 
@@ -158,8 +158,8 @@ public:
         if (text.size() % 2)
             text.push_back(0);
         // A 96 dpi reference screen of 1920 x 1080 pixels.
-        char *header = U_EMRHEADER_set(rectl(bounds), frame, nullptr, U_CBSTR(text.size()),
-                                       text.data(), sizel_set(1920, 1080), sizel_set(508, 286), 0);
+        char *header = U_EMRHEADER_set(rectl(bounds), frame, nullptr, U_CBSTR(text.size()), text.data(),
+                                       sizel_set(1920, 1080), sizel_set(508, 286), 0);
         if (!header)
             return QByteArray();
         uint32_t headerSize = 0;
@@ -276,8 +276,8 @@ void addImage(EmfBuilder &emf, const MetafileOp &op)
         return;
     }
     emf.add(U_EMRSTRETCHDIBITS_set(rectl(op.rect), point32_set(op.rect.left(), op.rect.top()),
-                                   point32_set(op.rect.width(), op.rect.height()), point32_set(0, 0),
-                                   point32_set(w, h), U_DIB_RGB_COLORS, U_SRCCOPY, info, bytes, pixels.data()));
+                                   point32_set(op.rect.width(), op.rect.height()), point32_set(0, 0), point32_set(w, h),
+                                   U_DIB_RGB_COLORS, U_SRCCOPY, info, bytes, pixels.data()));
     std::free(info);
 }
 
@@ -314,15 +314,9 @@ QByteArray encodeEmf(const MetafileRecording &recording, const QString &descript
             emf.selectPen(op.pen);
             addShape(emf, op);
             break;
-        case MetafileOp::Text:
-            addText(emf, op);
-            break;
-        case MetafileOp::Image:
-            addImage(emf, op);
-            break;
-        case MetafileOp::Clip:
-            emf.setClip(op.clipped, op.rect);
-            break;
+        case MetafileOp::Text: addText(emf, op); break;
+        case MetafileOp::Image: addImage(emf, op); break;
+        case MetafileOp::Clip: emf.setClip(op.clipped, op.rect); break;
         }
     }
     return emf.finish(recording.size, description);

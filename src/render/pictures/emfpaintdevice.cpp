@@ -152,8 +152,7 @@ public:
     {
         drawImage(r, pixmap.toImage(), source, Qt::AutoColor);
     }
-    void drawImage(const QRectF &r, const QImage &image, const QRectF &source,
-                   Qt::ImageConversionFlags) override
+    void drawImage(const QRectF &r, const QImage &image, const QRectF &source, Qt::ImageConversionFlags) override
     {
         MetafileOp op;
         op.kind = MetafileOp::Image;
@@ -177,14 +176,12 @@ public:
             mTextMetrics.emplace(font, mDevice);
             mScaleX = std::hypot(mTransform.m11(), mTransform.m12());
             const qreal scaleY = std::hypot(mTransform.m21(), mTransform.m22());
-            const qreal em =
-                font.pixelSize() > 0 ? font.pixelSize() : font.pointSizeF() * MetafileDotsPerInch / 72.0;
+            const qreal em = font.pixelSize() > 0 ? font.pixelSize() : font.pointSizeF() * MetafileDotsPerInch / 72.0;
             mTextLook.family = font.family();
             mTextLook.pixelHeight = std::max(1, qRound(em * scaleY));
             mTextLook.weight = std::clamp(int(font.weight()), 100, 900);
             mTextLook.italic = font.italic();
-            mTextLook.escapement =
-                qRound(-qRadiansToDegrees(std::atan2(mTransform.m12(), mTransform.m11())) * 10.0);
+            mTextLook.escapement = qRound(-qRadiansToDegrees(std::atan2(mTransform.m12(), mTransform.m11())) * 10.0);
         }
         MetafileOp op;
         op.kind = MetafileOp::Text;
@@ -228,8 +225,8 @@ public:
         if (flags & (DirtyClipRegion | DirtyClipPath)) {
             const Qt::ClipOperation operation = state.clipOperation();
             const QRect area = (flags & DirtyClipPath)
-                                   ? state.transform().map(state.clipPath()).boundingRect().toAlignedRect()
-                                   : state.transform().map(state.clipRegion()).boundingRect();
+                ? state.transform().map(state.clipPath()).boundingRect().toAlignedRect()
+                : state.transform().map(state.clipRegion()).boundingRect();
             if (operation == Qt::NoClip)
                 clip.reset();
             else if (operation == Qt::IntersectClip && clip)
@@ -259,12 +256,11 @@ private:
     MetafilePen pen() const
     {
         MetafilePen p;
-        p.visible = mPen.style() != Qt::NoPen && mPen.brush().style() != Qt::NoBrush
-                    && qAlpha(solidColour(mPen.brush())) != 0;
+        p.visible =
+            mPen.style() != Qt::NoPen && mPen.brush().style() != Qt::NoBrush && qAlpha(solidColour(mPen.brush())) != 0;
         p.colour = solidColour(mPen.brush());
         const qreal scale = std::sqrt(std::abs(mTransform.determinant()));
-        p.width = mPen.isCosmetic() ? std::max(1, qRound(mPen.widthF()))
-                                    : std::max(1, qRound(mPen.widthF() * scale));
+        p.width = mPen.isCosmetic() ? std::max(1, qRound(mPen.widthF())) : std::max(1, qRound(mPen.widthF() * scale));
         switch (mPen.style()) {
         case Qt::DashLine: p.style = MetafilePen::Dash; break;
         case Qt::DotLine: p.style = MetafilePen::Dot; break;

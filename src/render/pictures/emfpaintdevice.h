@@ -43,7 +43,7 @@ struct MetafileFont {
     int pixelHeight = 12; ///< em height in pixels (a font's negative LOGFONT height)
     int weight = 400;     ///< 100..900, 400 normal, 700 bold
     bool italic = false;
-    int escapement = 0;   ///< tenths of a degree, counter-clockwise
+    int escapement = 0; ///< tenths of a degree, counter-clockwise
     bool operator==(const MetafileFont &) const = default;
 };
 
@@ -52,7 +52,7 @@ struct MetafileOp {
     /// possibly empty) when `clipped`, else not limited.
     enum Kind { FillRect, Polygon, PolyPolygon, Polyline, Text, Image, Clip };
     Kind kind = FillRect;
-    QRect rect;                  ///< FillRect, Image (target)
+    QRect rect;                   ///< FillRect, Image (target)
     std::vector<QPolygon> shapes; ///< Polygon/Polyline: one; PolyPolygon: several
     MetafilePen pen;
     MetafileBrush brush;

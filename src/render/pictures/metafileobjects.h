@@ -17,7 +17,7 @@ namespace kel::metafile {
 class ObjectSlots
 {
 public:
-    explicit ObjectSlots(int first) : mFirst(first) {}
+    explicit ObjectSlots(int first) : mFirst(first) { }
     int take()
     {
         auto free = std::find(mUsed.begin(), mUsed.end(), false);
@@ -38,7 +38,7 @@ private:
 };
 
 /// Objects of one kind by look, least recently used first.
-template <class Look>
+template<class Look>
 class ObjectCache
 {
 public:
@@ -74,7 +74,7 @@ private:
 };
 
 /// The inclusive bounding rectangle of points.
-template <class Points>
+template<class Points>
 QRect pointBounds(const Points &points)
 {
     if (points.isEmpty())

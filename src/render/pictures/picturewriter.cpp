@@ -122,9 +122,7 @@ QByteArray encodePicture(const Picture &picture, PictureFormat format, QString *
     }
     QByteArray out;
     switch (format) {
-    case PictureFormat::Emf:
-        out = encodeEmf(recordPicture(picture), picture.description);
-        break;
+    case PictureFormat::Emf: out = encodeEmf(recordPicture(picture), picture.description); break;
     case PictureFormat::Wmf:
         out = encodeWmf(recordPicture(picture));
         if (out.isEmpty()) {
@@ -136,9 +134,7 @@ QByteArray encodePicture(const Picture &picture, PictureFormat format, QString *
     case PictureFormat::Bmp: return encodeImage(picture, "bmp", Qt::white, error);
     case PictureFormat::Jpg: return encodeImage(picture, "jpg", Qt::white, error);
     case PictureFormat::Gif: return encodeImage(picture, "gif", Qt::white, error);
-    case PictureFormat::Svg:
-        out = encodeSvg(picture);
-        break;
+    case PictureFormat::Svg: out = encodeSvg(picture); break;
     case PictureFormat::Pdf: return encodePdf(picture, error);
     }
     if (out.isEmpty())

@@ -295,14 +295,9 @@ QByteArray encodeWmf(const MetafileRecording &recording)
             wmf.selectPen(op.pen);
             addShape(wmf, op);
             break;
-        case MetafileOp::Text:
-            addText(wmf, op);
-            break;
-        case MetafileOp::Image:
-            break; // bitmaps are kept in EMF pictures only; nothing drawn here needs one
-        case MetafileOp::Clip:
-            wmf.setClip(op.clipped, op.rect);
-            break;
+        case MetafileOp::Text: addText(wmf, op); break;
+        case MetafileOp::Image: break; // bitmaps are kept in EMF pictures only; nothing drawn here needs one
+        case MetafileOp::Clip: wmf.setClip(op.clipped, op.rect); break;
         }
     }
     const QByteArray body = wmf.finish();
