@@ -12,7 +12,7 @@ packages=(
     qt6-translations-l10n libgif-dev
     zlib1g-dev libuemf-dev
     libgtest-dev libgmock-dev libbenchmark-dev
-    clang libclang-rt-14-dev
+    clang libclang-rt-14-dev clang-format
     fonts-liberation
     xvfb xauth
     librsvg2-bin desktop-file-utils appstream shared-mime-info xdg-utils libfile-mimeinfo-perl
