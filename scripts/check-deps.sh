@@ -1,13 +1,19 @@
 #!/usr/bin/env bash
 # Proves the install list complete: every file under /usr that configuring
 # the project reads (the CMake modules and package configs and everything
-# they include) and the compilers and build tool it runs must come from a
-# package that scripts/install-deps.sh pulls in without recommends, or from
-# one every Debian system has (Essential or Priority required). A file that
-# only got onto this machine some other way would be missing on a bare one.
-# The clang of the sanitizer build is checked as a program; its configure
-# reads no package config that the gcc one does not.
+# they include), the compilers and build tool it runs, and, given
+# `--programs LOG` (an strace execve log, as scripts/test.sh records it),
+# every program the build, the tests and the package build started must come
+# from a package that scripts/install-deps.sh pulls in without recommends, or
+# from one every Debian system has (Essential or Priority required). A file
+# that only got onto this machine some other way would be missing on a bare
+# one. Programs of the build tree itself are ours and not checked.
 set -euo pipefail
+programs_log=""
+if [ "${1:-}" = "--programs" ]; then
+    programs_log=$(realpath "${2:?--programs needs the log file}")
+    [ -f "$programs_log" ] || { echo "check-deps: no such log: $programs_log" >&2; exit 1; }
+fi
 cd "$(dirname "$0")/.."
 
 work=$(mktemp -d)
@@ -21,10 +27,26 @@ cmake -S . -B "$work/build" -G Ninja --trace-expand --trace-format=json-v1 \
 }
 
 # The files the traced commands came from, and the programs the build runs.
-python3 - "$work" >"$work/files" <<'PY'
+python3 - "$work" "$programs_log" >"$work/files" <<'PY'
 import json, os, re, shutil, sys
 work = sys.argv[1]
+programs_log = sys.argv[2]
 files = set()
+programs = set()
+if programs_log:
+    # execve("/usr/bin/file", ...: a search along PATH tries paths that do
+    # not exist; only the ones that do were started.
+    started = re.compile(r'execve\("([^"]+)"')
+    with open(programs_log, errors="replace") as f:
+        for line in f:
+            m = started.search(line)
+            if m and os.path.isfile(m.group(1)):
+                path = os.path.realpath(m.group(1))
+                if path.startswith("/usr/"):
+                    programs.add(path)
+    files |= programs
+with open(os.path.join(work, "programs-count"), "w") as f:
+    f.write(str(len(programs)))
 with open(os.path.join(work, "trace.json")) as f:
     for line in f:
         try:
@@ -95,6 +117,11 @@ done <"$work/unowned"
 
 count=$(wc -l <"$work/files")
 if [ $status -eq 0 ]; then
-    echo "check-deps: the $count files under /usr that configuring reads all come from the install list"
+    if [ -n "$programs_log" ]; then
+        echo "check-deps: the $count files under /usr that configuring reads and the $(cat "$work/programs-count")" \
+            "programs the build, tests and packaging started all come from the install list"
+    else
+        echo "check-deps: the $count files under /usr that configuring reads all come from the install list"
+    fi
 fi
 exit $status

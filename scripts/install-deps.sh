@@ -16,7 +16,7 @@ packages=(
     fonts-liberation
     xvfb xauth
     librsvg2-bin desktop-file-utils appstream shared-mime-info xdg-utils libfile-mimeinfo-perl
-    man-db bash-completion dpkg-dev
+    man-db bash-completion dpkg-dev file lintian strace python3
     emf2svg libwmf-bin gsfonts
 )
 
