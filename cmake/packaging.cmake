@@ -10,8 +10,6 @@ endif()
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME kelviewer)
 set(CPACK_PACKAGE_VENDOR "Brennvik AB")
-set(CPACK_PACKAGE_CONTACT "KEL Viewer maintainers <maintainers@kelviewer.example>" CACHE STRING
-    "Maintainer named in the Debian package")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "viewer for questionnaire-survey results in KEL documents")
 set(CPACK_PACKAGE_DESCRIPTION
     "KEL Viewer opens the results of a questionnaire survey, delivered as one KEL
@@ -22,13 +20,19 @@ set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION science)
-set(CPACK_DEBIAN_PACKAGE_HOMEPAGE "${KEL_HOMEPAGE_URL}")
+if(KEL_HOMEPAGE_URL)
+    set(CPACK_DEBIAN_PACKAGE_HOMEPAGE "${KEL_HOMEPAGE_URL}")
+endif()
 # The libraries the programs link come from dpkg-shlibdeps. Plugins are
 # loaded at run time, so no link line names them: Qt's platform plugins
 # (without them the viewer cannot open a window) and Qt SVG's icon engine,
 # which draws the window icon.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_DEPENDS "qt6-qpa-plugins, libqt6svg6")
+# Pictures and the sheet name Arial, which every office program lays out
+# with Arial's letter widths: Liberation Sans has the same widths, and
+# without it fontconfig falls back to DejaVu Sans, whose wider digits make
+# the sheet's two-digit question numbers run together.
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "qt6-qpa-plugins, libqt6svg6, fonts-liberation")
 # Qt's own dialogs in Swedish.
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "qt6-translations-l10n")
 set(CPACK_DEBIAN_COMPRESSION_TYPE xz)

@@ -7,7 +7,7 @@ set -uo pipefail
 build=$1
 version=$2
 
-for tool in cpack dpkg-deb dpkg-shlibdeps dpkg; do
+for tool in cpack dpkg-deb dpkg-shlibdeps dpkg lintian; do
     command -v "$tool" >/dev/null || { echo "SKIP: $tool not installed (scripts/install-deps.sh installs dpkg-dev)"; exit 77; }
 done
 
@@ -32,7 +32,8 @@ field() { dpkg-deb -f "$deb" "$1"; }
 # plugins loaded at run time; never a development package.
 depends=$(field Depends)
 names=$(sed -e 's/ ([^)]*)//g' -e 's/, */\n/g' <<<"$depends")
-for package in libc6 libstdc++6 zlib1g libqt6core6 libqt6gui6 libqt6widgets6 qt6-qpa-plugins libqt6svg6; do
+for package in libc6 libstdc++6 zlib1g libqt6core6 libqt6gui6 libqt6widgets6 qt6-qpa-plugins libqt6svg6 \
+    fonts-liberation; do
     grep -qxF "$package" <<<"$names" || fail "Depends lacks $package: $depends"
 done
 grep -Eq "libqt6core6 \(>= [0-9.]+\)" <<<"$depends" || fail "Depends are not computed with versions: $depends"
@@ -50,7 +51,8 @@ for f in /usr/bin/kelviewer /usr/bin/kel \
     /usr/share/icons/hicolor/48x48/mimetypes/application-x-kel.png \
     /usr/share/man/man1/kel.1.gz /usr/share/man/man1/kelviewer.1.gz \
     /usr/share/bash-completion/completions/kel \
-    /usr/share/kelviewer/samples/employee-survey-en.kel /usr/share/doc/kelviewer/copyright; do
+    /usr/share/kelviewer/samples/employee-survey-en.kel /usr/share/doc/kelviewer/copyright \
+    /usr/share/doc/kelviewer/changelog.gz; do
     grep -qx "$f" "$tmp/files" || fail "the package lacks $f"
 done
 outside=$(grep -v -e '^/usr/' -e '^/$' "$tmp/files")
@@ -63,6 +65,11 @@ dpkg-deb -x "$deb" "$tmp/root"
 for program in kel kelviewer; do
     readelf -S "$tmp/root/usr/bin/$program" | grep -q '\.debug_info' && fail "/usr/bin/$program is not stripped"
 done
+
+# Debian's own package checker: no error and no warning. The tags kept on
+# purpose are overridden in data/lintian-overrides, each with its reason.
+lintian --fail-on error,warning --display-info --tag-display-limit 0 "$deb" >"$tmp/lintian.log" 2>&1 \
+    || { cat "$tmp/lintian.log" >&2; fail "lintian reports errors or warnings"; }
 
 [ "$failures" -eq 0 ] || { echo "$failures check(s) failed" >&2; exit 1; }
 echo "$(basename "$deb"): all checks passed"
