@@ -14,6 +14,7 @@
 #include <QLockFile>
 #include <QMessageBox>
 #include <QPainter>
+#include <QProcess>
 #include <QPushButton>
 #include <QSplashScreen>
 #include <QTranslator>
@@ -160,7 +161,7 @@ int main(int argc, char *argv[])
     instanceLock.setStaleLockTime(0);
     // Only a lock held by someone else means another copy; a temporary folder
     // we cannot write to must not keep the viewer from starting.
-    if (!instanceLock.tryLock(0) && instanceLock.error() == QLockFile::LockFailedError) {
+    if (!instanceLock.tryLock(0) && instanceLock.error() == QLockFile::LockFailedError && !arguments.openedWithOthers) {
         if (splash)
             splash->hide();
         QMessageBox box(QMessageBox::Question, kel::applicationTitle(), kel::secondInstanceQuestion(isSwedish),
@@ -184,5 +185,10 @@ int main(int argc, char *argv[])
     if (splash)
         splash->finish(&window);
     window.startUp(arguments.commandArguments.value(0));
+    for (const QStringList &launch : kel::furtherViewerLaunches(arguments, isSwedish)) {
+        if (!QProcess::startDetached(QCoreApplication::applicationFilePath(), launch))
+            QMessageBox::warning(&window, kel::applicationTitle(),
+                                 kel::viewerNotStartedMessage(launch.at(0), isSwedish));
+    }
     return app.exec();
 }

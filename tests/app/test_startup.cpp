@@ -36,6 +36,31 @@ TEST(CommandLine, SplitsLikeTheViewerAlwaysHasAndTakesItsOptionsOut)
     }
 }
 
+// Several files from a file manager: the first stays, each further one gets
+// a viewer of its own in the same language, and none is dropped.
+TEST(Startup, FurtherFilesEachGetAViewer)
+{
+    const QString a = QStringLiteral("a.kel"), b = QStringLiteral("b.kel"), c = QStringLiteral("c d.kel");
+    const QString autoStart = QStringLiteral("/AutoStart"), others = QStringLiteral("--opened-with-others");
+    const StartupArguments three = parseStartupArguments({a, b, QStringLiteral("--lang=sv"), c});
+    EXPECT_EQ(three.commandArguments.value(0), a);
+    EXPECT_EQ(furtherViewerLaunches(three, true),
+              (QList<QStringList>{{b, QStringLiteral("--lang"), QStringLiteral("sv"), autoStart, others},
+                                  {c, QStringLiteral("--lang"), QStringLiteral("sv"), autoStart, others}}));
+    EXPECT_EQ(furtherViewerLaunches(parseStartupArguments({a, QStringLiteral("/autostart"), b}), false),
+              (QList<QStringList>{{b, QStringLiteral("--lang"), QStringLiteral("en"), autoStart, others}}));
+    EXPECT_TRUE(furtherViewerLaunches(parseStartupArguments({a}), false).isEmpty());
+
+    // A started copy knows it was asked for, and does not pass the option on
+    // as a file.
+    const StartupArguments started =
+        parseStartupArguments({b, QStringLiteral("--lang"), QStringLiteral("sv"), autoStart, others});
+    EXPECT_TRUE(started.openedWithOthers);
+    EXPECT_TRUE(started.autoStart);
+    EXPECT_TRUE(furtherViewerLaunches(started, true).isEmpty());
+    EXPECT_FALSE(parseStartupArguments({a, b}).openedWithOthers);
+}
+
 TEST(Language, SwedishForAnySwedishLocaleUnlessOverridden)
 {
     const struct {

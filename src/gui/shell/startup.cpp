@@ -65,10 +65,27 @@ StartupArguments parseStartupArguments(const QStringList &arguments)
             result.languageOption = a.mid(7);
             continue;
         }
+        if (a == QLatin1String(OpenedWithOthersOption)) {
+            result.openedWithOthers = true;
+            continue;
+        }
         result.commandArguments << a;
     }
     result.autoStart = hasAutoStart(result.commandArguments);
     return result;
+}
+
+QList<QStringList> furtherViewerLaunches(const StartupArguments &arguments, bool isSwedish)
+{
+    QList<QStringList> launches;
+    for (qsizetype i = 1; i < arguments.commandArguments.size(); ++i) {
+        const QString &file = arguments.commandArguments.at(i);
+        if (hasAutoStart({file}))
+            continue;
+        launches << QStringList{file, QStringLiteral("--lang"), isSwedish ? QStringLiteral("sv") : QStringLiteral("en"),
+                                QStringLiteral("/AutoStart"), QString::fromLatin1(OpenedWithOthersOption)};
+    }
+    return launches;
 }
 
 StartupRequest startupRequest(const StartupArguments &arguments)
@@ -86,17 +103,19 @@ StartupRequest startupRequest(const StartupArguments &arguments)
 QString startupHelpText(bool isSwedish)
 {
     return pickText(isSwedish,
-                    "Usage: kelviewer [FILE] [--lang en|sv] [/AutoStart]\n"
+                    "Usage: kelviewer [FILE...] [--lang en|sv] [/AutoStart]\n"
                     "\n"
-                    "Opens FILE, a KEL survey document, in KEL Viewer.\n"
+                    "Opens FILE, a KEL survey document, in KEL Viewer. Each further FILE\n"
+                    "opens in a viewer of its own.\n"
                     "\n"
                     "  --lang en|sv  language of the interface; overrides KELVIEWER_LANG and the locale\n"
                     "  /AutoStart    start without the splash window\n"
                     "  --help        show this text and exit\n"
                     "  --version     show the version and exit\n",
-                    "Användning: kelviewer [FIL] [--lang en|sv] [/AutoStart]\n"
+                    "Användning: kelviewer [FIL...] [--lang en|sv] [/AutoStart]\n"
                     "\n"
-                    "Öppnar FIL, ett KEL-enkätdokument, i KEL Viewer.\n"
+                    "Öppnar FIL, ett KEL-enkätdokument, i KEL Viewer. Varje ytterligare FIL\n"
+                    "öppnas i en egen visare.\n"
                     "\n"
                     "  --lang en|sv  gränssnittets språk; går före KELVIEWER_LANG och språkinställningen\n"
                     "  /AutoStart    starta utan startfönstret\n"
@@ -142,6 +161,12 @@ QString settingsRootFailureMessage(int errorCode)
     return QStringLiteral("Cannot open Windows' Registry, error code: HKCU %1. Some features in this application may "
                           "not work as expected.")
         .arg(errorCode);
+}
+
+QString viewerNotStartedMessage(const QString &path, bool isSwedish)
+{
+    return pickText(isSwedish, "No viewer could be started for the file ", "Ingen visare kunde startas för filen ")
+        + QLatin1Char('"') + path + QStringLiteral("\".");
 }
 
 QString couldNotFindFileStatus(const QString &path, bool isSwedish)

@@ -23,7 +23,21 @@ struct StartupArguments {
     QStringList commandArguments; ///< element 0, when present, is the file to open
     QString languageOption;       ///< value of --lang / --lang=, empty when absent
     bool autoStart = false;
+    /// Started by another viewer for one of several files opened together:
+    /// the user asked for this copy, so the second-copy question is not asked.
+    bool openedWithOthers = false;
 };
+
+/// The internal option a viewer passes to the copies it starts for the
+/// further files of one launch.
+inline constexpr char OpenedWithOthersOption[] = "--opened-with-others";
+
+/// A file manager hands every selected document to one viewer, which shows
+/// one document: the first stays in this viewer, and each further file
+/// (command arguments after the first that are not /AutoStart) gets a viewer
+/// of its own, in the same language, without the splash or the second-copy
+/// question. Returns the argument lists of those viewers, in order.
+QList<QStringList> furtherViewerLaunches(const StartupArguments &arguments, bool isSwedish);
 
 /// Takes the arguments after the program name. `--lang sv`, `--lang=sv` and a
 /// trailing `--lang` without value are removed from the list.
@@ -58,6 +72,10 @@ QString secondInstanceQuestion(bool isSwedish);
 /// Shown when the settings root cannot be opened for writing. This message has
 /// only ever existed in English, and support staff search for its wording.
 QString settingsRootFailureMessage(int errorCode);
+
+/// Said when the viewer for one of several files opened together could not
+/// be started, so that no file is dropped without a word.
+QString viewerNotStartedMessage(const QString &path, bool isSwedish);
 
 /// Status text for a command-line file that does not exist.
 QString couldNotFindFileStatus(const QString &path, bool isSwedish);
