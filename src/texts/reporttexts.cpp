@@ -34,6 +34,7 @@ ReportWords reportWords(const Document &doc, bool sv)
     w.commentsNotShown =
         pickText(sv, "The overview shows no answers for this selection, so neither are comments shown.",
                  "Översikten visar inga svar för detta urval, så inte heller kommentarer visas.");
+    w.graphTooBig = graphTooBigMessage(sv);
     w.noIndexes = pickText(sv, "The document has no indexes.", "Dokumentet har inga index.");
     return w;
 }

@@ -41,6 +41,7 @@ struct ReportWords {
     QString commentsForbidden;
     QString commentsNotShown; ///< the overview shows no answer rows
     QString noIndexes;
+    QString graphTooBig; ///< a graph that does not fit its window is not drawn
 };
 
 struct ReportItem {

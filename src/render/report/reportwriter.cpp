@@ -5,6 +5,7 @@
 #include "render/overview/overviewpicture.h"
 #include "render/overview/sheetdrawer.h"
 #include "render/pictures/picturewriter.h"
+#include "engine/settings/settingsstore.h"
 
 #include <QBuffer>
 #include <QCryptographicHash>
@@ -39,13 +40,15 @@ QFont reportFont(qreal points, bool bold = false, bool italic = false)
     return font;
 }
 
-// A basic graph as its window opens with it, twice the screen's size, the
-// way the graph windows save it.
+// A basic graph as its window opens with it under the stored defaults,
+// twice the screen's size, the way the graph windows save it.
 std::optional<Picture> basicGraphReportPicture(const BasicGraphDescription &description)
 {
     constexpr int Scale = 2;
     const BasicGraphRenderer renderer(description, BasicGraphUnits{});
-    const QSize window = basicGraphWindowSize(renderer, 9000, 16, 96);
+    const LastSettings defaults;
+    const QSize window =
+        basicGraphWindowSize(renderer, defaults.questionGraphWindowWidth, defaults.questionGraphBarWidth, 96);
     Picture picture;
     picture.size = (window - QSize(2 * BasicGraphMargin, 2 * BasicGraphMargin)) * Scale;
     const QRect area(QPoint(0, 0), picture.size);
@@ -245,10 +248,11 @@ void layoutUnit(PageLayout &layout, const ReportUnit &unit, const ReportWords &w
         case ReportItem::Kind::Chart:
             if (const std::optional<Picture> picture = itemPicture(item, unit, charts))
                 layout.picture(*picture);
+            else
+                layout.text(words.graphTooBig, reportFont(9, false, true));
             break;
         }
     }
-    Q_UNUSED(words);
 }
 
 // The contents: every unit, refused ones marked, with its first page.
@@ -396,7 +400,7 @@ QString svgOf(const Picture &picture)
     return QString::fromUtf8(svg);
 }
 
-QString htmlUnit(const ReportUnit &unit, int number, const ChartPictureMaker &charts)
+QString htmlUnit(const ReportUnit &unit, int number, const ReportWords &words, const ChartPictureMaker &charts)
 {
     QString html =
         QStringLiteral("<section class=\"unit\" id=\"unit%1\">\n<h1>%2</h1>\n").arg(number).arg(escaped(unit.name));
@@ -434,6 +438,8 @@ QString htmlUnit(const ReportUnit &unit, int number, const ChartPictureMaker &ch
         case ReportItem::Kind::Chart:
             if (const std::optional<Picture> picture = itemPicture(item, unit, charts))
                 html += QStringLiteral("<figure>%1</figure>\n").arg(svgOf(*picture));
+            else
+                html += QStringLiteral("<p class=\"notice\">%1</p>\n").arg(escaped(words.graphTooBig));
             break;
         }
     }
@@ -532,7 +538,7 @@ QByteArray reportHtml(const Report &report, const ChartPictureMaker &charts, con
     }
     html += QStringLiteral("</ol>\n</nav>\n");
     for (std::size_t u = 0; u < report.units.size(); ++u) {
-        html += htmlUnit(report.units[u], int(u + 1), charts);
+        html += htmlUnit(report.units[u], int(u + 1), report.words, charts);
         if (progress && !progress(int(u + 1)))
             return {};
     }
