@@ -549,11 +549,21 @@ QByteArray reportHtml(const Report &report, const ChartPictureMaker &charts, con
 ReportWriteResult writeReport(const Report &report, ReportFormat format, const QString &path,
                               const ChartPictureMaker &charts, const ReportProgress &progress, QString *error)
 {
+    bool cancelled = false;
+    const ReportProgress watched = [&](int done) {
+        cancelled = progress && !progress(done);
+        return !cancelled;
+    };
     const QByteArray bytes =
-        format == ReportFormat::Pdf ? reportPdf(report, charts, progress) : reportHtml(report, charts, progress);
-    if (bytes.isEmpty()) {
+        format == ReportFormat::Pdf ? reportPdf(report, charts, watched) : reportHtml(report, charts, watched);
+    if (cancelled) {
         // Cancelled before anything reached the disk.
         return ReportWriteResult::Cancelled;
+    }
+    if (bytes.isEmpty()) {
+        if (error)
+            *error = QStringLiteral("the report could not be drawn");
+        return ReportWriteResult::Failed;
     }
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
