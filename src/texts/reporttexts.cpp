@@ -68,7 +68,7 @@ QString reportForbiddenMessage(bool sv)
 ReportDialogTexts reportDialogTexts(bool sv)
 {
     ReportDialogTexts t;
-    t.menuItem = pickText(sv, "Create &Report...", "Skapa &rapport...");
+    t.menuItem = pickText(sv, "Crea&te Report...", "Skapa &rapport...");
     t.title = pickText(sv, "Create Report", "Skapa rapport");
     t.unitsGroup = pickText(sv, "Selections", "Urval");
     t.current = pickText(sv, "&The current selection", "&Det aktuella urvalet");
@@ -90,6 +90,7 @@ ReportDialogTexts reportDialogTexts(bool sv)
         pickText(sv, "Report recipes (*.kelreport);;All files (*)", "Rapportrecept (*.kelreport);;Alla filer (*)");
     t.reportFilter = pickText(sv, "PDF document (*.pdf);;Web page (*.html)", "PDF-dokument (*.pdf);;Webbsida (*.html)");
     t.writing = pickText(sv, "Writing unit %1 of %2...", "Skriver enhet %1 av %2...");
+    t.cancel = pickText(sv, "Cancel", "Avbryt");
     t.cancelled =
         pickText(sv, "The report was cancelled; nothing was written.", "Rapporten avbröts; ingenting skrevs.");
     t.written = pickText(sv, "%1 was written.", "%1 skrevs.");

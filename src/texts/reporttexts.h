@@ -38,7 +38,8 @@ struct ReportDialogTexts {
     QString write;
     QString recipeFilter;
     QString reportFilter;
-    QString writing;   ///< "Writing unit %1 of %2..."
+    QString writing; ///< "Writing unit %1 of %2..."
+    QString cancel;
     QString cancelled; ///< nothing was written
     QString written;   ///< "%1 was written."
     QString failed;    ///< "%1 could not be written: %2"
