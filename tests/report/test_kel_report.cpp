@@ -86,6 +86,41 @@ std::vector<std::pair<QString, QString>> kelIndexes(const QString &file, int opt
     return rows;
 }
 
+// The texts `kel graph` gives a graph's bars or points, in order.
+QStringList kelGraphLabels(const QString &file, int option, const char *graph)
+{
+    const KelRun run = runKel(
+        QStringList{QStringLiteral("graph"), file, QStringLiteral("--select"), QStringLiteral("0:%1").arg(option)}
+        + words(graph));
+    const QJsonObject o = jsonOf(run);
+    QStringList labels;
+    // A bar of no width has no room for its text.
+    for (const QJsonValue &bar : o.value(QStringLiteral("bars")).toArray())
+        if (bar.toObject().value(QStringLiteral("count")).toInt() > 0)
+            labels << bar.toObject().value(QStringLiteral("percentText")).toString();
+    for (const QJsonValue &series : o.value(QStringLiteral("series")).toArray())
+        for (const QJsonValue &point : series.toObject().value(QStringLiteral("points")).toArray())
+            labels << point.toObject().value(QStringLiteral("dataLabel")).toString();
+    labels.removeAll(QString());
+    EXPECT_FALSE(labels.isEmpty()) << graph;
+    return labels;
+}
+
+// Whether `labels` occur among the words of `text` in their order.
+bool inOrder(const QStringList &labels, const QString &text)
+{
+    const QStringList tokens = text.split(QRegularExpression(QStringLiteral("\\s+")), Qt::SkipEmptyParts);
+    qsizetype at = 0;
+    for (const QString &label : labels) {
+        while (at < tokens.size() && tokens[at] != label)
+            ++at;
+        if (at == tokens.size())
+            return false;
+        ++at;
+    }
+    return true;
+}
+
 bool hasDigitOutsidePageNumbers(const QString &text)
 {
     QString rest = text;
@@ -159,6 +194,16 @@ TEST_F(KelReport, ShownUnitsHoldTheFiguresOfKelIndexesAndRefusedOnesNone)
             EXPECT_TRUE(line.match(pdfText).hasMatch()) << name.toStdString() << ": " << label.toStdString();
             EXPECT_TRUE(htmlPart.contains(QStringLiteral("<td>%1</td><td>%2</td>").arg(label, value)))
                 << name.toStdString() << ": " << label.toStdString();
+        }
+    }
+    // The pictures' figures are those of `kel graph` for the same unit.
+    for (int option : {0, 4}) {
+        const QString pdfText = pdfUnit(pages, UnitNames[option], UnitNames);
+        for (const char *graph : {"fraction --block 0", "total-index --main --blocks"}) {
+            const QStringList labels = kelGraphLabels(file, option, graph);
+            EXPECT_TRUE(inOrder(labels, pdfText))
+                << graph << " of unit " << option << ": " << labels.join(QLatin1Char(' ')).toStdString() << "\n"
+                << pdfText.toStdString();
         }
     }
     // Comments: only of rows the overview may show.

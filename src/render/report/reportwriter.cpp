@@ -195,11 +195,23 @@ public:
         mY += Gap;
     }
 
-    void picture(const Picture &picture)
+    /// Starts a new page unless `text` and a few lines after it fit here.
+    void keepWithNext(const QFont &font, const QString &heading)
     {
-        const qreal scale =
-            std::min({1.0, mArea.width() / picture.size.width(), mArea.height() / picture.size.height()});
+        ensure(textHeight(font, heading, mArea.width()) + 120);
+    }
+
+    /// The picture scaled to fit the page, with `heading` above it on the same page.
+    void picture(const Picture &picture, const QString &heading = QString())
+    {
+        const QFont headingFont = reportFont(14, true);
+        const qreal headingHeight = heading.isEmpty() ? 0 : textHeight(headingFont, heading, mArea.width()) + Gap;
+        const qreal scale = std::min(
+            {1.0, mArea.width() / picture.size.width(), (mArea.height() - headingHeight) / picture.size.height()});
         const QSizeF size(picture.size.width() * scale, picture.size.height() * scale);
+        ensure(headingHeight + size.height());
+        if (!heading.isEmpty())
+            text(heading, headingFont);
         place(
             size.height(),
             [picture, size](QPainter &p, const QRectF &r) {
@@ -230,8 +242,15 @@ void layoutUnit(PageLayout &layout, const ReportUnit &unit, const ReportWords &w
     }
     for (const ReportItem &item : unit.items) {
         switch (item.kind) {
-        case ReportItem::Kind::Heading: layout.text(item.text, reportFont(14, true)); break;
-        case ReportItem::Kind::SubHeading: layout.text(item.text, reportFont(10, true), Gap / 2); break;
+        // A heading never ends a page: it goes with what follows it.
+        case ReportItem::Kind::Heading:
+            layout.keepWithNext(reportFont(14, true), item.text);
+            layout.text(item.text, reportFont(14, true));
+            break;
+        case ReportItem::Kind::SubHeading:
+            layout.keepWithNext(reportFont(10, true), item.text);
+            layout.text(item.text, reportFont(10, true), Gap / 2);
+            break;
         case ReportItem::Kind::Text: layout.text(item.text, reportFont(9), Gap / 2); break;
         case ReportItem::Kind::Labelled:
             layout.text(item.text, reportFont(9, true), 2);
@@ -243,11 +262,11 @@ void layoutUnit(PageLayout &layout, const ReportUnit &unit, const ReportWords &w
             if (!layout.atTop())
                 layout.newPage();
             break;
-        case ReportItem::Kind::Overview: layout.text(item.text, reportFont(14, true)); [[fallthrough]];
+        case ReportItem::Kind::Overview:
         case ReportItem::Kind::BasicGraph:
         case ReportItem::Kind::Chart:
             if (const std::optional<Picture> picture = itemPicture(item, unit, charts))
-                layout.picture(*picture);
+                layout.picture(*picture, item.kind == ReportItem::Kind::Overview ? item.text : QString());
             else
                 layout.text(words.graphTooBig, reportFont(9, false, true));
             break;
