@@ -17,13 +17,17 @@ inline constexpr qint32 UnitMinimum = 5;
 /// The minimum for showing answer rows (and so comments): West has one
 /// respondent fewer, South exactly this many.
 inline constexpr qint32 RowsMinimum = 8;
+inline constexpr qint32 RoleQuestion = 1;
 
 struct UnitSurveyPermissions {
     bool copy = true, savePicture = true, copyData = true;
 };
 
 /// Category 0 "Unit": North (rows 0-9), South (10-17), East (18-21), West
-/// (22-28), Harbour (29-33). Block 0 "Work": Mood (Good for every third
+/// (22-28), Harbour (29-33). Category 1 "Role" (question RoleQuestion):
+/// Boss for rows 0-4 and 29-32, Staff for the rest, so that within North
+/// both groups have UnitMinimum respondents and within Harbour Boss has one
+/// fewer. Block 0 "Work": Mood (Good for every third
 /// row) and Pay (Good for rows 0-4, 10-12 and 22). Each North row comments
 /// on Mood "north mood <row>"; rows 10, 18 and 22 comment "south mood",
 /// "east secret" and "west mood".
@@ -54,6 +58,14 @@ inline QByteArray unitSurveyBytes(const UnitSurveyPermissions &p = {})
                                        {.text = QStringLiteral("East")},
                                        {.text = QStringLiteral("West")},
                                        {.text = QStringLiteral("Harbour")}});
+    const qint32 role = b.addQuestion({.code = QStringLiteral("R"),
+                                       .heading = QStringLiteral("Role"),
+                                       .selectionLabel = QStringLiteral("Role"),
+                                       .isCategory = true,
+                                       .inOverview = false,
+                                       .inTotalIndex = false},
+                                      {{.text = QStringLiteral("Staff"), .countsForPrivacy = true},
+                                       {.text = QStringLiteral("Boss"), .countsForPrivacy = true}});
     const qint32 block = b.addBlock({.code = QStringLiteral("B"), .name = QStringLiteral("Work")});
     const qint32 mood =
         b.addQuestion({.code = QStringLiteral("1"), .heading = QStringLiteral("Mood"), .block = block},
@@ -63,6 +75,7 @@ inline QByteArray unitSurveyBytes(const UnitSurveyPermissions &p = {})
                       {{.text = QStringLiteral("Bad"), .points = 0}, {.text = QStringLiteral("Good"), .points = 100}});
     for (qint32 r = 0; r < 34; ++r) {
         b.setAnswer(r, unit, r < 10 ? 0 : r < 18 ? 1 : r < 22 ? 2 : r < 29 ? 3 : 4);
+        b.setAnswer(r, role, (r < 5 || (r >= 29 && r < 33)) ? 1 : 0);
         b.setAnswer(r, mood, r % 3 == 0 ? 1 : 0);
         b.setAnswer(r, pay, (r < 5 || (r >= 10 && r < 13) || r == 22) ? 1 : 0);
         if (r < 10)

@@ -284,6 +284,25 @@ TEST(ReportUnits, PermissionsRemoveTheirSectionsAndSayWhy)
     }
 }
 
+TEST(ReportUnits, ASplitThatWouldShowASmallGroupIsLeftOutWithItsWords)
+{
+    const auto doc = unitSurvey();
+    Document work = *doc;
+    ReportRecipe recipe = byUnit({ReportSection::TotalIndexGraph, ReportSection::BlockIndexGraphs});
+    recipe.split = RoleQuestion;
+    const std::vector<ReportUnit> units = build(*doc, recipe, baseOf(work));
+    ASSERT_EQ(units.size(), 5u);
+    // North: Boss and Staff have UnitMinimum each; Harbour's Boss one fewer.
+    EXPECT_EQ(countKind(units[0], ReportItem::Kind::Chart), 2u);
+    EXPECT_EQ(countKind(units[0], ReportItem::Kind::Notice), 0u);
+    EXPECT_EQ(countKind(units[4], ReportItem::Kind::Chart), 0u);
+    EXPECT_EQ(countKind(units[4], ReportItem::Kind::Notice), 2u);
+    EXPECT_TRUE(allText(units[4]).contains(QStringLiteral("NO-SPLIT")));
+    // Whole graphs are not affected by the split's rule.
+    recipe.split = -1;
+    EXPECT_EQ(countKind(build(*doc, recipe, baseOf(work))[4], ReportItem::Kind::Chart), 2u);
+}
+
 TEST(ReportUnits, AListNamesItsSelections)
 {
     const auto doc = unitSurvey();
