@@ -301,6 +301,14 @@ TEST(ReportUnits, ASplitThatWouldShowASmallGroupIsLeftOutWithItsWords)
     // Whole graphs are not affected by the split's rule.
     recipe.split = -1;
     EXPECT_EQ(countKind(build(*doc, recipe, baseOf(work))[4], ReportItem::Kind::Chart), 2u);
+
+    // A distribution shows each group's size: the same rule holds.
+    ReportRecipe distribution = byUnit({ReportSection::DistributionGraphs});
+    distribution.distributions = {1};
+    const std::vector<ReportUnit> roles = build(*doc, distribution, baseOf(work));
+    EXPECT_EQ(countKind(roles[0], ReportItem::Kind::Chart), 1u);
+    EXPECT_EQ(countKind(roles[4], ReportItem::Kind::Chart), 0u);
+    EXPECT_TRUE(allText(roles[4]).contains(QStringLiteral("Role: NO-SPLIT")));
 }
 
 TEST(ReportUnits, AListNamesItsSelections)

@@ -408,6 +408,16 @@ ReportUnit buildReportUnit(const Document &base, const ReportBase &start, const 
             for (qint32 c : categories) {
                 if (c < 0 || std::size_t(c) >= doc->categories.size())
                     continue;
+                // A distribution shows the size of every group of the
+                // category within the unit: the split rule decides whether
+                // one of them is too small to be shown.
+                const qint32 question = doc->categories[std::size_t(c)];
+                if (!splitAllowed(*doc, shown.sheet.steps, question)) {
+                    items.push_back(item(ReportItem::Kind::Notice,
+                                         doc->questions[std::size_t(question)].heading + QStringLiteral(": ")
+                                             + words.splitNotAllowed));
+                    continue;
+                }
                 DistributionGraphRequest request;
                 request.mainCategory = c;
                 items.push_back(chartItem(
