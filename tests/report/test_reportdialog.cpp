@@ -94,6 +94,14 @@ TEST(ReportDialog, WritesTheReportOfItsControls)
     for (const char *unit : {"North", "South", "East", "West", "Harbour"})
         EXPECT_TRUE(html.contains(QByteArray("<h1>") + unit + "</h1>")) << unit;
     EXPECT_TRUE(html.contains("<table"));
+
+    // Every unit refused (East alone is below the minimum): no file, Show's words.
+    recipe.units = ReportUnits::List;
+    recipe.selections = {QStringLiteral("0:2")};
+    dialog.setRecipe(recipe);
+    const QString refused = dir.filePath(QStringLiteral("east.html"));
+    EXPECT_EQ(dialog.writeTo(refused), QStringLiteral("Too few respondents for this selection."));
+    EXPECT_FALSE(QFile::exists(refused));
 }
 
 TEST(ReportDialog, SelectionModelForKeepsTheAppliedTicks)

@@ -6,6 +6,8 @@
 #include "texts/language.h"
 
 #include <QCheckBox>
+
+#include <algorithm>
 #include <QComboBox>
 #include <QDate>
 #include <QDialogButtonBox>
@@ -343,6 +345,11 @@ QString ReportDialog::writeTo(const QString &path)
         r, [&](int done) { return step(done, done); }, std::size_t(units), error);
     if (!report)
         return progress.wasCanceled() ? QString() : error;
+    // As kel does: a report of refusals only is not worth a file.
+    if (std::all_of(report->units.begin(), report->units.end(), [](const ReportUnit &u) { return u.isRefused(); })) {
+        progress.reset();
+        return report->units.empty() ? mTexts.failed.arg(path, QString()) : report->units.front().refusal;
+    }
     const ReportWriteResult result = writeReport(
         *report, *format, path, reportChartPicture, [&](int done) { return step(units + done, done); }, &error);
     progress.reset();
