@@ -13,7 +13,8 @@ packages=(
     zlib1g-dev libuemf-dev
     libgtest-dev libgmock-dev libbenchmark-dev
     clang libclang-rt-14-dev clang-format
-    fonts-liberation
+    fonts-liberation fonts-dejavu-core
+    poppler-utils
     xvfb xauth
     librsvg2-bin desktop-file-utils appstream shared-mime-info xdg-utils libfile-mimeinfo-perl
     man-db bash-completion dpkg-dev file lintian strace python3

@@ -5,7 +5,7 @@ _kel()
     local cur prev words cword
     _init_completion || return
 
-    local commands="check dump select indexes graph render batch"
+    local commands="check dump select indexes graph render report batch"
     if [[ $cword -eq 1 ]]; then
         COMPREPLY=($(compgen -W "$commands --help --version" -- "$cur"))
         return
@@ -43,7 +43,29 @@ _kel()
             return
             ;;
         -o)
-            _filedir '@(emf|wmf|png|bmp|jpg|gif|svg|pdf)'
+            if [[ $command == report ]]; then
+                _filedir '@(pdf|html|htm)'
+            else
+                _filedir '@(emf|wmf|png|bmp|jpg|gif|svg|pdf)'
+            fi
+            return
+            ;;
+        --recipe)
+            _filedir kelreport
+            return
+            ;;
+        --sections)
+            local sections="title indexes overview histograms fractions total-index block-indexes distributions rankings comments"
+            local done_sections=${cur%,*}
+            if [[ $done_sections == "$cur" ]]; then
+                COMPREPLY=($(compgen -W "$sections" -- "$cur"))
+            else
+                COMPREPLY=($(compgen -P "$done_sections," -W "$sections" -- "${cur##*,}"))
+                compopt -o nospace
+            fi
+            return
+            ;;
+        --by | --blocks | --date)
             return
             ;;
         --select | --flex | --seed | --max-rows | --category | --locale | --block | --question | --split | --group | --lines)
@@ -63,6 +85,7 @@ _kel()
                         --category --pie --group --percent --3d --horizontal --vertical-labels --main --blocks
                         --questions --empty-splits --lines --explain --no-vertical-labels --no-data-labels" ;;
         render) options="$selection overview graph --mode --headers-only -o $graph_kinds --block --question --split" ;;
+        report) options="$selection --settings --recipe --by --within --sections --blocks --split --date -o" ;;
         batch) options="" ;;
         *) return ;;
     esac

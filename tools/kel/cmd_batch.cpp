@@ -90,7 +90,7 @@ int runBatch(const QStringList &args, const std::function<void()> &preparePictur
         const QString command = line.trimmed();
         if (command.isEmpty() || command.startsWith(QLatin1Char('#')))
             continue;
-        if (command.startsWith(QLatin1String("render")))
+        if (command.startsWith(QLatin1String("render")) || command.startsWith(QLatin1String("report")))
             preparePictures();
         int status = 0;
         QString error;

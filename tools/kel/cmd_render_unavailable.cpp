@@ -19,3 +19,13 @@ int renderCommand(const Document &, const QStringList &, CommandOutput &output)
 }
 
 } // namespace kel::cli
+
+namespace kel::cli {
+
+int reportCommand(const Document &, const QStringList &, CommandOutput &output)
+{
+    output.err += QStringLiteral("kel report: this kel was built without pictures (KEL_BUILD_GUI=OFF)\n");
+    return UsageError;
+}
+
+} // namespace kel::cli

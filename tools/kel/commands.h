@@ -68,6 +68,7 @@ int selectCommand(const Document &doc, const QStringList &args, CommandOutput &o
 int indexesCommand(const Document &doc, const QStringList &args, CommandOutput &output);
 int graphCommand(const Document &doc, const QStringList &args, CommandOutput &output);
 int renderCommand(const Document &doc, const QStringList &args, CommandOutput &output);
+int reportCommand(const Document &doc, const QStringList &args, CommandOutput &output);
 
 /// The application object that drawing needs: a widget one (fonts, charts),
 /// off-screen without a display. Without the drawing layer a core one.

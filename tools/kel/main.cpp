@@ -40,6 +40,9 @@ const Command Commands[] = {
     {"render", kel::cli::renderCommand,
      "render FILE [selection options] overview [--mode 1|2|3] [--headers-only] | graph KIND [graph options] "
      "-o OUT.emf|wmf|png|bmp|jpg|gif|svg|pdf"},
+    {"report", kel::cli::reportCommand,
+     "report FILE [selection options] [--recipe R] [--by CATEGORY [--within]] [--sections LIST] [--blocks LIST] "
+     "[--split Q] [--date TEXT] -o OUT.pdf|html"},
 };
 
 QString usageText()
@@ -71,7 +74,7 @@ kel::cli::DocumentCommand kel::cli::findDocumentCommand(const QString &name)
 
 int main(int argc, char *argv[])
 {
-    const bool renders = argc > 1 && std::strcmp(argv[1], "render") == 0;
+    const bool renders = argc > 1 && (std::strcmp(argv[1], "render") == 0 || std::strcmp(argv[1], "report") == 0);
     const bool batch = argc > 1 && std::strcmp(argv[1], "batch") == 0;
     // Counting and indexes need no application object. Starting the
     // graphical one costs as much as a whole answer, so a batch makes it only

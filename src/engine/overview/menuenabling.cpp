@@ -70,6 +70,9 @@ MenuEnabling menuRulesFor(const MenuState &s)
     set(MenuCommand::HelpTopics, true, true);
     set(MenuCommand::About, true, true);
     set(MenuCommand::MouseWheelDirection, s.mouseWheel, true);
+    // A report is worth making when one of its kinds of content may leave
+    // the viewer: pictures, tables or comments.
+    set(MenuCommand::CreateReport, true, doc && (s.allowSavePicture || s.allowCopy || s.allowCopyData));
     return e;
 }
 

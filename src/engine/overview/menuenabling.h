@@ -42,6 +42,7 @@ enum class MenuCommand : int {
     HelpTopics,
     About,
     MouseWheelDirection,
+    CreateReport,
     Count
 };
 inline constexpr int MenuCommandCount = int(MenuCommand::Count);

@@ -2,6 +2,7 @@
 #include "gui/shell/mainmenus.h"
 
 #include "texts/language.h"
+#include "texts/reporttexts.h"
 #include "engine/settings/recentfiles.h"
 
 #include <QAction>
@@ -67,6 +68,8 @@ MainMenus buildMainMenus(QMenuBar *bar, QWidget *owner, bool isSwedish)
     m.mnuFOpen = b.item(m.mnuFile, "mnuFOpen", "&Open...", "&Öppna...");
     m.mnuFBar1 = b.bar(m.mnuFile, "mnuFBar1");
     m.mnuFSaveAs = b.item(m.mnuFile, "mnuFSaveAs", "Save Overview &As...", "Spara översikt so&m...");
+    m.mnuFCreateReport = m.mnuFile->addAction(reportDialogTexts(isSwedish).menuItem);
+    m.mnuFCreateReport->setObjectName(QStringLiteral("mnuFCreateReport"));
     m.mnuFBar2 = b.bar(m.mnuFile, "mnuFBar2");
     m.mnuFPrint = b.item(m.mnuFile, "mnuFPrint", "&Print Overview", "Skriv &ut översikt");
     m.mnuFPrintFormat = b.item(m.mnuFile, "mnuFPrintFormat", "Print &Format...", "Utskrifts&format...");
@@ -217,6 +220,7 @@ void applyMenuEnabling(MainMenus &m, const MenuEnabling &enabling, const std::ve
     for (QAction *a : m.mnuFMRU)
         a->setEnabled(enabling[std::size_t(C::Open)].enabled);
     enable(C::SaveOverviewAs, {m.mnuFSaveAs, m.mnuPSaveAs});
+    enable(C::CreateReport, {m.mnuFCreateReport});
     both(C::PrintOverview, {m.mnuFPrint, m.mnuPPrint});
     enable(C::PrintFormat, {m.mnuFPrintFormat});
     enable(C::Properties, {m.mnuFProperties});

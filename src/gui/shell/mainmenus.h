@@ -24,6 +24,7 @@ struct MainMenus {
     QAction *mnuFOpen = nullptr;
     QAction *mnuFBar1 = nullptr;
     QAction *mnuFSaveAs = nullptr;
+    QAction *mnuFCreateReport = nullptr;
     QAction *mnuFBar2 = nullptr;
     QAction *mnuFPrint = nullptr;
     QAction *mnuFPrintFormat = nullptr;

@@ -146,6 +146,7 @@ MainWindow::MainWindow(SettingsStore &settings, bool isSwedish, const MainWindow
     updateMenus();
     connectMenus();
     connectDocumentCommands();
+    connectReportCommands();
     connectBasicGraphCommands(*this);
     mCharts = new ChartCommands(*this);
     new OverviewCommands(*this);

@@ -139,6 +139,8 @@ public:
     void editBlocks();
     void copyIndexes();
     void showProperties();
+    /// File > Create Report... (reportcommands.cpp).
+    void createReport();
     /// The points behind the shown overview's total index, on the clipboard.
     void copyTotalIndexPoints();
     const IndexExportOptions &exportOptions() const { return mExportOptions; }
@@ -176,6 +178,7 @@ private:
     void showSheetPopup(const SheetHit &hit, const QPoint &globalPos);
     void showHoveredCell(const SheetHit &hit);
     void connectDocumentCommands();
+    void connectReportCommands();
     void restoreStoredBlocks();
 
     SettingsStore &mSettings;

@@ -1,0 +1,451 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/report/reportbuilder.h"
+
+#include "engine/graphs/distributiongraph.h"
+#include "engine/graphs/indexgraph.h"
+#include "engine/graphs/rankinggraph.h"
+#include "engine/indexes/blockindex.h"
+#include "engine/indexes/indexexport.h"
+#include "engine/overview/comments.h"
+#include "engine/selection/counting.h"
+
+namespace kel {
+
+namespace {
+
+bool parseNumber(const QString &text, qint32 &value)
+{
+    bool ok = false;
+    value = text.trimmed().toInt(&ok);
+    return ok;
+}
+
+bool isPictureSection(ReportSection section)
+{
+    switch (section) {
+    case ReportSection::Overview:
+    case ReportSection::BlockHistograms:
+    case ReportSection::BlockFractions:
+    case ReportSection::TotalIndexGraph:
+    case ReportSection::BlockIndexGraphs:
+    case ReportSection::DistributionGraphs:
+    case ReportSection::RankingGraphs: return true;
+    case ReportSection::TitlePage:
+    case ReportSection::IndexTable:
+    case ReportSection::Comments: return false;
+    }
+    return false;
+}
+
+ReportItem item(ReportItem::Kind kind, const QString &text = {})
+{
+    ReportItem i;
+    i.kind = kind;
+    i.text = text;
+    return i;
+}
+
+std::vector<qint32> chosenBlocks(const Document &doc, const ReportRecipe &recipe)
+{
+    std::vector<qint32> blocks;
+    if (recipe.blocks.empty()) {
+        for (std::size_t b = 0; b < doc.blocks.size(); ++b)
+            blocks.push_back(qint32(b));
+        return blocks;
+    }
+    for (qint32 b : recipe.blocks)
+        if (b >= 0 && std::size_t(b) < doc.blocks.size())
+            blocks.push_back(b);
+    return blocks;
+}
+
+// The index table as Copy Indexes makes it for every kind of item, with the
+// unit and the flex total it is compared with in two columns.
+std::vector<QStringList> indexTable(const Document &doc, const ReportShown &shown, const QLocale &locale)
+{
+    IndexExportOptions options;
+    options.subSelTotal = true;
+    options.showNumberOfAnswers = true;
+    options.indexFor = {true, true, true, true, true};
+    options.subSelectionsInColumns = true;
+    std::vector<SubSelection> columns{{shown.sheet.steps.selectionText, shown.sheet.rows},
+                                      {shown.flex.text(), shown.flex.rows()}};
+    const std::vector<IndexItem> items = buildIndexItems(doc, options);
+    const std::vector<double> values = calculateIndexValues(doc, columns, items);
+    const QString text =
+        formatIndexTable(doc, shown.sheet.steps.selectionText, options, columns, items, values, locale);
+    std::vector<QStringList> table;
+    for (const QString &line : text.split(QStringLiteral("\r\n")))
+        table.push_back(line.split(QLatin1Char('\t')));
+    return table;
+}
+
+BasicGraphSelection graphSelection(const ReportShown &shown, const ReportOptions &options)
+{
+    BasicGraphSelection selection;
+    selection.rows = &shown.sheet.rows;
+    selection.splitNotAllowed = &shown.sheet.steps.splitNotAllowed;
+    selection.selectionText = shown.sheet.steps.selectionText;
+    selection.usedTotalText = shown.flex.text();
+    selection.usedTotalSize = shown.flex.rowCount();
+    selection.valueOrderReversed = options.valueOrderReversed;
+    selection.shortCategoryNames = options.shortCategoryNames;
+    selection.locale = options.locale;
+    return selection;
+}
+
+void addBasicGraphs(std::vector<ReportItem> &items, const Document &doc, const ReportShown &shown,
+                    const std::vector<qint32> &blocks, qint32 kind, const ReportWords &words,
+                    const ReportOptions &options)
+{
+    const BasicGraphSelection selection = graphSelection(shown, options);
+    for (qint32 b : blocks) {
+        BasicGraphRequest request;
+        request.questions = blockMembers(doc, b);
+        request.name = doc.blocks[std::size_t(b)].name;
+        request.block = b;
+        request.kind = kind;
+        request.showTotalIndex = shown.sheet.steps.differentFromUsedTotal;
+        if (request.questions.empty()) {
+            items.push_back(
+                item(ReportItem::Kind::Notice, request.name + QStringLiteral(": ") + words.blockWithoutQuestions));
+            continue;
+        }
+        const BasicGraphResult result = generateBasicGraph(doc, request, selection);
+        if (result.outcome != BasicGraphOutcome::Ok) {
+            items.push_back(
+                item(ReportItem::Kind::Notice, request.name + QStringLiteral(": ") + words.splitNotAllowed));
+            continue;
+        }
+        ReportItem graph = item(ReportItem::Kind::BasicGraph);
+        graph.basic = std::make_shared<BasicGraphDescription>(result.description);
+        items.push_back(std::move(graph));
+    }
+}
+
+ChartContext chartContext(const ReportShown &shown, const ReportOptions &options)
+{
+    ChartContext context;
+    context.rows = &shown.sheet.rows;
+    context.selectionText = shown.sheet.steps.selectionText;
+    context.locale = options.locale;
+    context.shortCategoryNames = options.shortCategoryNames;
+    return context;
+}
+
+ReportItem chartItem(ChartDescription chart)
+{
+    ReportItem i = item(ReportItem::Kind::Chart);
+    i.chart = std::make_shared<ChartDescription>(std::move(chart));
+    return i;
+}
+
+// The total index graph (block < 0) or one block's, with the recipe's split
+// when the unit's privacy rules allow it and its own refusal otherwise.
+void addIndexGraph(std::vector<ReportItem> &items, const Document &doc, const ReportShown &shown, qint32 block,
+                   qint32 split, const ReportWords &words, const ReportOptions &options)
+{
+    IndexGraphRequest request;
+    request.block = block;
+    request.includeMainIndex = true;
+    request.includeSubIndexes = true;
+    request.useQuestionsInsteadOfBlocks = false;
+    const bool total = block < 0;
+    if (split >= 0 && !splitAllowed(doc, shown.sheet.steps, split)) {
+        const QString name = total ? totalIndexGraphTitle(doc, true, true, false, split)
+                                   : blockIndexGraphTitle(doc, block, true, true, split);
+        items.push_back(item(ReportItem::Kind::Notice, name + QStringLiteral(": ") + words.splitNotAllowed));
+        return;
+    }
+    request.splitQuestion = split;
+    request.title = total ? totalIndexGraphTitle(doc, true, true, false, split)
+                          : blockIndexGraphTitle(doc, block, true, true, split);
+    items.push_back(chartItem(generateIndexGraph(doc, chartContext(shown, options), request)));
+}
+
+void addComments(std::vector<ReportItem> &items, const Document &doc, const ReportShown &shown,
+                 const ReportWords &words)
+{
+    if (!shown.sheet.dataRowsAllowed) {
+        items.push_back(item(ReportItem::Kind::Notice, words.commentsNotShown));
+        return;
+    }
+    for (qint32 q : doc.overviewColumns) {
+        const CommentsDocument comments = columnComments(doc, q, shown.sheet.rows);
+        if (comments.isEmpty())
+            continue;
+        items.push_back(item(ReportItem::Kind::SubHeading, comments.title));
+        for (const CommentEntry &e : comments.entries)
+            items.push_back(item(ReportItem::Kind::Text, e.text));
+    }
+}
+
+QString refusalWords(ReportRefusal refusal, const ReportWords &words)
+{
+    switch (refusal) {
+    case ReportRefusal::Blocked: return words.blocked;
+    case ReportRefusal::NoAnswers: return words.noAnswers;
+    case ReportRefusal::TooSmall: return words.tooSmall;
+    case ReportRefusal::None: break;
+    }
+    return {};
+}
+
+} // namespace
+
+bool applyReportSelection(const Document &doc, SelectionModel &model, const QString &spec, QString &error)
+{
+    const qint32 categories = qint32(doc.categories.size());
+    for (const QString &part : spec.split(QLatin1Char(';'), Qt::SkipEmptyParts)) {
+        const qsizetype colon = part.indexOf(QLatin1Char(':'));
+        qint32 c = -1;
+        if (colon < 0 || !parseNumber(part.left(colon), c)) {
+            error = QStringLiteral("'%1' is not CATEGORY:OPTION,...").arg(part);
+            return false;
+        }
+        if (c < 0 || c >= categories) {
+            error = QStringLiteral("the document has no category %1 (it has %2)").arg(c).arg(categories);
+            return false;
+        }
+        const Question &q = doc.questions[std::size_t(doc.categories[std::size_t(c)])];
+        model.setCategoryChecked(c, false);
+        for (const QString &o : part.mid(colon + 1).split(QLatin1Char(','), Qt::SkipEmptyParts)) {
+            qint32 option = -1;
+            if (!parseNumber(o, option) || option < 0 || option >= q.alternativeCount) {
+                error = QStringLiteral("category %1 has no option '%2'").arg(c).arg(o);
+                return false;
+            }
+            model.setOptionChecked(c, option, true);
+        }
+    }
+    return true;
+}
+
+std::optional<std::vector<ReportUnitPlan>> planReportUnits(const Document &doc, const ReportBase &base,
+                                                           const ReportRecipe &recipe, QString &error)
+{
+    std::vector<ReportUnitPlan> units;
+    switch (recipe.units) {
+    case ReportUnits::Current: units.push_back({QString(), base.model}); break;
+    case ReportUnits::ByCategory: {
+        if (recipe.category < 0 || std::size_t(recipe.category) >= doc.categories.size()) {
+            error = QStringLiteral("the document has no category %1 (it has %2)")
+                        .arg(recipe.category)
+                        .arg(doc.categories.size());
+            return std::nullopt;
+        }
+        const Question &q = doc.questions[std::size_t(doc.categories[std::size_t(recipe.category)])];
+        for (qint32 o = firstVisibleOption(doc); o < q.alternativeCount; ++o) {
+            ReportUnitPlan plan{doc.alternatives[std::size_t(q.firstAlternative + o)].text, base.model};
+            if (!recipe.withinCurrent)
+                plan.model.setUpDimensions(doc);
+            // Within the current selection an option left out of it stays
+            // out: the unit is then empty and Show refuses it.
+            const bool inCurrent = plan.model.selected().at(recipe.category, o);
+            plan.model.setCategoryChecked(recipe.category, false);
+            plan.model.setOptionChecked(recipe.category, o, inCurrent || !recipe.withinCurrent);
+            if (recipe.withinCurrent && !inCurrent)
+                plan.model.setOptionChecked(recipe.category, o, false);
+            units.push_back(std::move(plan));
+        }
+        break;
+    }
+    case ReportUnits::List:
+        for (const QString &spec : recipe.selections) {
+            ReportUnitPlan plan{spec, base.model};
+            plan.model.setUpDimensions(doc);
+            if (!applyReportSelection(doc, plan.model, spec, error))
+                return std::nullopt;
+            units.push_back(std::move(plan));
+        }
+        break;
+    }
+    return units;
+}
+
+bool reportSectionAllowed(const DocumentProperties &properties, ReportSection section)
+{
+    if (section == ReportSection::TitlePage)
+        return true;
+    if (section == ReportSection::IndexTable)
+        return properties.allowCopy;
+    if (section == ReportSection::Comments)
+        return properties.allowCopyData;
+    return isPictureSection(section) && properties.allowSavePicture;
+}
+
+bool reportEntirelyForbidden(const DocumentProperties &properties, const ReportRecipe &recipe)
+{
+    bool asked = false;
+    for (ReportSection s : recipe.sections) {
+        if (s == ReportSection::TitlePage)
+            continue;
+        asked = true;
+        if (reportSectionAllowed(properties, s))
+            return false;
+    }
+    return asked;
+}
+
+QString reportTitle(const Document &doc)
+{
+    const QString name = doc.text(doc.properties.projectName);
+    return name.isEmpty() ? doc.currentFileTitle : name;
+}
+
+ReportUnit buildReportUnit(const Document &base, const ReportBase &start, const ReportRecipe &recipe,
+                           const ReportUnitPlan &plan, const ReportWords &words, const ReportOptions &options)
+{
+    auto doc = std::make_shared<Document>(base);
+    ReportShown shown = showForReport(*doc, plan.model, start.flex, options.seed);
+    ReportUnit unit;
+    unit.name = plan.name;
+    if (shown.refusal != ReportRefusal::None) {
+        unit.refusal = refusalWords(shown.refusal, words);
+        if (unit.name.isEmpty())
+            unit.name = words.refused;
+        return unit;
+    }
+    if (unit.name.isEmpty())
+        unit.name = shown.sheet.steps.selectionText;
+    const DocumentProperties &p = doc->properties;
+    std::vector<ReportItem> &items = unit.items;
+    const auto allowed = [&](ReportSection s) {
+        if (reportSectionAllowed(p, s))
+            return true;
+        const QString why = s == ReportSection::IndexTable ? words.tablesForbidden
+            : s == ReportSection::Comments                 ? words.commentsForbidden
+                                                           : words.picturesForbidden;
+        // One notice per kind of refusal is enough for a reader.
+        for (const ReportItem &i : items)
+            if (i.kind == ReportItem::Kind::Notice && i.text == why)
+                return false;
+        items.push_back(item(ReportItem::Kind::Notice, why));
+        return false;
+    };
+    const std::vector<qint32> blocks = chosenBlocks(*doc, recipe);
+    const bool hasIndexes = p.pointsScale >= 1;
+
+    for (ReportSection section : recipe.sections) {
+        switch (section) {
+        case ReportSection::TitlePage: {
+            items.push_back(item(ReportItem::Kind::Heading, reportTitle(*doc)));
+            const auto labelled = [&](const QString &label, const QString &value) {
+                ReportItem i = item(ReportItem::Kind::Labelled, label);
+                i.value = value;
+                items.push_back(std::move(i));
+            };
+            labelled(words.selection, shown.sheet.steps.selectionText);
+            labelled(words.respondents, options.locale.toString(qlonglong(shown.sheet.rows.size())));
+            // The flex total's size is a figure of its own group: below the
+            // graph minimum the viewer hides it, and so does the report.
+            const bool flexShown = shown.flex.rowCount() >= p.minimumGraphSelection && shown.flex.rowCount() > 0;
+            labelled(words.comparedWith,
+                     flexShown ? QStringLiteral("%1 (%2)").arg(shown.flex.text(),
+                                                               options.locale.toString(shown.flex.rowCount()))
+                               : shown.flex.text());
+            labelled(words.date, recipe.date.isEmpty() ? options.date : recipe.date);
+            items.push_back(item(ReportItem::Kind::PageBreak));
+            break;
+        }
+        case ReportSection::IndexTable:
+            if (!allowed(section))
+                break;
+            items.push_back(item(ReportItem::Kind::Heading, words.indexTable));
+            if (!hasIndexes) {
+                items.push_back(item(ReportItem::Kind::Notice, words.noIndexes));
+                break;
+            }
+            {
+                ReportItem table = item(ReportItem::Kind::Table);
+                table.table = indexTable(*doc, shown, options.locale);
+                items.push_back(std::move(table));
+            }
+            break;
+        case ReportSection::Overview:
+            if (!allowed(section))
+                break;
+            items.push_back(item(ReportItem::Kind::Overview, words.overview));
+            unit.document = doc;
+            unit.sheet = std::make_shared<SubSheet>(shown.sheet);
+            break;
+        case ReportSection::BlockHistograms:
+            if (allowed(section))
+                addBasicGraphs(items, *doc, shown, blocks, HistogramGraph, words, options);
+            break;
+        case ReportSection::BlockFractions:
+            if (allowed(section))
+                addBasicGraphs(items, *doc, shown, blocks, FractionGraph, words, options);
+            break;
+        case ReportSection::TotalIndexGraph:
+            if (!allowed(section))
+                break;
+            if (!hasIndexes)
+                items.push_back(item(ReportItem::Kind::Notice, words.noIndexes));
+            else
+                addIndexGraph(items, *doc, shown, -1, recipe.split, words, options);
+            break;
+        case ReportSection::BlockIndexGraphs:
+            if (!allowed(section))
+                break;
+            if (!hasIndexes) {
+                items.push_back(item(ReportItem::Kind::Notice, words.noIndexes));
+                break;
+            }
+            for (qint32 b : blocks) {
+                if (blockMembers(*doc, b).empty())
+                    continue;
+                addIndexGraph(items, *doc, shown, b, recipe.split, words, options);
+            }
+            break;
+        case ReportSection::DistributionGraphs: {
+            if (!allowed(section))
+                break;
+            std::vector<qint32> categories = recipe.distributions;
+            if (categories.empty())
+                for (std::size_t c = 0; c < doc->categories.size(); ++c)
+                    categories.push_back(qint32(c));
+            for (qint32 c : categories) {
+                if (c < 0 || std::size_t(c) >= doc->categories.size())
+                    continue;
+                // A distribution shows the size of every group of the
+                // category within the unit: the split rule decides whether
+                // one of them is too small to be shown.
+                const qint32 question = doc->categories[std::size_t(c)];
+                if (!splitAllowed(*doc, shown.sheet.steps, question)) {
+                    items.push_back(item(ReportItem::Kind::Notice,
+                                         doc->questions[std::size_t(question)].heading + QStringLiteral(": ")
+                                             + words.splitNotAllowed));
+                    continue;
+                }
+                DistributionGraphRequest request;
+                request.mainCategory = c;
+                items.push_back(chartItem(
+                    generateDistributionGraph(*doc, chartContext(shown, options), shown.sheet.selection, request)));
+            }
+            break;
+        }
+        case ReportSection::RankingGraphs:
+            if (!allowed(section))
+                break;
+            for (qint32 b : blocks) {
+                RankingGraphRequest request;
+                request.questions = blockMembers(*doc, b);
+                request.titleText = doc->blocks[std::size_t(b)].name;
+                if (request.questions.empty())
+                    continue;
+                items.push_back(chartItem(generateRankingGraph(*doc, chartContext(shown, options), request)));
+            }
+            break;
+        case ReportSection::Comments:
+            if (!allowed(section))
+                break;
+            items.push_back(item(ReportItem::Kind::Heading, words.comments));
+            addComments(items, *doc, shown, words);
+            break;
+        }
+    }
+    return unit;
+}
+
+} // namespace kel
