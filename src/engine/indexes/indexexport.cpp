@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/indexes/indexexport.h"
 
+#include "engine/selection/showdecision.h"
+
 #include "engine/indexes/blockindex.h"
 
 namespace kel {
@@ -80,7 +82,8 @@ std::vector<SubSelection> buildSubSelections(const Document &doc, const IndexExp
         for (qint32 o = firstVisible; o < question.alternativeCount; ++o)
             result.push_back({question.heading + QStringLiteral(": ")
                                   + doc.alternatives[std::size_t(question.firstAlternative + o)].text,
-                              {}});
+                              {},
+                              q});
         doc.answers.visitColumn(q, [&](const auto *column) {
             for (qint32 r : currentRows) {
                 const qint32 v = qint32(column[r]);
@@ -144,6 +147,25 @@ std::vector<double> calculateIndexValues(const Document &doc, const std::vector<
     if (scale < 1.0) // a document without indexes has no values to show
         return values;
 
+    // The total of the selection is always on view (the overview's index
+    // line), so each category's groups are masked together.
+    std::vector<bool> masked(subSelections.size(), false);
+    for (std::size_t s = 0; s < subSelections.size();) {
+        std::size_t end = s + 1;
+        while (end < subSelections.size() && subSelections[s].category >= 0
+               && subSelections[end].category == subSelections[s].category)
+            ++end;
+        std::vector<qint32> sizes;
+        for (std::size_t g = s; g < end; ++g)
+            sizes.push_back(qint32(subSelections[g].rows.size()));
+        const std::vector<bool> groupMasked =
+            subSelections[s].category >= 0 ? maskedGroups(sizes, minimumGraph) : std::vector<bool>(sizes.size(), false);
+        for (std::size_t g = s; g < end; ++g)
+            masked[g] = groupMasked[g - s]
+                || (subSelections[g].rows.size() > 0 && qint32(subSelections[g].rows.size()) < minimumGraph);
+        s = end;
+    }
+
     for (std::size_t i = 0; i < itemCount; ++i) {
         const IndexItem &item = items[i];
         QuestionList members;
@@ -160,7 +182,7 @@ std::vector<double> calculateIndexValues(const Document &doc, const std::vector<
                 cell = NoIndexValue;
                 continue;
             }
-            if (n < minimumGraph) {
+            if (masked[s]) {
                 cell = MaskedIndexValue;
                 continue;
             }

@@ -39,6 +39,7 @@ inline constexpr double MaskedIndexValue = -2.0;
 struct SubSelection {
     QString name;
     RowList rows;
+    qint32 category = -1; ///< the question whose option forms the group; -1 for the total
 };
 
 struct IndexItem {
@@ -56,7 +57,10 @@ std::vector<SubSelection> buildSubSelections(const Document &doc, const IndexExp
 /// The index items, in export order.
 std::vector<IndexItem> buildIndexItems(const Document &doc, const IndexExportOptions &options);
 
-/// Value matrix, sub-selection-major: values[s * items + i].
+/// Value matrix, sub-selection-major: values[s * items + i]. Groups below
+/// the minimum graph selection are masked, and with them, per category, as
+/// many of the smallest other groups as keep the masked ones from being
+/// worked out from the selection's total (see maskedGroups).
 /// `progress` is called after each item with the number done; returning
 /// false cancels, and the result is then empty.
 std::vector<double> calculateIndexValues(const Document &doc, const std::vector<SubSelection> &subSelections,
