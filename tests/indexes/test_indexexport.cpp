@@ -3,7 +3,6 @@
 
 #include "engine/indexes/blockindex.h"
 #include "engine/indexes/indexexport.h"
-#include "engine/selection/showdecision.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/indexes/indexexport.h"
 
-#include "engine/selection/showdecision.h"
-
 #include "engine/indexes/blockindex.h"
 
 namespace kel {
@@ -65,6 +63,34 @@ bool IndexExportOptions::canExport() const
     for (bool b : indexFor)
         anyItem = anyItem || b;
     return anySubSelection && anyItem;
+}
+
+std::vector<bool> maskedGroups(const std::vector<qint32> &sizes, qint32 minimum)
+{
+    std::vector<bool> masked(sizes.size(), false);
+    qint32 count = 0;
+    qint64 people = 0;
+    for (std::size_t g = 0; g < sizes.size(); ++g) {
+        if (sizes[g] > 0 && sizes[g] < minimum) {
+            masked[g] = true;
+            ++count;
+            people += sizes[g];
+        }
+    }
+    // One masked group is the total minus the others; several masked groups
+    // together are a group of their own, which must be large enough.
+    while (count > 0 && (count == 1 || people < minimum)) {
+        std::size_t next = sizes.size();
+        for (std::size_t g = 0; g < sizes.size(); ++g)
+            if (!masked[g] && sizes[g] > 0 && (next == sizes.size() || sizes[g] < sizes[next]))
+                next = g;
+        if (next == sizes.size())
+            break;
+        masked[next] = true;
+        ++count;
+        people += sizes[next];
+    }
+    return masked;
 }
 
 std::vector<SubSelection> buildSubSelections(const Document &doc, const IndexExportOptions &options,

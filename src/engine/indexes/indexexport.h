@@ -36,6 +36,13 @@ struct IndexExportOptions {
 inline constexpr double NoIndexValue = -1.0;
 inline constexpr double MaskedIndexValue = -2.0;
 
+/// Which groups of one category a table masks, given their sizes: every
+/// group of 0 < size < `minimum`, and then, as long as the masked groups
+/// could be recovered from the selection's total by subtraction (only one
+/// masked, or together fewer than `minimum`), the smallest group still
+/// shown as well. Empty groups show nothing and are never masked.
+std::vector<bool> maskedGroups(const std::vector<qint32> &sizes, qint32 minimum);
+
 struct SubSelection {
     QString name;
     RowList rows;

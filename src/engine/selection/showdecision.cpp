@@ -199,34 +199,6 @@ bool flexTotalBlocked(const Document &doc, const SelectionMatrix &selection, con
     return false;
 }
 
-std::vector<bool> maskedGroups(const std::vector<qint32> &sizes, qint32 minimum)
-{
-    std::vector<bool> masked(sizes.size(), false);
-    qint32 count = 0;
-    qint64 people = 0;
-    for (std::size_t g = 0; g < sizes.size(); ++g) {
-        if (belowMinimum(sizes[g], minimum)) {
-            masked[g] = true;
-            ++count;
-            people += sizes[g];
-        }
-    }
-    // One masked group is the total minus the others; several masked groups
-    // together are a group of their own, which must be large enough.
-    while (count > 0 && (count == 1 || people < minimum)) {
-        std::size_t next = sizes.size();
-        for (std::size_t g = 0; g < sizes.size(); ++g)
-            if (!masked[g] && sizes[g] > 0 && (next == sizes.size() || sizes[g] < sizes[next]))
-                next = g;
-        if (next == sizes.size())
-            break;
-        masked[next] = true;
-        ++count;
-        people += sizes[next];
-    }
-    return masked;
-}
-
 bool documentForcesRandomOrder(const DocumentProperties &properties, qint32 n)
 {
     const bool forced =

@@ -100,13 +100,6 @@ std::vector<qint32> flexLeftOutGroups(const Document &doc, const SelectionMatrix
 bool flexTotalBlocked(const Document &doc, const SelectionMatrix &selection, const std::vector<bool> &flexOptions,
                       bool basedOnSelection);
 
-/// Which groups of one category a table masks, given their sizes: every
-/// group of 0 < size < `minimum`, and then, as long as the masked groups
-/// could be recovered from the selection's total by subtraction (only one
-/// masked, or together fewer than `minimum`), the smallest group still
-/// shown as well. Empty groups show nothing and are never masked.
-std::vector<bool> maskedGroups(const std::vector<qint32> &sizes, qint32 minimum);
-
 /// The document forces a random row order on a selection of `n`: the order
 /// protects the respondents, so it is never taken from a seed given from
 /// outside and the row numbers behind it are not listed.
