@@ -215,4 +215,24 @@ TEST(ShowDecision, EachOutputCommandAsksItsOwnPermission)
     }
 }
 
+// A forced random order applies below the document's threshold only, and
+// only for the random orders.
+TEST(ShowDecision, ADocumentForcesItsRandomOrderBelowItsThreshold)
+{
+    struct Case {
+        qint32 rowOrder, threshold, n;
+        bool forced;
+    };
+    const Case cases[] = {
+        {1, 50, 49, true},  {1, 50, 50, false},  {2, 50, 49, true},   {2, -1, 100000, true},
+        {0, -1, 10, false}, {-1, -1, 10, false}, {-1, 50, 10, false},
+    };
+    for (const Case &c : cases) {
+        DocumentProperties p;
+        p.rowOrder = c.rowOrder;
+        p.rowOrderThreshold = c.threshold;
+        EXPECT_EQ(documentForcesRandomOrder(p, c.n), c.forced) << c.rowOrder << ' ' << c.threshold << ' ' << c.n;
+    }
+}
+
 } // namespace
