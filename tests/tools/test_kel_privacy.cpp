@@ -27,6 +27,7 @@ protected:
         mClosed = write("closed.kel", {.minimumSelection = 200});
         mNoData = write("nodata.kel", {.allowCopyData = false});
         mShuffled = write("shuffled.kel", {.rowOrder = 1});
+        mHidden = write("hidden.kel", {.minimumGraphSelection = 100});
     }
     QString write(const char *name, const SmallUnitOptions &o)
     {
@@ -36,7 +37,7 @@ protected:
         return path;
     }
     QTemporaryDir mDir;
-    QString mBase, mStrict, mClosed, mNoData, mShuffled;
+    QString mBase, mStrict, mClosed, mNoData, mShuffled, mHidden;
 };
 
 // The unit's rows are 80, 81 and 82; nothing printed may name one of them
@@ -119,17 +120,21 @@ TEST_F(KelPrivacy, DumpGivesAnswersAndCommentsOnlyAsTheViewerWould)
         QString *file;
         bool answers;
         bool comments;
+        bool figures; ///< the document's own indexes of everyone
     };
     const Case cases[] = {
-        {"everything allowed", &mBase, true, true},
-        {"the document does not allow copying data", &mNoData, false, true},
-        {"everyone is below the minimum selection", &mClosed, false, false},
+        {"everything allowed", &mBase, true, true, true},
+        {"the document does not allow copying data", &mNoData, false, true, true},
+        {"everyone is below the minimum selection", &mClosed, false, false, true},
+        {"everyone is below the minimum graph selection", &mHidden, false, false, false},
     };
     for (const Case &c : cases) {
         SCOPED_TRACE(c.label);
         const KelRun run = runKel(kelArgs("dump", *c.file));
         const QJsonObject o = jsonOf(run);
         EXPECT_EQ(o[QStringLiteral("questions")].toArray().size(), 5); // the structure stays
+        EXPECT_EQ(jsonAt(o, "properties.totalIndex").isDouble(), c.figures);
+        EXPECT_EQ(jsonAt(o, "questions.3.totalIndex").isDouble(), c.figures);
         const QJsonValue answers = o[QStringLiteral("answers")];
         EXPECT_EQ(answers.isArray(), c.answers);
         EXPECT_EQ(o[QStringLiteral("rowComments")].isArray(), c.comments);

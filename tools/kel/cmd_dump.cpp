@@ -93,8 +93,28 @@ int runCheck(const QStringList &args)
 
 namespace {
 
+// The document's own indexes are figures of everyone: shown only where the
+// viewer shows everyone.
+bool everyoneShown(const Document &d)
+{
+    const SelectionMatrix everyone = fullSelection(d);
+    CountMatrix found(everyone.categoryCount(), everyone.optionCount());
+    return showRefusalFor(d, countOptions(d, everyone, found), false, false) == ShowRefusal::Done;
+}
+
+void figure(JsonWriter &j, const char *name, double value, bool shown)
+{
+    if (shown) {
+        j.member(name, value);
+    } else {
+        j.key(name);
+        j.null();
+    }
+}
+
 void writeProperties(JsonWriter &j, const Document &d)
 {
+    const bool figures = everyoneShown(d);
     const DocumentProperties &p = d.properties;
     j.key("properties");
     j.beginObject();
@@ -134,7 +154,7 @@ void writeProperties(JsonWriter &j, const Document &d)
         j.value(c);
     j.endArray();
     j.member("created", p.created);
-    j.member("totalIndex", p.totalIndex);
+    figure(j, "totalIndex", p.totalIndex, figures);
     j.member("allowCopy", p.allowCopy);
     j.member("allowPrint", p.allowPrint);
     j.member("allowSavePicture", p.allowSavePicture);
@@ -171,6 +191,8 @@ void writeAnswersAndComments(JsonWriter &j, const Document &d)
     const bool comments = done && permits(permissions, OutputCommand::AllComments);
 
     QStringList leftOut;
+    if (!done)
+        leftOut << QStringLiteral("totalIndex: everyone is fewer than the minimum graph selection");
     if (!answers)
         leftOut << QStringLiteral("answers: Copy Overview as Data is not allowed for everyone");
     else if (d.overviewColumns.size() < d.questions.size())
@@ -243,6 +265,7 @@ void writeAnswersAndComments(JsonWriter &j, const Document &d)
 
 void writeDocument(JsonWriter &j, const Document &d)
 {
+    const bool figures = everyoneShown(d);
     j.beginObject();
     j.member("revision", d.revision);
     j.member("compatibleRevision", d.compatibleRevision);
@@ -293,7 +316,7 @@ void writeDocument(JsonWriter &j, const Document &d)
         j.member("inOverview", q.inOverview);
         j.member("isFlexCategory", q.isFlexCategory);
         j.member("inTotalIndex", q.inTotalIndex);
-        j.member("totalIndex", q.totalIndex);
+        figure(j, "totalIndex", q.totalIndex, figures);
         j.member("graphFlags", q.graphFlags);
         j.member("rankingWeight", q.rankingWeight);
         j.endObject();
@@ -309,7 +332,7 @@ void writeDocument(JsonWriter &j, const Document &d)
         j.member("text", b.text);
         j.member("memberRule", b.memberRule);
         j.member("linkedBlock", b.linkedBlock);
-        j.member("totalIndex", b.totalIndex);
+        figure(j, "totalIndex", b.totalIndex, figures);
         j.member("graphFlags", b.graphFlags);
         j.member("includeInCopy", b.includeInCopy);
         j.endObject();
