@@ -40,8 +40,19 @@ QString showRefusalMessage(const Document &doc, SubSheetOutcome outcome, bool is
         return pickText(isSwedish, "There are no answers matching the selection criterias!",
                         "Det finns inga svar som stämmer överens med det urval du gjort!");
     case SubSheetOutcome::TooSmall: return doc.text(doc.properties.selectionTooSmallText);
+    case SubSheetOutcome::Blocked: return selectionBlockedMessage(isSwedish);
+    case SubSheetOutcome::FlexTotalBlocked: return flexTotalBlockedMessage(isSwedish);
     }
     return QString();
+}
+
+QString flexTotalBlockedMessage(bool isSwedish)
+{
+    return pickText(isSwedish,
+                    "The total cannot be used: it leaves too few respondents outside it! Include more options in the "
+                    "total.",
+                    "Totalen kan inte användas: den lämnar för få svarande utanför sig! Ta med fler alternativ i "
+                    "totalen.");
 }
 
 QString buildingOverviewText(bool isSwedish)

@@ -23,6 +23,8 @@ QString showRefusalMessage(const Document &doc, SubSheetOutcome outcome, bool is
 
 /// A selection that Show cannot apply because a category is blocked.
 QString selectionBlockedMessage(bool isSwedish);
+/// A flex total that Show cannot apply because it leaves a too small group out.
+QString flexTotalBlockedMessage(bool isSwedish);
 
 /// Show's status texts: while building (no auto-clear) and after a
 /// successful build.

@@ -7,12 +7,16 @@
 #include "gui/overview/sheetview.h"
 #include "gui/selection/detailwindow.h"
 #include "gui/shell/mainwindow.h"
+#include "gui/overview/textpopup.h"
+#include "gui/shell/overviewcommands.h"
+#include "gui/shell/overviewpicturecommands.h"
 #include "texts/statusline.h"
 
 #include "surveys.h"
 
 #include <QAction>
 #include <QApplication>
+#include <QClipboard>
 #include <QLabel>
 #include <QMap>
 #include <QMenu>
@@ -361,6 +365,46 @@ TEST_F(MainWindowTest, PointerOnTheSheetReachesPopupAndDetailWindow)
     };
     EXPECT_EQ(detail->indexValue(1, false), index({0, 1, 2, 3}));
     EXPECT_NE(index({0, 1, 2, 3}), index({0, 1, 2, 3, 4, 5, 6, 7}));
+}
+
+// The small unit (9 respondents: shown, but below the minimum selection of
+// 10) through the viewer's own commands: its overview has figures and no
+// rows, and nothing that gives individual answers is offered or works,
+// even when called without its menu item.
+TEST_F(MainWindowTest, ASelectionWithoutRowsGivesNoAnswersThroughAnyCommand)
+{
+    auto w = makeWindow();
+    w->session().installDocument(kel::test::smallUnitSurvey({.smallUnit = 9}), QStringLiteral("/s/small.kel"), true);
+    ASSERT_TRUE(w->sheetView()->hasSheet());
+    const MainMenus &m = w->menus();
+    // Everyone (89): rows and comments offered.
+    EXPECT_TRUE(m.mnuVComments->isEnabled() && m.mnuECopyData->isEnabled());
+
+    ASSERT_TRUE(w->showSelection(unitOnly(*w->document(), 2)).isEmpty());
+    ASSERT_EQ(w->sheetView()->input().rows.size(), 9u);
+    EXPECT_EQ(w->sheetView()->input().maxRowsDisplayed, 0);
+    for (QAction *item : {m.mnuVComments, m.mnuECopyData, m.mnuPCopyData, m.mnuECopyToMiniOverview,
+                          m.mnuPCopyToMiniOverview, m.mnuPCopyThisRowsAnswers, m.mnuPShowRowsComments})
+        EXPECT_FALSE(item->isEnabled()) << item->objectName().toStdString();
+    // The column's comments from the code line: the unit's cell comments exist.
+    w->preparePopup(SheetHit{.place = SheetPlace::CodeLine, .line = -1, .question = 3, .row = -1});
+    EXPECT_FALSE(m.mnuPShowColumnsComments->isEnabled());
+
+    // Called directly, the commands ask the engine again and do nothing.
+    QClipboard *clipboard = QGuiApplication::clipboard();
+    clipboard->setText(QStringLiteral("untouched"));
+    auto *commands = w->findChild<OverviewCommands *>();
+    ASSERT_NE(commands, nullptr);
+    commands->setClipboard(clipboard);
+    commands->copyOverviewData();
+    EXPECT_EQ(clipboard->text(), QStringLiteral("untouched"));
+    showAllComments(*w);
+    showColumnsComments(*w);
+    EXPECT_TRUE(w->findChildren<TextPopup *>().isEmpty());
+
+    // The same selection's figures are still there.
+    EXPECT_TRUE(w->mayOutput(OutputCommand::Figures));
+    EXPECT_FALSE(w->mayOutput(OutputCommand::AllComments));
 }
 
 // Only one local document is taken, known by its magic words whatever its

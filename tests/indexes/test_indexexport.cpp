@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <numeric>
 #include <random>
 
 using namespace kel;
@@ -149,4 +150,40 @@ TEST(IndexExport, CancelLeavesNothing)
     });
     EXPECT_TRUE(text.isEmpty());
     EXPECT_EQ(calls, 2);
+}
+
+// Secondary suppression, worked out by hand: a masked group that is alone
+// (or masked groups that together are still too few) could be found as the
+// total minus the others, so the smallest shown group goes too.
+TEST(IndexExport, MaskedGroupsCannotBeRecoveredFromTheTotal)
+{
+    struct Case {
+        std::vector<qint32> sizes;
+        std::vector<bool> masked;
+    };
+    const Case cases[] = {
+        {{40, 38, 4}, {false, true, true}},           // one below: the smallest other joins it
+        {{40, 38, 5}, {false, false, false}},         // at the minimum: nothing masked
+        {{1, 2, 30, 40}, {true, true, true, false}},  // two together still fewer than 5
+        {{1, 4, 30}, {true, true, false}},            // two together make 5
+        {{0, 3, 30, 40}, {false, true, true, false}}, // empty groups show nothing and stay
+        {{3, 0}, {true, false}},                      // nothing left to mask with
+        {{6, 7}, {false, false}},
+        {{}, {}},
+    };
+    for (const Case &c : cases)
+        EXPECT_EQ(maskedGroups(c.sizes, 5), c.masked) << ::testing::PrintToString(c.sizes);
+
+    // Through the table: South (5) is below 10, so North (52) is masked
+    // beside it while the total stays.
+    Document doc = exampleDocument(10);
+    IndexExportOptions options;
+    options.subSelTotal = true;
+    options.subSelCategories = {0};
+    options.showNumberOfAnswers = true;
+    options.indexFor[IndexExportOptions::ForTotal] = true;
+    RowList everyone(57);
+    std::iota(everyone.begin(), everyone.end(), 0);
+    EXPECT_EQ(exportIndexes(doc, QStringLiteral("Sel"), everyone, options, QLocale::c()),
+              QStringLiteral("Sel\tAnswers\tTotal\r\nTotal\t57\t3.0\r\nUnit: North\t52\t---\r\nUnit: South\t5\t---"));
 }

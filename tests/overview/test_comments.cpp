@@ -75,10 +75,14 @@ TEST(Comments, RowColumnAndAllCommentsInRtfAndHtml)
                                    "\\par\r\n}"));
     EXPECT_TRUE(columnComments(*doc, 12, {0, 1, 2, 3}).isEmpty());
 
-    EXPECT_EQ(commentsRtf(allComments(*doc)),
+    // All comments: the rows of the selection only, in row order whatever
+    // order the sheet shows them in.
+    EXPECT_EQ(commentsRtf(allComments(*doc, {3, 2, 1, 0})),
               Frame
                   + QStringLiteral("Braces \\{a\\} and back\\\\slash\r\n\\par\r\n\\par Line one\r\n\\par Line two"
                                    "\r\n}"));
+    EXPECT_EQ(commentsRtf(allComments(*doc, {2, 3})), Frame + QStringLiteral("Line one\r\n\\par Line two\r\n}"));
+    EXPECT_TRUE(allComments(*doc, {1, 3, 9, -1}).isEmpty());
 
     // The HTML shows every character literally.
     const QString row1 = commentsHtml(rowComments(*doc, 1, doc->overviewColumns));

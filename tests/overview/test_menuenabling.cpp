@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <iterator>
+
 using namespace kel;
 
 TEST(MenuEnabling, PermissionsAndSurroundingsDecideEachCommand)
@@ -34,7 +36,7 @@ TEST(MenuEnabling, PermissionsAndSurroundingsDecideEachCommand)
     MenuState belowMinimum = copyAll;
     belowMinimum.dataRowsAllowed = false;
     MenuState rich = plain;
-    rich.totalIndexGraph = rich.hasRowComments = rich.hasCategories = rich.mouseWheel = true;
+    rich.totalIndexGraph = rich.hasRowComments = rich.hasCategories = rich.mouseWheel = rich.dataRowsAllowed = true;
 
     const Case cases[] = {
         {"no document",
@@ -110,5 +112,68 @@ TEST(MenuEnabling, PermissionsAndSurroundingsDecideEachCommand)
             EXPECT_TRUE(got.visible == e.visible && got.enabled == e.enabled)
                 << c.label << ": command " << int(e.command);
         }
+    }
+}
+
+// Every command, with everything a document may allow, for an overview
+// whose rows are shown and one whose rows are hidden. Written from the
+// rules: what shows individual answers (rows, their copies, a respondent's
+// answers, every comments window) goes with the rows; nothing else does.
+TEST(MenuEnabling, EveryCommandFollowsTheRowsPermissionExactlyWhereItShowsAnswers)
+{
+    MenuState shown;
+    shown.documentOpen = shown.printerInstalled = shown.mouseWheel = shown.dataRowsAllowed = true;
+    shown.allowCopy = shown.allowCopyData = shown.allowPrint = shown.allowSavePicture = true;
+    shown.hasIndexes = shown.totalIndexGraph = shown.hasCategories = shown.hasRowComments = true;
+    MenuState hidden = shown;
+    hidden.dataRowsAllowed = false;
+
+    using C = MenuCommand;
+    struct Row {
+        C command;
+        bool visible;
+        bool enabledWithRows;
+        bool enabledWithoutRows;
+    };
+    const Row table[] = {
+        {C::Open, true, true, true},
+        {C::SaveOverviewAs, true, true, true},
+        {C::PrintOverview, false, true, true},
+        {C::PrintFormat, true, true, true},
+        {C::Properties, true, true, true},
+        {C::Exit, true, true, true},
+        {C::CopyOverview, true, true, true},
+        {C::CopyHeadersAndTotals, true, true, true},
+        {C::CopyIndexes, true, true, true},
+        {C::CopyToMiniOverview, true, true, false},
+        {C::CopyData, true, true, false},
+        {C::Navigator, true, true, true},
+        {C::DetailInformation, true, true, true},
+        {C::DistributionGraph, true, true, true},
+        {C::TotalIndexGraph, true, true, true},
+        {C::BlockGraphs, false, true, true},
+        {C::QuestionGraphs, true, true, true},
+        {C::Comments, true, true, false},
+        {C::RowsComments, true, true, false},
+        {C::ColumnsComments, true, true, false},
+        {C::CopyThisRowsAnswers, true, true, false},
+        {C::CloseAllGraphWindows, true, true, true},
+        {C::EditBlocks, true, true, true},
+        {C::Options, true, true, true},
+        {C::Export, false, false, false}, // not built: never enabled
+        {C::HelpTopics, true, true, true},
+        {C::About, true, true, true},
+        {C::MouseWheelDirection, true, true, true},
+    };
+    ASSERT_EQ(std::size(table), std::size_t(MenuCommandCount));
+    const MenuEnabling withRows = menuEnablingFor(shown), withoutRows = menuEnablingFor(hidden);
+    for (std::size_t i = 0; i < std::size(table); ++i) {
+        const Row &row = table[i];
+        ASSERT_EQ(int(row.command), int(i)) << "the table follows the enumeration";
+        const MenuItemState &a = withRows[i], &b = withoutRows[i];
+        EXPECT_EQ(a.visible, row.visible) << "command " << i;
+        EXPECT_EQ(b.visible, row.visible) << "command " << i;
+        EXPECT_EQ(a.enabled, row.enabledWithRows) << "command " << i << " with rows";
+        EXPECT_EQ(b.enabled, row.enabledWithoutRows) << "command " << i << " without rows";
     }
 }

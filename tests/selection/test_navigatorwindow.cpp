@@ -14,6 +14,7 @@
 #include "surveys.h"
 
 #include <QLabel>
+#include <QListWidget>
 #include <QPushButton>
 #include <QTest>
 
@@ -39,7 +40,7 @@ protected:
             const SubSheet sheet = showSelection(*mDoc, model, mFlex, RowOrderOriginal, mRandom);
             return showRefusalMessage(*mDoc, sheet.outcome, false);
         };
-        actions.showRefusal = [](const QString &) {};
+        actions.showRefusal = [this](const QString &message) { mRefusals << message; };
         mWindow = std::make_unique<NavigatorWindow>(false, mStatus, mOptions, actions);
         mWindow->setUp(*mDoc);
         mWindow->resize(300, 500);
@@ -65,6 +66,7 @@ protected:
     std::unique_ptr<NavigatorWindow> mWindow;
     FlexTotal mFlex;
     RowRandom mRandom{1};
+    QStringList mRefusals;
 };
 
 TEST_F(NavigatorWindowTest, TicksPropagateCountAndShade)
@@ -131,3 +133,26 @@ TEST_F(NavigatorWindowTest, ReminderBlinksWhilePendingAndAway)
 }
 
 } // namespace
+
+// The flex total leaving out South (8 respondents): at a complement minimum
+// of 8 it is accepted, at 9 the flex list is shaded and Show refuses it
+// with a message, leaving the flex total as it was.
+TEST_F(NavigatorWindowTest, AFlexTotalLeavingOutTooFewIsShadedAndRefused)
+{
+    for (const qint32 minimum : {8, 9}) {
+        SCOPED_TRACE(minimum);
+        mRefusals.clear();
+        open({.flexOnUnit = true, .minimumComplementSelection = minimum});
+        ASSERT_FALSE(mWindow->isFlexTotalShaded());
+        QListWidget *list = mWindow->flexList();
+        for (int i = 0; i < list->count(); ++i)
+            if (list->item(i)->data(Qt::UserRole).toInt() == 2) // South
+                list->item(i)->setSelected(false);
+        const bool refused = minimum == 9;
+        EXPECT_EQ(mWindow->isFlexTotalShaded(), refused);
+        mWindow->applySelection();
+        EXPECT_EQ(mRefusals.size(), refused ? 1 : 0);
+        EXPECT_EQ(mRefusals.value(0), refused ? flexTotalBlockedMessage(false) : QString());
+        EXPECT_EQ(mFlex.rowCount(), refused ? 20 : 12);
+    }
+}

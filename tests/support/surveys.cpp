@@ -226,4 +226,77 @@ std::unique_ptr<Document> navigatorSurvey(const NavigatorSurveyOptions &o)
     return std::move(result.document);
 }
 
+QByteArray smallUnitSurveyBytes(const SmallUnitOptions &o)
+{
+    const qint32 rows = 80 + o.smallUnit;
+    SurveyBuilder b(rows, 1);
+    HeaderFields &h = b.header();
+    h.pointsScale = 4;
+    h.totalText = b.text(QStringLiteral("Everyone"));
+    h.selectionTooSmallText = b.text(QStringLiteral("Too few respondents!"));
+    h.minimumSelection = o.minimumSelection;
+    h.minimumComplementSelection = o.minimumComplementSelection;
+    h.minimumGraphSelection = o.minimumGraphSelection;
+    h.allowCopy = h.allowPrint = h.allowSavePicture = FileTrue;
+    h.allowCopyData = fileBool(o.allowCopyData);
+    h.rowOrder = o.rowOrder;
+    const auto flagged = [](const char *text) {
+        return AlternativeSpec{.text = QString::fromLatin1(text), .complementCheck = true, .countsForPrivacy = true};
+    };
+    const qint32 unit = b.addQuestion({.code = QStringLiteral("U"),
+                                       .heading = QStringLiteral("Unit"),
+                                       .isCategory = true,
+                                       .inOverview = false,
+                                       .inTotalIndex = false,
+                                       .isFlexCategory = true},
+                                      {flagged("Alpha"), flagged("Beta"), flagged("Small")});
+    const qint32 age = b.addQuestion({.code = QStringLiteral("A"),
+                                      .heading = QStringLiteral("Age"),
+                                      .isCategory = true,
+                                      .inOverview = false,
+                                      .inTotalIndex = false},
+                                     {flagged("Young"), flagged("Old")});
+    const qint32 gender = b.addQuestion({.code = QStringLiteral("G"),
+                                         .heading = QStringLiteral("Gender"),
+                                         .isCategory = true,
+                                         .inOverview = false,
+                                         .inTotalIndex = false},
+                                        {flagged("Woman"), flagged("Man")});
+    const qint32 block = b.addBlock({.code = QStringLiteral("W"), .name = QStringLiteral("Work")});
+    const qint32 influence =
+        b.addQuestion({.code = QStringLiteral("1"), .heading = QStringLiteral("Influence"), .block = block},
+                      {{.text = QStringLiteral("Lowest"), .points = 0},
+                       {.text = QStringLiteral("Low"), .points = 1},
+                       {.text = QStringLiteral("Middle"), .points = 2},
+                       {.text = QStringLiteral("High"), .points = 3},
+                       {.text = QStringLiteral("Highest"), .points = 4}});
+    const qint32 workload =
+        b.addQuestion({.code = QStringLiteral("2"), .heading = QStringLiteral("Workload"), .block = block},
+                      {{.text = QStringLiteral("Low"), .points = 4}, {.text = QStringLiteral("High"), .points = 0}});
+    for (qint32 r = 0; r < rows; ++r) {
+        const bool small = r >= 80;
+        b.setAnswer(r, unit, r < 40 ? 0 : small ? 2 : 1);
+        b.setAnswer(r, age, r < 20 ? 0 : 1);
+        b.setAnswer(r, gender, r % 2);
+        b.setAnswer(r, influence, small ? 0 : 1 + r % 4);
+        b.setAnswer(r, workload, r % 2);
+        if (small) {
+            b.setRowComment(r, QStringLiteral("Small %1").arg(r));
+            b.setCellComment(r, influence, QStringLiteral("Influence %1").arg(r));
+        }
+    }
+    b.setRowComment(0, QStringLiteral("Alpha 0"));
+    return b.toBytes();
+}
+
+std::unique_ptr<Document> smallUnitSurvey(const SmallUnitOptions &o)
+{
+    ReadResult result = readDocumentBytes(smallUnitSurveyBytes(o), {});
+    EXPECT_TRUE(result.document) << result.detail.toStdString();
+    if (!result.document)
+        return nullptr;
+    result.document->currentFileName = QStringLiteral("smallunit.kel");
+    return std::move(result.document);
+}
+
 } // namespace kel::test

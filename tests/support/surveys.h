@@ -139,4 +139,26 @@ struct NavigatorSurveyOptions {
 QByteArray navigatorSurveyBytes(const NavigatorSurveyOptions &o = {});
 std::unique_ptr<Document> navigatorSurvey(const NavigatorSurveyOptions &o = {});
 
+// --- The small-unit survey: what the privacy gates protect ------------------
+
+struct SmallUnitOptions {
+    qint32 smallUnit = 3; ///< respondents of the unit "Small"
+    qint32 minimumSelection = 10, minimumComplementSelection = 5, minimumGraphSelection = 5;
+    bool allowCopyData = true;
+    qint32 rowOrder = -1; ///< the document's forced row order, -1 none
+};
+
+/// Categories: 0 Unit (Alpha 40 rows, Beta 40 rows, Small `smallUnit`
+/// rows, in that order; the flex category; complement check and privacy
+/// flag on every option), 1 Age (Young: the first 20 rows of Alpha, Old:
+/// everyone else; both flags), 2 Gender (Woman on even rows, Man on odd).
+/// Overview questions without privacy flags: 3 Influence (Lowest .. Highest,
+/// 0..4 points; Small answers Lowest, nobody else does), 4 Workload (Low,
+/// High; even rows Low). Row comments "Small <row>" on Small's rows and
+/// "Alpha 0" on row 0; cell comments "Influence <row>" on Influence for
+/// Small's rows. Copying and printing allowed; "Too few respondents!" is
+/// the refusal text, "Everyone" the total.
+QByteArray smallUnitSurveyBytes(const SmallUnitOptions &o = {});
+std::unique_ptr<Document> smallUnitSurvey(const SmallUnitOptions &o = {});
+
 } // namespace kel::test

@@ -5,7 +5,12 @@
 #include "json.h"
 
 #include "engine/document/documentreader.h"
+#include "engine/overview/subsheet.h"
+#include "engine/selection/counting.h"
+#include "engine/selection/showdecision.h"
 #include "texts/messages.h"
+
+#include <QDateTime>
 
 #include <cstdio>
 
@@ -88,8 +93,28 @@ int runCheck(const QStringList &args)
 
 namespace {
 
+// The document's own indexes are figures of everyone: shown only where the
+// viewer shows everyone.
+bool everyoneShown(const Document &d)
+{
+    const SelectionMatrix everyone = fullSelection(d);
+    CountMatrix found(everyone.categoryCount(), everyone.optionCount());
+    return showRefusalFor(d, countOptions(d, everyone, found), false, false) == ShowRefusal::Done;
+}
+
+void figure(JsonWriter &j, const char *name, double value, bool shown)
+{
+    if (shown) {
+        j.member(name, value);
+    } else {
+        j.key(name);
+        j.null();
+    }
+}
+
 void writeProperties(JsonWriter &j, const Document &d)
 {
+    const bool figures = everyoneShown(d);
     const DocumentProperties &p = d.properties;
     j.key("properties");
     j.beginObject();
@@ -129,7 +154,7 @@ void writeProperties(JsonWriter &j, const Document &d)
         j.value(c);
     j.endArray();
     j.member("created", p.created);
-    j.member("totalIndex", p.totalIndex);
+    figure(j, "totalIndex", p.totalIndex, figures);
     j.member("allowCopy", p.allowCopy);
     j.member("allowPrint", p.allowPrint);
     j.member("allowSavePicture", p.allowSavePicture);
@@ -148,8 +173,99 @@ void writeIntArray(JsonWriter &j, const char *name, const std::vector<qint32> &v
     j.endArray();
 }
 
+// What the viewer gives of the answers and comments for the selection of
+// everyone, and nothing else: Copy Overview as Data's answers (the
+// overview's questions, in the overview's order of rows) and the comments
+// windows' comments (row comments, and cell comments of the overview's
+// questions), each only where the engine's decision for that selection
+// allows the command. What is left out is said, so that an empty list is
+// never mistaken for a survey without answers.
+void writeAnswersAndComments(JsonWriter &j, const Document &d)
+{
+    const SelectionMatrix everyone = fullSelection(d);
+    CountMatrix found(everyone.categoryCount(), everyone.optionCount());
+    const qint32 n = countOptions(d, everyone, found);
+    const bool done = showRefusalFor(d, n, false, false) == ShowRefusal::Done;
+    const ShowPermissions permissions = showPermissions(d, n, n, splitNotAllowedFor(d, found));
+    const bool answers = done && permits(permissions, OutputCommand::CopyOverviewAsData);
+    const bool comments = done && permits(permissions, OutputCommand::AllComments);
+
+    QStringList leftOut;
+    if (!done)
+        leftOut << QStringLiteral("totalIndex: everyone is fewer than the minimum graph selection");
+    if (!answers)
+        leftOut << QStringLiteral("answers: Copy Overview as Data is not allowed for everyone");
+    else if (d.overviewColumns.size() < d.questions.size())
+        leftOut << QStringLiteral("answers: questions not in the overview");
+    if (!comments)
+        leftOut << QStringLiteral("comments: the comments windows are not allowed for everyone");
+    else if (d.hasCellComments && d.overviewColumns.size() < d.questions.size())
+        leftOut << QStringLiteral("cellComments: questions not in the overview");
+    j.key("leftOut");
+    j.beginArray();
+    for (const QString &what : leftOut)
+        j.value(what);
+    j.endArray();
+
+    j.key("rowComments");
+    if (!comments) {
+        j.null();
+    } else {
+        j.beginArray();
+        for (const RowComment &c : d.rowComments) {
+            if (c.comment == -1)
+                j.null();
+            else
+                j.value(d.text(c.comment));
+        }
+        j.endArray();
+    }
+
+    j.key("cellComments");
+    if (!comments || !d.hasCellComments) {
+        j.null();
+    } else {
+        j.beginArray();
+        for (qint32 r = 0; r < d.rowCount(); ++r)
+            for (qint32 c : d.overviewColumns) {
+                const qint32 t = d.cellComment(r, c);
+                if (t == -1)
+                    continue;
+                j.beginArray();
+                j.value(r);
+                j.value(c);
+                j.value(d.text(t));
+                j.endArray();
+            }
+        j.endArray();
+    }
+
+    writeIntArray(j, "answerColumns", answers ? d.overviewColumns : std::vector<qint32>());
+    j.key("answers");
+    if (!answers) {
+        j.null();
+        return;
+    }
+    RowList rows = selectedRows(d, everyone);
+    // A random order the document forces is drawn as the viewer draws it,
+    // never from anything a caller could repeat.
+    if (documentForcesRandomOrder(d.properties, n)) {
+        RowRandom random(quint64(QDateTime::currentMSecsSinceEpoch()));
+        shuffleRows(rows, random);
+    }
+    j.beginArray();
+    for (qint32 r : rows) {
+        j.beginArray();
+        for (qint32 c : d.overviewColumns)
+            j.value(d.getData(r, c));
+        j.endArray();
+    }
+    j.endArray();
+}
+
 void writeDocument(JsonWriter &j, const Document &d)
 {
+    const bool figures = everyoneShown(d);
     j.beginObject();
     j.member("revision", d.revision);
     j.member("compatibleRevision", d.compatibleRevision);
@@ -200,7 +316,7 @@ void writeDocument(JsonWriter &j, const Document &d)
         j.member("inOverview", q.inOverview);
         j.member("isFlexCategory", q.isFlexCategory);
         j.member("inTotalIndex", q.inTotalIndex);
-        j.member("totalIndex", q.totalIndex);
+        figure(j, "totalIndex", q.totalIndex, figures);
         j.member("graphFlags", q.graphFlags);
         j.member("rankingWeight", q.rankingWeight);
         j.endObject();
@@ -216,7 +332,7 @@ void writeDocument(JsonWriter &j, const Document &d)
         j.member("text", b.text);
         j.member("memberRule", b.memberRule);
         j.member("linkedBlock", b.linkedBlock);
-        j.member("totalIndex", b.totalIndex);
+        figure(j, "totalIndex", b.totalIndex, figures);
         j.member("graphFlags", b.graphFlags);
         j.member("includeInCopy", b.includeInCopy);
         j.endObject();
@@ -233,44 +349,7 @@ void writeDocument(JsonWriter &j, const Document &d)
     }
     j.endArray();
 
-    j.key("rowComments");
-    j.beginArray();
-    for (const RowComment &c : d.rowComments) {
-        if (c.comment == -1)
-            j.null();
-        else
-            j.value(d.text(c.comment));
-    }
-    j.endArray();
-
-    j.key("cellComments");
-    if (!d.hasCellComments) {
-        j.null();
-    } else {
-        j.beginArray();
-        for (qint32 r = 0; r < d.rowCount(); ++r)
-            for (qint32 c = 0; c < d.columnCount(); ++c) {
-                const qint32 t = d.cellComment(r, c);
-                if (t == -1)
-                    continue;
-                j.beginArray();
-                j.value(r);
-                j.value(c);
-                j.value(d.text(t));
-                j.endArray();
-            }
-        j.endArray();
-    }
-
-    j.key("answers");
-    j.beginArray();
-    for (qint32 r = 0; r < d.rowCount(); ++r) {
-        j.beginArray();
-        for (qint32 c = 0; c < d.columnCount(); ++c)
-            j.value(d.getData(r, c));
-        j.endArray();
-    }
-    j.endArray();
+    writeAnswersAndComments(j, d);
     j.endObject();
 }
 

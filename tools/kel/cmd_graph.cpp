@@ -8,6 +8,8 @@
 
 #include "engine/graphs/basicgraph.h"
 #include "engine/indexes/blockindex.h"
+#include "engine/selection/showdecision.h"
+#include "texts/messages.h"
 #include "texts/graphtexts.h"
 
 namespace kel::cli {
@@ -202,6 +204,14 @@ int makeGraph(const Document &base, const QStringList &args, MadeGraph &graph, C
     std::optional<ShownSelection> shown;
     if (const int status = showForGraph(doc, *parsed, shown, output); status != 0)
         return status;
+    // The decision again, from what is shown, at the moment of output.
+    if (!permits(showPermissions(doc, qint32(shown->sheet.rows.size()), shown->flex.rowCount(),
+                                 shown->sheet.steps.splitNotAllowed),
+                 OutputCommand::Figures)) {
+        output.err +=
+            showRefusalMessage(doc, SubSheetOutcome::TooSmall, parsed->selection.isSwedish) + QLatin1Char('\n');
+        return GraphRefused;
+    }
     return entry->run(GraphInput{doc, *parsed, *shown}, graph, output);
 }
 

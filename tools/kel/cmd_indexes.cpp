@@ -5,6 +5,8 @@
 #include "selectionargs.h"
 
 #include "engine/indexes/indexexport.h"
+#include "engine/selection/showdecision.h"
+#include "texts/messages.h"
 
 namespace kel::cli {
 
@@ -93,6 +95,14 @@ int indexesCommand(const Document &base, const QStringList &args, CommandOutput 
         output.err += QStringLiteral("kel indexes: settings: %1 (left out)\n").arg(problem);
     if (shown->refusal) {
         output.err += QStringLiteral("kel indexes: %1\n").arg(shown->refusal->message);
+        return Refused;
+    }
+    // The decision again, from what is shown, at the moment of output.
+    if (!permits(showPermissions(doc, qint32(shown->sheet.rows.size()), shown->flex.rowCount(),
+                                 shown->sheet.steps.splitNotAllowed),
+                 OutputCommand::Figures)) {
+        output.err += QStringLiteral("kel indexes: %1\n")
+                          .arg(showRefusalMessage(doc, SubSheetOutcome::TooSmall, selection.isSwedish));
         return Refused;
     }
     output.out += (exportIndexes(doc, shown->sheet.steps.selectionText, shown->sheet.rows, options, selection.locale));

@@ -5,6 +5,10 @@
 #include "json.h"
 #include "selectionargs.h"
 
+#include "engine/selection/showdecision.h"
+
+#include <algorithm>
+
 namespace kel::cli {
 
 namespace {
@@ -92,17 +96,33 @@ int selectCommand(const Document &base, const QStringList &args, CommandOutput &
     json.member("differentFromUsedTotal", sheet.steps.differentFromUsedTotal);
     writeArray(json, "splitNotAllowed", sheet.steps.splitNotAllowed);
     json.member("dataRowsAllowed", sheet.dataRowsAllowed);
-    writeArray(json, "rows", sheet.rows);
-    std::vector<qint32> offsets = sheet.columnRowOffsets;
+    // Row numbers name respondents: listed only where the viewer shows the
+    // rows, and where the document forces a random order, without the order
+    // (nor the cells that would give it away).
+    const ShowPermissions permissions =
+        showPermissions(doc, qint32(sheet.rows.size()), shown->flex.rowCount(), sheet.steps.splitNotAllowed);
+    const bool rowsShown = permits(permissions, OutputCommand::OverviewRows);
+    const bool orderHidden = rowsShown && documentForcesRandomOrder(doc.properties, qint32(sheet.rows.size()));
+    json.member("rowsShown", rowsShown);
+    json.member("rowOrderHidden", orderHidden);
+    RowList rows;
+    if (rowsShown)
+        rows = sheet.rows;
+    if (orderHidden)
+        std::sort(rows.begin(), rows.end());
+    writeArray(json, "rows", rows);
+    std::vector<qint32> offsets = orderHidden ? std::vector<qint32>() : sheet.columnRowOffsets;
     offsets.resize(doc.questions.size(), 0);
     writeArray(json, "columnRowOffsets", offsets);
-    writeArray(json, "flexRows", shown->flex.rows());
+    const bool flexRowsShown = permits(permissions, OutputCommand::FlexRows);
+    json.member("flexRowsShown", flexRowsShown);
+    writeArray(json, "flexRows", flexRowsShown ? shown->flex.rows() : RowList());
     json.member("flexText", shown->flex.text());
     json.member("flexTotalIndex", doc.properties.flexTotalIndex);
     json.member("totalIndex", sheet.totalIndex);
     json.key("cells");
     json.beginArray();
-    const qint32 lines = qMin(qint32(sheet.rows.size()), maxRows);
+    const qint32 lines = rowsShown && !orderHidden ? qMin(qint32(sheet.rows.size()), maxRows) : 0;
     for (qint32 k = 0; k < lines; ++k) {
         json.beginArray();
         for (qint32 q : doc.overviewColumns)

@@ -9,8 +9,6 @@
 
 #include <QDateTime>
 
-#include <algorithm>
-
 namespace kel::cli {
 
 namespace {
@@ -148,28 +146,19 @@ std::optional<ShownSelection> showFromArgs(Document &doc, const SelectionArgs &a
     if (args.flexCurrent && shown.model.flexVisible())
         shown.model.setFlexBasedOnCurrentSelection(true);
     shown.recount = shown.model.recount(doc);
-    if (!shown.recount.showEnabled) {
-        // The navigator's button is disabled: the viewer shows nothing, so
-        // neither may we. The words are those the build would use for the
-        // same selection, and our own for a blocking category.
-        const bool blocked =
-            std::find(shown.recount.blocked.begin(), shown.recount.blocked.end(), true) != shown.recount.blocked.end();
-        if (blocked)
-            shown.refusal = Refusal{QStringLiteral("blocked"), selectionBlockedMessage(args.isSwedish)};
-        else if (shown.recount.count == 0)
-            shown.refusal =
-                Refusal{QStringLiteral("none"), showRefusalMessage(doc, SubSheetOutcome::NoAnswers, args.isSwedish)};
-        else
-            shown.refusal =
-                Refusal{QStringLiteral("tooSmall"), showRefusalMessage(doc, SubSheetOutcome::TooSmall, args.isSwedish)};
-        return shown;
-    }
 
-    RowRandom random(args.seed ? *args.seed : quint64(QDateTime::currentMSecsSinceEpoch()));
+    // The engine's Show decides, as it does for the viewer's button: a
+    // blocked category or flex total, nobody, or too few are refused there.
+    // A random order the document forces protects the respondents, so it is
+    // never drawn from a seed given on the command line.
+    const bool forced = documentForcesRandomOrder(doc.properties, shown.recount.count);
+    RowRandom random(args.seed && !forced ? *args.seed : quint64(QDateTime::currentMSecsSinceEpoch()));
     shown.sheet = kel::showSelection(doc, shown.model, shown.flex, args.order, random);
     const QString message = showRefusalMessage(doc, shown.sheet.outcome, args.isSwedish);
     switch (shown.sheet.outcome) {
     case SubSheetOutcome::Ok: break;
+    case SubSheetOutcome::Blocked:
+    case SubSheetOutcome::FlexTotalBlocked: shown.refusal = Refusal{QStringLiteral("blocked"), message}; break;
     case SubSheetOutcome::NoAnswers: shown.refusal = Refusal{QStringLiteral("none"), message}; break;
     case SubSheetOutcome::TooSmall: shown.refusal = Refusal{QStringLiteral("tooSmall"), message}; break;
     }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/graphs/basicgraph.h"
 
+#include "engine/selection/showdecision.h"
+
 #include "engine/indexes/columnindex.h"
 
 #include <algorithm>
@@ -115,18 +117,7 @@ QString splitGraphName(const Document &doc, qint32 question, qint32 splitQuestio
 
 bool splitAllowed(const Document &doc, qint32 question, const std::vector<qint32> &rows)
 {
-    if (!validQuestion(doc, question))
-        return false;
-    const Question &q = doc.questions[std::size_t(question)];
-    std::vector<qint64> counts(std::size_t(q.alternativeCount), 0);
-    countColumn(doc, question, rows, q.alternativeCount, counts);
-    const qint32 minimum = doc.properties.minimumGraphSelection;
-    for (qint32 a = 0; a < q.alternativeCount; ++a) {
-        const qint64 n = counts[std::size_t(a)];
-        if (doc.alternatives[std::size_t(q.firstAlternative + a)].countsForPrivacy && n > 0 && n < minimum)
-            return false;
-    }
-    return true;
+    return validQuestion(doc, question) && !splitRefused(doc, question, rows);
 }
 
 bool splitPermitted(const Document &doc, qint32 question, const BasicGraphSelection &selection)

@@ -65,6 +65,34 @@ bool IndexExportOptions::canExport() const
     return anySubSelection && anyItem;
 }
 
+std::vector<bool> maskedGroups(const std::vector<qint32> &sizes, qint32 minimum)
+{
+    std::vector<bool> masked(sizes.size(), false);
+    qint32 count = 0;
+    qint64 people = 0;
+    for (std::size_t g = 0; g < sizes.size(); ++g) {
+        if (sizes[g] > 0 && sizes[g] < minimum) {
+            masked[g] = true;
+            ++count;
+            people += sizes[g];
+        }
+    }
+    // One masked group is the total minus the others; several masked groups
+    // together are a group of their own, which must be large enough.
+    while (count > 0 && (count == 1 || people < minimum)) {
+        std::size_t next = sizes.size();
+        for (std::size_t g = 0; g < sizes.size(); ++g)
+            if (!masked[g] && sizes[g] > 0 && (next == sizes.size() || sizes[g] < sizes[next]))
+                next = g;
+        if (next == sizes.size())
+            break;
+        masked[next] = true;
+        ++count;
+        people += sizes[next];
+    }
+    return masked;
+}
+
 std::vector<SubSelection> buildSubSelections(const Document &doc, const IndexExportOptions &options,
                                              const RowList &currentRows)
 {
@@ -80,7 +108,8 @@ std::vector<SubSelection> buildSubSelections(const Document &doc, const IndexExp
         for (qint32 o = firstVisible; o < question.alternativeCount; ++o)
             result.push_back({question.heading + QStringLiteral(": ")
                                   + doc.alternatives[std::size_t(question.firstAlternative + o)].text,
-                              {}});
+                              {},
+                              q});
         doc.answers.visitColumn(q, [&](const auto *column) {
             for (qint32 r : currentRows) {
                 const qint32 v = qint32(column[r]);
@@ -144,6 +173,25 @@ std::vector<double> calculateIndexValues(const Document &doc, const std::vector<
     if (scale < 1.0) // a document without indexes has no values to show
         return values;
 
+    // The total of the selection is always on view (the overview's index
+    // line), so each category's groups are masked together.
+    std::vector<bool> masked(subSelections.size(), false);
+    for (std::size_t s = 0; s < subSelections.size();) {
+        std::size_t end = s + 1;
+        while (end < subSelections.size() && subSelections[s].category >= 0
+               && subSelections[end].category == subSelections[s].category)
+            ++end;
+        std::vector<qint32> sizes;
+        for (std::size_t g = s; g < end; ++g)
+            sizes.push_back(qint32(subSelections[g].rows.size()));
+        const std::vector<bool> groupMasked =
+            subSelections[s].category >= 0 ? maskedGroups(sizes, minimumGraph) : std::vector<bool>(sizes.size(), false);
+        for (std::size_t g = s; g < end; ++g)
+            masked[g] = groupMasked[g - s]
+                || (subSelections[g].rows.size() > 0 && qint32(subSelections[g].rows.size()) < minimumGraph);
+        s = end;
+    }
+
     for (std::size_t i = 0; i < itemCount; ++i) {
         const IndexItem &item = items[i];
         QuestionList members;
@@ -160,7 +208,7 @@ std::vector<double> calculateIndexValues(const Document &doc, const std::vector<
                 cell = NoIndexValue;
                 continue;
             }
-            if (n < minimumGraph) {
+            if (masked[s]) {
                 cell = MaskedIndexValue;
                 continue;
             }

@@ -36,9 +36,17 @@ struct IndexExportOptions {
 inline constexpr double NoIndexValue = -1.0;
 inline constexpr double MaskedIndexValue = -2.0;
 
+/// Which groups of one category a table masks, given their sizes: every
+/// group of 0 < size < `minimum`, and then, as long as the masked groups
+/// could be recovered from the selection's total by subtraction (only one
+/// masked, or together fewer than `minimum`), the smallest group still
+/// shown as well. Empty groups show nothing and are never masked.
+std::vector<bool> maskedGroups(const std::vector<qint32> &sizes, qint32 minimum);
+
 struct SubSelection {
     QString name;
     RowList rows;
+    qint32 category = -1; ///< the question whose option forms the group; -1 for the total
 };
 
 struct IndexItem {
@@ -56,7 +64,10 @@ std::vector<SubSelection> buildSubSelections(const Document &doc, const IndexExp
 /// The index items, in export order.
 std::vector<IndexItem> buildIndexItems(const Document &doc, const IndexExportOptions &options);
 
-/// Value matrix, sub-selection-major: values[s * items + i].
+/// Value matrix, sub-selection-major: values[s * items + i]. Groups below
+/// the minimum graph selection are masked, and with them, per category, as
+/// many of the smallest other groups as keep the masked ones from being
+/// worked out from the selection's total (see maskedGroups).
 /// `progress` is called after each item with the number done; returning
 /// false cancels, and the result is then empty.
 std::vector<double> calculateIndexValues(const Document &doc, const std::vector<SubSelection> &subSelections,

@@ -5,6 +5,8 @@
 
 #include <QRegularExpression>
 
+#include <algorithm>
+
 namespace kel {
 
 namespace {
@@ -81,11 +83,17 @@ CommentsDocument columnComments(const Document &doc, qint32 question, const std:
     return comments;
 }
 
-CommentsDocument allComments(const Document &doc)
+CommentsDocument allComments(const Document &doc, const std::vector<qint32> &rows)
 {
     CommentsDocument comments;
     comments.kind = CommentsKind::All;
-    for (const RowComment &record : doc.rowComments) {
+    std::vector<qint32> ordered = rows;
+    std::sort(ordered.begin(), ordered.end());
+    ordered.erase(std::unique(ordered.begin(), ordered.end()), ordered.end());
+    for (const qint32 row : ordered) {
+        if (row < 0 || std::size_t(row) >= doc.rowComments.size())
+            continue;
+        const RowComment &record = doc.rowComments[std::size_t(row)];
         if (record.comment != -1)
             comments.entries.push_back({QString(), doc.text(record.comment)});
     }

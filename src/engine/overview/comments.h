@@ -41,8 +41,10 @@ CommentsDocument rowComments(const Document &doc, qint32 row, const std::vector<
 /// and without their row numbers; empty when the document has no cell
 /// comments.
 CommentsDocument columnComments(const Document &doc, qint32 question, const std::vector<qint32> &rows);
-/// Every row comment of the document, in row order.
-CommentsDocument allComments(const Document &doc);
+/// The row comments of the rows of `rows` (the selection on screen), in
+/// row order whatever order the list has, so that the window gives nothing
+/// of the sheet's random order away.
+CommentsDocument allComments(const Document &doc, const std::vector<qint32> &rows);
 
 /// Backslashes and braces escaped, every CR LF followed by "\par ".
 QString rtfEscape(const QString &text);

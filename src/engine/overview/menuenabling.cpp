@@ -59,10 +59,12 @@ MenuEnabling menuRulesFor(const MenuState &s)
     // the popup menu.
     set(MenuCommand::BlockGraphs, false, doc);
     set(MenuCommand::QuestionGraphs, doc && s.hasCategories, doc);
-    set(MenuCommand::Comments, true, doc && s.hasRowComments);
-    set(MenuCommand::RowsComments, true, doc);
-    set(MenuCommand::ColumnsComments, true, doc);
-    set(MenuCommand::CopyThisRowsAnswers, true, doc);
+    // Comments and one respondent's answers are individual answers: they
+    // go with the answer rows.
+    set(MenuCommand::Comments, true, doc && s.hasRowComments && s.dataRowsAllowed);
+    set(MenuCommand::RowsComments, true, doc && s.dataRowsAllowed);
+    set(MenuCommand::ColumnsComments, true, doc && s.dataRowsAllowed);
+    set(MenuCommand::CopyThisRowsAnswers, true, doc && s.dataRowsAllowed);
     set(MenuCommand::CloseAllGraphWindows, true, doc);
     set(MenuCommand::EditBlocks, true, doc);
     set(MenuCommand::Options, true, true);

@@ -4,6 +4,7 @@
 #include "engine/indexes/blockindex.h"
 #include "engine/overview/sheetlayout.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <utility>
@@ -70,24 +71,18 @@ SelectionSteps selectionSteps(const Document &doc, const SelectionMatrix &select
 
     const qint32 categories = qMin(qint32(doc.categories.size()), selection.categoryCount());
     const qint32 firstVisible = firstVisibleOption(doc);
-    const qint32 minimumGraph = doc.properties.minimumGraphSelection;
-    steps.splitNotAllowed.assign(std::size_t(qMax(categories, 0)), false);
+    steps.splitNotAllowed = splitNotAllowedFor(doc, steps.found);
     QString text;
     for (qint32 c = 0; c < categories; ++c) {
         const qint32 q = doc.categories[std::size_t(c)];
         const Question &question = doc.questions[std::size_t(q)];
         const qint32 k = question.alternativeCount;
         bool restricted = false;
-        bool splitNotAllowed = false;
         bool differsFromFlex = false;
         for (qint32 o = 0; o < k; ++o) {
-            const Alternative &alt = doc.alternatives[std::size_t(question.firstAlternative + o)];
             restricted = restricted || !selection.at(c, o);
-            const qint32 n = steps.found.at(c, o);
-            splitNotAllowed = splitNotAllowed || (alt.countsForPrivacy && n > 0 && n < minimumGraph);
             differsFromFlex = differsFromFlex || selection.at(c, o) != flex.option(o);
         }
-        steps.splitNotAllowed[std::size_t(c)] = splitNotAllowed;
         if (restricted) {
             QStringList names;
             for (qint32 o = firstVisible; o < k; ++o)
@@ -127,21 +122,28 @@ SubSheet createSubSheet(Document &doc, const SelectionMatrix &selection, FlexTot
     SubSheet sheet;
     sheet.selection = selection;
     sheet.steps = selectionSteps(doc, selection, flex);
+    const std::vector<bool> blocked = blockedCategories(doc, selection, sheet.steps.found);
+    const bool categoryBlocked = std::find(blocked.begin(), blocked.end(), true) != blocked.end();
+    const bool flexBlocked =
+        flex.basedOnCurrentSelection() && !categoryBlocked && flexTotalBlocked(doc, selection, flex.options(), true);
+    if (categoryBlocked || flexBlocked) {
+        // Refused before anything changes: the flex total stays as it was.
+        sheet.outcome = categoryBlocked ? SubSheetOutcome::Blocked : SubSheetOutcome::FlexTotalBlocked;
+        return sheet;
+    }
     if (flex.basedOnCurrentSelection())
         flex.buildFlexTotalFromSelection(doc, selection);
 
     RowList rows = selectedRows(doc, selection);
     const qint32 n = qint32(rows.size());
-    if (n == 0) {
-        sheet.outcome = SubSheetOutcome::NoAnswers;
-        return sheet;
-    }
-    if (n < doc.properties.minimumGraphSelection) {
-        sheet.outcome = SubSheetOutcome::TooSmall;
-        return sheet;
+    switch (showRefusalFor(doc, n, false, false)) {
+    case ShowRefusal::NoAnswers: sheet.outcome = SubSheetOutcome::NoAnswers; return sheet;
+    case ShowRefusal::TooSmall: sheet.outcome = SubSheetOutcome::TooSmall; return sheet;
+    default: break;
     }
 
-    sheet.dataRowsAllowed = n >= doc.properties.minimumSelection;
+    sheet.permissions = showPermissions(doc, n, flex.rowCount(), sheet.steps.splitNotAllowed);
+    sheet.dataRowsAllowed = sheet.permissions.rows;
     sheet.rowOrder = effectiveRowOrder(doc.properties, userRowOrder, n);
     if (sheet.rowOrder == RowOrderRandom) {
         shuffleRows(rows, random);
@@ -166,6 +168,26 @@ namespace kel {
 
 SubSheet showSelection(Document &doc, SelectionModel &model, FlexTotal &flex, qint32 userRowOrder, RowRandom &random)
 {
+    // The gate of the navigator's button, asked again here: Show called
+    // without the button refuses what the button would not offer.
+    CountMatrix found(model.selected().categoryCount(), model.selected().optionCount());
+    countOptions(doc, model.selected(), found);
+    const std::vector<bool> blocked = blockedCategories(doc, model.selected(), found);
+    const bool flexEdited = model.flexVisible()
+        && (model.flexOptions() != model.appliedFlexOptions()
+            || model.flexBasedOnCurrentSelection() != model.appliedFlexBasedOnCurrentSelection());
+    const std::vector<bool> &flexOptions = flexEdited ? model.flexOptions() : flex.options();
+    const bool flexBased = flexEdited ? model.flexBasedOnCurrentSelection() : flex.basedOnCurrentSelection();
+    if (std::find(blocked.begin(), blocked.end(), true) != blocked.end()) {
+        SubSheet refused;
+        refused.outcome = SubSheetOutcome::Blocked;
+        return refused;
+    }
+    if (model.flexVisible() && flexTotalBlocked(doc, model.selected(), flexOptions, flexBased)) {
+        SubSheet refused;
+        refused.outcome = SubSheetOutcome::FlexTotalBlocked;
+        return refused;
+    }
     if (model.applyShow())
         flex.setFlexTotal(doc, model.appliedFlexOptions(), model.appliedFlexBasedOnCurrentSelection());
     return createSubSheet(doc, model.appliedSelection(), flex, userRowOrder, random);

@@ -8,6 +8,7 @@
 #include "engine/selection/counting.h"
 #include "engine/selection/flextotal.h"
 #include "engine/selection/selectionmodel.h"
+#include "engine/selection/showdecision.h"
 #include "engine/selection/selectionmatrix.h"
 
 #include <QString>
@@ -67,12 +68,16 @@ struct SelectionSteps {
 /// the flex total, for `selection`.
 SelectionSteps selectionSteps(const Document &doc, const SelectionMatrix &selection, const FlexTotal &flex);
 
-enum class SubSheetOutcome { Ok, NoAnswers, TooSmall };
+/// Show's outcome: built, or why not (see ShowRefusal).
+enum class SubSheetOutcome { Ok, NoAnswers, TooSmall, Blocked, FlexTotalBlocked };
 
 struct SubSheet {
     SubSheetOutcome outcome = SubSheetOutcome::Ok;
     SelectionSteps steps;
     bool dataRowsAllowed = false;
+    /// What this overview permits; every output command asks permits() of it
+    /// (or of showPermissions() anew) before it outputs.
+    ShowPermissions permissions;
     qint32 rowOrder = RowOrderOriginal; ///< the effective order
     bool randomPerColumn = false;
     RowList rows;                         ///< ordered; empty when refused
@@ -89,8 +94,9 @@ struct SubSheet {
     qint32 rowInCell(qint32 line, qint32 question) const;
 };
 
-/// Builds the overview for `selection`. A refused selection comes back with
-/// its outcome and no rows; the caller keeps its previous sheet then. When
+/// Builds the overview for `selection`. A refused selection (a blocked
+/// category or flex total, nobody, too few) comes back with its outcome and
+/// no rows; the caller keeps its previous sheet then. When
 /// the flex total is based on the current selection it is rebuilt here, as
 /// the selection steps require, whether or not the sheet is refused.
 SubSheet createSubSheet(Document &doc, const SelectionMatrix &selection, FlexTotal &flex, qint32 userRowOrder,

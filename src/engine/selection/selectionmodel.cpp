@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/selection/selectionmodel.h"
 
+#include "engine/selection/showdecision.h"
+
 namespace kel {
 
 void SelectionModel::setUpDimensions(const Document &doc)
@@ -73,6 +75,7 @@ RecountResult SelectionModel::recount(const Document &doc)
         result.blocked[std::size_t(c)] = shaded && !isCategoryChecked(c);
         anyBlocked = anyBlocked || result.blocked[std::size_t(c)];
     }
+    result.flexShaded = mFlexVisible && flexTotalBlocked(doc, mSelected, mFlexOptions, mFlexBased);
     result.showEnabled = !anyBlocked && result.count >= mMinimumGraph;
     mShowEnabledChanged = result.showEnabled != mShowEnabled;
     mShowEnabled = result.showEnabled;

@@ -20,6 +20,9 @@ struct RecountResult {
     CountMatrix found;         ///< what each option would leave (countOptions)
     std::vector<bool> shaded;  ///< per category: an option is a too small complement
     std::vector<bool> blocked; ///< per category: shaded and restricted
+    /// The flex options as edited leave out a too small group: the flex list
+    /// is shaded and Show refuses them with a message.
+    bool flexShaded = false;
     bool showEnabled = false;
 };
 

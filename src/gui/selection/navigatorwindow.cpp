@@ -84,8 +84,10 @@ NavigatorWindow::NavigatorWindow(bool isSwedish, StatusLine &status, const UserO
     connect(&mReminder, &QTimer::timeout, this, [this] { setReminderLit(!mReminderLit); });
     connect(mTree, &NavigatorTree::checkClicked, this, &NavigatorWindow::onCheckClicked);
     connect(mFlexList, &QListWidget::itemSelectionChanged, this, &NavigatorWindow::onFlexListClicked);
-    connect(mFlexCheck, &QCheckBox::clicked, this,
-            [this](bool checked) { mModel.setFlexBasedOnCurrentSelection(checked); });
+    connect(mFlexCheck, &QCheckBox::clicked, this, [this](bool checked) {
+        mModel.setFlexBasedOnCurrentSelection(checked);
+        recount();
+    });
     connect(mShowButton, &QPushButton::clicked, this, &NavigatorWindow::applySelection);
     mFocusConnection = connect(qApp, &QApplication::focusChanged, this, [this](QWidget *, QWidget *now) {
         const bool inside = now && ownsWidget(now);
@@ -272,6 +274,8 @@ void NavigatorWindow::onFlexListClicked()
         const QListWidgetItem *item = mFlexList->item(i);
         mModel.setFlexOption(item->data(Qt::UserRole).toInt(), item->isSelected());
     }
+    // The flex total's own complement check follows every change.
+    recount();
 }
 
 void NavigatorWindow::recount()
@@ -282,6 +286,7 @@ void NavigatorWindow::recount()
     mCount = result.count;
     for (int c = 0; c < int(result.shaded.size()); ++c)
         markCategory(c, result.shaded[std::size_t(c)]);
+    markFlexTotal(result.flexShaded);
     if (mModel.showEnabledChanged())
         mShowButton->setEnabled(result.showEnabled);
     // A disabled Show says why, so that the shading is not a riddle.
@@ -351,6 +356,28 @@ void NavigatorWindow::markCategory(int category, bool shaded)
         root->child(i)->setBackground(0, brush);
         root->child(i)->setToolTip(0, tip);
     }
+}
+
+void NavigatorWindow::markFlexTotal(bool shaded)
+{
+    // The same tint as a shaded category; Show then refuses the flex total
+    // with a message that says what to do.
+    const QBrush brush = shaded ? QBrush(QColor(255, 214, 153)) : QBrush();
+    const QString tip = shaded ? pickText(mIsSwedish,
+                                          "Shaded: the options left out of the total form a group smaller than the "
+                                          "document allows.",
+                                          "Skuggad: alternativen som lämnas utanför totalen bildar en grupp som är "
+                                          "mindre än dokumentet tillåter.")
+                               : QString();
+    const QSignalBlocker quiet(mFlexList);
+    for (int i = 0; i < mFlexList->count(); ++i)
+        mFlexList->item(i)->setBackground(brush);
+    mFlexList->setToolTip(tip);
+}
+
+bool NavigatorWindow::isFlexTotalShaded() const
+{
+    return mFlexList->count() > 0 && mFlexList->item(0)->background().style() != Qt::NoBrush;
 }
 
 bool NavigatorWindow::isCategoryShaded(int category) const

@@ -73,6 +73,8 @@ public:
     bool isAppliedSelected(int category, int option) const { return mModel.appliedSelection().at(category, option); }
     qint32 selectionCount() const { return mCount; }
     bool isCategoryShaded(int category) const;
+    /// The flex list is shaded: its options leave out a too small group.
+    bool isFlexTotalShaded() const;
 
     NavigatorTree *tree() const { return mTree; }
     QListWidget *flexList() const { return mFlexList; }
@@ -102,6 +104,7 @@ private:
     void recount();
     void setTotalText(qint32 count);
     void markCategory(int category, bool shaded);
+    void markFlexTotal(bool shaded);
     void setReminderLit(bool lit);
     bool ownsWidget(const QWidget *widget) const;
 

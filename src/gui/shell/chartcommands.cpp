@@ -57,7 +57,7 @@ ChartCommands::ChartCommands(MainWindow &window) : QObject(&window), mWindow(win
 
 bool ChartCommands::canGraph() const
 {
-    return mWindow.document() && mWindow.sheetView()->hasSheet();
+    return mWindow.document() && mWindow.sheetView()->hasSheet() && mWindow.mayOutput(OutputCommand::Figures);
 }
 
 ChartContext ChartCommands::context() const

@@ -93,7 +93,7 @@ void MainWindow::editBlocks()
 void MainWindow::copyIndexes()
 {
     const Document *doc = document();
-    if (!doc || !mSheet->input().document)
+    if (!doc || !mSheet->input().document || !mayOutput(OutputCommand::Figures))
         return;
     mStatus->setStatus("Copying indexes to clipboard...", "Kopierar index till urklipp...", false);
     // The overview on screen is the current selection.

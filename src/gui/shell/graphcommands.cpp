@@ -75,7 +75,7 @@ BasicGraphSelection currentGraphSelection(MainWindow &window)
 BasicGraphWindow *openBasicGraph(MainWindow &window, const BasicGraphRequest &request)
 {
     const Document *doc = window.document();
-    if (!doc || !window.sheetView()->hasSheet())
+    if (!doc || !window.sheetView()->hasSheet() || !window.mayOutput(OutputCommand::Figures))
         return nullptr;
     const BasicGraphResult result = generateBasicGraph(*doc, request, currentGraphSelection(window));
     if (result.outcome != BasicGraphOutcome::Ok)

@@ -504,6 +504,20 @@ void MainWindow::closeSlotWindows()
         closePooledWindows(*table);
 }
 
+ShowPermissions MainWindow::shownPermissions() const
+{
+    const Document *doc = document();
+    if (!doc || !mSheet->hasSheet())
+        return ShowPermissions();
+    return showPermissions(*doc, qint32(mShownSheet.rows.size()), mFlexTotal.rowCount(),
+                           mShownSheet.steps.splitNotAllowed);
+}
+
+bool MainWindow::mayOutput(OutputCommand command, qint32 splitCategory) const
+{
+    return permits(shownPermissions(), command, splitCategory);
+}
+
 void MainWindow::setDataRowsAllowed(bool allowed)
 {
     mDataRowsAllowed = allowed;
@@ -769,9 +783,13 @@ void MainWindow::preparePopup(const SheetHit &hit)
     const PopupEnabling enabling =
         popupEnablingFor(*doc, mSheet->input().rows, mSheet->input().columns, context.randomPerColumn,
                          hit.place == SheetPlace::AnswerCell ? hit.row : -1, hit.question);
-    mMenus.mnuPShowRowsComments->setEnabled(enabling.showRowsComments && isCommandBuilt(MenuCommand::RowsComments));
+    // Comments are individual answers: the engine's decision for the
+    // overview on screen comes first.
+    mMenus.mnuPShowRowsComments->setEnabled(enabling.showRowsComments && isCommandBuilt(MenuCommand::RowsComments)
+                                            && mayOutput(OutputCommand::RowsComments));
     mMenus.mnuPShowColumnsComments->setEnabled(enabling.showColumnsComments
-                                               && isCommandBuilt(MenuCommand::ColumnsComments));
+                                               && isCommandBuilt(MenuCommand::ColumnsComments)
+                                               && mayOutput(OutputCommand::ColumnsComments));
 }
 
 void MainWindow::showSheetPopup(const SheetHit &hit, const QPoint &globalPos)

@@ -78,6 +78,10 @@ public:
     /// The launch dialogs of graphs remember their choices here.
     /// The overview Show built last (rows, selection text, privacy steps).
     const SubSheet &shownSheet() const { return mShownSheet; }
+    /// The engine's decision for the overview on screen, asked anew from
+    /// what it shows; every output command asks it before it outputs.
+    ShowPermissions shownPermissions() const;
+    bool mayOutput(OutputCommand command, qint32 splitCategory = -1) const;
     /// Where the overview's popup menu was opened last.
     const SheetHit &lastPopupHit() const;
     ChartCommands &chartCommands() { return *mCharts; }

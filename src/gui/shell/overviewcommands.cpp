@@ -67,6 +67,7 @@ bool copyToMiniOverview(MainWindow &window)
     SheetView *sheet = window.sheetView();
     if (!window.document() || !sheet->hasSheet())
         return false;
+    const bool rows = window.mayOutput(OutputCommand::CopyToMiniOverview);
     WaitCursor wait;
     StatusLine &status = window.statusLine();
     status.setStatus("Copying overview to mini-overview...", "Kopierar översikt till miniöversikt...", false);
@@ -77,8 +78,7 @@ bool copyToMiniOverview(MainWindow &window)
     auto *mini = qobject_cast<MiniOverviewWindow *>(
         takePooledWindow(table, [&window] { return new MiniOverviewWindow(window.isSwedish(), &window); }));
     SheetInput input = sheet->input();
-    // The command is only offered while answer rows may be shown.
-    input.maxRowsDisplayed = window.menus().mnuECopyToMiniOverview->isEnabled() ? -1 : 0;
+    input.maxRowsDisplayed = rows ? -1 : 0;
     if (!mini || !mini->initializeData(std::move(input), sheet->textOffsets())) {
         status.setStatus("Overview could not be copied to mini-overview!",
                          "Översikt kunde inte kopieras till miniöversikt!", true);
@@ -95,7 +95,7 @@ bool copyToMiniOverview(MainWindow &window)
 void showRowsComments(MainWindow &window)
 {
     const Document *doc = window.document();
-    if (!doc)
+    if (!doc || !window.mayOutput(OutputCommand::RowsComments))
         return;
     StatusLine &status = window.statusLine();
     status.setStatus("Shows row's comments...", "Visar radens kommentarer...", false);
@@ -108,7 +108,7 @@ void showRowsComments(MainWindow &window)
 void showColumnsComments(MainWindow &window)
 {
     const Document *doc = window.document();
-    if (!doc)
+    if (!doc || !window.mayOutput(OutputCommand::ColumnsComments))
         return;
     StatusLine &status = window.statusLine();
     status.setStatus("Shows column's comments...", "Visar kolumnens kommentarer...", false);
@@ -121,11 +121,11 @@ void showColumnsComments(MainWindow &window)
 void showAllComments(MainWindow &window)
 {
     const Document *doc = window.document();
-    if (!doc)
+    if (!doc || !window.mayOutput(OutputCommand::AllComments))
         return;
     StatusLine &status = window.statusLine();
     status.setStatus("Showing comments...", "Visar kommentarer...", false);
-    const CommentsDocument comments = allComments(*doc);
+    const CommentsDocument comments = allComments(*doc, window.sheetView()->input().rows);
     if (comments.isEmpty())
         window.showMessage(
             QMessageBox::Warning, pickText(window.isSwedish(), "Show Comments", "Visa kommentarer"),

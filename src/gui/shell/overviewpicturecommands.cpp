@@ -153,7 +153,7 @@ void OverviewCommands::copyOverviewData()
 {
     const SheetView *sheet = mWindow.sheetView();
     const Document *doc = mWindow.document();
-    if (!doc || !sheet->hasSheet())
+    if (!doc || !sheet->hasSheet() || !mWindow.mayOutput(OutputCommand::CopyOverviewAsData))
         return;
     WaitCursor wait;
     StatusLine &status = mWindow.statusLine();
@@ -166,7 +166,7 @@ void OverviewCommands::copyThisRowsAnswers()
 {
     const SheetView *sheet = mWindow.sheetView();
     const Document *doc = mWindow.document();
-    if (!doc || !sheet->hasSheet() || mPopupRow < 0)
+    if (!doc || !sheet->hasSheet() || mPopupRow < 0 || !mWindow.mayOutput(OutputCommand::CopyThisRowsAnswers))
         return;
     WaitCursor wait;
     StatusLine &status = mWindow.statusLine();
