@@ -21,6 +21,7 @@ ReportWords reportWords(const Document &doc, bool sv)
     w.comments = pickText(sv, "Comments", "Kommentarer");
     w.refused = pickText(sv, "Not shown", "Visas inte");
     w.blocked = selectionBlockedMessage(sv);
+    w.flexTotalBlocked = flexTotalBlockedMessage(sv);
     w.noAnswers = showRefusalMessage(doc, SubSheetOutcome::NoAnswers, sv);
     w.tooSmall = showRefusalMessage(doc, SubSheetOutcome::TooSmall, sv);
     w.splitNotAllowed = splitNotAllowedMessage(sv);

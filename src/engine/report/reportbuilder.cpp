@@ -8,6 +8,7 @@
 #include "engine/indexes/indexexport.h"
 #include "engine/overview/comments.h"
 #include "engine/selection/counting.h"
+#include "engine/selection/showdecision.h"
 
 namespace kel {
 
@@ -166,7 +167,7 @@ void addIndexGraph(std::vector<ReportItem> &items, const Document &doc, const Re
 void addComments(std::vector<ReportItem> &items, const Document &doc, const ReportShown &shown,
                  const ReportWords &words)
 {
-    if (!shown.sheet.dataRowsAllowed) {
+    if (!permits(shown.sheet.permissions, OutputCommand::ColumnsComments)) {
         items.push_back(item(ReportItem::Kind::Notice, words.commentsNotShown));
         return;
     }
@@ -184,6 +185,7 @@ QString refusalWords(ReportRefusal refusal, const ReportWords &words)
 {
     switch (refusal) {
     case ReportRefusal::Blocked: return words.blocked;
+    case ReportRefusal::FlexTotalBlocked: return words.flexTotalBlocked;
     case ReportRefusal::NoAnswers: return words.noAnswers;
     case ReportRefusal::TooSmall: return words.tooSmall;
     case ReportRefusal::None: break;
@@ -337,9 +339,9 @@ ReportUnit buildReportUnit(const Document &base, const ReportBase &start, const 
             };
             labelled(words.selection, shown.sheet.steps.selectionText);
             labelled(words.respondents, options.locale.toString(qlonglong(shown.sheet.rows.size())));
-            // The flex total's size is a figure of its own group: below the
-            // graph minimum the viewer hides it, and so does the report.
-            const bool flexShown = shown.flex.rowCount() >= p.minimumGraphSelection && shown.flex.rowCount() > 0;
+            // The flex total's size is a figure of its own group: where the
+            // viewer hides it, so does the report.
+            const bool flexShown = permits(shown.sheet.permissions, OutputCommand::FlexFigures);
             labelled(words.comparedWith,
                      flexShown ? QStringLiteral("%1 (%2)").arg(shown.flex.text(),
                                                                options.locale.toString(shown.flex.rowCount()))

@@ -32,6 +32,7 @@ struct ReportWords {
     QString comments;
     QString refused; ///< "Not shown" beside a refused unit in the contents
     QString blocked; ///< Show's refusals
+    QString flexTotalBlocked;
     QString noAnswers;
     QString tooSmall;
     QString splitNotAllowed; ///< a split graph's own refusal

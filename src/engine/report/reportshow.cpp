@@ -23,6 +23,8 @@ ReportShown showForReport(Document &doc, SelectionModel model, FlexTotal flex, q
     shown.sheet = showSelection(doc, model, flex, RowOrderOriginal, random);
     switch (shown.sheet.outcome) {
     case SubSheetOutcome::Ok: break;
+    case SubSheetOutcome::Blocked: shown.refusal = ReportRefusal::Blocked; break;
+    case SubSheetOutcome::FlexTotalBlocked: shown.refusal = ReportRefusal::FlexTotalBlocked; break;
     case SubSheetOutcome::NoAnswers: shown.refusal = ReportRefusal::NoAnswers; break;
     case SubSheetOutcome::TooSmall: shown.refusal = ReportRefusal::TooSmall; break;
     }

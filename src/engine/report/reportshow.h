@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The one place a report asks whether a unit may be shown. It runs the
-// navigator's Show for the unit's ticks, with every gate the viewer applies;
-// when Show's decision moves into one engine call, only this adapter changes.
+// navigator's Show for the unit's ticks, with every gate the viewer applies,
+// and keeps the decision's permissions with the shown sheet.
 #pragma once
 
 #include "engine/document/document.h"
@@ -14,9 +14,10 @@ namespace kel {
 /// Why a unit is not shown. The words come from the texts layer.
 enum class ReportRefusal {
     None,
-    Blocked,   ///< a restricted category holds a too small complement group
-    NoAnswers, ///< nobody is selected
-    TooSmall,  ///< fewer respondents than the document's minimum
+    Blocked,          ///< a restricted category holds a too small complement group
+    FlexTotalBlocked, ///< the flex total leaves a too small group out
+    NoAnswers,        ///< nobody is selected
+    TooSmall,         ///< fewer respondents than the document's minimum
 };
 
 struct ReportShown {
