@@ -3,7 +3,8 @@
 #  1. the full build (viewer, tools, tests, benchmarks) with gcc, all tests;
 #  2. a clang build with AddressSanitizer + UndefinedBehaviorSanitizer, the
 #     reader's fuzz target for a bounded time, seeded with documents of
-#     every revision, then the engine's tests again under the sanitizers.
+#     every revision, the rich-text and user-block settings readers' targets,
+#     then the engine's tests again under the sanitizers.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-deps.sh
@@ -46,6 +47,18 @@ mkdir -p build-san/fuzz-rtf-corpus
 printf '%s' '{\rtf1\ansi{\fonttbl{\f0 Arial;}}\b bold\b0 \u8364?\par x}' >build-san/fuzz-rtf-corpus/seed.rtf
 build-san/fuzz/fuzz_rtf -max_total_time=20 -rss_limit_mb=2048 -max_len=16384 -artifact_prefix=build-san/rtf- \
     -print_final_stats=1 build-san/fuzz-rtf-corpus 2>&1 | tail -n 5
+echo "== fuzzing the user-block settings reader for 20s"
+mkdir -p build-san/fuzz-userblocks-corpus
+# The body of the settings file's [Documents] section, then the flag byte
+# (1 = the store may be repaired).
+key='%7B00000000-0000-0000-0000-000000000000%7D\Block%20'
+printf '%s\n' "${key}Items=dword:00000003" "${key}002\\Name=Theme" \
+    "${key}002\\Included%20Data%20Headers=1|2" "${key}002\\Include%20In%20Copy=dword:00000001" \
+    >build-san/fuzz-userblocks-corpus/seed.ini
+printf '\001' >>build-san/fuzz-userblocks-corpus/seed.ini
+build-san/fuzz/fuzz_userblocks -max_total_time=20 -rss_limit_mb=2048 -timeout=10 -max_len=4096 \
+    -dict=fuzz/userblocks.dict -artifact_prefix=build-san/userblocks- -print_final_stats=1 \
+    build-san/fuzz-userblocks-corpus 2>&1 | tail -n 5
 echo "== tests (ASan + UBSan)"
 ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
     ctest --test-dir build-san --output-on-failure -j"$jobs"
