@@ -24,6 +24,10 @@ QString showRefusalMessage(const Document &doc, SubSheetOutcome outcome, bool is
 /// A selection that Show cannot apply because a category is blocked.
 QString selectionBlockedMessage(bool isSwedish);
 
+/// The note under a comment too long to show whole: "%1" is the comment's
+/// length in characters, "%2" how many of them are shown.
+QString commentShortenedNote(bool isSwedish);
+
 /// Show's status texts: while building (no auto-clear) and after a
 /// successful build.
 QString buildingOverviewText(bool isSwedish);
