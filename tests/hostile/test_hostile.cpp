@@ -361,3 +361,49 @@ TEST_F(Hostile, PayloadBeyondTheAnswersIsReleasedOnceRead)
         for (qint32 q = 0; q < 2; ++q)
             EXPECT_EQ(read.document->getData(r, q), b.answer(r, q));
 }
+
+TEST_F(Hostile, CategoriesTimesAlternativesIsBoundedLikeTheAnswerMatrix)
+{
+    // Questions sharing one run of alternatives make a big selection from a
+    // small file; no respondents, so the answer matrix bounds nothing.
+    auto survey = [](qint32 categories, qint32 alternatives, qint32 otherQuestions) {
+        SurveyBuilder b(0);
+        QList<AlternativeSpec> run;
+        for (qint32 i = 0; i < alternatives; ++i)
+            run.push_back({.text = QStringLiteral("a")});
+        const qint32 first = b.addQuestion({.heading = QStringLiteral("C"), .isCategory = true}, run);
+        for (qint32 i = 1; i < categories; ++i)
+            b.addQuestionLike({.heading = QStringLiteral("C"), .isCategory = true}, first);
+        for (qint32 i = 0; i < otherQuestions; ++i)
+            b.addQuestionLike({.heading = QStringLiteral("Q")}, first);
+        return b.toBytes();
+    };
+    const struct {
+        const char *name;
+        QByteArray bytes;
+        OpenResult expected;
+    } cases[] = {
+        {"1,000 categories of 1,000 alternatives", survey(1000, 1000, 0), OpenResult::Ok},
+        {"1,000 categories of 1,001 alternatives", survey(1000, 1001, 0), OpenResult::TooBig},
+        {"1,001 categories of 1,000 alternatives", survey(1001, 1000, 0), OpenResult::TooBig},
+        {"other questions do not count", survey(1, 20000, 999), OpenResult::Ok},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.name);
+        EXPECT_EQ(readDocumentBytes(c.bytes).code, c.expected);
+    }
+
+    // Forty thousand categories of forty thousand alternatives in a few
+    // kilobytes: kel refuses the file instead of building the selection.
+    const QString doc = path("categories.kel");
+    ASSERT_TRUE(writeBytes(doc, survey(40000, 40000, 0)));
+    ASSERT_LT(QFileInfo(doc).size(), 64 * 1024);
+    QProcess kel;
+    limitProcess(kel, 1024 * MiB, 30);
+    kel.start(QStringLiteral(KEL_TOOL), {QStringLiteral("select"), doc});
+    ASSERT_TRUE(kel.waitForFinished(60000));
+    EXPECT_EQ(kel.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(kel.exitCode(), 6);
+    EXPECT_EQ(QString::fromUtf8(kel.readAllStandardOutput()).trimmed(),
+              QStringLiteral("This KEL file is to big for this version of KEL Viewer!"));
+}

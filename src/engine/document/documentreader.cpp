@@ -599,6 +599,28 @@ std::optional<Failure> PayloadParser::parse(Document &doc)
     return std::nullopt;
 }
 
+// Questions may share one run of alternatives, so a document of a few
+// kilobytes can name forty thousand categories of forty thousand
+// alternatives each. The selection keeps a table of categories x the most
+// alternatives of any category (and the navigator a node for each), so that
+// product is bounded like the answer matrix, before anything is built.
+std::optional<Failure> checkSelectionSize(const Document &doc)
+{
+    qint64 categories = 0, mostAlternatives = 0;
+    for (const Question &q : doc.questions) {
+        if (!q.isCategory)
+            continue;
+        ++categories;
+        mostAlternatives = std::max<qint64>(mostAlternatives, q.alternativeCount);
+    }
+    if (categories * mostAlternatives > MaxCells)
+        return Failure{OpenResult::TooBig,
+                       QStringLiteral("selection of %1 categories with up to %2 alternatives")
+                           .arg(categories)
+                           .arg(mostAlternatives)};
+    return std::nullopt;
+}
+
 void deriveProperties(Document &doc)
 {
     deriveQuestionLists(doc);
@@ -639,6 +661,8 @@ ReadResult readImage(const QByteArray &file, const ContainerHeader &h, std::opti
     doc->upgradeWarning = h.revision > ReaderRevision;
     PayloadParser parser(payload, h.revision);
     if (auto f = parser.parse(*doc))
+        return fail(*f);
+    if (auto f = checkSelectionSize(*doc))
         return fail(*f);
     deriveProperties(*doc);
     ReadResult r;
