@@ -3,8 +3,9 @@
 #  1. the full build (viewer, tools, tests, benchmarks) with gcc, all tests,
 #     every program they start recorded;
 #  2. a clang build with AddressSanitizer + UndefinedBehaviorSanitizer, the
-#     fuzz targets for a bounded time, seeded with documents of every
-#     revision, then the tests again under the sanitizers;
+#     fuzz targets for a bounded time (the reader's seeded with documents
+#     of every revision, the rich-text and user-block settings readers'),
+#     then the tests again under the sanitizers;
 #  3. the install list checked against what configuring read and against
 #     every program the build, the tests and the package build started.
 # A failing stage does not stop the others (a packaging failure must not
@@ -119,6 +120,25 @@ fuzz_rtf()
     return $status
 }
 
+fuzz_userblocks()
+{
+    local corpus=build-san/fuzz-userblocks-corpus
+    mkdir -p "$corpus"
+    # The body of the settings file's [Documents] section, then the flag byte
+    # (1 = the store may be repaired).
+    local key='%7B00000000-0000-0000-0000-000000000000%7D\Block%20'
+    printf '%s\n' "${key}Items=dword:00000003" "${key}002\\Name=Theme" \
+        "${key}002\\Included%20Data%20Headers=1|2" "${key}002\\Include%20In%20Copy=dword:00000001" \
+        >"$corpus/seed.ini"
+    printf '\001' >>"$corpus/seed.ini"
+    build-san/fuzz/fuzz_userblocks -max_total_time=20 -rss_limit_mb=2048 -timeout=10 -max_len=4096 \
+        -dict=fuzz/userblocks.dict -artifact_prefix=build-san/userblocks- -print_final_stats=1 \
+        "$corpus" >build-san/fuzz-userblocks.log 2>&1
+    local status=$?
+    tail -n 5 build-san/fuzz-userblocks.log
+    return $status
+}
+
 tests_san()
 {
     ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
@@ -129,6 +149,7 @@ if stage "configure (clang, ASan + UBSan, fuzz targets)" configure_san \
     && stage "build (clang, ASan + UBSan)" cmake --build build-san -j"$jobs"; then
     stage "fuzzing the reader for ${fuzz_seconds}s" fuzz_reader
     stage "fuzzing the rich-text reader for 20s" fuzz_rtf
+    stage "fuzzing the user-block settings reader for 20s" fuzz_userblocks
     stage "tests (ASan + UBSan)" tests_san
 else
     skip "fuzzing" "the sanitizer build failed"

@@ -87,6 +87,12 @@ QString itemsInSelectionText(bool isSwedish, qint32 count, const QLocale &locale
     return pickText(isSwedish, "Items in selection: ", "Antal i urval: ") + locale.toString(count);
 }
 
+QString commentShortenedNote(bool isSwedish)
+{
+    return pickText(isSwedish, "(Shortened: the comment has %1 characters, of which the first %2 are shown.)",
+                    "(Förkortad: kommentaren har %1 tecken, av vilka de första %2 visas.)");
+}
+
 QString selectionBlockedMessage(bool isSwedish)
 {
     return pickText(isSwedish,

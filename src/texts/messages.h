@@ -26,6 +26,10 @@ QString selectionBlockedMessage(bool isSwedish);
 /// A flex total that Show cannot apply because it leaves a too small group out.
 QString flexTotalBlockedMessage(bool isSwedish);
 
+/// The note under a comment too long to show whole: "%1" is the comment's
+/// length in characters, "%2" how many of them are shown.
+QString commentShortenedNote(bool isSwedish);
+
 /// Show's status texts: while building (no auto-clear) and after a
 /// successful build.
 QString buildingOverviewText(bool isSwedish);

@@ -85,7 +85,7 @@ TEST(Comments, RowColumnAndAllCommentsInRtfAndHtml)
     EXPECT_TRUE(allComments(*doc, {1, 3, 9, -1}).isEmpty());
 
     // The HTML shows every character literally.
-    const QString row1 = commentsHtml(rowComments(*doc, 1, doc->overviewColumns));
+    const QString row1 = commentsHtml(rowComments(*doc, 1, doc->overviewColumns), QString());
     EXPECT_TRUE(row1.contains(QStringLiteral("&lt;b&gt;not bold&lt;/b&gt; &amp; more"))) << row1.toStdString();
     EXPECT_TRUE(row1.contains(QStringLiteral("<b>Third question</b>")));
 
@@ -93,7 +93,8 @@ TEST(Comments, RowColumnAndAllCommentsInRtfAndHtml)
     // the RTF text keeps it escaped.
     CommentsDocument stored;
     stored.entries = {{QString(), QStringLiteral("{\\rtf1\\ansi{\\fonttbl{\\f0 Arial;}}\\f0 Good \\{x\\}\\par}")}};
-    EXPECT_EQ(commentsHtml(stored), QStringLiteral("<p style=\"margin:0; white-space:pre-wrap\">Good {x}</p>"));
+    EXPECT_EQ(commentsHtml(stored, QString()),
+              QStringLiteral("<p style=\"margin:0; white-space:pre-wrap\">Good {x}</p>"));
     EXPECT_TRUE(commentsRtf(stored).contains(QStringLiteral("\\{\\\\rtf1")));
 
     // The RTF and the HTML say the same: reading the RTF back gives the text.
@@ -165,4 +166,92 @@ TEST(RtfText, HostileInputEndsQuietly)
     const QString longWord = QStringLiteral("{\\rtf1 \\") + QString(100000, QLatin1Char('a'))
         + QString(100000, QLatin1Char('9')) + QStringLiteral(" z}");
     EXPECT_EQ(rtfToPlainText(longWord), QStringLiteral("z\n"));
+}
+
+namespace {
+
+QString paragraph(const QString &inner)
+{
+    return QStringLiteral("<p style=\"margin:0; white-space:pre-wrap\">") + inner + QStringLiteral("</p>");
+}
+
+// "abcd " repeated: prose with a space every five characters, `length` long.
+QString prose(qsizetype length)
+{
+    QString text;
+    while (text.size() < length)
+        text += QStringLiteral("abcd ");
+    text.truncate(length);
+    return text;
+}
+
+QString commentHtml(const QString &text, const QString &note = QStringLiteral("cut %1/%2"))
+{
+    CommentsDocument comments;
+    comments.entries = {{QString(), text}};
+    return commentsHtml(comments, note);
+}
+
+} // namespace
+
+TEST(CommentLayout, LongCommentsAreShortenedWithTheNote)
+{
+    const QString note = QStringLiteral("<i>cut %1/%2</i>"); // escaped like every text
+    const QString noteHtml = QStringLiteral("<p style=\"margin:0\"><i>&lt;i&gt;cut 50001/50000&lt;/i&gt;</i></p>");
+    const QString whole = prose(50000), tooLong = prose(50001);
+    EXPECT_EQ(commentHtml(whole, note), paragraph(whole)) << "at the limit a comment is shown whole";
+    EXPECT_EQ(commentHtml(tooLong, note), paragraph(whole) + noteHtml) << "one more: the first 50,000 and the note";
+
+    // A surrogate pair across the cut is left out whole.
+    QString pairs = prose(49999) + QString::fromUtf16(u"\U0001F600") + QStringLiteral("x");
+    EXPECT_EQ(commentHtml(pairs, note),
+              paragraph(prose(49999))
+                  + QStringLiteral("<p style=\"margin:0\"><i>&lt;i&gt;cut 50002/50000&lt;/i&gt;</i></p>"));
+
+    // An RTF comment is measured by its visible text: whole and rich within
+    // the limit, its text shortened beyond it.
+    const QString rtfHead = QStringLiteral("{\\rtf1\\ansi{\\fonttbl{\\f0 Arial;}}\\f0 ");
+    EXPECT_EQ(commentHtml(rtfHead + QStringLiteral("\\b ") + whole + QStringLiteral("\\b0}")),
+              paragraph(QStringLiteral("<b>") + whole + QStringLiteral("</b>")));
+    const QString rtfCut = commentHtml(rtfHead + QStringLiteral("\\b ") + tooLong + QStringLiteral("\\b0}"));
+    EXPECT_TRUE(rtfCut.startsWith(paragraph(whole))) << "shown as plain text";
+    EXPECT_TRUE(rtfCut.endsWith(QStringLiteral("<i>cut 50001/50000</i></p>")));
+}
+
+TEST(CommentLayout, LongRunsWithoutSpacesGetBreakOpportunities)
+{
+    const QChar zwsp(0x200B);
+    const QString run200(200, QLatin1Char('x'));
+    struct Case {
+        const char *name;
+        QString text;
+        QString shown;
+    } cases[] = {
+        {"a run at the limit", run200, run200},
+        {"one character more", run200 + QStringLiteral("y"), run200 + zwsp + QStringLiteral("y")},
+        {"a space resets the count", run200 + QStringLiteral(" ") + run200, run200 + QStringLiteral(" ") + run200},
+        {"a line break resets it too", run200 + QStringLiteral("\n") + run200, run200 + QStringLiteral("\n") + run200},
+        {"every further 200", QString(401, QLatin1Char('x')), run200 + zwsp + run200 + zwsp + QStringLiteral("x")},
+        {"never inside a surrogate pair",
+         QString(199, QLatin1Char('x')) + QString::fromUtf16(u"\U0001F600") + QStringLiteral("z"),
+         QString(199, QLatin1Char('x')) + QString::fromUtf16(u"\U0001F600") + zwsp + QStringLiteral("z")},
+    };
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.name);
+        QString expected;
+        for (const QString &line : c.shown.split(QLatin1Char('\n')))
+            expected += paragraph(line);
+        EXPECT_EQ(commentHtml(c.text), expected);
+    }
+    // A rich-text comment with such a run is shown as its text, with them.
+    const QString rtf = QStringLiteral("{\\rtf1 \\b ") + run200 + QStringLiteral("y\\b0}");
+    EXPECT_EQ(commentHtml(rtf), paragraph(run200 + zwsp + QStringLiteral("y")));
+    // Headings get them as well.
+    CommentsDocument column;
+    column.kind = CommentsKind::Column;
+    column.title = run200 + QStringLiteral("y");
+    column.entries = {{QString(), QStringLiteral("ok")}};
+    EXPECT_TRUE(commentsHtml(column, QString())
+                    .startsWith(QStringLiteral("<p style=\"margin:0; white-space:pre-wrap\"><b>") + run200 + zwsp
+                                + QStringLiteral("y</b>")));
 }

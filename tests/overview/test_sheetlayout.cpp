@@ -223,3 +223,35 @@ TEST(SheetLayout, PopupItemsByPlace)
         EXPECT_EQ(items.bar2, c.bar2);
     }
 }
+
+TEST(SheetLayout, HeaderTextsAreShortenedToTheLongestStartThatFits)
+{
+    // Every character is 1 wide, a 'W' 3: widths worked out by hand.
+    int calls = 0;
+    const auto width = [&calls](const QString &s) {
+        ++calls;
+        return int(s.size() + 2 * s.count(QLatin1Char('W')));
+    };
+    const struct {
+        const char *text;
+        int maxWidth;
+        const char *shown;
+    } cases[] = {
+        {"abcdef", 6, "abcdef"}, // fits exactly
+        {"abcdef", 5, "abcde"},  // one too wide
+        {"abWdef", 5, "abW"},    // the W takes three
+        {"abWdef", 4, "ab"},     // the W no longer fits
+        {"abcdef", 0, "ab"},     // never below two characters
+        {"ab", 0, "ab"},         {"", 0, ""},
+    };
+    for (const auto &c : cases)
+        EXPECT_EQ(shortenToWidth(QString::fromLatin1(c.text), c.maxWidth, width), QString::fromLatin1(c.shown))
+            << c.text << " in " << c.maxWidth;
+
+    // A heading of a million characters is measured a few dozen times, not
+    // once per character it loses.
+    calls = 0;
+    const QString heading(1'000'000, QLatin1Char('x'));
+    EXPECT_EQ(shortenToWidth(heading, 32, width), heading.left(32));
+    EXPECT_LE(calls, 25);
+}

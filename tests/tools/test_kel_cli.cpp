@@ -4,10 +4,17 @@
 // gives doubles back exactly.
 #include "readerfixture.h"
 
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QSet>
 
 #include <algorithm>
 #include <QTemporaryDir>
+
+#include <unistd.h>
 
 #include "kelprocess.h"
 
@@ -94,6 +101,51 @@ TEST_F(KelCli, BadCommandLinesAreUsageErrors)
         EXPECT_TRUE(r.out.isEmpty());
         EXPECT_FALSE(r.err.isEmpty());
     }
+}
+
+TEST_F(KelCli, OutputIsNeverWrittenOverTheDocumentRead)
+{
+    // A document whose name ends in a picture extension is the one case where
+    // `-o` naming it would otherwise be taken as a picture to write.
+    const QByteArray bytes = richSurvey().toBytes();
+    const QString doc = write(bytes, QStringLiteral("survey.png"));
+    QDir dir(mDir.path());
+    ASSERT_TRUE(dir.mkdir(QStringLiteral("sub")));
+    ASSERT_TRUE(QFile::link(doc, mDir.filePath(QStringLiteral("symlink.png"))));
+    ASSERT_EQ(::link(QFile::encodeName(doc).constData(),
+                     QFile::encodeName(mDir.filePath(QStringLiteral("hardlink.png"))).constData()),
+              0);
+    const struct {
+        const char *name;
+        QString output;
+    } spellings[] = {
+        {"the same path", doc},
+        {"another spelling of the path", mDir.filePath(QStringLiteral("sub/../survey.png"))},
+        {"a symbolic link to it", mDir.filePath(QStringLiteral("symlink.png"))},
+        {"a hard link to it", mDir.filePath(QStringLiteral("hardlink.png"))},
+    };
+    for (const auto &s : spellings) {
+        SCOPED_TRACE(s.name);
+        const KelRun direct = runKel(kelArgs("render", doc, "overview") << QStringLiteral("-o") << s.output);
+        EXPECT_EQ(direct.exitCode, 64);
+        EXPECT_TRUE(direct.err.contains("is the document being read")) << direct.err.toStdString();
+        const KelRun batch = runKel(kelArgs("batch", doc), "render overview -o '" + s.output.toUtf8() + "'\n");
+        EXPECT_EQ(batch.exitCode, 0);
+        const QJsonObject line = QJsonDocument::fromJson(batch.out).object();
+        EXPECT_EQ(line.value(QStringLiteral("status")).toInt(), 64);
+        EXPECT_TRUE(
+            line.value(QStringLiteral("error")).toString().contains(QStringLiteral("is the document being read")))
+            << batch.out.toStdString();
+        QFile f(doc);
+        ASSERT_TRUE(f.open(QIODevice::ReadOnly));
+        EXPECT_EQ(f.readAll(), bytes) << "the document is as it was";
+    }
+    // Any other file is written as before.
+    const QString other = mDir.filePath(QStringLiteral("other.png"));
+    const KelRun elsewhere = runKel(kelArgs("render", doc, "overview") << QStringLiteral("-o") << other);
+    EXPECT_FALSE(elsewhere.err.contains("is the document being read"));
+    EXPECT_EQ(elsewhere.exitCode == 0 && QFileInfo(other).size() > 0, bool(KEL_CAN_RENDER))
+        << elsewhere.err.toStdString();
 }
 
 TEST_F(KelCli, DumpHoldsTheWholeDocument)

@@ -24,7 +24,7 @@ const char BatchUsage[] = "usage: kel batch FILE [--lang en|sv] < COMMANDS\n"
                           "  each line: a document command (select, indexes, ...) and its arguments without FILE,\n"
                           "  quoted as in a shell\n";
 
-QString runLine(const Document &doc, const QString &line, int &status, QString &error)
+QString runLine(const Document &doc, const QString &documentPath, const QString &line, int &status, QString &error)
 {
     QString splitError;
     QStringList words = splitCommandLine(line, &splitError);
@@ -39,6 +39,11 @@ QString runLine(const Document &doc, const QString &line, int &status, QString &
         status = UsageError;
         error = QStringLiteral("kel batch: '%1' is not a command that works on a document\n").arg(name)
             + QLatin1String(BatchUsage);
+        return QString();
+    }
+    if (const QString refusal = outputOverwritesDocument(documentPath, words); !refusal.isEmpty()) {
+        status = UsageError;
+        error = QStringLiteral("kel %1: ").arg(name) + refusal;
         return QString();
     }
     // Every command gets the document as read: the commands that change
@@ -94,7 +99,7 @@ int runBatch(const QStringList &args, const std::function<void()> &preparePictur
             preparePictures();
         int status = 0;
         QString error;
-        const QString out = runLine(*opened.document, command, status, error);
+        const QString out = runLine(*opened.document, file, command, status, error);
         JsonWriter json;
         json.beginObject();
         json.member("command", command);

@@ -51,6 +51,10 @@ int runOnFile(const char *name, const char *usage, DocumentCommand command, cons
         printErr(QStringLiteral("kel %1: no file given\n").arg(QLatin1String(name)) + QLatin1String(usage));
         return UsageError;
     }
+    if (const QString refusal = outputOverwritesDocument(args.first(), args.mid(1)); !refusal.isEmpty()) {
+        printErr(QStringLiteral("kel %1: ").arg(QLatin1String(name)) + refusal);
+        return UsageError;
+    }
     OpenedDocument opened = openForCommand(args.first());
     if (!opened.document)
         return opened.exitCode;

@@ -54,6 +54,11 @@ using DocumentCommand = int (*)(const Document &doc, const QStringList &args, Co
 /// printed. `name` and `usage` are for the messages.
 int runOnFile(const char *name, const char *usage, DocumentCommand command, const QStringList &args);
 
+/// A message (ending in a newline) when `args` name an output file ("-o
+/// OUT") that is the document `documentPath` itself, else empty. Commands
+/// that get one write nothing and exit with UsageError.
+QString outputOverwritesDocument(const QString &documentPath, const QStringList &args);
+
 int runCheck(const QStringList &args);
 int runDump(const QStringList &args);
 /// `kel batch FILE`: document commands from standard input, one JSON line

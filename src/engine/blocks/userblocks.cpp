@@ -96,11 +96,16 @@ UserBlockRestore restoreUserBlocks(Document &doc, SettingsStore &store, bool may
         return result;
     result.found = true;
 
-    // The highest block key present bounds the walk, so an absurd count
-    // cannot make the open loop over numbers that have no key anyway.
-    qint32 highestKey = -1;
+    // Only the block keys present are walked, in number order: a stored count
+    // or a key number in the billions costs no more than the keys the file
+    // really holds, and a run of missing keys is one problem line.
+    std::vector<qint32> present;
     for (const QString &sub : store.subKeys(key))
-        highestKey = std::max(highestKey, blockNumberOf(sub));
+        if (const qint32 b = blockNumberOf(sub); b >= 0)
+            present.push_back(b);
+    std::sort(present.begin(), present.end());
+    present.erase(std::unique(present.begin(), present.end()), present.end());
+    const qint32 highestKey = present.empty() ? -1 : present.back();
 
     const qint32 documentBlocks = qint32(doc.blocks.size());
     const std::optional<qint32> stored = store.readDword(key, str(blockstore::BlockItems));
@@ -115,13 +120,21 @@ UserBlockRestore restoreUserBlocks(Document &doc, SettingsStore &store, bool may
     else
         count = *stored;
 
+    auto reportMissing = [&](qint32 first, qint32 last) {
+        if (first == last)
+            result.problems << QStringLiteral("%1 is missing").arg(blockKeyName(first));
+        else if (first < last)
+            result.problems << QStringLiteral("%1 to %2 are missing").arg(blockKeyName(first), blockKeyName(last));
+    };
+
     const qint32 questionCount = qint32(doc.questions.size());
-    for (qint32 b = 0; b < count; ++b) {
+    qint32 expected = documentBlocks; // the next user block number
+    for (const qint32 b : present) {
+        if (b >= count)
+            break;
         const QString k = blockKey(key, b);
-        const bool exists = store.keyExists(k);
         if (b < documentBlocks) {
-            if (!exists)
-                continue; // the store may know fewer blocks than the document has
+            // The store may know fewer blocks than the document has.
             if (const std::optional<bool> include = store.readBoolean(k, str(blockstore::IncludeInCopy)))
                 doc.blocks[std::size_t(b)].includeInCopy = *include;
             else
@@ -129,10 +142,8 @@ UserBlockRestore restoreUserBlocks(Document &doc, SettingsStore &store, bool may
                                        .arg(blockKeyName(b), str(blockstore::IncludeInCopy));
             continue;
         }
-        if (!exists) {
-            result.problems << QStringLiteral("%1 is missing").arg(blockKeyName(b));
-            continue;
-        }
+        reportMissing(expected, b - 1);
+        expected = b + 1;
         const QString name = store.readString(k, str(blockstore::Name)).value_or(QString());
         if (name.trimmed().isEmpty()) {
             result.problems << QStringLiteral("%1 has no name").arg(blockKeyName(b));
@@ -173,6 +184,7 @@ UserBlockRestore restoreUserBlocks(Document &doc, SettingsStore &store, bool may
             doc.blockItems.push_back({number, q});
         ++result.added;
     }
+    reportMissing(expected, count - 1);
 
     if (doc.properties.pointsScale > 0) {
         for (std::size_t b = std::size_t(documentBlocks); b < doc.blocks.size(); ++b) {
@@ -192,7 +204,6 @@ bool storeUserBlocks(const Document &doc, SettingsStore &store)
         return false;
     const QString key = SettingsStore::documentKey(doc.guidText());
     const qint32 count = qint32(doc.blocks.size());
-    const qint32 oldCount = std::max(0, store.readDword(key, str(blockstore::BlockItems)).value_or(0));
 
     for (qint32 b = 0; b < count; ++b) {
         const Block &block = doc.blocks[std::size_t(b)];
@@ -211,9 +222,9 @@ bool storeUserBlocks(const Document &doc, SettingsStore &store)
             store.removeValue(k, str(name));
         store.removeKey(k);
     };
-    for (qint32 b = count; b < oldCount; ++b)
-        removeBlock(b);
-    // Keys beyond the stored count are leftovers of a damaged store.
+    // Every key beyond the new count goes, whatever the old "Block Items"
+    // said: walking the keys present, not the numbers up to that count, keeps
+    // a damaged count of two billion from becoming two billion removals.
     for (const QString &sub : store.subKeys(key)) {
         const qint32 b = blockNumberOf(sub);
         if (b >= count)

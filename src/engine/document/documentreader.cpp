@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
+#include <new>
 #include <optional>
 
 namespace kel {
@@ -111,6 +112,11 @@ int inflateBounded(const Bytef *source, qint64 sourceLength, qint64 limit, QByte
     z_stream zs{};
     if (inflateInit(&zs) != Z_OK)
         return Z_MEM_ERROR;
+    // Ends the stream also when growing the buffer throws.
+    struct End {
+        z_stream &zs;
+        ~End() { inflateEnd(&zs); }
+    } end{zs};
     zs.next_in = const_cast<Bytef *>(source);
     zs.avail_in = uInt(sourceLength);
     qint64 capacity = limit <= sourceLength * MaxDeflateRatio + InitialInflateBuffer
@@ -139,7 +145,6 @@ int inflateBounded(const Bytef *source, qint64 sourceLength, qint64 limit, QByte
             break;
     }
     const qint64 produced = qint64(zs.total_out);
-    inflateEnd(&zs);
     if (z == Z_OK)
         out.resize(qsizetype(produced));
     else
@@ -322,8 +327,16 @@ std::optional<Failure> PayloadParser::parseAnswers(Document &doc)
                            .arg(offset)
                            .arg(mSize));
     if constexpr (Q_BYTE_ORDER == Q_LITTLE_ENDIAN) {
-        // The matrix is used where it lies in the payload buffer: no copy.
-        doc.answers = AnswerMatrix(CellType(type), rows, columns, mPayload.buffer, mPayload.offset + offset);
+        // The matrix is used where it lies in the payload buffer, without a
+        // copy, as long as it is most of that buffer. Otherwise it takes a
+        // copy (a few megabytes at most) so that the rest of the payload,
+        // which a document may declare in gigabytes, is released after
+        // reading instead of staying resident with the matrix.
+        if (mPayload.buffer.size() - bytes <= bytes)
+            doc.answers = AnswerMatrix(CellType(type), rows, columns, mPayload.buffer, mPayload.offset + offset);
+        else
+            doc.answers = AnswerMatrix(CellType(type), rows, columns,
+                                       QByteArray(reinterpret_cast<const char *>(mData + offset), qsizetype(bytes)), 0);
     } else {
         std::vector<quint8> cells(mData + offset, mData + offset + bytes);
         for (std::size_t i = 0; i < cells.size(); i += std::size_t(width))
@@ -586,6 +599,28 @@ std::optional<Failure> PayloadParser::parse(Document &doc)
     return std::nullopt;
 }
 
+// Questions may share one run of alternatives, so a document of a few
+// kilobytes can name forty thousand categories of forty thousand
+// alternatives each. The selection keeps a table of categories x the most
+// alternatives of any category (and the navigator a node for each), so that
+// product is bounded like the answer matrix, before anything is built.
+std::optional<Failure> checkSelectionSize(const Document &doc)
+{
+    qint64 categories = 0, mostAlternatives = 0;
+    for (const Question &q : doc.questions) {
+        if (!q.isCategory)
+            continue;
+        ++categories;
+        mostAlternatives = std::max<qint64>(mostAlternatives, q.alternativeCount);
+    }
+    if (categories * mostAlternatives > MaxCells)
+        return Failure{OpenResult::TooBig,
+                       QStringLiteral("selection of %1 categories with up to %2 alternatives")
+                           .arg(categories)
+                           .arg(mostAlternatives)};
+    return std::nullopt;
+}
+
 void deriveProperties(Document &doc)
 {
     deriveQuestionLists(doc);
@@ -598,6 +633,14 @@ ReadResult fail(const Failure &f)
     r.code = f.code;
     r.detail = f.detail;
     return r;
+}
+
+// Memory the document needs but cannot get (an announced payload of
+// gigabytes that inflates to that, under a memory limit) makes it too big for
+// this reader, not a reason to end the program.
+ReadResult tooBigForMemory()
+{
+    return fail({OpenResult::TooBig, QStringLiteral("not enough memory to read the document")});
 }
 
 ReadResult readImage(const QByteArray &file, const ContainerHeader &h, std::optional<quint32> knownCrc = {})
@@ -619,12 +662,16 @@ ReadResult readImage(const QByteArray &file, const ContainerHeader &h, std::opti
     PayloadParser parser(payload, h.revision);
     if (auto f = parser.parse(*doc))
         return fail(*f);
+    if (auto f = checkSelectionSize(*doc))
+        return fail(*f);
     deriveProperties(*doc);
     ReadResult r;
     r.code = OpenResult::Ok;
     r.document = std::move(doc);
     return r;
 }
+
+ReadResult readCheckedFile(QFile &f, const QByteArray &head, const ContainerHeader &h);
 
 } // namespace
 
@@ -633,7 +680,11 @@ ReadResult readDocumentBytes(const QByteArray &file, const ReadOptions &options)
     const ContainerHeader h = parseContainerHeader(file.constData(), file.size());
     if (auto f = checkContainerHeader(h, file.size(), options))
         return fail(*f);
-    return readImage(file, h);
+    try {
+        return readImage(file, h);
+    } catch (const std::bad_alloc &) {
+        return tooBigForMemory();
+    }
 }
 
 ReadResult readDocumentFile(const QString &path, const ReadOptions &options)
@@ -648,6 +699,18 @@ ReadResult readDocumentFile(const QString &path, const ReadOptions &options)
     const ContainerHeader h = parseContainerHeader(head.constData(), head.size());
     if (auto failure = checkContainerHeader(h, realLength, options))
         return fail(*failure);
+    try {
+        return readCheckedFile(f, head, h);
+    } catch (const std::bad_alloc &) {
+        return tooBigForMemory();
+    }
+}
+
+namespace {
+
+ReadResult readCheckedFile(QFile &f, const QByteArray &head, const ContainerHeader &h)
+{
+    const qint64 realLength = f.size();
     // Read in slices and take the checksum of each while it is still in the
     // cache: one pass over memory fewer than reading first and summing after.
     constexpr qint64 Slice = 1 << 20;
@@ -668,5 +731,7 @@ ReadResult readDocumentFile(const QString &path, const ReadOptions &options)
     f.close();
     return readImage(file, h, quint32(crc));
 }
+
+} // namespace
 
 } // namespace kel

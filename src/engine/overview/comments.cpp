@@ -38,17 +38,67 @@ QString paragraphHtml(const QString &text, bool bold)
     return QStringLiteral("<p style=\"margin:0; white-space:pre-wrap\">") + inner + QStringLiteral("</p>");
 }
 
+bool hasLongRun(const QString &text)
+{
+    qsizetype run = 0;
+    for (const QChar c : text) {
+        run = c.isSpace() ? 0 : run + 1;
+        if (run > LongestUnbrokenRun)
+            return true;
+    }
+    return false;
+}
+
+// A zero-width space after every LongestUnbrokenRun characters of a run
+// without spaces (never inside a surrogate pair).
+QString withBreakOpportunities(const QString &text)
+{
+    if (!hasLongRun(text))
+        return text;
+    QString out;
+    out.reserve(text.size() + text.size() / LongestUnbrokenRun + 1);
+    qsizetype run = 0;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const QChar c = text[i];
+        if (run >= LongestUnbrokenRun && !c.isSpace() && !c.isLowSurrogate()) {
+            out += QChar(0x200B);
+            run = 0;
+        }
+        out += c;
+        run = c.isSpace() ? 0 : run + 1;
+    }
+    return out;
+}
+
 QString linesHtml(const QString &text, bool bold)
 {
-    // The survey tool stores comments as RTF documents of their own: those
-    // show their visible text, read by the safe reader, not their code.
-    if (!bold && looksLikeRtf(text))
-        return rtfToHtml(text);
     static const QRegularExpression lineBreak(QStringLiteral("\r\n|\r|\n"));
     QString html;
-    for (const QString &line : text.split(lineBreak))
+    for (const QString &line : withBreakOpportunities(text).split(lineBreak))
         html += paragraphHtml(line, bold);
     return html;
+}
+
+QString commentHtml(const QString &comment, const QString &shortenedNote)
+{
+    QString text = comment;
+    // The survey tool stores comments as RTF documents of their own: those
+    // show their visible text, read by the safe reader, not their code.
+    if (looksLikeRtf(comment)) {
+        text = rtfToPlainText(comment);
+        if (text.endsWith(QLatin1Char('\n')))
+            text.chop(1); // the end of the last paragraph
+        if (text.size() <= ShownCommentLength && !hasLongRun(text))
+            return rtfToHtml(comment);
+    }
+    const qsizetype length = text.size();
+    if (length <= ShownCommentLength)
+        return linesHtml(text, false);
+    qsizetype cut = ShownCommentLength;
+    if (text[cut - 1].isHighSurrogate())
+        --cut;
+    return linesHtml(text.left(cut), false) + QStringLiteral("<p style=\"margin:0\"><i>")
+        + shortenedNote.arg(length).arg(ShownCommentLength).toHtmlEscaped() + QStringLiteral("</i></p>");
 }
 
 } // namespace
@@ -138,7 +188,7 @@ QString commentsRtf(const CommentsDocument &comments)
         + QStringLiteral("\\deflang1033\\pard\\tx1440\\plain\\f0\\fs17") + body + CrLf + QLatin1Char('}');
 }
 
-QString commentsHtml(const CommentsDocument &comments)
+QString commentsHtml(const CommentsDocument &comments, const QString &shortenedNote)
 {
     if (comments.isEmpty())
         return QString();
@@ -151,7 +201,7 @@ QString commentsHtml(const CommentsDocument &comments)
             html += paragraphHtml(QString(), false);
         if (comments.kind == CommentsKind::Row)
             html += linesHtml(entry.heading, true);
-        html += linesHtml(entry.text, false);
+        html += commentHtml(entry.text, shortenedNote);
     }
     return html;
 }

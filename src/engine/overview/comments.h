@@ -53,11 +53,26 @@ QString rtfEscape(const QString &text);
 /// an empty text.
 QString commentsRtf(const CommentsDocument &comments);
 
+/// A comment longer than this (in characters of its visible text) is shown
+/// shortened to this length, followed by a note. Laying out rich text costs
+/// a few microseconds a character, so this keeps any comments window quick
+/// to open while leaving every plausible comment whole.
+inline constexpr qsizetype ShownCommentLength = 50000;
+/// After this many characters without a space, a zero-width space (U+200B)
+/// gives the text layout somewhere to wrap: without one it searches an
+/// unbroken run for a break point over and over, in time that grows with the
+/// square of the run's length.
+inline constexpr qsizetype LongestUnbrokenRun = 200;
+
 /// The comments as HTML for Qt's rich-text widgets: bold headings, one
 /// paragraph per line of a comment, an empty paragraph between comments.
 /// Line breaks of any kind (CR LF, LF, CR) start a new paragraph. A
 /// comment stored as an RTF document ("{\\rtf...") shows its visible text
-/// (see rtftext.h); every other comment is shown character for character.
-QString commentsHtml(const CommentsDocument &comments);
+/// (see rtftext.h), as plain text when that is shortened or has a run that
+/// needs break opportunities; every other comment is shown character for
+/// character, apart from those break opportunities. A shortened comment is
+/// followed by `shortenedNote` in italics, its "%1" replaced by the
+/// comment's length and "%2" by ShownCommentLength.
+QString commentsHtml(const CommentsDocument &comments, const QString &shortenedNote);
 
 } // namespace kel

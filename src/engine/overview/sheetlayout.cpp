@@ -101,10 +101,22 @@ std::vector<int> groupLineEdges(const std::vector<HeaderRun> &blockRuns, const s
 
 QString shortenToWidth(const QString &text, int maxWidth, const std::function<int(const QString &)> &width)
 {
-    QString shown = text;
-    while (shown.size() > 2 && width(shown) > maxWidth)
-        shown.chop(1);
-    return shown;
+    if (text.size() <= 2 || width(text) <= maxWidth)
+        return text;
+    // A document may hold a heading of a million characters; measuring every
+    // shorter prefix in turn would take time in the square of that. Widths
+    // grow with the prefix, so the longest prefix that fits is found by
+    // halving: `fits` is the floor of 2 or a prefix known to fit,
+    // `tooLong` a prefix known not to.
+    qsizetype fits = 2, tooLong = text.size();
+    while (tooLong - fits > 1) {
+        const qsizetype middle = fits + (tooLong - fits) / 2;
+        if (width(text.left(middle)) <= maxWidth)
+            fits = middle;
+        else
+            tooLong = middle;
+    }
+    return text.left(fits);
 }
 
 qint32 rowShownInCell(const std::vector<qint32> &rows, const std::vector<qint32> &columnOffsets, qint32 question,

@@ -62,9 +62,10 @@ std::vector<HeaderRun> headerRuns(const Document &doc, const std::vector<qint32>
 std::vector<int> groupLineEdges(const std::vector<HeaderRun> &blockRuns, const std::vector<HeaderRun> &subBlockRuns,
                                 int cellWidth, int scale, int columnCount);
 
-/// `text` cut from the right one character at a time until `width(text)` is
-/// at most `maxWidth`, but never below 2 characters (a text of 2 or fewer
-/// is returned as it is).
+/// The longest start of `text` whose `width` is at most `maxWidth`, but
+/// never shorter than 2 characters (a text of 2 or fewer is returned as it
+/// is). `width` must not shrink as a text grows; it is called a number of
+/// times that grows with the logarithm of the text's length.
 QString shortenToWidth(const QString &text, int maxWidth, const std::function<int(const QString &)> &width);
 
 /// The row shown in answer line `line` of the column with question

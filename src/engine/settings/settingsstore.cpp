@@ -2,9 +2,11 @@
 #include "engine/settings/settingsstore.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QMetaType>
 #include <QStandardPaths>
+#include <QStringDecoder>
 
 #include <variant>
 
@@ -160,6 +162,34 @@ bool policyValue(const QSettings &settings, const QString &name)
     return ok && n > 0;
 }
 
+// QSettings reads almost anything as an INI file: binary junk parses into a
+// few odd keys and would be written back over the original at the next
+// save. A file counts as understood only when it is UTF-8 text without NUL
+// bytes or byte order mark whose every line is blank, a ";" comment, a
+// [section], a key=value pair or the continuation of a value ended by a
+// backslash (QSettings itself refuses to save over "#" lines and a BOM).
+bool looksLikeIniText(const QByteArray &bytes)
+{
+    if (bytes.contains('\0'))
+        return false;
+    QStringDecoder decoder(QStringDecoder::Utf8,
+                           QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
+    const QString text = decoder.decode(bytes);
+    if (decoder.hasError())
+        return false;
+    bool continued = false;
+    for (QStringView line : QStringView(text).split(QLatin1Char('\n'))) {
+        const QStringView t = line.trimmed();
+        const bool understood = continued || t.isEmpty() || t.startsWith(QLatin1Char(';'))
+            || (t.startsWith(QLatin1Char('[')) && t.endsWith(QLatin1Char(']')))
+            || (t.contains(QLatin1Char('=')) && !t.startsWith(QLatin1Char('=')));
+        if (!understood)
+            return false;
+        continued = t.endsWith(QLatin1Char('\\'));
+    }
+    return true;
+}
+
 QString normalizedKey(const QString &key)
 {
     QString k = key;
@@ -206,8 +236,14 @@ SettingsStore::SettingsStore(const SettingsLocation &location)
         if (!QDir().mkpath(info.absolutePath()))
             mOpenError = 5;
     }
+    bool understood = true;
+    if (!mNative) {
+        QFile file(location.file);
+        if (file.open(QIODevice::ReadOnly))
+            understood = looksLikeIniText(file.readAll());
+    }
     mSettings = std::make_unique<QSettings>(location.file, location.format);
-    if (mSettings->status() == QSettings::FormatError)
+    if (!understood || mSettings->status() == QSettings::FormatError)
         mOpenError = 13; // never overwrite a file we could not understand
     else if (mOpenError == 0 && (!mSettings->isWritable() || mSettings->status() == QSettings::AccessError))
         mOpenError = 5;

@@ -103,6 +103,38 @@ void buildPie(QChart *chart, const ChartDescription &d)
     }
 }
 
+// Qt Charts shortens a text that does not fit by trying ever shorter copies
+// of it, which for a label of 200,000 characters (a document may hold one)
+// runs out of memory. No chart can show more than a screenful of one label,
+// so each text is cut to this many characters first.
+constexpr qsizetype LongestChartText = 1000;
+
+QString clipped(const QString &text)
+{
+    if (text.size() <= LongestChartText)
+        return text;
+    qsizetype cut = LongestChartText - 1;
+    if (text[cut - 1].isHighSurrogate())
+        --cut;
+    return text.left(cut) + QChar(0x2026);
+}
+
+ChartDescription withClippedTexts(ChartDescription d)
+{
+    for (QString *text : {&d.title, &d.caption, &d.selectionCaption, &d.valueAxisTitle, &d.categoryAxisTitle})
+        *text = clipped(*text);
+    for (ChartSeries &s : d.series) {
+        s.name = clipped(s.name);
+        for (ChartPoint &p : s.points) {
+            p.label = clipped(p.label);
+            p.dataLabel = clipped(p.dataLabel);
+        }
+    }
+    for (ChartIndexLine &line : d.indexLines)
+        line.text = clipped(line.text);
+    return d;
+}
+
 } // namespace
 
 Qt::Alignment legendAlignment(qint32 code)
@@ -120,8 +152,9 @@ QColor colourFromStored(qint32 stored)
     return QColor(stored & 0xFF, (stored >> 8) & 0xFF, (stored >> 16) & 0xFF);
 }
 
-QChart *buildChart(const ChartDescription &d)
+QChart *buildChart(const ChartDescription &description)
 {
+    const ChartDescription d = withClippedTexts(description);
     auto *chart = new QChart;
     chart->setTitle(d.title);
     chart->setAnimationOptions(QChart::NoAnimation);

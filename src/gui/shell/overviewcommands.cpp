@@ -8,6 +8,7 @@
 #include "gui/shell/mainwindow.h"
 #include "gui/common/waitcursor.h"
 #include "texts/language.h"
+#include "texts/messages.h"
 #include "texts/statusline.h"
 
 #include <QAction>
@@ -25,7 +26,7 @@ void showComments(MainWindow &window, const CommentsDocument &comments, const QS
     auto *popup = new TextPopup(window.isSwedish(), &window);
     popup->setAttribute(Qt::WA_DeleteOnClose);
     popup->setWindowTitle(caption);
-    popup->setHtml(commentsHtml(comments));
+    popup->setHtml(commentsHtml(comments, commentShortenedNote(window.isSwedish())));
     // Over the middle of the main window, where the user is looking.
     popup->move(window.geometry().center() - popup->rect().center());
     popup->show();
