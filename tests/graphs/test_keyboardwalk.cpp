@@ -2,7 +2,7 @@
 // A keyboard-only walk: the cursor goes to a place of the sheet with the
 // arrow keys, the Menu key opens the popup there, and every popup command
 // is chosen by its access keys; dialogs it opens are answered with keys.
-#include "chartsurvey.h"
+#include "walksurvey.h"
 
 #include "engine/settings/settingsstore.h"
 #include "gui/graphs/basicgraphwindow.h"
@@ -19,6 +19,7 @@
 #include <QMenu>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTextBrowser>
 #include <QTimer>
 
 #include <gtest/gtest.h>
@@ -30,39 +31,6 @@ using namespace kel;
 using namespace kel::test;
 
 namespace {
-
-// The chart survey with every graph offered for every question and block,
-// copying and saving allowed, and comments on the first row.
-SurveyBuilder walkSurvey()
-{
-    SurveyBuilder b(8);
-    HeaderFields &h = b.header();
-    h.pointsScale = 10;
-    h.allowCopy = FileTrue;
-    h.allowCopyData = FileTrue;
-    h.allowSavePicture = FileTrue;
-    h.indexName = b.text(QStringLiteral("Index"));
-    h.totalText = b.text(QStringLiteral("Everyone"));
-    const qint32 work = b.addBlock({.name = QStringLiteral("Work"), .graphFlags = 0x107});
-    b.addQuestion({.heading = QStringLiteral("Unit"), .isCategory = true, .inOverview = false, .inTotalIndex = false},
-                  {{.text = QStringLiteral("North")}, {.text = QStringLiteral("South")}});
-    const qint32 q1 = b.addQuestion({.code = QStringLiteral("1"),
-                                     .heading = QStringLiteral("Q1"),
-                                     .block = work,
-                                     .rankingWeight = 2,
-                                     .graphFlags = 7},
-                                    {{.text = QStringLiteral("bad"), .points = 0},
-                                     {.text = QStringLiteral("ok"), .points = 50},
-                                     {.text = QStringLiteral("good"), .points = 100}});
-    const qint32 q2 = b.addQuestionLike(
-        {.code = QStringLiteral("2"), .heading = QStringLiteral("Q2"), .block = work, .graphFlags = 7}, q1);
-    b.setAnswers(0, {0, 0, 0, 0, 1, 1, 1, 1});
-    b.setAnswers(q1, {2, 2, 1, 2, 0, 0, 1, 0});
-    b.setAnswers(q2, {1, 1, 1, 1, 2, 1, 0, 1});
-    b.setRowComment(0, QStringLiteral("A row comment"));
-    b.setCellComment(0, q1, QStringLiteral("A cell comment"));
-    return b;
-}
 
 enum class Place { AnswerCell, CodeLine, BlockLine };
 enum class Effect { Comments, BasicGraph, Chart, Clipboard, MiniOverview, WheelDirection, DialogOnly };
@@ -241,4 +209,22 @@ TEST_F(KeyboardWalkTest, DetailWindowFollowsTheCursor)
         << window->detailWindow()->headerValue(2).toStdString();
     QTest::keyClick(sheet(), Qt::Key_Up);
     EXPECT_TRUE(window->detailWindow()->textValue().isEmpty()) << "a header line has no answer";
+}
+
+TEST_F(KeyboardWalkTest, EscapeClosesTheHelpWindow)
+{
+    window->menus().mnuHHelpTopics->trigger();
+    QWidget *help = nullptr;
+    for (QWidget *w : QApplication::topLevelWidgets())
+        if (w->objectName() == QLatin1String("frmHelp") && w->isVisible())
+            help = w;
+    ASSERT_NE(help, nullptr);
+    help->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(help));
+    // From the page itself, where the focus is while reading.
+    QWidget *page = help->findChild<QTextBrowser *>();
+    ASSERT_NE(page, nullptr);
+    page->setFocus();
+    QTest::keyClick(page, Qt::Key_Escape);
+    EXPECT_FALSE(help->isVisible());
 }

@@ -81,16 +81,16 @@ BlockEditor::BlockEditor(Document &doc, const RowList &flexRows, SettingsStore &
     nameLabel->setObjectName(QStringLiteral("lblNameLabel"));
     auto *includeLabel = new QLabel(t("Include in copy:", "Ingår i kopiera:"), this);
     includeLabel->setObjectName(QStringLiteral("lblIncludeInCopyLabel"));
-    auto *questionsLabel = new QLabel(t("&Questions:", "&Frågor:"), this);
-    questionsLabel->setObjectName(QStringLiteral("lblQuestionsLabel"));
-    questionsLabel->setBuddy(mQuestions);
+    mQuestionsLabel = new QLabel(t("&Questions:", "&Frågor:"), this);
+    mQuestionsLabel->setObjectName(QStringLiteral("lblQuestionsLabel"));
+    mQuestionsLabel->setBuddy(mQuestions);
 
     auto *right = new QGridLayout;
     right->addWidget(nameLabel, 0, 0);
     right->addWidget(mName, 0, 1);
     right->addWidget(includeLabel, 1, 0);
     right->addWidget(mInclude, 1, 1);
-    right->addWidget(questionsLabel, 2, 0, 1, 2);
+    right->addWidget(mQuestionsLabel, 2, 0, 1, 2);
     right->addWidget(mQuestions, 3, 0, 1, 2);
     right->addWidget(mOriginal, 4, 0, 1, 2);
     right->addWidget(mFullText, 5, 0, 1, 2);
@@ -175,6 +175,7 @@ void BlockEditor::showSelected()
         }
         mQuestions->hide();
         mOriginal->show();
+        mQuestionsLabel->setBuddy(mOriginal); // the key goes to the list shown
     } else {
         for (int row = 0; row < mQuestions->count(); ++row) {
             QListWidgetItem *item = mQuestions->item(row);
@@ -184,6 +185,7 @@ void BlockEditor::showSelected()
         mQuestions->setEnabled(true);
         mOriginal->hide();
         mQuestions->show();
+        mQuestionsLabel->setBuddy(mQuestions);
     }
     mFilling = false;
 }
