@@ -28,6 +28,7 @@ BlockEditorPrompts BlockEditorPrompts::dialogs(QWidget *parent)
     p.confirm = [parent](const QString &title, const QString &text) {
         QMessageBox box(QMessageBox::Warning, title, text, QMessageBox::Ok | QMessageBox::Cancel, parent);
         box.setDefaultButton(QMessageBox::Cancel);
+        box.button(QMessageBox::Ok)->setText(QStringLiteral("&OK")); // Escape is Cancel; OK needs a key
         return box.exec() == QMessageBox::Ok;
     };
     p.error = [parent](const QString &title, const QString &text) { QMessageBox::critical(parent, title, text); };
