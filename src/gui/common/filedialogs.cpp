@@ -4,25 +4,30 @@
 #include <QFileDialog>
 #include <QFileSystemModel>
 #include <QIdentityProxyModel>
+#include <QLocale>
 
 namespace kel {
 
 namespace {
 
-// The type column: "Mapp" for folders (Qt's text, translated), "KEL-fil"
-// for a file by its suffix. The system's MIME descriptions are in the
-// desktop's language and often missing ("unknown").
-class SwedishFileTypes : public QIdentityProxyModel
+// Sizes and types of files, which Qt words from the system's region and
+// MIME descriptions (in the desktop's language, often "unknown"): sizes in
+// Swedish units, types by suffix ("KEL-fil"). Folders keep Qt's texts,
+// which the catalogue translates.
+class SwedishFileColumns : public QIdentityProxyModel
 {
 public:
     using QIdentityProxyModel::QIdentityProxyModel;
 
     QVariant data(const QModelIndex &index, int role) const override
     {
+        constexpr int SizeColumn = 1;
         constexpr int TypeColumn = 2;
-        if (role == Qt::DisplayRole && index.column() == TypeColumn) {
+        if (role == Qt::DisplayRole && (index.column() == SizeColumn || index.column() == TypeColumn)) {
             if (const auto *files = qobject_cast<const QFileSystemModel *>(sourceModel())) {
                 const QFileInfo info = files->fileInfo(mapToSource(index));
+                if (info.isFile() && index.column() == SizeColumn)
+                    return QLocale(QLocale::Swedish, QLocale::Sweden).formattedDataSize(info.size());
                 if (info.isFile()) {
                     const QString suffix = info.suffix();
                     return suffix.isEmpty() ? QStringLiteral("Fil") : suffix.toUpper() + QStringLiteral("-fil");
@@ -40,7 +45,7 @@ void prepareFileDialog(QFileDialog &dialog, bool isSwedish)
     if (!isSwedish)
         return;
     dialog.setOption(QFileDialog::DontUseNativeDialog);
-    dialog.setProxyModel(new SwedishFileTypes(&dialog));
+    dialog.setProxyModel(new SwedishFileColumns(&dialog));
 }
 
 } // namespace kel
