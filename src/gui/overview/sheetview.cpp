@@ -195,7 +195,28 @@ void SheetView::paintEvent(QPaintEvent *)
     const int bodySourceY = h * (scrollLine() + mGeometry.headerLines);
     const int bodyHeight = std::min(mLayout.availableHeight - headerHeight, mGeometry.height() - bodySourceY);
     copy(Margin + headerHeight, bodySourceY, bodyHeight);
+    paintNotice(painter);
     paintCursor(painter);
+}
+
+void SheetView::setNotice(const QString &text)
+{
+    mNotice = text;
+    viewport()->update();
+}
+
+void SheetView::paintNotice(QPainter &painter) const
+{
+    if (mNotice.isEmpty() || mFixedPicture)
+        return;
+    const int gap = fontMetrics().height() / 2;
+    const int top = Margin + std::min(mLayout.availableHeight, mGeometry.height()) + gap;
+    const QRect area(Margin + gap, top, mLayout.availableWidth - 2 * gap, Margin + mLayout.availableHeight - top);
+    if (area.width() <= 0 || area.height() <= 0)
+        return;
+    painter.setPen(palette().color(QPalette::ButtonText));
+    painter.setFont(font());
+    painter.drawText(area, Qt::AlignLeft | Qt::AlignTop | Qt::TextWordWrap, mNotice);
 }
 
 void SheetView::paintCursor(QPainter &painter) const

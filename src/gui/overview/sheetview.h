@@ -87,6 +87,11 @@ public:
     /// The cursor's cell in viewport coordinates, cut to what the view
     /// shows; empty when it is scrolled out of view.
     QRect cursorRect() const;
+    /// A line or two shown in the empty area under the sheet, saying why it
+    /// is empty there (empty: none).
+    void setNotice(const QString &text);
+    QString notice() const { return mNotice; }
+
     /// Opens the popup for the cursor's place, as the Menu key does.
     void requestPopupAtCursor();
 
@@ -123,6 +128,7 @@ private:
     void scrollCursorIntoView();
     void reportCursor();
     void paintCursor(QPainter &painter) const;
+    void paintNotice(QPainter &painter) const;
     QRect cursorCellRect() const; // uncut, in viewport coordinates
     int visibleBodyLines() const;
 
@@ -145,6 +151,7 @@ private:
     qint32 mPopupRow = 0;
     qint32 mPopupQuestion = -1;
     SheetCursor mCursor;
+    QString mNotice;
 };
 
 } // namespace kel

@@ -723,6 +723,10 @@ void MainWindow::showSubSheet(const Document &doc, const SubSheet &sheet)
         showMessage(QMessageBox::Critical, applicationTitle(),
                     pickText(mIsSwedish, "The overview is too large to be drawn!",
                              "Översikten är för stor för att kunna ritas!"));
+    // The status line keeps its usual words; the empty sheet says why it is empty.
+    mSheet->setNotice(sheet.dataRowsAllowed
+                          ? QString()
+                          : belowMinimumNotice(qint32(sheet.rows.size()), doc.properties.minimumSelection, mIsSwedish));
     if (mDetail)
         mDetail->showNoCell(doc, sheet.totalIndex);
 }
