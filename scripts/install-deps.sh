@@ -15,6 +15,7 @@ packages=(
     clang libclang-rt-14-dev clang-format
     fonts-liberation
     xvfb xauth
+    at-spi2-core python3-pyatspi dbus-daemon xdotool
     librsvg2-bin desktop-file-utils appstream shared-mime-info xdg-utils libfile-mimeinfo-perl
     man-db bash-completion dpkg-dev
     emf2svg libwmf-bin gsfonts

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "gui/overview/sheetview.h"
 
+#include "gui/overview/sheetaccessible.h"
+
+#include <QAccessible>
 #include <QApplication>
 #include <QContextMenuEvent>
 #include <QKeyEvent>
@@ -34,6 +37,7 @@ SheetView::SheetView(QWidget *parent) : QAbstractScrollArea(parent)
     mHoverTimer.setInterval(HoverDelayMs);
     connect(&mHoverTimer, &QTimer::timeout, this, &SheetView::showHoveredCell);
     mWheelLines = QApplication::wheelScrollLines();
+    installSheetAccessibility();
 }
 
 bool SheetView::setSheet(SheetInput input)
@@ -54,6 +58,10 @@ bool SheetView::setSheet(SheetInput input)
     renderSheetInto(mImage, mInput, mOffsets, mRenderedRatio, &mGeometry);
     mCursor.setBounds({std::min(mGeometry.columns, int(mInput.columns.size())), mGeometry.headerLines,
                        hasSheet() ? mGeometry.answerLines : 0});
+    if (QAccessible::isActive()) {
+        QAccessibleTableModelChangeEvent reset(this, QAccessibleTableModelChangeEvent::ModelReset);
+        QAccessible::updateAccessibility(&reset);
+    }
     updateScrollBars();
     viewport()->update();
     refreshHover();
@@ -305,6 +313,7 @@ void SheetView::reportCursor()
 {
     viewport()->update();
     const SheetHit hit = cursorHit();
+    notifySheetCursorMoved(this);
     Q_EMIT cursorMoved(hit);
     if (mHoverEnabled) {
         // The pointer's delayed report would overwrite the cursor's cell.

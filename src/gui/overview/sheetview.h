@@ -92,6 +92,10 @@ public:
     void setNotice(const QString &text);
     QString notice() const { return mNotice; }
 
+    /// The language the view describes itself in to assistive technology.
+    void setSwedish(bool isSwedish) { mIsSwedish = isSwedish; }
+    bool isSwedish() const { return mIsSwedish; }
+
     /// Opens the popup for the cursor's place, as the Menu key does.
     void requestPopupAtCursor();
 
@@ -152,6 +156,7 @@ private:
     qint32 mPopupQuestion = -1;
     SheetCursor mCursor;
     QString mNotice;
+    bool mIsSwedish = false;
 };
 
 } // namespace kel

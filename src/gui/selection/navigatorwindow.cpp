@@ -55,6 +55,11 @@ NavigatorWindow::NavigatorWindow(bool isSwedish, StatusLine &status, const UserO
                  "Totalen ska vara den samma som det aktuella urvalet med undantag för inställningarna ovan."));
     mTotalLabel->setObjectName(QStringLiteral("lblTotal"));
     mShowButton->setObjectName(QStringLiteral("cmdShow"));
+    // What a screen reader says for the controls that show no label of their own.
+    mTree->setAccessibleName(pickText(isSwedish, "Selection", "Urval"));
+    mFlexList->setAccessibleName(pickText(isSwedish, "Total", "Total"));
+    mFlexList->setAccessibleDescription(mFlexList->toolTip());
+    mTotalLabel->setAccessibleName(pickText(isSwedish, "Total index", "Totalindex"));
     mShowButton->setAutoFillBackground(true);
 
     // The divider between tree and list is the splitter's handle; neither

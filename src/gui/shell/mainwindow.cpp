@@ -120,6 +120,7 @@ MainWindow::MainWindow(SettingsStore &settings, bool isSwedish, const MainWindow
     setAcceptDrops(true);
     mSheet->setObjectName(QStringLiteral("sheet"));
     setCentralWidget(mSheet);
+    mSheet->setSwedish(isSwedish);
     connect(mSheet, &SheetView::popupRequested, this, &MainWindow::showSheetPopup);
     connect(mSheet, &SheetView::cellHovered, this, &MainWindow::showHoveredCell);
 
