@@ -5,9 +5,15 @@
 #include "gui/shell/mainwindow.h"
 #include "gui/common/placement.h"
 #include "gui/shell/aboutbox.h"
+#include "gui/document/propertiesview.h"
+#include "surveys.h"
 #include "texts/statusline.h"
 
+#include <QApplication>
 #include <QFile>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QLabel>
 #include <QPushButton>
 #include <QTemporaryDir>
@@ -114,4 +120,30 @@ TEST(AboutBoxTest, SystemInfoButtonStartsTheSystemsProgramOrIsHidden)
         EXPECT_TRUE(QTest::qWaitFor([&] { return QFile::exists(marker); }, 5000));
     }
     qputenv("PATH", oldPath);
+}
+
+// With fonts three times the usual size the rows cannot fit the screen:
+// the window keeps to the screen and its button stays in sight.
+TEST(PropertiesWindow, FitsTheScreenWithLargeFonts)
+{
+    const auto doc = test::shellSurvey({});
+    const QFont normal = QApplication::font();
+    QFont large = normal;
+    large.setPointSizeF(normal.pointSizeF() * 3);
+    QApplication::setFont(large);
+    {
+        PropertiesView view(*doc, false, QLocale::c());
+        const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+        EXPECT_LE(view.height(), screen.height());
+        view.show();
+        auto *close = view.findChild<QPushButton *>(QStringLiteral("cmdClose"));
+        ASSERT_NE(close, nullptr);
+        EXPECT_TRUE(view.rect().contains(QRect(close->mapTo(&view, QPoint(0, 0)), close->size())));
+    }
+    QApplication::setFont(normal);
+    PropertiesView view(*doc, false, QLocale::c());
+    view.show();
+    QApplication::processEvents();
+    EXPECT_FALSE(view.findChild<QScrollArea *>()->verticalScrollBar()->isVisible())
+        << "with usual fonts every row shows at once";
 }
