@@ -65,6 +65,17 @@ QString overviewBuiltText(bool isSwedish)
     return pickText(isSwedish, "New overview built!", "Ny översikt byggd!");
 }
 
+QString belowMinimumNotice(qint32 count, qint32 minimum, bool isSwedish)
+{
+    return pickText(isSwedish,
+                    "Only the headers are shown: this selection has %1 respondents, and the survey shows answers "
+                    "only for selections of at least %2.",
+                    "Endast rubrikerna visas: urvalet har %1 svarande, och undersökningen visar svar bara för urval "
+                    "med minst %2.")
+        .arg(count)
+        .arg(minimum);
+}
+
 QString indexExportText(IndexExportText which, bool isSwedish)
 {
     switch (which) {

@@ -34,6 +34,9 @@ QString commentShortenedNote(bool isSwedish);
 /// successful build.
 QString buildingOverviewText(bool isSwedish);
 QString overviewBuiltText(bool isSwedish);
+/// Shown in the sheet's empty area when a selection of `count` respondents,
+/// below the document's `minimum`, shows only headers and totals.
+QString belowMinimumNotice(qint32 count, qint32 minimum, bool isSwedish);
 
 /// The texts of the index export's status line and progress window.
 enum class IndexExportText {

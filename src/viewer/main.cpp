@@ -3,6 +3,7 @@
 // the main window. Whatever ends the program before the main window appears
 // does so before the settings are opened, so nothing is written.
 #include "texts/language.h"
+#include "texts/qttexts.h"
 #include "gui/shell/mainwindow.h"
 #include "engine/settings/settingsstore.h"
 #include "gui/shell/startup.h"
@@ -144,6 +145,10 @@ int main(int argc, char *argv[])
     QTranslator qtTexts;
     if (isSwedish && loadQtSwedish(qtTexts))
         QCoreApplication::installTranslator(&qtTexts);
+    // Installed last, asked first: what Qt's catalogue lacks or words otherwise.
+    kel::QtSwedishCatalogue ownQtTexts;
+    if (isSwedish)
+        QCoreApplication::installTranslator(&ownQtTexts);
 
     const char *version = zlibVersion();
     const kel::ZlibCheck zlib = kel::checkZlibVersion(version);

@@ -328,6 +328,36 @@ TEST_F(MainWindowTest, OverviewFollowsOpenShowAndClose)
     EXPECT_FALSE(w->statusPanel(2)->isVisibleTo(w.get()));
 }
 
+// Four respondents against a minimum of four (shown) and of five (headers
+// only, and the sheet says why).
+TEST_F(MainWindowTest, SheetExplainsHeadersShownAlone)
+{
+    for (const qint32 minimum : {4, 5}) {
+        for (const bool swedish : {false, true}) {
+            auto w = makeWindow(swedish);
+            auto doc = unitDocument();
+            doc->properties.minimumSelection = minimum;
+            w->session().installDocument(std::move(doc), QStringLiteral("/s/units.kel"), true);
+            ASSERT_TRUE(w->showSelection(unitOnly(*w->document(), 1)).isEmpty());
+            SheetView *sheet = w->sheetView();
+            if (minimum == 4) {
+                EXPECT_EQ(sheet->sheetGeometry().answerLines, 4);
+                EXPECT_TRUE(sheet->notice().isEmpty());
+                continue;
+            }
+            EXPECT_EQ(sheet->sheetGeometry().answerLines, 0);
+            EXPECT_EQ(sheet->notice(),
+                      swedish ? QStringLiteral("Endast rubrikerna visas: urvalet har 4 svarande, och undersökningen "
+                                               "visar svar bara för urval med minst 5.")
+                              : QStringLiteral("Only the headers are shown: this selection has 4 respondents, and "
+                                               "the survey shows answers only for selections of at least 5."));
+            // Everyone (8) is enough again: the notice goes.
+            ASSERT_TRUE(w->showSelection(fullSelection(*w->document())).isEmpty());
+            EXPECT_TRUE(sheet->notice().isEmpty());
+        }
+    }
+}
+
 // Which items each place offers, and what a cell shows, are the engine's
 // rules; here the pointer on the view reaches them: a right click opens the
 // popup of the place (none beside the sheet), hovering fills the detail
@@ -405,6 +435,24 @@ TEST_F(MainWindowTest, ASelectionWithoutRowsGivesNoAnswersThroughAnyCommand)
     // The same selection's figures are still there.
     EXPECT_TRUE(w->mayOutput(OutputCommand::Figures));
     EXPECT_FALSE(w->mayOutput(OutputCommand::AllComments));
+}
+
+TEST_F(MainWindowTest, StatusPanelCopySaysWhatReplacedTheClipboard)
+{
+    for (const bool swedish : {false, true}) {
+        auto w = makeWindow(swedish);
+        open(*w, richRecipe());
+        w->show();
+        QGuiApplication::clipboard()->setText(QStringLiteral("before"));
+        auto *panel = w->findChild<QLabel *>(QStringLiteral("stbMainPanel1"));
+        ASSERT_NE(panel, nullptr);
+        QTest::mouseDClick(panel, Qt::LeftButton);
+        EXPECT_NE(QGuiApplication::clipboard()->text(), QStringLiteral("before"));
+        EXPECT_EQ(w->statusLine().text(),
+                  swedish ? QStringLiteral("Totalindexets poäng har kopierats till urklipp!")
+                          : QStringLiteral("The total index points have been copied to the "
+                                           "clipboard!"));
+    }
 }
 
 // Only one local document is taken, known by its magic words whatever its

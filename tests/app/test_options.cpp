@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSettings>
@@ -77,6 +78,25 @@ void setControls(OptionsDialog &d, const UserOptions &o)
 }
 
 } // namespace
+
+TEST(OptionsTexts, MaxRowsCommentNamesTheSystemItRunsOn)
+{
+    const QString system = QStringLiteral("Debian GNU/Linux 12 (bookworm)");
+    EXPECT_EQ(maxRowsComment(false, system),
+              QStringLiteral("Since this is a Debian GNU/Linux 12 (bookworm) system you can select any number you "
+                             "like below, but trying to display a large number of rows will degrade system "
+                             "performance."));
+    EXPECT_EQ(maxRowsComment(true, system),
+              QStringLiteral("Eftersom detta är ett Debian GNU/Linux 12 (bookworm)-system kan du ange vilket tal som "
+                             "helst nedan, men om du försöker att visa ett stort antal rader kommer det att påverka "
+                             "systemets prestanda negativt."));
+#ifndef Q_OS_WIN
+    OptionsDialog dialog(false, UserOptions(), nullptr, false);
+    const auto *comment = dialog.findChild<QLabel *>(QStringLiteral("lblOverviewMaxRowsComment"));
+    ASSERT_NE(comment, nullptr);
+    EXPECT_FALSE(comment->text().contains(QStringLiteral("Windows"))) << "not on this system";
+#endif
+}
 
 TEST(OptionsTexts, MaxRowsTakesOnlyPositiveWholeNumbers)
 {

@@ -4,9 +4,18 @@
 // screen.
 #include "gui/shell/mainwindow.h"
 #include "gui/common/placement.h"
+#include "gui/shell/aboutbox.h"
+#include "gui/document/propertiesview.h"
+#include "surveys.h"
 #include "texts/statusline.h"
 
+#include <QApplication>
+#include <QFile>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QLabel>
+#include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -63,4 +72,78 @@ TEST(StatusPanels, KeepTheirWidthsWhateverTheyShow)
     EXPECT_EQ(w.statusPanel(2)->width(), widths[1]);
     EXPECT_EQ(w.statusPanel(3)->width(), widths[2]);
     EXPECT_LE(w.statusPanel(3)->geometry().right(), w.width());
+}
+
+// Grouping starts at four digits; Swedish groups with a no-break space.
+TEST(AboutBoxTest, MemoryInTheInterfaceLanguagesFormat)
+{
+    const QString nbsp(QChar(0x00A0));
+    const struct {
+        qint64 mebibytes;
+        QString english, swedish;
+    } cases[] = {
+        {0, QStringLiteral("0 MB"), QStringLiteral("0 MB")},
+        {999, QStringLiteral("999 MB"), QStringLiteral("999 MB")},
+        {1000, QStringLiteral("1,000 MB"), QStringLiteral("1") + nbsp + QStringLiteral("000 MB")},
+        {24105, QStringLiteral("24,105 MB"), QStringLiteral("24") + nbsp + QStringLiteral("105 MB")},
+        {1048576, QStringLiteral("1,048,576 MB"),
+         QStringLiteral("1") + nbsp + QStringLiteral("048") + nbsp + QStringLiteral("576 MB")},
+    };
+    for (const auto &c : cases) {
+        EXPECT_EQ(memoryText(c.mebibytes, false), c.english) << c.mebibytes;
+        EXPECT_EQ(memoryText(c.mebibytes, true), c.swedish) << c.mebibytes;
+    }
+}
+
+TEST(AboutBoxTest, SystemInfoButtonStartsTheSystemsProgramOrIsHidden)
+{
+    QTemporaryDir bin;
+    const QByteArray oldPath = qgetenv("PATH");
+    const QString marker = bin.filePath(QStringLiteral("started"));
+    {
+        qputenv("PATH", bin.path().toLocal8Bit());
+        AboutBox none(false);
+        EXPECT_TRUE(none.systemInfoButton()->isHidden()) << "no program: no button";
+    }
+    {
+        // A stand-in for the desktop's program that leaves a mark.
+        QFile program(bin.filePath(QStringLiteral("gnome-system-monitor")));
+        ASSERT_TRUE(program.open(QIODevice::WriteOnly));
+        program.write("#!/bin/sh\ntouch '" + marker.toLocal8Bit() + "'\n");
+        program.close();
+        program.setPermissions(program.permissions() | QFile::ExeOwner);
+        AboutBox box(true);
+        qputenv("PATH", oldPath);
+        EXPECT_FALSE(box.systemInfoButton()->isHidden());
+        EXPECT_EQ(box.systemInfoButton()->text(), QStringLiteral("&Systeminformation..."));
+        box.systemInfoButton()->click();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return QFile::exists(marker); }, 5000));
+    }
+    qputenv("PATH", oldPath);
+}
+
+// With fonts three times the usual size the rows cannot fit the screen:
+// the window keeps to the screen and its button stays in sight.
+TEST(PropertiesWindow, FitsTheScreenWithLargeFonts)
+{
+    const auto doc = test::shellSurvey({});
+    const QFont normal = QApplication::font();
+    QFont large = normal;
+    large.setPointSizeF(normal.pointSizeF() * 3);
+    QApplication::setFont(large);
+    {
+        PropertiesView view(*doc, false, QLocale::c());
+        const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+        EXPECT_LE(view.height(), screen.height());
+        view.show();
+        auto *close = view.findChild<QPushButton *>(QStringLiteral("cmdClose"));
+        ASSERT_NE(close, nullptr);
+        EXPECT_TRUE(view.rect().contains(QRect(close->mapTo(&view, QPoint(0, 0)), close->size())));
+    }
+    QApplication::setFont(normal);
+    PropertiesView view(*doc, false, QLocale::c());
+    view.show();
+    QApplication::processEvents();
+    EXPECT_FALSE(view.findChild<QScrollArea *>()->verticalScrollBar()->isVisible())
+        << "with usual fonts every row shows at once";
 }

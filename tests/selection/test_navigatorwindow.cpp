@@ -16,6 +16,8 @@
 #include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
+#include <QApplication>
+#include <QListWidget>
 #include <QTest>
 
 #include <cstdlib>
@@ -114,6 +116,21 @@ TEST_F(NavigatorWindowTest, TicksPropagateCountAndShade)
     EXPECT_TRUE(mWindow->showButton()->isEnabled()) << "shaded but not restricted";
     click("A0-1");
     EXPECT_FALSE(mWindow->showButton()->isEnabled()) << "a restricted shaded category blocks Show";
+}
+
+// However small the window, the tree shows five rows; the list gives way.
+TEST_F(NavigatorWindowTest, TreeKeepsFiveRowsWhenTheWindowShrinks)
+{
+    open();
+    NavigatorTree *tree = mWindow->tree();
+    ASSERT_TRUE(mWindow->flexList()->isVisible());
+    const int fiveRows = 5 * tree->sizeHintForRow(0);
+    const int listBefore = mWindow->flexList()->height();
+    mWindow->resize(300, 80); // far below what the content needs
+    QApplication::processEvents();
+    EXPECT_GE(tree->viewport()->height(), fiveRows);
+    EXPECT_LT(mWindow->flexList()->height(), listBefore) << "the list gave way";
+    EXPECT_GE(mWindow->minimumSizeHint().height(), tree->minimumHeight());
 }
 
 TEST_F(NavigatorWindowTest, ReminderBlinksWhilePendingAndAway)

@@ -28,6 +28,7 @@ BlockEditorPrompts BlockEditorPrompts::dialogs(QWidget *parent)
     p.confirm = [parent](const QString &title, const QString &text) {
         QMessageBox box(QMessageBox::Warning, title, text, QMessageBox::Ok | QMessageBox::Cancel, parent);
         box.setDefaultButton(QMessageBox::Cancel);
+        box.button(QMessageBox::Ok)->setText(QStringLiteral("&OK")); // Escape is Cancel; OK needs a key
         return box.exec() == QMessageBox::Ok;
     };
     p.error = [parent](const QString &title, const QString &text) { QMessageBox::critical(parent, title, text); };
@@ -81,16 +82,16 @@ BlockEditor::BlockEditor(Document &doc, const RowList &flexRows, SettingsStore &
     nameLabel->setObjectName(QStringLiteral("lblNameLabel"));
     auto *includeLabel = new QLabel(t("Include in copy:", "Ingår i kopiera:"), this);
     includeLabel->setObjectName(QStringLiteral("lblIncludeInCopyLabel"));
-    auto *questionsLabel = new QLabel(t("&Questions:", "&Frågor:"), this);
-    questionsLabel->setObjectName(QStringLiteral("lblQuestionsLabel"));
-    questionsLabel->setBuddy(mQuestions);
+    mQuestionsLabel = new QLabel(t("&Questions:", "&Frågor:"), this);
+    mQuestionsLabel->setObjectName(QStringLiteral("lblQuestionsLabel"));
+    mQuestionsLabel->setBuddy(mQuestions);
 
     auto *right = new QGridLayout;
     right->addWidget(nameLabel, 0, 0);
     right->addWidget(mName, 0, 1);
     right->addWidget(includeLabel, 1, 0);
     right->addWidget(mInclude, 1, 1);
-    right->addWidget(questionsLabel, 2, 0, 1, 2);
+    right->addWidget(mQuestionsLabel, 2, 0, 1, 2);
     right->addWidget(mQuestions, 3, 0, 1, 2);
     right->addWidget(mOriginal, 4, 0, 1, 2);
     right->addWidget(mFullText, 5, 0, 1, 2);
@@ -175,6 +176,7 @@ void BlockEditor::showSelected()
         }
         mQuestions->hide();
         mOriginal->show();
+        mQuestionsLabel->setBuddy(mOriginal); // the key goes to the list shown
     } else {
         for (int row = 0; row < mQuestions->count(); ++row) {
             QListWidgetItem *item = mQuestions->item(row);
@@ -184,6 +186,7 @@ void BlockEditor::showSelected()
         mQuestions->setEnabled(true);
         mOriginal->hide();
         mQuestions->show();
+        mQuestionsLabel->setBuddy(mQuestions);
     }
     mFilling = false;
 }

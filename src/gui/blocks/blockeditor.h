@@ -79,6 +79,7 @@ private:
     QCheckBox *mInclude;
     QListWidget *mQuestions;
     QListWidget *mOriginal;
+    QLabel *mQuestionsLabel;
     QLabel *mFullText;
     QPushButton *mRename;
     QPushButton *mDelete;

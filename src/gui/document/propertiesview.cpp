@@ -8,6 +8,12 @@
 #include <QPushButton>
 #include <QTextEdit>
 #include <QVBoxLayout>
+#include <QGuiApplication>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
+
+#include <algorithm>
 
 namespace kel {
 
@@ -39,7 +45,12 @@ PropertiesView::PropertiesView(const Document &doc, bool isSwedish, const QLocal
     setObjectName(QStringLiteral("frmProperties"));
     setWindowTitle(mTexts.caption);
     const PropertiesTexts &t = mTexts;
-    auto *layout = new QVBoxLayout(this);
+    // The rows scroll when the screen is too short for them (large fonts,
+    // high scale factors); the button stays in sight below them.
+    auto *outer = new QVBoxLayout(this);
+    auto *content = new QWidget(this);
+    auto *layout = new QVBoxLayout(content);
+    layout->setContentsMargins(0, 0, 0, 0);
 
     auto *form = new QFormLayout;
     layout->addLayout(form);
@@ -99,8 +110,25 @@ PropertiesView::PropertiesView(const Document &doc, bool isSwedish, const QLocal
     close->setObjectName(QStringLiteral("cmdClose"));
     close->setDefault(true);
     connect(close, &QPushButton::clicked, this, &QDialog::accept);
-    layout->addWidget(buttons);
-    resize(480, sizeHint().height());
+    auto *scroll = new QScrollArea(this);
+    scroll->setObjectName(QStringLiteral("scrProperties"));
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setWidgetResizable(true);
+    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    scroll->setWidget(content);
+    outer->addWidget(scroll, 1);
+    outer->addWidget(buttons);
+
+    const QMargins margins = outer->contentsMargins();
+    const int wanted = content->sizeHint().height() + outer->spacing() + buttons->sizeHint().height() + margins.top()
+        + margins.bottom();
+    const int width = std::max(480,
+                               content->sizeHint().width() + margins.left() + margins.right()
+                                   + scroll->verticalScrollBar()->sizeHint().width());
+    // Room for the title bar and frame as well.
+    const QScreen *where = parent && parent->screen() ? parent->screen() : QGuiApplication::primaryScreen();
+    const int room = where ? where->availableGeometry().height() * 9 / 10 : wanted;
+    resize(width, std::min(wanted, room));
 }
 
 } // namespace kel

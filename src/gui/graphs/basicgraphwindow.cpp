@@ -108,14 +108,23 @@ bool BasicGraphWindow::setUpGraph(const BasicGraphDescription &description, cons
 
     if (description.graphKind == FractionGraph)
         resize(basicGraphWindowSize(*mRenderer, defaults.windowWidthTwips, defaults.barWidth, logicalDpiX()));
+    updateAccessibleText();
     update();
     return true;
+}
+
+void BasicGraphWindow::updateAccessibleText()
+{
+    // The graph is drawn; a screen reader reads the values it shows, as
+    // Copy Values words them.
+    setAccessibleDescription(mRenderer ? basicGraphValuesText(description(), mPercentage) : QString());
 }
 
 void BasicGraphWindow::setPercentage(bool on)
 {
     mPercentage = on && description().graphKind == HistogramGraph;
     mnuPUsePercentage->setChecked(mPercentage);
+    updateAccessibleText();
     update();
 }
 

@@ -97,6 +97,7 @@ public:
     void copyValues();
     void copyLegends();
     void setAsDefaultSize();
+    void updateAccessibleText();
     /// DoCopy: the picture to the clipboard. False when it failed.
     bool doCopy();
     bool printGraph();

@@ -8,6 +8,7 @@
 #include "texts/language.h"
 #include "texts/statusline.h"
 
+#include <QLocale>
 #include <QChart>
 #include <QChartView>
 #include <QMenu>
@@ -55,6 +56,16 @@ void ChartWindow::setUpChart(const ChartDescription &chart)
     mView->setChart(buildChart(chart));
     delete old;
     setWindowTitle(chart.caption);
+    // The chart is drawn; a screen reader reads its values: per series its
+    // name, then one line per point.
+    QStringList lines;
+    for (const ChartSeries &series : chart.series) {
+        if (!series.name.isEmpty())
+            lines << series.name;
+        for (const ChartPoint &point : series.points)
+            lines << point.label + QLatin1Char('\t') + QLocale().toString(point.value);
+    }
+    setAccessibleDescription(lines.join(QLatin1Char('\n')));
 }
 
 QChart *ChartWindow::chart() const

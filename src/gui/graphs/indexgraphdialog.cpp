@@ -47,7 +47,7 @@ IndexGraphDialog::IndexGraphDialog(const Document &doc, qint32 block, const Sele
         chkShowBlockIndex->setChecked(true);
         chkShowQuestionIndexes =
             checkBox(this, "chkShowQuestionIndexes",
-                     pickText(isSwedish, "Show block's &question indexes", "Visa blockets &frågeindex"));
+                     pickText(isSwedish, "Show block's &question indexes", "Visa blockets fråge&index"));
         layout->addWidget(chkShowBlockIndex);
         layout->addWidget(chkShowQuestionIndexes);
         connect(chkShowBlockIndex, &QCheckBox::toggled, this, &IndexGraphDialog::updateOk);
@@ -93,18 +93,18 @@ IndexGraphDialog::IndexGraphDialog(const Document &doc, qint32 block, const Sele
     splitRow->addWidget(lstSplitBy, 1);
     layout->addLayout(splitRow);
     chkIncludeEmptySplits =
-        checkBox(this, "chkIncludeEmptySplits", pickText(isSwedish, "Include &empty splits", "Ta med &tomma delar"));
+        checkBox(this, "chkIncludeEmptySplits", pickText(isSwedish, "Include &empty splits", "Ta &med tomma delar"));
     layout->addWidget(chkIncludeEmptySplits);
 
     fraIndexLines = new QGroupBox(blockDialog ? pickText(isSwedish, "Index &lines (max 2)", "Index&linjer (max 2)")
-                                              : pickText(isSwedish, "Index &lines", "Indexlinjer"),
+                                              : pickText(isSwedish, "Index &lines", "Index&linjer"),
                                   this);
     fraIndexLines->setObjectName(QStringLiteral("fraIndexLines"));
     auto *lines = new QVBoxLayout(fraIndexLines);
-    const char *lineEnglish[] = {"Total index for total selection", "Total index for current selection",
-                                 "Block index for total selection", "Block index for current selection"};
-    const char *lineSwedish[] = {"Totalindex för totalurvalet", "Totalindex för aktuella urvalet",
-                                 "Blockindex för totalurvalet", "Blockindex för aktuella urvalet"};
+    const char *lineEnglish[] = {"T&otal index for total selection", "Total index for &current selection",
+                                 "Bloc&k index for total selection", "Block index for c&urrent selection"};
+    const char *lineSwedish[] = {"T&otalindex för totalurvalet", "Totalindex för a&ktuella urvalet",
+                                 "Blockindex för totalu&rvalet", "Blockindex för aktuella &urvalet"};
     const qint32 storedMask = blockDialog ? settings.blockIndexGraphIndexLines : settings.totalIndexGraphIndexLines;
     for (qint32 i = 0; i < lineBoxes(); ++i) {
         QCheckBox *box = checkBox(fraIndexLines, "chkIndexLines", pickText(isSwedish, lineEnglish[i], lineSwedish[i]));
@@ -119,7 +119,7 @@ IndexGraphDialog::IndexGraphDialog(const Document &doc, qint32 block, const Sele
     }
     chkIndexLinesShowExplanation =
         checkBox(fraIndexLines, "chkIndexLinesShowExplanation",
-                 pickText(isSwedish, "Show explanation at lines", "Visa förklaring vid linjerna"));
+                 pickText(isSwedish, "Show e&xplanation at lines", "Visa förklaring vid lin&jerna"));
     lines->addWidget(chkIndexLinesShowExplanation);
     layout->addWidget(fraIndexLines);
 

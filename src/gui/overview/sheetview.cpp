@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "gui/overview/sheetview.h"
 
+#include "gui/overview/sheetaccessible.h"
+
+#include <QAccessible>
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -33,6 +37,7 @@ SheetView::SheetView(QWidget *parent) : QAbstractScrollArea(parent)
     mHoverTimer.setInterval(HoverDelayMs);
     connect(&mHoverTimer, &QTimer::timeout, this, &SheetView::showHoveredCell);
     mWheelLines = QApplication::wheelScrollLines();
+    installSheetAccessibility();
 }
 
 bool SheetView::setSheet(SheetInput input)
@@ -51,6 +56,12 @@ bool SheetView::setSheet(SheetInput input)
     mSpare = QImage();
     mRenderedRatio = devicePixelRatioF();
     renderSheetInto(mImage, mInput, mOffsets, mRenderedRatio, &mGeometry);
+    mCursor.setBounds({std::min(mGeometry.columns, int(mInput.columns.size())), mGeometry.headerLines,
+                       hasSheet() ? mGeometry.answerLines : 0});
+    if (QAccessible::isActive()) {
+        QAccessibleTableModelChangeEvent reset(this, QAccessibleTableModelChangeEvent::ModelReset);
+        QAccessible::updateAccessibility(&reset);
+    }
     updateScrollBars();
     viewport()->update();
     refreshHover();
@@ -65,6 +76,7 @@ void SheetView::setPicture(QImage picture, const SheetGeometry &geometry)
     mHoverEnabled = false;
     mImage = std::move(picture);
     mGeometry = geometry;
+    mCursor.setBounds({});
     mRenderedRatio = mImage.devicePixelRatio();
     updateScrollBars();
     viewport()->update();
@@ -191,6 +203,180 @@ void SheetView::paintEvent(QPaintEvent *)
     const int bodySourceY = h * (scrollLine() + mGeometry.headerLines);
     const int bodyHeight = std::min(mLayout.availableHeight - headerHeight, mGeometry.height() - bodySourceY);
     copy(Margin + headerHeight, bodySourceY, bodyHeight);
+    paintNotice(painter);
+    paintCursor(painter);
+}
+
+void SheetView::setNotice(const QString &text)
+{
+    mNotice = text;
+    viewport()->update();
+}
+
+void SheetView::paintNotice(QPainter &painter) const
+{
+    if (mNotice.isEmpty() || mFixedPicture)
+        return;
+    const int gap = fontMetrics().height() / 2;
+    const int top = Margin + std::min(mLayout.availableHeight, mGeometry.height()) + gap;
+    const QRect area(Margin + gap, top, mLayout.availableWidth - 2 * gap, Margin + mLayout.availableHeight - top);
+    if (area.width() <= 0 || area.height() <= 0)
+        return;
+    painter.setPen(palette().color(QPalette::ButtonText));
+    painter.setFont(font());
+    painter.drawText(area, Qt::AlignLeft | Qt::AlignTop | Qt::TextWordWrap, mNotice);
+}
+
+void SheetView::paintCursor(QPainter &painter) const
+{
+    if (!hasFocus())
+        return;
+    const QRect cell = cursorRect();
+    if (cell.isEmpty())
+        return;
+    // Dark outside, light inside: visible on any answer colour. The frame
+    // is cut where the cell is, so a half-shown cell shows half a frame.
+    const QRect full = cursorCellRect();
+    auto frame = [&](const QRect &r, int width, const QColor &colour) {
+        const QRect edges[] = {
+            QRect(r.left(), r.top(), r.width(), width), QRect(r.left(), r.bottom() - width + 1, r.width(), width),
+            QRect(r.left(), r.top(), width, r.height()), QRect(r.right() - width + 1, r.top(), width, r.height())};
+        for (const QRect &edge : edges)
+            painter.fillRect(edge.intersected(cell), colour);
+    };
+    frame(full, 2, Qt::black);
+    frame(full.adjusted(2, 2, -2, -2), 1, Qt::white);
+}
+
+SheetHit SheetView::cursorHit() const
+{
+    SheetHit hit;
+    if (!hasSheet() || mFixedPicture || !mCursor.isValid())
+        return hit;
+    hit.column = mCursor.column();
+    hit.line = mCursor.line();
+    hit.question = mInput.columns[std::size_t(hit.column)];
+    if (hit.line >= 0) {
+        hit.row = rowShownInCell(mInput.rows, mInput.columnRowOffsets, hit.question, hit.line);
+        if (hit.row < 0)
+            return SheetHit();
+        hit.place = SheetPlace::AnswerCell;
+    } else {
+        hit.row = hit.line;
+        hit.place = hit.line == -1 ? SheetPlace::CodeLine : SheetPlace::BlockLine;
+    }
+    return hit;
+}
+
+QRect SheetView::cursorRect() const
+{
+    const QRect cell = cursorCellRect();
+    if (cell.isEmpty())
+        return cell;
+    const int headerHeight = std::min(mLayout.availableHeight, mGeometry.headerHeight());
+    // Body lines scrolled above the body slide under the frozen header.
+    if (mCursor.line() >= 0 && cell.top() < Margin + headerHeight)
+        return QRect();
+    return cell.intersected(QRect(Margin, Margin, mLayout.availableWidth, mLayout.availableHeight));
+}
+
+QRect SheetView::cursorCellRect() const
+{
+    if (!hasSheet() || mFixedPicture || !mCursor.isValid())
+        return QRect();
+    const int w = mGeometry.cellWidth;
+    const int h = mGeometry.cellHeight;
+    const int x = Margin + (mCursor.column() - scrollColumn()) * w;
+    if (mCursor.line() < 0)
+        return QRect(x, Margin + (mCursor.line() + mGeometry.headerLines) * h, w, h);
+    return QRect(x, Margin + mGeometry.headerHeight() + (mCursor.line() - scrollLine()) * h, w, h);
+}
+
+int SheetView::visibleBodyLines() const
+{
+    return std::max(1, (mLayout.availableHeight - mGeometry.headerHeight()) / std::max(1, mGeometry.cellHeight));
+}
+
+void SheetView::scrollCursorIntoView()
+{
+    QScrollBar *h = horizontalScrollBar();
+    QScrollBar *v = verticalScrollBar();
+    if (mLayout.horizontal.visible) {
+        const int columns = mLayout.availableWidth / std::max(1, mGeometry.cellWidth);
+        h->setValue(SheetCursor::scrollToShow(mCursor.column(), scrollColumn(), columns, h->maximum()));
+    }
+    if (mLayout.vertical.visible && mCursor.line() >= 0)
+        v->setValue(SheetCursor::scrollToShow(mCursor.line(), scrollLine(), visibleBodyLines(), v->maximum()));
+}
+
+void SheetView::reportCursor()
+{
+    viewport()->update();
+    const SheetHit hit = cursorHit();
+    notifySheetCursorMoved(this);
+    Q_EMIT cursorMoved(hit);
+    if (mHoverEnabled) {
+        // The pointer's delayed report would overwrite the cursor's cell.
+        mHoverTimer.stop();
+        Q_EMIT cellHovered(hit);
+    }
+}
+
+void SheetView::setCursorPosition(int column, int line)
+{
+    if (!hasSheet() || mFixedPicture)
+        return;
+    mCursor.setPosition(column, line);
+    scrollCursorIntoView();
+    reportCursor();
+}
+
+void SheetView::requestPopupAtCursor()
+{
+    const SheetHit hit = cursorHit();
+    if (hit.place == SheetPlace::Outside)
+        return;
+    scrollCursorIntoView();
+    const QRect cell = cursorRect();
+    mPopupRow = hit.row;
+    mPopupQuestion = hit.question;
+    // Below the cell, so the menu leaves the cell it is about in sight.
+    const QPoint at = cell.isEmpty() ? viewport()->rect().center() : cell.bottomLeft() + QPoint(0, 1);
+    Q_EMIT popupRequested(hit, viewport()->mapToGlobal(at));
+}
+
+void SheetView::focusInEvent(QFocusEvent *event)
+{
+    QAbstractScrollArea::focusInEvent(event);
+    viewport()->update();
+}
+
+void SheetView::focusOutEvent(QFocusEvent *event)
+{
+    QAbstractScrollArea::focusOutEvent(event);
+    viewport()->update();
+}
+
+void SheetView::contextMenuEvent(QContextMenuEvent *event)
+{
+    // The platform turns the Menu key into this event; the key press may
+    // already have opened the popup.
+    if (event->reason() == QContextMenuEvent::Keyboard && !QApplication::activePopupWidget())
+        requestPopupAtCursor();
+    event->accept();
+}
+
+void SheetView::mousePressEvent(QMouseEvent *event)
+{
+    if (event->button() == Qt::LeftButton) {
+        const SheetHit hit = hitTest(event->position());
+        if (hit.place != SheetPlace::Outside) {
+            mCursor.setPosition(hit.column, hit.line);
+            viewport()->update();
+            Q_EMIT cursorMoved(hit);
+        }
+    }
+    QAbstractScrollArea::mousePressEvent(event);
 }
 
 void SheetView::resizeEvent(QResizeEvent *event)
@@ -290,6 +476,21 @@ void SheetView::wheelEvent(QWheelEvent *event)
 
 void SheetView::keyPressEvent(QKeyEvent *event)
 {
+    const bool shiftF10 = event->key() == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier;
+    if (event->key() == Qt::Key_Menu || shiftF10) {
+        if (!QApplication::activePopupWidget())
+            requestPopupAtCursor();
+        event->accept();
+        return;
+    }
+    if (hasSheet() && !mFixedPicture && mCursor.isValid()
+        && mCursor.moveByKey(event->key(), event->modifiers(), visibleBodyLines())) {
+        scrollCursorIntoView();
+        reportCursor();
+        event->accept();
+        return;
+    }
+    // A mini-overview's picture has no cells: the keys scroll it.
     QScrollBar *h = horizontalScrollBar();
     QScrollBar *v = verticalScrollBar();
     const bool ctrl = event->modifiers() & Qt::ControlModifier;

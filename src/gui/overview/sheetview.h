@@ -3,8 +3,12 @@
 // lines frozen at the top while the body scrolls in whole cells, finds the
 // cell under the pointer, and reports hovering and right clicks. Scrolling
 // only copies parts of the picture; cells are drawn once, in setSheet().
+// A keyboard cell cursor, drawn over the sheet while the view has focus,
+// moves with the arrow and page keys and opens the popup with the Menu key
+// or Shift+F10.
 #pragma once
 
+#include "gui/overview/sheetcursor.h"
 #include "render/overview/sheetdrawer.h"
 
 #include <QAbstractScrollArea>
@@ -73,19 +77,48 @@ public:
     qint32 popupRow() const { return mPopupRow; }
     qint32 popupQuestion() const { return mPopupQuestion; }
 
+    /// The keyboard cell cursor and what lies under it (Outside without a
+    /// sheet, on a mini-overview's picture, or on a line no row fills).
+    const SheetCursor &cursor() const { return mCursor; }
+    SheetHit cursorHit() const;
+    /// Moves the cursor (clamped to the sheet), scrolls it into view and
+    /// reports it as a key would.
+    void setCursorPosition(int column, int line);
+    /// The cursor's cell in viewport coordinates, cut to what the view
+    /// shows; empty when it is scrolled out of view.
+    QRect cursorRect() const;
+    /// A line or two shown in the empty area under the sheet, saying why it
+    /// is empty there (empty: none).
+    void setNotice(const QString &text);
+    QString notice() const { return mNotice; }
+
+    /// The language the view describes itself in to assistive technology.
+    void setSwedish(bool isSwedish) { mIsSwedish = isSwedish; }
+    bool isSwedish() const { return mIsSwedish; }
+
+    /// Opens the popup for the cursor's place, as the Menu key does.
+    void requestPopupAtCursor();
+
 Q_SIGNALS:
     /// The pointer has rested on `hit` for the hover delay (Outside clears).
     void cellHovered(const kel::SheetHit &hit);
     /// A right click without modifier keys on a cell or header line: the
     /// receiver builds the popup menu for it at `globalPos`.
     void popupRequested(const kel::SheetHit &hit, const QPoint &globalPos);
+    /// The keyboard cursor moved to `hit` (also sent as cellHovered() when
+    /// hovering is enabled, so the detail window follows it).
+    void cursorMoved(const kel::SheetHit &hit);
 
 protected:
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void scrollContentsBy(int dx, int dy) override;
     void mouseMoveEvent(QMouseEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
+    void focusInEvent(QFocusEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     bool viewportEvent(QEvent *event) override;
@@ -96,6 +129,12 @@ private:
     void showHoveredCell();
     void refreshHover();
     void scrollBy(QScrollBar *bar, int notches);
+    void scrollCursorIntoView();
+    void reportCursor();
+    void paintCursor(QPainter &painter) const;
+    void paintNotice(QPainter &painter) const;
+    QRect cursorCellRect() const; // uncut, in viewport coordinates
+    int visibleBodyLines() const;
 
     SheetInput mInput;
     SheetGeometry mGeometry;
@@ -115,6 +154,9 @@ private:
     bool mFixedPicture = false; // shown as handed over, never drawn again
     qint32 mPopupRow = 0;
     qint32 mPopupQuestion = -1;
+    SheetCursor mCursor;
+    QString mNotice;
+    bool mIsSwedish = false;
 };
 
 } // namespace kel

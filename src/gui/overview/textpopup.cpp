@@ -26,7 +26,7 @@ public:
 
 TextPopup::TextPopup(bool isSwedish, QWidget *parent)
     : QWidget(parent, Qt::Window), mText(new InertBrowser(this)),
-      mClose(new QPushButton(pickText(isSwedish, "Close", "Stäng"), this))
+      mClose(new QPushButton(pickText(isSwedish, "C&lose", "&Stäng"), this))
 {
     setObjectName(QStringLiteral("frmTextPopUp"));
     mText->setObjectName(QStringLiteral("rtbText"));

@@ -8,6 +8,8 @@
 
 #include <QClipboard>
 #include <QDir>
+#include "gui/common/filedialogs.h"
+
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QGuiApplication>
@@ -230,6 +232,7 @@ SaveChoice askPictureFile(QWidget *parent, SaveKind kind, const QString &title, 
         QFileDialog dialog(parent, title, QDir(folder).filePath(defaultName));
         dialog.setAcceptMode(QFileDialog::AcceptSave);
         dialog.setFileMode(QFileDialog::AnyFile);
+        prepareFileDialog(dialog, isSwedish);
         // Without shown extensions the patterns stay out of sight.
         if (!showsExtensions)
             dialog.setOption(QFileDialog::HideNameFilterDetails);

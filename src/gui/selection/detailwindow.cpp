@@ -86,7 +86,14 @@ DetailWindow::DetailWindow(bool isSwedish, QWidget *parent)
     mGrid->setColumnStretch(0, 1);
     outer->addLayout(mGrid);
     outer->addStretch(1);
-    setWidget(mContent);
+    // When the dock is given more height than the content needs, the room
+    // goes below the values, not above the headers.
+    auto *holder = new QWidget(this);
+    auto *column = new QVBoxLayout(holder);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->addWidget(mContent);
+    column->addStretch(1);
+    setWidget(holder);
     updateLayout();
 }
 

@@ -17,6 +17,7 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QSplitter>
+#include <QStyle>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -29,6 +30,7 @@ namespace {
 
 constexpr int ReminderIntervalMs = 800;
 constexpr int MinimumPaneTwips = 285; // tree and flex list never get smaller
+constexpr int MinimumTreeRows = 5;
 constexpr int DesignedFlexHeightTwips = 1140;
 constexpr int LabelGapTwips = 120; // between the count and the Show button
 
@@ -55,13 +57,20 @@ NavigatorWindow::NavigatorWindow(bool isSwedish, StatusLine &status, const UserO
                  "Totalen ska vara den samma som det aktuella urvalet med undantag för inställningarna ovan."));
     mTotalLabel->setObjectName(QStringLiteral("lblTotal"));
     mShowButton->setObjectName(QStringLiteral("cmdShow"));
+    // What a screen reader says for the controls that show no label of their own.
+    mTree->setAccessibleName(pickText(isSwedish, "Selection", "Urval"));
+    mFlexList->setAccessibleName(pickText(isSwedish, "Total", "Total"));
+    mFlexList->setAccessibleDescription(mFlexList->toolTip());
+    mTotalLabel->setAccessibleName(pickText(isSwedish, "Total index", "Totalindex"));
     mShowButton->setAutoFillBackground(true);
 
     // The divider between tree and list is the splitter's handle; neither
     // pane may be dragged below its minimum, and the list keeps its height
     // when the window is resized.
     const int minimumPane = twipsToPixels(MinimumPaneTwips);
-    mTree->setMinimumHeight(minimumPane);
+    // The tree stays usable, five rows at least, however small the window:
+    // the list gives way first, down to its own minimum.
+    mTree->setMinimumHeight(std::max(minimumPane, treeMinimumHeight()));
     mFlexList->setMinimumHeight(minimumPane);
     mSplitter->setChildrenCollapsible(false);
     mSplitter->setStretchFactor(0, 1);
@@ -110,6 +119,16 @@ NavigatorWindow::~NavigatorWindow()
     disconnect(mFocusConnection);
     qApp->removeEventFilter(this);
     mReminder.stop();
+}
+
+int NavigatorWindow::treeMinimumHeight() const
+{
+    // A row of the tree: its text or its check box, whichever is taller,
+    // with the item's padding.
+    const int text = mTree->fontMetrics().height();
+    const int box = mTree->style()->pixelMetric(QStyle::PM_IndicatorHeight, nullptr, mTree);
+    const int row = mTree->topLevelItemCount() > 0 ? mTree->sizeHintForRow(0) : std::max(text, box) + 4;
+    return MinimumTreeRows * row + 2 * mTree->frameWidth();
 }
 
 int NavigatorWindow::designedFlexHeight() const
@@ -170,6 +189,8 @@ void NavigatorWindow::setUp(const Document &doc)
     setReminderLit(false);
     mReminder.stop();
     buildTree(doc);
+    // Now with real rows to measure.
+    mTree->setMinimumHeight(std::max(twipsToPixels(MinimumPaneTwips), treeMinimumHeight()));
     buildFlexList(doc);
     mModel.setUpDimensions(doc);
     const bool flexShown = mModel.flexVisible();

@@ -85,6 +85,7 @@ public:
     bool isReminderLit() const { return mReminderLit; }
     /// The designed height of the flex list, pixels.
     int designedFlexHeight() const;
+    int treeMinimumHeight() const;
     int flexHeight() const;
 
     /// The navigator gained or lost the focus (called from the application's

@@ -8,6 +8,10 @@
 
 #include <QCoreApplication>
 #include <QDialogButtonBox>
+#include <QMessageBox>
+#include <QProcess>
+#include <QPushButton>
+#include <QStandardPaths>
 #include <QHBoxLayout>
 #include <QFile>
 #include <QGroupBox>
@@ -60,6 +64,28 @@ qint64 physicalMemoryMiB()
 
 } // namespace
 
+QString systemInformationProgram()
+{
+#ifdef Q_OS_WIN
+    const char *candidates[] = {"msinfo32"};
+#else
+    const char *candidates[] = {"hardinfo",  "gnome-system-monitor", "plasma-systemmonitor",
+                                "ksysguard", "xfce4-taskmanager",    "mate-system-monitor",
+                                "lxtask"};
+#endif
+    for (const char *name : candidates)
+        if (QString path = QStandardPaths::findExecutable(QString::fromLatin1(name)); !path.isEmpty())
+            return path;
+    return QString();
+}
+
+QString memoryText(qint64 mebibytes, bool isSwedish)
+{
+    const QLocale locale =
+        isSwedish ? QLocale(QLocale::Swedish, QLocale::Sweden) : QLocale(QLocale::English, QLocale::UnitedStates);
+    return locale.toString(mebibytes) + QStringLiteral(" MB");
+}
+
 QString systemSummary(bool isSwedish)
 {
     QStringList lines;
@@ -74,7 +100,7 @@ QString systemSummary(bool isSwedish)
     lines << pickText(isSwedish, "Processor: ", "Processor: ") + processor + QStringLiteral(", ")
             + QString::number(QThread::idealThreadCount()) + pickText(isSwedish, " threads", " trådar");
     if (const qint64 memory = physicalMemoryMiB(); memory > 0)
-        lines << pickText(isSwedish, "Memory: ", "Minne: ") + QLocale().toString(memory) + QStringLiteral(" MB");
+        lines << pickText(isSwedish, "Memory: ", "Minne: ") + memoryText(memory, isSwedish);
     lines << pickText(isSwedish, "Qt version: ", "Qt-version: ") + QString::fromLatin1(qVersion());
     return lines.join(QLatin1Char('\n'));
 }
@@ -112,6 +138,17 @@ AboutBox::AboutBox(bool isSwedish, QWidget *parent) : QDialog(parent)
     systemLayout->addWidget(systemLabel);
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok, this);
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+    mSystemInfo = buttons->addButton(pickText(isSwedish, "&System Info...", "&Systeminformation..."),
+                                     QDialogButtonBox::ActionRole);
+    mSystemInfo->setObjectName(QStringLiteral("cmdSysInfo"));
+    const QString program = systemInformationProgram();
+    mSystemInfo->setVisible(!program.isEmpty());
+    connect(mSystemInfo, &QPushButton::clicked, this, [this, program, isSwedish] {
+        if (!QProcess::startDetached(program, {}))
+            QMessageBox::warning(this, windowTitle(),
+                                 pickText(isSwedish, "The system information program could not be started.",
+                                          "Systeminformationsprogrammet kunde inte startas."));
+    });
     auto *layout = new QVBoxLayout(this);
     auto *heading = new QHBoxLayout;
     heading->addWidget(icon);

@@ -141,6 +141,9 @@ void MainWindow::copyTotalIndexPoints()
     QClipboard *clipboard = QGuiApplication::clipboard();
     clipboard->clear();
     clipboard->setText(distribution);
+    // The clipboard's old content is gone: say what replaced it.
+    mStatus->setStatus("The total index points have been copied to the clipboard!",
+                       "Totalindexets poäng har kopierats till urklipp!", true);
 }
 
 } // namespace kel

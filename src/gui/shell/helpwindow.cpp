@@ -4,6 +4,7 @@
 #include "texts/language.h"
 
 #include <QPushButton>
+#include <QShortcut>
 #include <QTextBrowser>
 #include <QVBoxLayout>
 #include <QHBoxLayout>
@@ -32,12 +33,15 @@ HelpWindow::HelpWindow(bool isSwedish, QWidget *parent) : QWidget(parent, Qt::Wi
 
     auto *back = new QPushButton(pickText(isSwedish, "&Back", "&Bakåt"), this);
     auto *home = new QPushButton(pickText(isSwedish, "&Contents", "&Innehåll"), this);
-    auto *close = new QPushButton(pickText(isSwedish, "Close", "Stäng"), this);
+    auto *close = new QPushButton(pickText(isSwedish, "C&lose", "&Stäng"), this);
     back->setEnabled(false);
     connect(mBrowser, &QTextBrowser::backwardAvailable, back, &QPushButton::setEnabled);
     connect(back, &QPushButton::clicked, mBrowser, &QTextBrowser::backward);
     connect(home, &QPushButton::clicked, mBrowser, &QTextBrowser::home);
     connect(close, &QPushButton::clicked, this, &QWidget::close);
+    // Escape closes it as it closes a dialog, wherever the focus is inside.
+    auto *escape = new QShortcut(QKeySequence(Qt::Key_Escape), this);
+    connect(escape, &QShortcut::activated, this, &QWidget::close);
 
     auto *buttons = new QHBoxLayout;
     buttons->addWidget(back);

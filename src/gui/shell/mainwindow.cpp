@@ -21,6 +21,7 @@
 #include "engine/document/kelformat.h"
 #include "engine/indexes/columnindex.h"
 #include "engine/overview/sheetlayout.h"
+#include "gui/common/filedialogs.h"
 #include "gui/overview/sheetview.h"
 #include "engine/selection/counting.h"
 #include "gui/selection/detailwindow.h"
@@ -119,6 +120,7 @@ MainWindow::MainWindow(SettingsStore &settings, bool isSwedish, const MainWindow
     setAcceptDrops(true);
     mSheet->setObjectName(QStringLiteral("sheet"));
     setCentralWidget(mSheet);
+    mSheet->setSwedish(isSwedish);
     connect(mSheet, &SheetView::popupRequested, this, &MainWindow::showSheetPopup);
     connect(mSheet, &SheetView::cellHovered, this, &MainWindow::showHoveredCell);
 
@@ -290,13 +292,18 @@ void MainWindow::fileOpen()
     const QString allFilter = pickText(mIsSwedish, "All files (*.*)", "Alla filer (*.*)");
     const Document *doc = document();
     const bool kelFirst = doc == nullptr || doc->currentFileName.endsWith(QLatin1String(".kel"), Qt::CaseInsensitive);
-    QString selectedFilter = kelFirst ? kelFilter : allFilter;
+    const QString selectedFilter = kelFirst ? kelFilter : allFilter;
     const QString start =
         doc ? QDir(mSession->currentFolder()).filePath(doc->currentFileTitle) : mSession->currentFolder();
 
     QApplication::setOverrideCursor(Qt::ArrowCursor);
-    const QString path = QFileDialog::getOpenFileName(this, openDialogTitle(), start,
-                                                      kelFilter + QStringLiteral(";;") + allFilter, &selectedFilter);
+    QFileDialog dialog(this, openDialogTitle(), start, kelFilter + QStringLiteral(";;") + allFilter);
+    dialog.setFileMode(QFileDialog::ExistingFile);
+    dialog.selectNameFilter(selectedFilter);
+    prepareFileDialog(dialog, mIsSwedish);
+    const QString path = dialog.exec() == QDialog::Accepted && !dialog.selectedFiles().isEmpty()
+        ? dialog.selectedFiles().first()
+        : QString();
     QApplication::restoreOverrideCursor();
     if (path.isEmpty()) {
         mStatus->clearStatus();
@@ -732,6 +739,10 @@ void MainWindow::showSubSheet(const Document &doc, const SubSheet &sheet)
         showMessage(QMessageBox::Critical, applicationTitle(),
                     pickText(mIsSwedish, "The overview is too large to be drawn!",
                              "Översikten är för stor för att kunna ritas!"));
+    // The status line keeps its usual words; the empty sheet says why it is empty.
+    mSheet->setNotice(sheet.dataRowsAllowed
+                          ? QString()
+                          : belowMinimumNotice(qint32(sheet.rows.size()), doc.properties.minimumSelection, mIsSwedish));
     if (mDetail)
         mDetail->showNoCell(doc, sheet.totalIndex);
 }

@@ -5,6 +5,7 @@
 #include "gui/common/waitcursor.h"
 #include "texts/language.h"
 
+#include <QSysInfo>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialogButtonBox>
@@ -120,15 +121,15 @@ QString rowOrderComment(bool isSwedish, const Document *doc)
         + phrase;
 }
 
-QString maxRowsComment(bool isSwedish)
+QString maxRowsComment(bool isSwedish, const QString &systemName)
 {
     // No platform this program runs on has the old small-memory limit.
     return pickText(isSwedish,
-                    "Since this is a Windows NT/2000/XP/2003 based system you can select any number you like below, "
-                    "but trying to display a large number of rows will degrade system performance.",
-                    "Eftersom detta är ett Windows 2000/XP/Vista/7-baserat system kan du ange vilket tal som helst "
-                    "nedan, men om du försöker att visa ett stort antal rader kommer det att påverka systemets "
-                    "prestanda negativt.");
+                    "Since this is a %1 system you can select any number you like below, but trying to display a "
+                    "large number of rows will degrade system performance.",
+                    "Eftersom detta är ett %1-system kan du ange vilket tal som helst nedan, men om du försöker att "
+                    "visa ett stort antal rader kommer det att påverka systemets prestanda negativt.")
+        .arg(systemName);
 }
 
 std::optional<qint32> parseMaxRows(const QString &text)
@@ -206,7 +207,8 @@ OptionsDialog::OptionsDialog(bool isSwedish, const UserOptions &options, const D
     mMaxRows->installEventFilter(this);
     maxRowsLabel->setBuddy(mMaxRows);
     auto *unit = newLabel(maxRowsFrame, "lblOverviewMaxRowsUnit", pickText(isSwedish, "rows", "rader"));
-    mMaxRowsComment = newComment(maxRowsFrame, "lblOverviewMaxRowsComment", maxRowsComment(isSwedish));
+    mMaxRowsComment =
+        newComment(maxRowsFrame, "lblOverviewMaxRowsComment", maxRowsComment(isSwedish, QSysInfo::prettyProductName()));
     auto *maxRowsLayout = new QGridLayout(maxRowsFrame);
     maxRowsLayout->addWidget(mMaxRowsComment, 0, 0, 1, 4);
     maxRowsLayout->addWidget(maxRowsLabel, 1, 0);

@@ -25,7 +25,9 @@ struct Document;
 /// `doc` may be nullptr (no document open).
 QString rowOrderComment(bool isSwedish, const Document *doc);
 /// The comment below the max-rows box. This platform sets no upper limit.
-QString maxRowsComment(bool isSwedish);
+/// It names the system the program runs on (`systemName`, the operating
+/// system's own name for itself) as the reason any number of rows may be set.
+QString maxRowsComment(bool isSwedish, const QString &systemName);
 /// The max-rows box's text as a number: a whole number of at least 1
 /// (blanks around it ignored) that fits the stored DWORD; nothing otherwise.
 std::optional<qint32> parseMaxRows(const QString &text);

@@ -15,6 +15,8 @@
 
 #include <QAction>
 #include <QDir>
+#include "gui/common/filedialogs.h"
+
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QPrinterInfo>
@@ -117,6 +119,7 @@ void OverviewCommands::saveOverviewAs()
     } else {
         QFileDialog dialog(&mWindow, title, QDir(folder).filePath(defaultName));
         dialog.setAcceptMode(QFileDialog::AcceptSave);
+        prepareFileDialog(dialog, mWindow.isSwedish());
         dialog.setNameFilters(names);
         dialog.selectNameFilter(names.value(preselected));
         if (dialog.exec() == QDialog::Accepted && !dialog.selectedFiles().isEmpty())
