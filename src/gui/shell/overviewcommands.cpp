@@ -79,7 +79,7 @@ bool copyToMiniOverview(MainWindow &window)
     SheetInput input = sheet->input();
     // The command is only offered while answer rows may be shown.
     input.maxRowsDisplayed = window.menus().mnuECopyToMiniOverview->isEnabled() ? -1 : 0;
-    if (!mini || !mini->initializeData(std::move(input), sheet->textOffsets())) {
+    if (!mini || !mini->initializeData(std::move(input))) {
         status.setStatus("Overview could not be copied to mini-overview!",
                          "Översikt kunde inte kopieras till miniöversikt!", true);
         return false;
