@@ -9,6 +9,7 @@
 // - peak memory (VmHWM) of a fresh process with the viewer open on the
 //   document, then with ten mini-overviews of it, the baseline holding the
 //   pictures the whole-picture way kept.
+// `bench_viewer --write-document FILE` writes the document and stops.
 // Times are medians; the machine is shared, so figures vary between runs.
 #include "engine/selection/counting.h"
 #include "engine/settings/settingsstore.h"
@@ -43,9 +44,14 @@ bool writeDocument(const QString &path)
 {
     kel::writer::SurveyBuilder b(Rows, 3);
     b.header().pointsScale = 100;
+    using kel::writer::rgb;
     const QList<kel::writer::AlternativeSpec> scale = {
-        {QStringLiteral("No answer"), -1}, {QStringLiteral("1"), 0},  {QStringLiteral("2"), 25},
-        {QStringLiteral("3"), 50},         {QStringLiteral("4"), 75}, {QStringLiteral("5"), 100},
+        {.text = QStringLiteral("No answer"), .points = -1},
+        {.text = QStringLiteral("1"), .points = 0, .colour = rgb(230, 60, 50), .label = QStringLiteral("1")},
+        {.text = QStringLiteral("2"), .points = 25, .colour = rgb(250, 160, 80), .label = QStringLiteral("2")},
+        {.text = QStringLiteral("3"), .points = 50, .colour = rgb(250, 240, 120), .label = QStringLiteral("3")},
+        {.text = QStringLiteral("4"), .points = 75, .colour = rgb(150, 210, 110), .label = QStringLiteral("4")},
+        {.text = QStringLiteral("5"), .points = 100, .colour = rgb(60, 160, 70), .label = QStringLiteral("5")},
     };
     const qint32 first = b.addQuestion({QStringLiteral("Q1"), QStringLiteral("Question 1")}, scale);
     for (int c = 1; c < Columns; ++c)
@@ -176,6 +182,9 @@ int main(int argc, char **argv)
     const QStringList args = app.arguments();
     if (args.size() == 4 && args.at(1) == QLatin1String("--peak"))
         return childPeaks(args.at(2) == QLatin1String("whole"), args.at(3));
+    // The document alone, to look at the viewer with it.
+    if (args.size() == 3 && args.at(1) == QLatin1String("--write-document"))
+        return writeDocument(args.at(2)) ? 0 : 1;
 
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("wide.kel"));
