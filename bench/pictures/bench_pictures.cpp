@@ -98,10 +98,10 @@ double processCpuMs()
     return t.tv_sec * 1e3 + t.tv_nsec / 1e6;
 }
 
-double medianMs(const std::function<void()> &work)
+double medianMs(const std::function<void()> &work, int runs = Runs)
 {
     std::vector<double> times, cpu;
-    for (int i = 0; i < Runs; ++i) {
+    for (int i = 0; i < runs; ++i) {
         QElapsedTimer timer;
         const double cpuStart = processCpuMs();
         timer.start();
@@ -238,6 +238,7 @@ int main(int argc, char **argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QGuiApplication app(argc, argv);
+    std::setvbuf(stdout, nullptr, _IOLBF, 0); // figures as they come, also into a file
     const QStringList args = app.arguments();
     if (args.size() == 6 && args.at(1) == QLatin1String("--peak"))
         return childPeak(args.at(2).toInt(), args.at(3), args.at(4) == QLatin1String("whole"), args.at(5));
@@ -318,7 +319,7 @@ int main(int argc, char **argv)
     }
     // The PNG choice: zlib levels without filters, then each single filter
     // at the chosen level (RGB rows).
-    std::printf("PNG of the copy picture, RGB rows: zlib level / filter, ms, bytes\n");
+    std::printf("PNG of the copy picture, RGB rows: zlib level / filter, ms, bytes (median of 3 runs)\n");
     const struct {
         const char *name;
         int bits;
@@ -333,13 +334,15 @@ int main(int argc, char **argv)
             if (filter.bits != PNG_FILTER_NONE && level != chosen.level)
                 continue;
             qsizetype size = 0;
-            const double ms = medianMs([&] {
-                QByteArray out;
-                QBuffer buffer(&out);
-                buffer.open(QIODevice::WriteOnly);
-                kel::writePng(copy, buffer, nullptr, kel::PictureBands::DefaultBandBytes, {level, filter.bits});
-                size = out.size();
-            });
+            const double ms = medianMs(
+                [&] {
+                    QByteArray out;
+                    QBuffer buffer(&out);
+                    buffer.open(QIODevice::WriteOnly);
+                    kel::writePng(copy, buffer, nullptr, kel::PictureBands::DefaultBandBytes, {level, filter.bits});
+                    size = out.size();
+                },
+                3);
             std::printf("  level %d %-15s %8.1f ms %10lld bytes%s\n", level, filter.name, ms,
                         static_cast<long long>(size),
                         level == chosen.level && filter.bits == chosen.filters ? "   <- the writers' choice" : "");
