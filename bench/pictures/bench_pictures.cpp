@@ -242,7 +242,8 @@ int main(int argc, char **argv)
     const QStringList args = app.arguments();
     if (args.size() == 6 && args.at(1) == QLatin1String("--peak"))
         return childPeak(args.at(2).toInt(), args.at(3), args.at(4) == QLatin1String("whole"), args.at(5));
-    // bench_pictures [KEL] [--only EMF|WMF|SVG|PDF|PNG] (--only: for profiling one writer)
+    // bench_pictures [KEL] [--only EMF|WMF|SVG|PDF|PNG|LEVELS] (--only: for profiling one writer;
+    // LEVELS: the PNG level table alone)
     QString kelTool, only;
     for (qsizetype i = 1; i < args.size(); ++i) {
         if (args[i] == QLatin1String("--only") && i + 1 < args.size())
@@ -302,11 +303,14 @@ int main(int argc, char **argv)
     // both ways.
     const kel::Picture copy =
         kel::overviewPicture(input, kel::SheetMode::CopyPicture, kel::OverviewPictureContent::Answers, true);
+    const bool levelsOnly = only == QLatin1String("LEVELS");
     std::printf("copy picture %d x %d pixels as image files (median of %d runs):\n", copy.size.width(),
                 copy.size.height(), Runs);
     std::printf("  %-4s %14s %14s %14s %14s\n", "", "whole, ms", "bands, ms", "whole, bytes", "bands, bytes");
     double wholePngMs = 0.0, bandsPngMs = 0.0;
     for (const auto &f : ImageFormats) {
+        if (levelsOnly)
+            break;
         qsizetype wholeSize = 0, bandsSize = 0;
         const double wholeMs = medianMs([&] { wholeSize = wholePictureFile(copy, f.format).size(); });
         const double bandsMs = medianMs([&] { bandsSize = kel::encodePicture(copy, f.format).size(); });
@@ -317,8 +321,8 @@ int main(int argc, char **argv)
         std::printf("  %-4s %14.1f %14.1f %14lld %14lld\n", f.name, wholeMs, bandsMs, static_cast<long long>(wholeSize),
                     static_cast<long long>(bandsSize));
     }
-    // The PNG choice: zlib levels without filters, then each single filter
-    // at the chosen level (RGB rows).
+    // The PNG choice: zlib levels without a filter and with the Up filter
+    // (neither searches), then the other filters at the chosen level.
     std::printf("PNG of the copy picture, RGB rows: zlib level / filter, ms, bytes (median of 3 runs)\n");
     const struct {
         const char *name;
@@ -331,7 +335,7 @@ int main(int argc, char **argv)
     const kel::PngEncoding chosen;
     for (int level = 1; level <= 9; ++level) {
         for (const auto &filter : filters) {
-            if (filter.bits != PNG_FILTER_NONE && level != chosen.level)
+            if (filter.bits != PNG_FILTER_NONE && filter.bits != PNG_FILTER_UP && level != chosen.level)
                 continue;
             qsizetype size = 0;
             const double ms = medianMs(
@@ -343,7 +347,7 @@ int main(int argc, char **argv)
                     size = out.size();
                 },
                 3);
-            std::printf("  level %d %-15s %8.1f ms %10lld bytes%s\n", level, filter.name, ms,
+            std::printf("  level %d %-15s %8.1f ms (cpu %7.1f ms) %10lld bytes%s\n", level, filter.name, ms, lastCpuMs,
                         static_cast<long long>(size),
                         level == chosen.level && filter.bits == chosen.filters ? "   <- the writers' choice" : "");
         }

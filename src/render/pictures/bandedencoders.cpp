@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <csetjmp>
+#include <cstring>
 #include <vector>
 
 namespace kel {
@@ -195,17 +196,11 @@ bool writeBmp(const Picture &picture, QIODevice &device, QString *error, qint64 
     }
     // The file starts with the bottom row: bands are drawn from the bottom.
     const int bandCount = (bands.height() + bands.bandRows() - 1) / bands.bandRows();
-    QByteArray row(rowBytes, '\0');
+    QByteArray row(rowBytes, '\0'); // the padding stays zero
     for (int band = bandCount - 1; band >= 0; --band) {
-        const QImage &image = bands.draw(band * bands.bandRows());
+        const QImage image = bands.draw(band * bands.bandRows()).convertToFormat(QImage::Format_BGR888);
         for (int y = image.height() - 1; y >= 0; --y) {
-            const auto *pixels = reinterpret_cast<const QRgb *>(image.constScanLine(y));
-            char *out = row.data();
-            for (int x = 0; x < image.width(); ++x) {
-                *out++ = char(qBlue(pixels[x]));
-                *out++ = char(qGreen(pixels[x]));
-                *out++ = char(qRed(pixels[x]));
-            }
+            std::memcpy(row.data(), image.constScanLine(y), std::size_t(image.width()) * 3);
             if (device.write(row) != row.size()) {
                 setError(error, writeFailure(device));
                 return false;
