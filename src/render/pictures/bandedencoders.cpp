@@ -114,14 +114,23 @@ bool writePngRows(png_structp png, png_infop info, PictureBands &bands, bool opa
                  PNG_FILTER_TYPE_DEFAULT);
     png_set_pHYs(png, info, png_uint_32(dotsPerMeter()), png_uint_32(dotsPerMeter()), PNG_RESOLUTION_METER);
     if (opaque) {
-        // The picture's large flat areas compress well without the per-row
-        // filter search, which costs more than the compression itself.
+        // A sheet repeats each pixel row many times: one fixed filter does
+        // as well as the per-row search, which costs more than zlib.
         png_set_filter(png, PNG_FILTER_TYPE_BASE, encoding.filters);
         png_set_compression_level(png, encoding.level);
     }
     png_write_info(png, info);
+    if (opaque) {
+        // RGB32 rows as they are (B, G, R, unused on a little-endian machine;
+        // unused, R, G, B on a big-endian one): libpng drops the unused byte
+        // and orders the others as it writes, saving a conversion pass.
+        png_set_filler(png, 0, Q_BYTE_ORDER == Q_LITTLE_ENDIAN ? PNG_FILLER_AFTER : PNG_FILLER_BEFORE);
+        if (Q_BYTE_ORDER == Q_LITTLE_ENDIAN)
+            png_set_bgr(png);
+    }
     for (int top = 0; top < bands.height(); top += bands.bandRows()) {
-        const QImage rows = bands.draw(top).convertToFormat(opaque ? QImage::Format_RGB888 : QImage::Format_RGBA8888);
+        const QImage &band = bands.draw(top);
+        const QImage rows = opaque ? band : band.convertToFormat(QImage::Format_RGBA8888);
         for (int y = 0; y < rows.height(); ++y)
             png_write_row(png, rows.constScanLine(y));
     }

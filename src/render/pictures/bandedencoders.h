@@ -43,9 +43,13 @@ private:
 };
 
 /// zlib level and row filters (libpng's PNG_FILTER_ bits) of opaque PNGs.
+/// Measured on a 250-column overview (bench_pictures): the Up filter alone,
+/// which needs no search, turns the sheet's repeated pixel rows into zeros;
+/// level 6 is the lowest whose files are no larger than those of the
+/// adaptive filters Qt's writer used (level 5 is 10 % larger).
 struct PngEncoding {
-    int level = 3;
-    int filters = 0x08; // PNG_FILTER_NONE
+    int level = 6;
+    int filters = 0x20; // PNG_FILTER_UP
 };
 
 /// Each writes `picture` to `device` (already open for writing) and returns
