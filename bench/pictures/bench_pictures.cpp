@@ -242,8 +242,9 @@ int main(int argc, char **argv)
     const QStringList args = app.arguments();
     if (args.size() == 6 && args.at(1) == QLatin1String("--peak"))
         return childPeak(args.at(2).toInt(), args.at(3), args.at(4) == QLatin1String("whole"), args.at(5));
-    // bench_pictures [KEL] [--only EMF|WMF|SVG|PDF|PNG|LEVELS] (--only: for profiling one writer;
-    // LEVELS: the PNG level table alone)
+    // bench_pictures [KEL] [--only EMF|WMF|SVG|PDF|PNG|LEVELS|IMAGES] (--only: for profiling one
+    // writer; LEVELS: the PNG level table alone; IMAGES: the image files both ways, `kel render`
+    // and the peaks)
     QString kelTool, only;
     for (qsizetype i = 1; i < args.size(); ++i) {
         if (args[i] == QLatin1String("--only") && i + 1 < args.size())
@@ -304,6 +305,7 @@ int main(int argc, char **argv)
     const kel::Picture copy =
         kel::overviewPicture(input, kel::SheetMode::CopyPicture, kel::OverviewPictureContent::Answers, true);
     const bool levelsOnly = only == QLatin1String("LEVELS");
+    const bool imagesOnly = only == QLatin1String("IMAGES");
     std::printf("copy picture %d x %d pixels as image files (median of 5 runs):\n", copy.size.width(),
                 copy.size.height());
     std::printf("  %-4s %14s %14s %14s %14s %14s %14s\n", "", "whole, ms", "bands, ms", "whole, cpu ms",
@@ -336,7 +338,7 @@ int main(int argc, char **argv)
                    {"paeth", PNG_FILTER_PAETH},
                    {"all (adaptive)", PNG_ALL_FILTERS}};
     const kel::PngEncoding chosen;
-    for (int level = 1; level <= 9; ++level) {
+    for (int level = 1; level <= 9 && !imagesOnly; ++level) {
         for (const auto &filter : filters) {
             if (filter.bits != PNG_FILTER_NONE && filter.bits != PNG_FILTER_UP && level != chosen.level)
                 continue;
