@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// frmOverview: a mini-overview, a window that keeps a small picture of the
-// overview as it stood when it was copied (8-pixel cells, no text), so that
-// several selections can be compared side by side. The window owns its
-// picture; it does not follow later changes of the overview or document.
+// frmOverview: a mini-overview, a window that shows the overview as it stood
+// when it was copied (8-pixel cells, no text), so that several selections
+// can be compared side by side. The window owns its copy of the row list and
+// offsets and draws what it shows from them; it does not follow later
+// changes of the overview.
 #pragma once
 
 #include "render/overview/sheetdrawer.h"

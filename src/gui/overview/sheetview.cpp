@@ -14,7 +14,7 @@
 namespace kel {
 
 namespace {
-// The picture sits one pixel in from the view's top-left corner.
+// The sheet sits one pixel in from the view's top-left corner.
 constexpr int Margin = 1;
 // One wheel notch, in the units of angleDelta().
 constexpr int NotchUnits = 120;
