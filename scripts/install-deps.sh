@@ -9,7 +9,7 @@ set -euo pipefail
 packages=(
     build-essential cmake ninja-build pkg-config
     qt6-base-dev qt6-charts-dev libqt6opengl6-dev qt6-svg-dev qt6-qpa-plugins libgl1-mesa-dev
-    qt6-translations-l10n libgif-dev
+    qt6-translations-l10n libgif-dev libpng-dev
     zlib1g-dev libuemf-dev
     libgtest-dev libgmock-dev libbenchmark-dev
     clang libclang-rt-14-dev clang-format

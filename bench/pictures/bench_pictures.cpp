@@ -5,6 +5,13 @@
 // PNG as a whole process (start-up, reading the document, Show, drawing,
 // writing). Then a fraction graph of 45 questions as EMF, and `kel render` of
 // a chart to PNG as a whole process. Prints median milliseconds.
+//
+// The image writers (PNG, BMP, GIF) are measured both ways in the same run:
+// the whole-picture way they replaced (the picture drawn into one image,
+// then Qt's writers, or Qt's 256-colour conversion and giflib) against the
+// banded writers, with the PNG zlib levels and filters behind the choice,
+// and the peak memory of writing a 250- and a 1,000-column overview file in
+// a fresh process.
 #include "engine/document/documentreader.h"
 #include "engine/graphs/basicgraph.h"
 #include "engine/overview/subsheet.h"
@@ -12,7 +19,15 @@
 #include "render/graphs/basicgraphrenderer.h"
 #include "render/overview/overviewpicture.h"
 #include "render/pictures/emfpaintdevice.h"
+#include "render/pictures/bandedencoders.h"
 #include "render/pictures/picturewriter.h"
+
+#include "oldgifencoder.h"
+
+#include <QBuffer>
+#include <QFile>
+#include <QImageWriter>
+#include <png.h>
 
 #include <QElapsedTimer>
 #include <QGuiApplication>
@@ -32,7 +47,7 @@ constexpr int Rows = 300;
 constexpr int Columns = 250;
 constexpr int Runs = 9;
 
-kel::writer::SurveyBuilder survey()
+kel::writer::SurveyBuilder survey(int columns = Columns)
 {
     using namespace kel::writer;
     SurveyBuilder b(Rows, 1);
@@ -53,7 +68,7 @@ kel::writer::SurveyBuilder survey()
         {.text = QStringLiteral("5"), .points = 100, .colour = rgb(60, 160, 70), .label = QStringLiteral("5")}};
     qint32 first = -1, block = -1;
     Random random(11);
-    for (int c = 0; c < Columns; ++c) {
+    for (int c = 0; c < columns; ++c) {
         if (c % 10 == 0)
             block = b.addBlock({.code = QStringLiteral("B%1").arg(c / 10 + 1),
                                 .name = QStringLiteral("Block number %1").arg(c / 10 + 1)});
@@ -83,10 +98,10 @@ double processCpuMs()
     return t.tv_sec * 1e3 + t.tv_nsec / 1e6;
 }
 
-double medianMs(const std::function<void()> &work)
+double medianMs(const std::function<void()> &work, int runs = Runs)
 {
     std::vector<double> times, cpu;
-    for (int i = 0; i < Runs; ++i) {
+    for (int i = 0; i < runs; ++i) {
         QElapsedTimer timer;
         const double cpuStart = processCpuMs();
         timer.start();
@@ -100,14 +115,136 @@ double medianMs(const std::function<void()> &work)
     return times[times.size() / 2];
 }
 
+// The whole-picture way: one image of the picture, then the encoder.
+QByteArray wholePictureFile(const kel::Picture &picture, kel::PictureFormat format)
+{
+    const QImage image =
+        kel::renderPictureImage(picture, format == kel::PictureFormat::Png ? Qt::transparent : Qt::white);
+    if (image.isNull())
+        return QByteArray();
+    if (format == kel::PictureFormat::Gif)
+        return bench::encodeGifWhole(image, nullptr);
+    QByteArray out;
+    QBuffer buffer(&out);
+    buffer.open(QIODevice::WriteOnly);
+    QImageWriter writer(&buffer, format == kel::PictureFormat::Png ? "png" : "bmp");
+    return writer.write(image) ? out : QByteArray();
+}
+
+long peakKb()
+{
+    QFile status(QStringLiteral("/proc/self/status"));
+    if (!status.open(QIODevice::ReadOnly))
+        return -1;
+    for (const QByteArray &line : status.readAll().split('\n'))
+        if (line.startsWith("VmHWM:"))
+            return line.mid(6).trimmed().split(' ').value(0).toLong();
+    return -1;
+}
+
+struct Overview {
+    std::unique_ptr<kel::Document> document;
+    kel::SubSheet sheet;
+    kel::FlexTotal flex;
+
+    bool make(const kel::writer::SurveyBuilder &builder)
+    {
+        kel::ReadResult read = kel::readDocumentBytes(builder.toBytes());
+        if (read.code != kel::OpenResult::Ok)
+            return false;
+        document = std::move(read.document);
+        kel::RowRandom random(1);
+        sheet =
+            kel::createSubSheet(*document, kel::SelectionMatrix(1, document->maxCategoryAlternatives), flex, 0, random);
+        return true;
+    }
+
+    kel::Picture picture(kel::SheetMode mode) const
+    {
+        kel::SheetInput input;
+        input.document = document.get();
+        input.rows = sheet.rows;
+        input.columns = document->overviewColumns;
+        input.selectionText = sheet.steps.selectionText;
+        input.totalIndex = sheet.totalIndex;
+        return kel::overviewPicture(input, mode, kel::OverviewPictureContent::Answers, true);
+    }
+};
+
+const struct {
+    const char *name;
+    kel::PictureFormat format;
+} ImageFormats[] = {
+    {"PNG", kel::PictureFormat::Png}, {"BMP", kel::PictureFormat::Bmp}, {"GIF", kel::PictureFormat::Gif}};
+
+// In a fresh process: `--peak COLUMNS FORMAT whole|bands FILE` writes the
+// copy picture of the overview and prints the peak before and after, in kB.
+int childPeak(int columns, const QString &formatName, bool whole, const QString &path)
+{
+    Overview overview;
+    if (!overview.make(survey(columns)))
+        return 1;
+    const kel::Picture picture = overview.picture(kel::SheetMode::CopyPicture);
+    kel::PictureFormat format = kel::PictureFormat::Png;
+    for (const auto &f : ImageFormats)
+        if (formatName == QLatin1String(f.name))
+            format = f.format;
+    const long before = peakKb();
+    bool ok = false;
+    if (whole) {
+        const QByteArray bytes = wholePictureFile(picture, format);
+        QFile file(path);
+        ok = !bytes.isEmpty() && file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
+    } else {
+        ok = kel::writePicture(picture, format, path);
+    }
+    std::printf("%ld %ld %d\n", before, peakKb(), ok ? 1 : 0);
+    return 0;
+}
+
+void printPeaks(const QString &dir)
+{
+    std::printf("peak memory of writing the copy picture to a file, above the process before it (MB):\n");
+    std::printf("  %-30s %14s %14s %14s\n", "", "whole picture", "bands", "picture, RGBA");
+    for (int columns : {250, 1000}) {
+        Overview overview;
+        if (!overview.make(survey(columns)))
+            return;
+        const QSize size = overview.picture(kel::SheetMode::CopyPicture).size;
+        const double pictureMb = double(size.width()) * size.height() * 4 / 1048576.0;
+        for (const auto &f : ImageFormats) {
+            QString figures[2];
+            for (int whole = 1; whole >= 0; --whole) {
+                QProcess p;
+                p.start(QCoreApplication::applicationFilePath(),
+                        {QStringLiteral("--peak"), QString::number(columns), QLatin1String(f.name),
+                         whole ? QStringLiteral("whole") : QStringLiteral("bands"),
+                         dir + QStringLiteral("/peak.") + QLatin1String(f.name)});
+                p.waitForFinished(600000);
+                const QList<QByteArray> parts = p.readAllStandardOutput().trimmed().split(' ');
+                const long before = parts.value(0).toLong(), after = parts.value(1).toLong();
+                figures[whole] = parts.value(2) == "1" ? QString::number((after - before) / 1024.0, 'f', 1)
+                                                       : QStringLiteral("cannot");
+            }
+            std::printf("  %4d columns %dx%d %s %*s %14s %14s %14.1f\n", columns, size.width(), size.height(), f.name,
+                        4, "", qPrintable(figures[1]), qPrintable(figures[0]), pictureMb);
+        }
+    }
+}
+
 } // namespace
 
 int main(int argc, char **argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QGuiApplication app(argc, argv);
+    std::setvbuf(stdout, nullptr, _IOLBF, 0); // figures as they come, also into a file
     const QStringList args = app.arguments();
-    // bench_pictures [KEL] [--only EMF|WMF|SVG|PDF|PNG] (--only: for profiling one writer)
+    if (args.size() == 6 && args.at(1) == QLatin1String("--peak"))
+        return childPeak(args.at(2).toInt(), args.at(3), args.at(4) == QLatin1String("whole"), args.at(5));
+    // bench_pictures [KEL] [--only EMF|WMF|SVG|PDF|PNG|LEVELS|IMAGES] (--only: for profiling one
+    // writer; LEVELS: the PNG level table alone; IMAGES: the image files both ways, `kel render`
+    // and the peaks)
     QString kelTool, only;
     for (qsizetype i = 1; i < args.size(); ++i) {
         if (args[i] == QLatin1String("--only") && i + 1 < args.size())
@@ -163,6 +300,64 @@ int main(int argc, char **argv)
                     static_cast<long long>(size), f.format == kel::PictureFormat::Emf ? "   (target < 150 ms)" : "");
     }
 
+    // The image writers on the copy picture (what `kel render` writes),
+    // both ways.
+    const kel::Picture copy =
+        kel::overviewPicture(input, kel::SheetMode::CopyPicture, kel::OverviewPictureContent::Answers, true);
+    const bool levelsOnly = only == QLatin1String("LEVELS");
+    const bool imagesOnly = only == QLatin1String("IMAGES");
+    std::printf("copy picture %d x %d pixels as image files (median of 5 runs):\n", copy.size.width(),
+                copy.size.height());
+    std::printf("  %-4s %14s %14s %14s %14s %14s %14s\n", "", "whole, ms", "bands, ms", "whole, cpu ms",
+                "bands, cpu ms", "whole, bytes", "bands, bytes");
+    double wholePngMs = 0.0, bandsPngMs = 0.0;
+    for (const auto &f : ImageFormats) {
+        if (levelsOnly)
+            break;
+        qsizetype wholeSize = 0, bandsSize = 0;
+        const double wholeMs = medianMs([&] { wholeSize = wholePictureFile(copy, f.format).size(); }, 5);
+        const double wholeCpu = lastCpuMs;
+        const double bandsMs = medianMs([&] { bandsSize = kel::encodePicture(copy, f.format).size(); }, 5);
+        const double bandsCpu = lastCpuMs;
+        if (f.format == kel::PictureFormat::Png) {
+            wholePngMs = wholeMs;
+            bandsPngMs = bandsMs;
+        }
+        std::printf("  %-4s %14.1f %14.1f %14.1f %14.1f %14lld %14lld\n", f.name, wholeMs, bandsMs, wholeCpu, bandsCpu,
+                    static_cast<long long>(wholeSize), static_cast<long long>(bandsSize));
+    }
+    // The PNG choice: zlib levels without a filter and with the Up filter
+    // (neither searches), then the other filters at the chosen level.
+    std::printf("PNG of the copy picture, RGB rows: zlib level / filter, ms, bytes (median of 3 runs)\n");
+    const struct {
+        const char *name;
+        int bits;
+    } filters[] = {{"none", PNG_FILTER_NONE},
+                   {"sub", PNG_FILTER_SUB},
+                   {"up", PNG_FILTER_UP},
+                   {"paeth", PNG_FILTER_PAETH},
+                   {"all (adaptive)", PNG_ALL_FILTERS}};
+    const kel::PngEncoding chosen;
+    for (int level = 1; level <= 9 && !imagesOnly; ++level) {
+        for (const auto &filter : filters) {
+            if (filter.bits != PNG_FILTER_NONE && filter.bits != PNG_FILTER_UP && level != chosen.level)
+                continue;
+            qsizetype size = 0;
+            const double ms = medianMs(
+                [&] {
+                    QByteArray out;
+                    QBuffer buffer(&out);
+                    buffer.open(QIODevice::WriteOnly);
+                    kel::writePng(copy, buffer, nullptr, kel::PictureBands::DefaultBandBytes, {level, filter.bits});
+                    size = out.size();
+                },
+                3);
+            std::printf("  level %d %-15s %8.1f ms (cpu %7.1f ms) %10lld bytes%s\n", level, filter.name, ms, lastCpuMs,
+                        static_cast<long long>(size),
+                        level == chosen.level && filter.bits == chosen.filters ? "   <- the writers' choice" : "");
+        }
+    }
+
     // A fraction graph of 45 questions, saved as the graph window saves it
     // with its default size: twice the size, no margin.
     {
@@ -214,8 +409,12 @@ int main(int argc, char **argv)
         process.waitForFinished(60000);
         exitCode = std::max(exitCode, process.exitCode());
     });
-    std::printf("kel render overview -o PNG, whole process: %.1f ms (target < 400 ms)%s\n", ms,
+    std::printf("kel render overview -o PNG, whole process: %.1f ms (target <= 900 ms)%s\n", ms,
                 exitCode ? "  -- kel failed" : "");
+    std::printf("  the same with the whole-picture PNG writer (this process minus the banded writer plus the "
+                "whole-picture one, measured above): %.1f ms\n",
+                ms - bandsPngMs + wholePngMs);
+    std::printf("  file: %lld bytes\n", static_cast<long long>(QFile(out).size()));
 
     // A chart: the total index and the 25 block indexes, drawn by Qt Charts.
     const QString chart = dir.filePath(QStringLiteral("chart.png"));
@@ -230,5 +429,6 @@ int main(int argc, char **argv)
     });
     std::printf("kel render graph total-index -o PNG (800 x 600), whole process: %.1f ms (target < 400 ms)%s\n",
                 chartMs, exitCode ? "  -- kel failed" : "");
+    printPeaks(dir.path());
     return 0;
 }

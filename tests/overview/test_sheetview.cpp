@@ -76,7 +76,8 @@ protected:
 
 TEST_F(SheetViewTest, HeaderStaysWhileTheBodyScrolls)
 {
-    const QImage sheet = view.sheetImage().convertToFormat(QImage::Format_RGB32);
+    SheetTextOffsets offsets;
+    const QImage sheet = renderSheetImage(viewInput(doc), offsets);
     view.setScrollPosition(3, 5);
     ASSERT_EQ(view.scrollColumn(), 3);
     ASSERT_EQ(view.scrollLine(), 5);

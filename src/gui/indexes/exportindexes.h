@@ -3,7 +3,9 @@
 // and the progress window that computes the table and puts it on the
 // clipboard. The values are computed on a worker thread, item by item, so
 // the window keeps painting and Cancel is heard between two items; the
-// progress window is modal, so the document cannot change meanwhile.
+// progress window is modal, so the document cannot change meanwhile. The
+// worker runs at a lower priority than the window's thread, and the progress
+// bar reads its count on a timer.
 #pragma once
 
 #include "engine/indexes/indexexport.h"
@@ -97,6 +99,8 @@ private:
     QProgressBar *mProgress;
     QPushButton *mCancel;
     QTimer mStart; // tmrStart
+    QTimer mProgressPoll;
+    std::atomic<qint32> mItemsDone{0};
     std::function<void(qint32)> mObserver;
     std::atomic<bool> mCancelled{false};
     QThread *mWorker = nullptr;

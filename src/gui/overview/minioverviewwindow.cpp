@@ -28,19 +28,15 @@ MiniOverviewWindow::MiniOverviewWindow(bool isSwedish, QWidget *parent)
     layout->addWidget(mView);
 }
 
-bool MiniOverviewWindow::initializeData(SheetInput input, SheetTextOffsets &offsets)
+bool MiniOverviewWindow::initializeData(SheetInput input)
 {
     removeData();
-    input.mode = SheetMode::MiniOverview;
     const QString selectionText = input.selectionText;
-    SheetGeometry geometry;
-    QImage picture = renderSheetImage(input, offsets, devicePixelRatioF(), &geometry);
-    if (picture.isNull())
+    if (!mView->setMiniSheet(std::move(input)))
         return false;
-    mGeometry = geometry;
+    mGeometry = mView->sheetGeometry();
     mSelectionText = selectionText;
     mHasData = true;
-    mView->setPicture(std::move(picture), geometry);
     setWindowTitle(miniOverviewCaption(mIsSwedish, mSelectionText));
     setToolTip(mSelectionText);
     return true;
@@ -58,8 +54,8 @@ void MiniOverviewWindow::removeData()
 
 QSize MiniOverviewWindow::preferredSize(const QSize &available) const
 {
-    // The picture, its one-pixel margin and room for both bars when the
-    // picture does not fit.
+    // The sheet, its one-pixel margin and room for both bars when the
+    // sheet does not fit.
     const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, this);
     int w = mGeometry.width() + 2;
     int h = mGeometry.height() + 2;

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// frmOverview: a mini-overview, a window that keeps a small picture of the
-// overview as it stood when it was copied (8-pixel cells, no text), so that
-// several selections can be compared side by side. The window owns its
-// picture; it does not follow later changes of the overview or document.
+// frmOverview: a mini-overview, a window that shows the overview as it stood
+// when it was copied (8-pixel cells, no text), so that several selections
+// can be compared side by side. The window owns its copy of the row list and
+// offsets and draws what it shows from them; it does not follow later
+// changes of the overview.
 #pragma once
 
 #include "render/overview/sheetdrawer.h"
@@ -19,11 +20,14 @@ class MiniOverviewWindow : public QWidget
 public:
     explicit MiniOverviewWindow(bool isSwedish, QWidget *parent = nullptr);
 
-    /// Draws `input` as a mini-overview and keeps the picture, replacing any
-    /// earlier one; the caption names the selection. Returns false (and
-    /// keeps no picture) when it could not be drawn.
-    bool initializeData(SheetInput input, SheetTextOffsets &offsets);
-    /// Lets go of the picture and its selection text.
+    /// Shows `input` as a mini-overview, replacing any earlier one; the
+    /// caption names the selection. What it keeps is what it needs to draw
+    /// again (the row list and its offsets), never a picture of the sheet,
+    /// so `input`'s document must outlive it (the main window closes every
+    /// mini-overview with the document). Returns false (and keeps nothing)
+    /// when there is nothing to show.
+    bool initializeData(SheetInput input);
+    /// Lets go of the sheet and its selection text.
     void removeData();
 
     bool hasData() const { return mHasData; }
@@ -31,7 +35,7 @@ public:
     const SheetGeometry &sheetGeometry() const { return mGeometry; }
     SheetView *view() const { return mView; }
 
-    /// The size that shows the whole picture, limited to `available`.
+    /// The size that shows the whole sheet, limited to `available`.
     QSize preferredSize(const QSize &available) const;
 
 protected:

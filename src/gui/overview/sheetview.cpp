@@ -18,7 +18,7 @@
 namespace kel {
 
 namespace {
-// The picture sits one pixel in from the view's top-left corner.
+// The sheet sits one pixel in from the view's top-left corner.
 constexpr int Margin = 1;
 // One wheel notch, in the units of angleDelta().
 constexpr int NotchUnits = 120;
@@ -42,22 +42,39 @@ SheetView::SheetView(QWidget *parent) : QAbstractScrollArea(parent)
 
 bool SheetView::setSheet(SheetInput input)
 {
+    return showInput(std::move(input), SheetMode::Screen);
+}
+
+bool SheetView::setMiniSheet(SheetInput input)
+{
+    return showInput(std::move(input), SheetMode::MiniOverview);
+}
+
+bool SheetView::showInput(SheetInput input, SheetMode mode)
+{
     // The scroll bars stay as they are until the new sheet is laid out, so
     // a bar needed before and after keeps its place (clamped to the new range).
     discardSheet();
-    mFixedPicture = false;
-    input.mode = SheetMode::Screen;
+    mMiniSheet = mode == SheetMode::MiniOverview;
+    if (mMiniSheet)
+        mHoverEnabled = false;
+    input.mode = mode;
     if (input.document != mOffsetsDocument) {
         mOffsets.clear();
         mOffsetsDocument = input.document;
     }
     mInput = std::move(input);
-    mImage = std::move(mSpare);
-    mSpare = QImage();
-    mRenderedRatio = devicePixelRatioF();
-    renderSheetInto(mImage, mInput, mOffsets, mRenderedRatio, &mGeometry);
-    mCursor.setBounds({std::min(mGeometry.columns, int(mInput.columns.size())), mGeometry.headerLines,
-                       hasSheet() ? mGeometry.answerLines : 0});
+    mGeometry = measureSheet(mInput);
+    mHasSheet = mInput.document && mGeometry.width() > 0 && mGeometry.height() > 0;
+    if (!mHasSheet) {
+        mInput = SheetInput();
+        mGeometry = SheetGeometry();
+    }
+    mTiles.setCapacity(mMiniSheet ? 0 : SheetTiles::capacityFor(viewport()->size()));
+    mCursor.setBounds(mHasSheet && !mMiniSheet
+                          ? SheetCursorBounds{std::min(mGeometry.columns, int(mInput.columns.size())),
+                                              mGeometry.headerLines, mGeometry.answerLines}
+                          : SheetCursorBounds{});
     if (QAccessible::isActive()) {
         QAccessibleTableModelChangeEvent reset(this, QAccessibleTableModelChangeEvent::ModelReset);
         QAccessible::updateAccessibility(&reset);
@@ -65,29 +82,14 @@ bool SheetView::setSheet(SheetInput input)
     updateScrollBars();
     viewport()->update();
     refreshHover();
-    return !mImage.isNull();
-}
-
-void SheetView::setPicture(QImage picture, const SheetGeometry &geometry)
-{
-    discardSheet();
-    mSpare = QImage();
-    mFixedPicture = true;
-    mHoverEnabled = false;
-    mImage = std::move(picture);
-    mGeometry = geometry;
-    mCursor.setBounds({});
-    mRenderedRatio = mImage.devicePixelRatio();
-    updateScrollBars();
-    viewport()->update();
+    return mHasSheet;
 }
 
 void SheetView::discardSheet()
 {
     mHoverTimer.stop();
-    if (!mImage.isNull())
-        mSpare = std::move(mImage);
-    mImage = QImage();
+    mTiles.clear();
+    mHasSheet = false;
     mInput = SheetInput();
     mGeometry = SheetGeometry();
 }
@@ -102,7 +104,6 @@ void SheetView::eraseSheet()
 void SheetView::resetDocument()
 {
     eraseSheet();
-    mSpare = QImage();
     mOffsets.clear();
     mOffsetsDocument = nullptr;
 }
@@ -132,7 +133,7 @@ void SheetView::setScrollPosition(int column, int line)
 
 SheetHit SheetView::hitTest(const QPointF &pos) const
 {
-    if (!hasSheet() || mFixedPicture)
+    if (!hasSheet() || mMiniSheet)
         return SheetHit();
     // Only what the view shows can be hit: not the parts under the bars.
     if (pos.x() >= Margin + mLayout.availableWidth || pos.y() >= Margin + mLayout.availableHeight)
@@ -175,34 +176,26 @@ void SheetView::updateScrollBars()
 
 void SheetView::paintEvent(QPaintEvent *)
 {
-    // Moved to a screen of another pixel ratio: draw the picture once more
-    // so that it stays sharp there.
-    if (hasSheet() && !mFixedPicture && devicePixelRatioF() != mRenderedRatio) {
-        mRenderedRatio = devicePixelRatioF();
-        if (!renderSheetInto(mImage, mInput, mOffsets, mRenderedRatio, &mGeometry))
-            discardSheet();
-    }
     QPainter painter(viewport());
-    painter.fillRect(viewport()->rect(), palette().color(QPalette::Button));
-    if (!hasSheet())
+    const QRegion around(viewport()->rect());
+    if (!hasSheet()) {
+        painter.fillRect(viewport()->rect(), palette().color(QPalette::Button));
         return;
-    const qreal dpr = mImage.devicePixelRatio();
-    const int w = mGeometry.cellWidth;
-    const int h = mGeometry.cellHeight;
-    const int sourceX = w * scrollColumn();
-    const int visibleWidth = std::min(mLayout.availableWidth, mGeometry.width() - sourceX);
+    }
+    const int sourceX = mGeometry.cellWidth * scrollColumn();
+    const int visibleWidth = std::max(0, std::min(mLayout.availableWidth, mGeometry.width() - sourceX));
     const int headerHeight = std::min(mLayout.availableHeight, mGeometry.headerHeight());
-    // Copies in device pixels of the picture: no cell is drawn again.
-    auto copy = [&](int targetY, int sourceY, int height) {
-        if (visibleWidth <= 0 || height <= 0)
-            return;
-        painter.drawImage(QRectF(Margin, targetY, visibleWidth, height), mImage,
-                          QRectF(sourceX * dpr, sourceY * dpr, visibleWidth * dpr, height * dpr));
-    };
-    copy(Margin, 0, headerHeight);
-    const int bodySourceY = h * (scrollLine() + mGeometry.headerLines);
-    const int bodyHeight = std::min(mLayout.availableHeight - headerHeight, mGeometry.height() - bodySourceY);
-    copy(Margin + headerHeight, bodySourceY, bodyHeight);
+    const int bodySourceY = mGeometry.cellHeight * (scrollLine() + mGeometry.headerLines);
+    const int bodyHeight =
+        std::max(0, std::min(mLayout.availableHeight - headerHeight, mGeometry.height() - bodySourceY));
+    // Button face around the sheet only: the sheet's own pixels are written once.
+    const QRect shown(Margin, Margin, visibleWidth, headerHeight + bodyHeight);
+    for (const QRect &rect : around.subtracted(QRegion(shown)))
+        painter.fillRect(rect, palette().color(QPalette::Button));
+    mTiles.paint(painter, QPoint(Margin, Margin), QRect(sourceX, 0, visibleWidth, headerHeight), mInput, mOffsets,
+                 mGeometry);
+    mTiles.paint(painter, QPoint(Margin, Margin + headerHeight), QRect(sourceX, bodySourceY, visibleWidth, bodyHeight),
+                 mInput, mOffsets, mGeometry);
     paintNotice(painter);
     paintCursor(painter);
 }
@@ -215,7 +208,7 @@ void SheetView::setNotice(const QString &text)
 
 void SheetView::paintNotice(QPainter &painter) const
 {
-    if (mNotice.isEmpty() || mFixedPicture)
+    if (mNotice.isEmpty() || mMiniSheet)
         return;
     const int gap = fontMetrics().height() / 2;
     const int top = Margin + std::min(mLayout.availableHeight, mGeometry.height()) + gap;
@@ -251,7 +244,7 @@ void SheetView::paintCursor(QPainter &painter) const
 SheetHit SheetView::cursorHit() const
 {
     SheetHit hit;
-    if (!hasSheet() || mFixedPicture || !mCursor.isValid())
+    if (!hasSheet() || mMiniSheet || !mCursor.isValid())
         return hit;
     hit.column = mCursor.column();
     hit.line = mCursor.line();
@@ -282,7 +275,7 @@ QRect SheetView::cursorRect() const
 
 QRect SheetView::cursorCellRect() const
 {
-    if (!hasSheet() || mFixedPicture || !mCursor.isValid())
+    if (!hasSheet() || mMiniSheet || !mCursor.isValid())
         return QRect();
     const int w = mGeometry.cellWidth;
     const int h = mGeometry.cellHeight;
@@ -324,7 +317,7 @@ void SheetView::reportCursor()
 
 void SheetView::setCursorPosition(int column, int line)
 {
-    if (!hasSheet() || mFixedPicture)
+    if (!hasSheet() || mMiniSheet)
         return;
     mCursor.setPosition(column, line);
     scrollCursorIntoView();
@@ -382,6 +375,8 @@ void SheetView::mousePressEvent(QMouseEvent *event)
 void SheetView::resizeEvent(QResizeEvent *event)
 {
     QAbstractScrollArea::resizeEvent(event);
+    if (!mMiniSheet)
+        mTiles.setCapacity(SheetTiles::capacityFor(viewport()->size()));
     updateScrollBars();
 }
 
@@ -483,7 +478,7 @@ void SheetView::keyPressEvent(QKeyEvent *event)
         event->accept();
         return;
     }
-    if (hasSheet() && !mFixedPicture && mCursor.isValid()
+    if (hasSheet() && !mMiniSheet && mCursor.isValid()
         && mCursor.moveByKey(event->key(), event->modifiers(), visibleBodyLines())) {
         scrollCursorIntoView();
         reportCursor();

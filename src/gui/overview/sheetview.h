@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The main window's sheet: shows the finished sheet picture with the header
-// lines frozen at the top while the body scrolls in whole cells, finds the
-// cell under the pointer, and reports hovering and right clicks. Scrolling
-// only copies parts of the picture; cells are drawn once, in setSheet().
+// The main window's sheet: shows the sheet with the header lines frozen at
+// the top while the body scrolls in whole cells, finds the cell under the
+// pointer, and reports hovering and right clicks. Only the shown part is
+// drawn, in tiles kept while scrolling, so time and memory follow the
+// window rather than the sheet.
 // A keyboard cell cursor, drawn over the sheet while the view has focus,
 // moves with the arrow and page keys and opens the popup with the Menu key
 // or Shift+F10.
@@ -10,9 +11,9 @@
 
 #include "gui/overview/sheetcursor.h"
 #include "render/overview/sheetdrawer.h"
+#include "render/overview/sheettiles.h"
 
 #include <QAbstractScrollArea>
-#include <QImage>
 #include <QPoint>
 #include <QTimer>
 
@@ -27,27 +28,27 @@ public:
 
     explicit SheetView(QWidget *parent = nullptr);
 
-    /// Draws `input` (its mode is forced to the screen) once into the
-    /// off-screen picture, replacing any previous sheet, and lays out the
-    /// scroll bars: a bar shown before and after keeps its position, a bar
-    /// that appears starts at 0. Returns false when the picture could not
-    /// be made; the view then shows no sheet.
+    /// Shows `input` (its mode is forced to the screen), replacing any
+    /// previous sheet, and lays out the scroll bars: a bar shown before and
+    /// after keeps its position, a bar that appears starts at 0. Returns
+    /// false when there is nothing to show (no document or no columns); the
+    /// view then shows no sheet.
     bool setSheet(SheetInput input);
-    /// Shows a finished picture (a mini-overview's) with the same frozen
-    /// header lines and whole-cell scrolling; the view keeps it as it is and
-    /// reports no cells. `geometry` gives its cells in pixels of the
-    /// picture's device-independent size.
-    void setPicture(QImage picture, const SheetGeometry &geometry);
+    /// Shows `input` as a mini-overview (8-pixel cells, no text) with the
+    /// same frozen header lines and whole-cell scrolling; the view reports
+    /// no cells and keeps no tiles: it draws what it shows at every paint.
+    bool setMiniSheet(SheetInput input);
     /// Discards the sheet and stops the hover delay.
     void eraseSheet();
     /// For a newly opened or closed document: erases the sheet and forgets
     /// the label offsets measured for the previous one.
     void resetDocument();
 
-    bool hasSheet() const { return !mImage.isNull(); }
+    bool hasSheet() const { return mHasSheet; }
     const SheetInput &input() const { return mInput; }
     const SheetGeometry &sheetGeometry() const { return mGeometry; }
-    const QImage &sheetImage() const { return mImage; }
+    /// The tiles kept for the shown parts (their count and bytes).
+    const SheetTiles &tiles() const { return mTiles; }
     bool isRandomPerColumn() const { return !mInput.columnRowOffsets.empty(); }
     /// The label offsets measured for the current document; the copy and
     /// save pictures pass them to drawSheet() so they are measured once.
@@ -125,6 +126,7 @@ protected:
 
 private:
     void discardSheet();
+    bool showInput(SheetInput input, SheetMode mode);
     void updateScrollBars();
     void showHoveredCell();
     void refreshHover();
@@ -140,9 +142,8 @@ private:
     SheetGeometry mGeometry;
     SheetTextOffsets mOffsets;
     const Document *mOffsetsDocument = nullptr;
-    QImage mImage;
-    QImage mSpare;              // the last picture's memory, reused by a sheet of the same size
-    qreal mRenderedRatio = 1.0; // the device pixel ratio the picture was drawn for
+    SheetTiles mTiles;
+    bool mHasSheet = false;
     SheetScrollLayout mLayout;
     QTimer mHoverTimer;
     QPointF mLastPointer{-1.0, -1.0};
@@ -151,7 +152,7 @@ private:
     int mWheelLines = 3;
     QPoint mWheelRemainder;
     bool mLayingOut = false;
-    bool mFixedPicture = false; // shown as handed over, never drawn again
+    bool mMiniSheet = false; // a mini-overview: no cells reported, no tiles kept
     qint32 mPopupRow = 0;
     qint32 mPopupQuestion = -1;
     SheetCursor mCursor;

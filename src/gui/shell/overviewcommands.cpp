@@ -80,7 +80,7 @@ bool copyToMiniOverview(MainWindow &window)
         takePooledWindow(table, [&window] { return new MiniOverviewWindow(window.isSwedish(), &window); }));
     SheetInput input = sheet->input();
     input.maxRowsDisplayed = rows ? -1 : 0;
-    if (!mini || !mini->initializeData(std::move(input), sheet->textOffsets())) {
+    if (!mini || !mini->initializeData(std::move(input))) {
         status.setStatus("Overview could not be copied to mini-overview!",
                          "Översikt kunde inte kopieras till miniöversikt!", true);
         return false;

@@ -20,6 +20,11 @@ Picture overviewPicture(const SheetInput &sheet, SheetMode mode, OverviewPicture
     Picture picture;
     picture.size = QSize(geometry.width(), geometry.height());
     picture.paint = [shared, offsets](QPainter &painter) { drawSheet(painter, *shared, *offsets); };
+    picture.paintArea = [shared, offsets](QPainter &painter, const QRect &area) {
+        drawSheetArea(painter, *shared, *offsets, area);
+    };
+    // The sheet fills its background before anything else.
+    picture.opaque = true;
     return picture;
 }
 

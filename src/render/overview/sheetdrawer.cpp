@@ -213,15 +213,83 @@ private:
     bool mUseTiles = false;
 };
 
+// Which drawing operations can change pixels of the area being drawn. An
+// operation is skipped only when a generous box around everything it can
+// touch lies outside the area, so that a part of the sheet gets the very
+// operations, in the same order, that the whole picture gives its pixels.
+class AreaFilter
+{
+public:
+    AreaFilter(const QRect &area, int cellWidth, int cellHeight, int scale)
+        : mArea(area), mLimited(!area.isNull()), mCellWidth(cellWidth), mCellHeight(cellHeight), mScale(scale)
+    {
+    }
+
+    bool isLimited() const { return mLimited; }
+    const QRect &area() const { return mArea; }
+
+    /// A fill or a picture inside `rect`.
+    bool touches(const QRect &rect) const { return !mLimited || rect.intersects(mArea); }
+
+    /// A text placed in `rect`, whose glyphs may reach a little past it.
+    bool textTouches(const QRect &rect) const
+    {
+        return touches(rect.adjusted(-2 * mScale, -mCellHeight, 2 * mScale, mCellHeight));
+    }
+
+    /// A text of `offset` (from SheetTextOffsets, at scale 1) in the cell of
+    /// `column`: a label wider than its cell has a negative offset and runs
+    /// over its neighbours by as much on both sides.
+    bool cellTextTouches(int column, int top, int offset) const
+    {
+        const int overhang = std::max(0, -offset) * mScale + mScale;
+        return textTouches(QRect(column * mCellWidth - overhang, top, mCellWidth + 2 * overhang, mCellHeight));
+    }
+
+    /// Columns [first, last) and lines [first, last) of a band starting at
+    /// `top` that lie in the area, `pad` cells wider on each side.
+    std::pair<int, int> columnRange(int columns, int pad) const
+    {
+        if (!mLimited)
+            return {0, columns};
+        return cellRange(mArea.left(), mArea.right(), mCellWidth, columns, pad);
+    }
+    std::pair<int, int> lineRange(int top, int lines, int pad) const
+    {
+        if (!mLimited)
+            return {0, lines};
+        return cellRange(mArea.top() - top, mArea.bottom() - top, mCellHeight, lines, pad);
+    }
+
+private:
+    static std::pair<int, int> cellRange(int from, int to, int cell, int count, int pad)
+    {
+        // Floor division: the area may start above or left of the band.
+        auto floorDiv = [](int a, int b) { return a >= 0 ? a / b : -((-a + b - 1) / b); };
+        const int first = std::clamp(floorDiv(from, cell) - pad, 0, count);
+        const int last = std::clamp(floorDiv(to, cell) + 1 + pad, first, count);
+        return {first, last};
+    }
+
+    QRect mArea;
+    bool mLimited;
+    int mCellWidth;
+    int mCellHeight;
+    int mScale;
+};
+
 void drawHeaderRuns(QPainter &painter, const std::vector<HeaderRun> &runs, const SheetGeometry &g,
                     const std::array<QColor, 4> &colours, int firstColour, int top, int fillHeight, bool drawsText,
-                    const QFontMetrics &boldMetrics)
+                    const QFontMetrics &boldMetrics, const AreaFilter &filter)
 {
     for (const HeaderRun &run : runs) {
         if (run.block == -1)
             continue;
         const int left = run.firstColumn * g.cellWidth;
         const int width = run.columnCount * g.cellWidth;
+        // Names are shortened to their run, so the run bounds its text.
+        if (!filter.textTouches(QRect(left, top, width, fillHeight)))
+            continue;
         fillIfColoured(painter, QRect(left, top, width, fillHeight),
                        colours[std::size_t(firstColour + run.colourSlot)]);
         if (!drawsText || run.text.isEmpty())
@@ -297,6 +365,11 @@ SheetGeometry measureSheet(const SheetInput &input)
 
 int drawSheet(QPainter &painter, const SheetInput &input, SheetTextOffsets &offsets)
 {
+    return drawSheetArea(painter, input, offsets, QRect());
+}
+
+int drawSheetArea(QPainter &painter, const SheetInput &input, SheetTextOffsets &offsets, const QRect &area)
+{
     if (!input.document || !painter.isActive())
         return -1;
     const Document &doc = *input.document;
@@ -319,6 +392,9 @@ int drawSheet(QPainter &painter, const SheetInput &input, SheetTextOffsets &offs
     const int h = g.cellHeight;
     const int s = g.scale;
     const int width = g.width();
+    const AreaFilter filter(area, w, h, s);
+    if (filter.isLimited())
+        painter.setClipRect(area, Qt::IntersectClip);
 
     // Answer cells are covered by their own fills; only the rest needs the
     // background, which saves a pass over most of a large picture.
@@ -337,17 +413,17 @@ int drawSheet(QPainter &painter, const SheetInput &input, SheetTextOffsets &offs
     if (g.headerLines >= 2) {
         blockRuns = headerRuns(doc, input.columns, false);
         drawHeaderRuns(painter, blockRuns, g, runColours, 0, 0, g.headerLines == 3 ? 2 * h : h, metrics.drawsText,
-                       headerMetrics);
+                       headerMetrics, filter);
     }
     if (g.headerLines == 3) {
         subBlockRuns = headerRuns(doc, input.columns, true);
-        drawHeaderRuns(painter, subBlockRuns, g, runColours, 2, h, h, metrics.drawsText, headerMetrics);
+        drawHeaderRuns(painter, subBlockRuns, g, runColours, 2, h, h, metrics.drawsText, headerMetrics, filter);
     }
     const int codeTop = (g.headerLines - 1) * h;
     for (int c = 0; c < g.columns; ++c) {
         const qint32 q = input.columns[std::size_t(c)];
         const Question *question = questionAt(doc, q);
-        if (!question || !question->inOverview)
+        if (!question || !question->inOverview || !filter.cellTextTouches(c, codeTop, offsets.questionOffset(q)))
             continue;
         fillIfColoured(painter, QRect(c * w, codeTop, w, h), sheetColour(question->sheetColour));
         if (metrics.drawsText && !question->code.isEmpty())
@@ -362,16 +438,21 @@ int drawSheet(QPainter &painter, const SheetInput &input, SheetTextOffsets &offs
         // Fills and texts on a vector device leave colour-less cells open.
         if (!cells.usesTiles())
             painter.fillRect(QRect(0, answersTop, width, answersBottom - answersTop), QColor::fromRgb(SheetBackground));
-        for (int c = 0; c < g.columns; ++c) {
+        // Copied cells stay inside their cell; drawn labels may run sideways
+        // over any number of colour-less neighbours.
+        const auto [firstColumn, endColumn] =
+            cells.usesTiles() ? filter.columnRange(g.columns, 0) : std::pair<int, int>(0, g.columns);
+        const auto [firstLine, endLine] = filter.lineRange(answersTop, g.answerLines, 1);
+        for (int c = firstColumn; c < endColumn; ++c) {
             const qint32 q = input.columns[std::size_t(c)];
             if (!isReadableColumn(doc, q)) {
-                cells.drawEmpty(c * w, answersTop, g.answerLines);
+                cells.drawEmpty(c * w, answersTop + firstLine * h, endLine - firstLine);
                 continue;
             }
             const qint32 first = doc.questions[std::size_t(q)].firstAlternative;
             const qint32 count = doc.questions[std::size_t(q)].alternativeCount;
             doc.answers.visitColumn(q, [&](const auto *column) {
-                for (int k = 0; k < g.answerLines; ++k) {
+                for (int k = firstLine; k < endLine; ++k) {
                     const qint32 row = rowShownInCell(input.rows, input.columnRowOffsets, q, k);
                     const qint32 answer = (row >= 0 && row < doc.rowCount()) ? qint32(column[row]) : -1;
                     if (answer < 0 || answer >= count)
@@ -393,7 +474,7 @@ int drawSheet(QPainter &painter, const SheetInput &input, SheetTextOffsets &offs
 
     // Index lines of the pictures: column values alternate between two lines
     // so that their two-cell boxes never overlap; then one line per block level.
-    if (g.indexLines > 0) {
+    if (g.indexLines > 0 && filter.textTouches(QRect(0, answersBottom, width, g.indexLines * h))) {
         const int top = answersBottom;
         const int decimals = doc.properties.indexDecimals;
         const QRect sheetSpan(0, top, width, g.indexLines * h);
@@ -429,7 +510,8 @@ int drawSheet(QPainter &painter, const SheetInput &input, SheetTextOffsets &offs
     }
 
     // Caption block of the pictures.
-    if (!captions.empty()) {
+    if (!captions.empty()
+        && filter.textTouches(QRect(0, answersBottom + g.indexLines * h, width, g.captionLines * h + g.captionExtra))) {
         int top = answersBottom + g.indexLines * h;
         fillIfColoured(painter, QRect(0, top, width, g.captionLines * h + g.captionExtra),
                        sheetColour(doc.properties.sheetColourA));

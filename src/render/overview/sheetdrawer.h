@@ -11,6 +11,7 @@
 #include <QFont>
 #include <QImage>
 #include <QLocale>
+#include <QRect>
 #include <QString>
 
 #include <vector>
@@ -84,6 +85,13 @@ SheetGeometry measureSheet(const SheetInput &input);
 /// success, -1 when there is nothing to draw with (no document, or an
 /// inactive painter).
 int drawSheet(QPainter &painter, const SheetInput &input, SheetTextOffsets &offsets);
+
+/// The same, but only the pixels inside `area` (in the sheet's pixels, with
+/// the sheet's top-left corner still at the painter's origin): whatever the
+/// whole drawing puts there, pixel for pixel on a raster device, at a cost
+/// that follows the area rather than the sheet. The painter is clipped to
+/// the area while drawing. A null `area` draws the whole sheet.
+int drawSheetArea(QPainter &painter, const SheetInput &input, SheetTextOffsets &offsets, const QRect &area);
 
 /// The sheet drawn into a new 32-bit image at `devicePixelRatio` (the image
 /// carries that ratio). A sheet too large for memory at that ratio falls

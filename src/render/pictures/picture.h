@@ -4,6 +4,7 @@
 // the files and the printer always show the same drawing.
 #pragma once
 
+#include <QRect>
 #include <QSize>
 #include <QString>
 
@@ -20,6 +21,14 @@ struct Picture {
     std::function<void(QPainter &painter)> paint;
     /// Who made it, kept in the files that have room for it (EMF, SVG).
     QString description;
+    /// Optional: paints only the pixels inside the area (in the size's
+    /// pixel coordinates, origin unchanged), exactly as `paint` paints them
+    /// there, at a cost that follows the area. Image files of a picture that
+    /// has it are drawn and encoded a band at a time, so a picture larger
+    /// than memory can still be written.
+    std::function<void(QPainter &painter, const QRect &area)> paintArea;
+    /// The routine covers every pixel: image files need no transparency.
+    bool opaque = false;
 
     bool isValid() const { return size.width() > 0 && size.height() > 0 && bool(paint); }
 };

@@ -2,7 +2,7 @@
 #include "render/pictures/picturewriter.h"
 
 #include "render/pictures/emfpaintdevice.h"
-#include "render/pictures/gifencoder.h"
+#include "render/pictures/bandedencoders.h"
 #include "render/pictures/metafilewriter.h"
 
 #include <QBuffer>
@@ -35,25 +35,48 @@ MetafileRecording recordPicture(const Picture &picture)
     return device.takeRecording();
 }
 
-QByteArray encodeImage(const Picture &picture, const char *format, QColor background, QString *error)
+bool writeJpg(const Picture &picture, QIODevice &device, QString *error)
 {
-    const QImage image = renderPictureImage(picture, background);
+    const QImage image = renderPictureImage(picture, Qt::white);
     if (image.isNull()) {
         setError(error, QStringLiteral("The picture is too large to be made as an image."));
-        return QByteArray();
+        return false;
     }
-    if (qstrcmp(format, "gif") == 0)
-        return encodeGif(image, error);
+    QImageWriter writer(&device, "jpg");
+    writer.setQuality(90);
+    if (!writer.write(image)) {
+        setError(error, writer.errorString());
+        return false;
+    }
+    return true;
+}
+
+bool isImageFormat(PictureFormat format)
+{
+    return format == PictureFormat::Png || format == PictureFormat::Bmp || format == PictureFormat::Jpg
+        || format == PictureFormat::Gif;
+}
+
+// Image files go straight to their device: a large picture is neither held
+// whole nor held a second time as its file.
+bool writeImage(const Picture &picture, PictureFormat format, QIODevice &device, QString *error)
+{
+    switch (format) {
+    case PictureFormat::Png: return writePng(picture, device, error);
+    case PictureFormat::Bmp: return writeBmp(picture, device, error);
+    case PictureFormat::Gif: return writeGif(picture, device, error);
+    case PictureFormat::Jpg: return writeJpg(picture, device, error);
+    default: return false;
+    }
+}
+
+QByteArray encodeImage(const Picture &picture, PictureFormat format, QString *error)
+{
     QByteArray out;
     QBuffer buffer(&out);
     buffer.open(QIODevice::WriteOnly);
-    QImageWriter writer(&buffer, format);
-    if (qstrcmp(format, "jpg") == 0)
-        writer.setQuality(90);
-    if (!writer.write(image)) {
-        setError(error, writer.errorString());
+    if (!writeImage(picture, format, buffer, error))
         return QByteArray();
-    }
     return out;
 }
 
@@ -130,10 +153,10 @@ QByteArray encodePicture(const Picture &picture, PictureFormat format, QString *
             return out;
         }
         break;
-    case PictureFormat::Png: return encodeImage(picture, "png", Qt::transparent, error);
-    case PictureFormat::Bmp: return encodeImage(picture, "bmp", Qt::white, error);
-    case PictureFormat::Jpg: return encodeImage(picture, "jpg", Qt::white, error);
-    case PictureFormat::Gif: return encodeImage(picture, "gif", Qt::white, error);
+    case PictureFormat::Png:
+    case PictureFormat::Bmp:
+    case PictureFormat::Jpg:
+    case PictureFormat::Gif: return encodeImage(picture, format, error);
     case PictureFormat::Svg: out = encodeSvg(picture); break;
     case PictureFormat::Pdf: return encodePdf(picture, error);
     }
@@ -144,6 +167,26 @@ QByteArray encodePicture(const Picture &picture, PictureFormat format, QString *
 
 bool writePicture(const Picture &picture, PictureFormat format, const QString &path, QString *error)
 {
+    if (isImageFormat(format)) {
+        if (!picture.isValid()) {
+            setError(error, QStringLiteral("There is no picture to write."));
+            return false;
+        }
+        QSaveFile file(path);
+        if (!file.open(QIODevice::WriteOnly)) {
+            setError(error, file.errorString());
+            return false;
+        }
+        if (!writeImage(picture, format, file, error)) {
+            file.cancelWriting();
+            return false;
+        }
+        if (!file.commit()) {
+            setError(error, file.errorString());
+            return false;
+        }
+        return true;
+    }
     const QByteArray bytes = encodePicture(picture, format, error);
     if (bytes.isEmpty())
         return false;

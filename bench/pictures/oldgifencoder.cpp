@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "render/pictures/gifencoder.h"
+// The GIF writer as it was before pictures were written in bands: the whole
+// picture converted to 256 colours by Qt, then encoded. Kept as the
+// baseline of bench_pictures.
+#include "oldgifencoder.h"
 
 #include <gif_lib.h>
 
 #include <vector>
 
-namespace kel {
+namespace bench {
 
 namespace {
 
@@ -23,7 +26,7 @@ QString gifError(int code)
 
 } // namespace
 
-QByteArray encodeGif(const QImage &image, QString *error)
+QByteArray encodeGifWhole(const QImage &image, QString *error)
 {
     if (image.isNull() || image.width() > 0xFFFF || image.height() > 0xFFFF) {
         if (error)
@@ -71,4 +74,4 @@ QByteArray encodeGif(const QImage &image, QString *error)
     return out;
 }
 
-} // namespace kel
+} // namespace bench
