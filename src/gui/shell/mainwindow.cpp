@@ -434,6 +434,7 @@ void MainWindow::rebuildBlockMenus()
         for (const Block &block : doc->blocks)
             *items << menu->addAction(doubleAmpersands(block.name));
     }
+    rebuildUserBlockGraphMenu(*this);
 }
 
 void MainWindow::rebuildRecentFilesMenu()
