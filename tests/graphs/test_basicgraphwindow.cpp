@@ -481,6 +481,52 @@ TEST_F(GraphCommandsTest, MenuGraphsOpenInPooledWindows)
     EXPECT_TRUE(visibleGraphs().empty()) << "closing the document closes the graphs";
 }
 
+// User blocks cannot be reached from the popup (no overview line is theirs):
+// the View menu lists them, only them, with their block graphs, and the
+// graphs are the same as a document block's.
+TEST(UserBlockGraphs, TheViewMenuGraphsUserBlocks)
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("survey.kel"));
+    ASSERT_TRUE(kel::test::chartSurvey().build().writeFile(path));
+    SettingsStore store(SettingsLocation{.file = dir.filePath(QStringLiteral("k.ini"))});
+    const QString key = QStringLiteral("Documents\\") + kel::test::readChartSurvey()->guidText();
+    store.writeDword(key, QStringLiteral("Block Items"), 3);
+    // Members stored out of order: the graph still shows Q1 before Q2.
+    store.writeString(key + QStringLiteral("\\Block 002"), QStringLiteral("Name"), QStringLiteral("Mine"));
+    store.writeString(key + QStringLiteral("\\Block 002"), QStringLiteral("Included Data Headers"),
+                      QStringLiteral("%1|%2").arg(kel::test::Q2).arg(kel::test::Q1));
+
+    MainWindow window(store, false, MainWindowEnvironment{});
+    window.setMessageHandler([](QMessageBox::Icon, const QString &, const QString &) {});
+    ASSERT_TRUE(window.openDocument(path, false, QStringLiteral("t")));
+    QMenu *menu = window.menus().mnuVUserBlockGraphs;
+    EXPECT_TRUE(menu->menuAction()->isVisible());
+    EXPECT_TRUE(menu->menuAction()->isEnabled());
+    const QList<QAction *> blocks = menu->actions();
+    ASSERT_EQ(blocks.size(), 1) << "the user block only; the document's blocks have the popup";
+    EXPECT_EQ(blocks[0]->text(), QStringLiteral("Mine"));
+    QAction *histogram = nullptr;
+    for (QAction *item : blocks[0]->menu()->actions())
+        if (item->text() == QStringLiteral("Block &Histogram"))
+            histogram = item;
+    ASSERT_NE(histogram, nullptr);
+    histogram->trigger();
+    BasicGraphWindow *graph = nullptr;
+    for (const WindowSlot &slot : window.windowSlots(SlotTable::BasicGraphs))
+        if (auto *g = qobject_cast<BasicGraphWindow *>(slot.window.data()); g && g->isVisible())
+            graph = g;
+    ASSERT_NE(graph, nullptr);
+    EXPECT_EQ(graph->windowTitle(), QStringLiteral("Block Histogram: Mine"));
+    ASSERT_EQ(graph->description().groups.size(), 2u);
+    EXPECT_TRUE(graph->description().groups[0].label.startsWith(QStringLiteral("1 ")));
+    EXPECT_TRUE(graph->description().groups[1].label.startsWith(QStringLiteral("2 ")));
+
+    window.closeDocument();
+    EXPECT_FALSE(menu->menuAction()->isVisible());
+    EXPECT_TRUE(menu->actions().isEmpty());
+}
+
 TEST(QuestionSelectDialogTest, OffersTheOtherOverviewQuestionsThatMaySplit)
 {
     SurveyBuilder b(3);
