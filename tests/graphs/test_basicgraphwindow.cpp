@@ -27,6 +27,7 @@
 #include <QMimeData>
 #include <QPainter>
 #include <QPushButton>
+#include <QScreen>
 #include <QScrollBar>
 #include <QTemporaryDir>
 #include <QTest>
@@ -272,6 +273,24 @@ TEST_F(GraphWindowTest, GraphWindowsOpenDrawnWithinTheAvailableArea)
     w.resize(w.width(), w.graphSize().height());
     EXPECT_TRUE(w.scrollBar()->isHidden());
     EXPECT_EQ(w.graphSize(), w.size());
+}
+
+// A window put partly off the screen is moved back when it shows, both
+// kinds of graph window.
+TEST_F(GraphWindowTest, GraphWindowsShowWhollyOnTheScreen)
+{
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    BasicGraphWindow basic(false, status);
+    basic.setUpGraph(twoGroups(HistogramGraph), {}, {});
+    ChartWindow chart(false);
+    chart.setUpChart(ChartDescription{});
+    for (QWidget *w : {static_cast<QWidget *>(&basic), static_cast<QWidget *>(&chart)}) {
+        w->resize(w->size().boundedTo(screen.size() - QSize(40, 40)));
+        w->move(screen.right() - 20, screen.bottom() - 20);
+        w->show();
+        QCoreApplication::processEvents();
+        EXPECT_TRUE(screen.contains(w->frameGeometry())) << w->objectName().toStdString();
+    }
 }
 
 TEST_F(GraphWindowTest, RightsGateItemsAndShortcuts)

@@ -2,6 +2,7 @@
 #include "gui/graphs/basicgraphwindow.h"
 
 #include "engine/settings/settingsstore.h"
+#include "gui/common/placement.h"
 #include "gui/common/waitcursor.h"
 #include "gui/pictures/picturecommands.h"
 #include "texts/graphtexts.h"
@@ -250,23 +251,17 @@ void BasicGraphWindow::wheelEvent(QWheelEvent *event)
 void BasicGraphWindow::showEvent(QShowEvent *event)
 {
     QWidget::showEvent(event);
-    const QScreen *shown = screen();
-    if (!shown)
-        return;
-    // Wholly on the screen: the window manager may have put it where part of
-    // it is off the available area.
-    const QRect available = shown->availableGeometry();
-    QRect frame = frameGeometry();
-    if (frame.right() > available.right())
-        frame.moveRight(available.right());
-    if (frame.bottom() > available.bottom())
-        frame.moveBottom(available.bottom());
-    if (frame.left() < available.left())
-        frame.moveLeft(available.left());
-    if (frame.top() < available.top())
-        frame.moveTop(available.top());
-    if (frame.topLeft() != frameGeometry().topLeft())
-        move(frame.topLeft());
+    moveWhollyOnScreen(*this);
+}
+
+void moveWhollyOnScreen(QWidget &window)
+{
+    // The window manager may have put it where part of it is off the
+    // available area; the size was already chosen to fit.
+    const QRect frame = window.frameGeometry();
+    const QRect kept = keepOnScreen(frame, availableScreenAreas());
+    if (kept.topLeft() != frame.topLeft())
+        window.move(kept.topLeft());
 }
 
 void BasicGraphWindow::setPercentage(bool on)

@@ -77,6 +77,10 @@ struct FractionWindowFit {
 };
 FractionWindowFit fittedFractionWindow(QSize formula, QSize available, int scrollBarWidth);
 
+/// Moves a graph window that lies partly off the screens' available area
+/// back onto it (its size is left alone).
+void moveWhollyOnScreen(QWidget &window);
+
 class BasicGraphWindow : public QWidget
 {
     Q_OBJECT

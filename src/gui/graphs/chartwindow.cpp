@@ -114,6 +114,12 @@ bool ChartWindow::saveGraph()
                             mContext.chooseFile, mContext.reportError);
 }
 
+void ChartWindow::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    moveWhollyOnScreen(*this);
+}
+
 bool ChartWindow::eventFilter(QObject *watched, QEvent *event)
 {
     if (watched == mView->viewport() && event->type() == QEvent::MouseButtonRelease) {
