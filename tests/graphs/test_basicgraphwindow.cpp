@@ -526,9 +526,17 @@ TEST(UserBlockGraphs, TheViewMenuGraphsUserBlocks)
     ASSERT_EQ(blocks.size(), 1) << "the user block only; the document's blocks have the popup";
     EXPECT_EQ(blocks[0]->text(), QStringLiteral("Mine"));
     QAction *histogram = nullptr;
-    for (QAction *item : blocks[0]->menu()->actions())
+    QStringList offered;
+    for (QAction *item : blocks[0]->menu()->actions()) {
+        offered << item->text();
         if (item->text() == QStringLiteral("Block &Histogram"))
             histogram = item;
+    }
+    // Q1 and Q2 carry points, so the writer gives them the index graph bit
+    // besides histogram and graph; a block of them offers what they offer.
+    EXPECT_EQ(offered,
+              (QStringList{QStringLiteral("Block &Index Graph..."), QStringLiteral("Block &Histogram"),
+                           QStringLiteral("Block &Graph")}));
     ASSERT_NE(histogram, nullptr);
     histogram->trigger();
     BasicGraphWindow *graph = nullptr;
