@@ -72,4 +72,33 @@ QString graphTooBigMessage(bool isSwedish)
     return pickText(isSwedish, "The graph is to big for the window!", "Grafen får inte plats i fönstret!");
 }
 
+QString pictureCopyFailureMessage(PictureCopyFailure failure, bool overview, bool isSwedish)
+{
+    switch (failure) {
+    case PictureCopyFailure::TooLarge:
+        return overview ? pickText(isSwedish,
+                                   "The overview is too large to be copied to the clipboard as a picture. Save it "
+                                   "as a picture file with Save Overview As..., or copy its answers with Copy "
+                                   "Overview as Data.",
+                                   "Översikten är för stor för att kopieras till urklipp som bild. Spara den som "
+                                   "bildfil med Spara översikt som..., eller kopiera svaren med Kopiera översikt "
+                                   "som data.")
+                        : pickText(isSwedish,
+                                   "The graph is too large to be copied to the clipboard as a picture. Make the "
+                                   "window smaller, or save the graph as a picture file with Save As....",
+                                   "Grafen är för stor för att kopieras till urklipp som bild. Gör fönstret mindre, "
+                                   "eller spara grafen som bildfil med Spara som....");
+    case PictureCopyFailure::NotMade:
+        return overview ? pickText(isSwedish, "The overview has nothing to copy as a picture.",
+                                   "Översikten har ingenting att kopiera som bild.")
+                        : pickText(isSwedish, "The graph has nothing to copy as a picture.",
+                                   "Grafen har ingenting att kopiera som bild.");
+    case PictureCopyFailure::Refused: break;
+    }
+    return pickText(isSwedish,
+                    "The clipboard did not accept the picture; another program may be holding it. Try again in a "
+                    "moment.",
+                    "Urklipp tog inte emot bilden; ett annat program kanske håller det. Försök igen om en stund.");
+}
+
 } // namespace kel

@@ -36,4 +36,10 @@ QString splitNotAllowedMessage(bool isSwedish);
 /// Shown in a graph window too small for its graph.
 QString graphTooBigMessage(bool isSwedish);
 
+/// Why a picture did not reach the clipboard, in words that say what to do
+/// instead. `overview`: the overview's picture (its other ways out are the
+/// overview's save and copy-as-data commands), else a graph's.
+enum class PictureCopyFailure { TooLarge, NotMade, Refused };
+QString pictureCopyFailureMessage(PictureCopyFailure failure, bool overview, bool isSwedish);
+
 } // namespace kel

@@ -65,6 +65,18 @@ TEST_P(Sample, OpensAndIsConsistent)
         subBlocks += d.blocks[std::size_t(b)].linkedBlock >= 0;
     }
     EXPECT_GE(subBlocks, 6);
+
+    // The agree/disagree questions (every overview question) share one
+    // answer scale of five answers after the hidden no-answer alternative,
+    // so every block graph shows one legend run.
+    ASSERT_EQ(d.overviewColumns.size(), 44u);
+    const Question &first = d.questions[std::size_t(d.overviewColumns.front())];
+    EXPECT_EQ(first.alternativeCount, 6);
+    EXPECT_TRUE(p.firstAlternativeIsNoAnswer);
+    for (qint32 q : d.overviewColumns) {
+        EXPECT_EQ(d.questions[std::size_t(q)].firstAlternative, first.firstAlternative) << q;
+        EXPECT_EQ(d.questions[std::size_t(q)].alternativeCount, first.alternativeCount) << q;
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Languages, Sample, ::testing::Values(false, true),

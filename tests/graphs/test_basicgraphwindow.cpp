@@ -8,6 +8,7 @@
 #include "engine/document/documentreader.h"
 #include "engine/settings/settingsstore.h"
 #include "gui/graphs/basicgraphwindow.h"
+#include "gui/graphs/chartwindow.h"
 #include "gui/graphs/questionselectdialog.h"
 #include "gui/overview/sheetview.h"
 #include "gui/shell/graphcommands.h"
@@ -26,6 +27,8 @@
 #include <QMimeData>
 #include <QPainter>
 #include <QPushButton>
+#include <QScreen>
+#include <QScrollBar>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -169,6 +172,127 @@ TEST_F(GraphWindowTest, FractionGraphDefaultSizeAndTooSmallWindow)
     }
 }
 
+// The histogram's layout needs 900 x 700 here; the search grows from the
+// default size and stops at the first size that fits, at the available
+// area when that is all there is.
+TEST(GraphWindowSize, HistogramsGrowUntilTheLayoutFits)
+{
+    const QSize start(620, 460);
+    const auto needs = [](QSize need) {
+        return [need](QSize s) { return s.width() >= need.width() && s.height() >= need.height(); };
+    };
+    EXPECT_EQ(grownGraphWindowSize(start, QSize(1264, 952), needs(start)), start) << "fits at once";
+    EXPECT_EQ(grownGraphWindowSize(start, QSize(1264, 952), needs(QSize(700, 100))).height(), 460)
+        << "only the width it needs";
+    const QSize grown = grownGraphWindowSize(start, QSize(1264, 952), needs(QSize(900, 700)));
+    EXPECT_GE(grown.width(), 900);
+    EXPECT_GE(grown.height(), 700);
+    EXPECT_LT(grown.width(), 900 + 620 / 8 + 1) << "no more than one step beyond";
+    // The available area is the edge: just enough, and one pixel short.
+    EXPECT_EQ(grownGraphWindowSize(start, QSize(900, 700), needs(QSize(900, 700))), QSize(900, 700));
+    EXPECT_EQ(grownGraphWindowSize(start, QSize(899, 700), needs(QSize(900, 700))), QSize(899, 700));
+    EXPECT_EQ(grownGraphWindowSize(start, QSize(500, 400), needs(start)), QSize(500, 400)) << "never beyond the screen";
+}
+
+// A fraction graph keeps the rules' size up to the available height; from
+// one pixel beyond, the window takes the available height, the scroll bar
+// comes beside the graph, and the graph keeps its height.
+TEST(GraphWindowSize, FractionGraphsScrollFromOnePixelBeyondTheScreen)
+{
+    const QSize available(1264, 952);
+    struct Case {
+        int formulaHeight;
+        QSize window;
+    };
+    const Case cases[] = {{951, {600, 951}}, {952, {600, 952}}, {953, {617, 952}}, {3000, {617, 952}}};
+    for (const Case &c : cases) {
+        const FractionWindowFit fit = fittedFractionWindow(QSize(600, c.formulaHeight), available, 17);
+        EXPECT_EQ(fit.window, c.window) << c.formulaHeight;
+        EXPECT_EQ(fit.graphHeight, c.formulaHeight);
+    }
+    EXPECT_EQ(fittedFractionWindow(QSize(2000, 500), available, 17).window, QSize(1264, 500));
+}
+
+namespace {
+
+// Twelve questions with long texts, as a block of a real survey.
+BasicGraphDescription manyGroups(qint32 kind, int groups)
+{
+    BasicGraphDescription d;
+    d.graphKind = kind;
+    d.title = QStringLiteral("Leadership and working climate");
+    d.selectionText = QStringLiteral("Everyone [120]");
+    const char *scale[] = {"Strongly agree", "Agree", "Neither", "Disagree", "Strongly disagree"};
+    for (int a = 0; a < 5; ++a)
+        d.legends.push_back({QString::fromUtf8(scale[a]), 0x202020 * (a + 1), 0});
+    for (int g = 0; g < groups; ++g) {
+        const qint32 first = qint32(d.bars.size());
+        for (int a = 0; a < 5; ++a)
+            d.bars.push_back({24, 200, QStringLiteral("24"), QStringLiteral("20")});
+        d.groups.push_back(
+            {first, 5, QStringLiteral("%1 My manager gives me clear goals for my work, number %1").arg(g + 1), 0, 5});
+    }
+    return d;
+}
+
+} // namespace
+
+TEST_F(GraphWindowTest, GraphWindowsOpenDrawnWithinTheAvailableArea)
+{
+    const QSize available(1264, 952);
+    BasicGraphWindow w(false, status);
+    w.setAvailableArea(available);
+    // The default size is too small for this block: the window grows.
+    w.setUpGraph(manyGroups(HistogramGraph, 12), {}, {});
+    w.resize(620, 460);
+    w.grab();
+    ASSERT_TRUE(w.graphTooBig()) << "the case the growth is for";
+    w.setUpGraph(manyGroups(HistogramGraph, 12), {}, {});
+    w.grab();
+    EXPECT_FALSE(w.graphTooBig()) << w.width() << "x" << w.height();
+    EXPECT_LE(w.width(), available.width());
+    EXPECT_LE(w.height(), available.height());
+
+    // 40 bars of 46 pixels: taller than the screen. The window takes the
+    // available height and the graph, at its full height, scrolls.
+    w.setPictureContext(context());
+    w.setUpGraph(manyGroups(FractionGraph, 40), {.allowSavePicture = true}, {.windowWidthTwips = 9300, .barWidth = 46});
+    w.show();
+    EXPECT_EQ(w.height(), available.height());
+    EXPECT_GT(w.graphSize().height(), 40 * 46);
+    EXPECT_FALSE(w.scrollBar()->isHidden());
+    w.grab();
+    EXPECT_FALSE(w.graphTooBig());
+    // The keyboard reaches the bottom; saved pictures show the whole graph.
+    QTest::keyClick(&w, Qt::Key_End);
+    EXPECT_EQ(w.scrollBar()->value(), w.graphSize().height() - w.height());
+    EXPECT_EQ(w.picture(BasicGraphPictureOptions{.whiteSpace = true}).size, w.graphSize() * 2);
+    // The stored default size is the graph's, not the window's.
+    EXPECT_EQ(w.currentDefaultSize()->barWidth, 46);
+    // Made as tall as its graph, the window draws the graph in itself again.
+    w.resize(w.width(), w.graphSize().height());
+    EXPECT_TRUE(w.scrollBar()->isHidden());
+    EXPECT_EQ(w.graphSize(), w.size());
+}
+
+// A window put partly off the screen is moved back when it shows, both
+// kinds of graph window.
+TEST_F(GraphWindowTest, GraphWindowsShowWhollyOnTheScreen)
+{
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    BasicGraphWindow basic(false, status);
+    basic.setUpGraph(twoGroups(HistogramGraph), {}, {});
+    ChartWindow chart(false);
+    chart.setUpChart(ChartDescription{});
+    for (QWidget *w : {static_cast<QWidget *>(&basic), static_cast<QWidget *>(&chart)}) {
+        w->resize(w->size().boundedTo(screen.size() - QSize(40, 40)));
+        w->move(screen.right() - 20, screen.bottom() - 20);
+        w->show();
+        QCoreApplication::processEvents();
+        EXPECT_TRUE(screen.contains(w->frameGeometry())) << w->objectName().toStdString();
+    }
+}
+
 TEST_F(GraphWindowTest, RightsGateItemsAndShortcuts)
 {
     BasicGraphWindow w(false, status);
@@ -188,6 +312,63 @@ TEST_F(GraphWindowTest, RightsGateItemsAndShortcuts)
     EXPECT_EQ(QGuiApplication::clipboard()->text(), QStringLiteral("untouched"));
     QTest::keyClick(&w, Qt::Key_S, Qt::ControlModifier);
     EXPECT_TRUE(QFile::exists(answer.first));
+}
+
+// Print and Print Preview follow the print format command's rule: they need
+// a printer besides the document's permission, in both kinds of graph
+// window, on the popup and through Ctrl+P.
+TEST_F(GraphWindowTest, PrintingNeedsAPrinterAndTheRight)
+{
+    struct Case {
+        bool printer;
+        bool allowed;
+    };
+    const Case cases[] = {{false, false}, {false, true}, {true, false}, {true, true}};
+    for (const Case &c : cases) {
+        SCOPED_TRACE(testing::Message() << "printer " << c.printer << ", allowed " << c.allowed);
+        const bool expected = c.printer && c.allowed;
+        GraphPictureContext ctx = context();
+        ctx.printerInstalled = c.printer;
+        int previews = 0;
+        QString footer;
+        ctx.showPreview = [&](const Picture &picture, const QString &line) {
+            ++previews;
+            footer = line;
+            EXPECT_TRUE(picture.isValid());
+        };
+        const GraphPermissions rights{.allowPrint = c.allowed};
+
+        BasicGraphWindow basic(false, status);
+        basic.setUpGraph(twoGroups(HistogramGraph), rights, {});
+        basic.setPictureContext(ctx);
+        EXPECT_EQ(basic.mnuPPrint->isEnabled(), expected);
+        EXPECT_EQ(basic.mnuPPrintPreview->isEnabled(), expected);
+        EXPECT_FALSE(basic.mnuPPrintPreview->text().isEmpty());
+        basic.mnuPPrintPreview->trigger();
+        EXPECT_EQ(previews, expected ? 1 : 0);
+        if (expected) {
+            EXPECT_TRUE(footer.startsWith(QStringLiteral("Created by"))) << footer.toStdString();
+        }
+        if (!expected) {
+            // Ctrl+P must not reach the printer either (no printer: it would
+            // end in a failure message).
+            status.clearStatus();
+            QTest::keyClick(&basic, Qt::Key_P, Qt::ControlModifier);
+            EXPECT_TRUE(status.text().isEmpty()) << status.text().toStdString();
+            EXPECT_FALSE(basic.printGraph());
+        }
+
+        ChartWindow chart(false);
+        chart.setUpChart(ChartDescription{});
+        chart.setPictureContext(status, ctx, rights);
+        EXPECT_EQ(chart.mnuPPrint->isEnabled(), expected);
+        EXPECT_EQ(chart.mnuPPrintPreview->isEnabled(), expected);
+        chart.mnuPPrintPreview->trigger();
+        EXPECT_EQ(previews, expected ? 2 : 0);
+        if (!expected) {
+            EXPECT_FALSE(chart.printGraph());
+        }
+    }
 }
 
 TEST_F(GraphWindowTest, CopySizeFollowsWhiteSpaceScaleAndOpaque)
@@ -319,6 +500,60 @@ TEST_F(GraphCommandsTest, MenuGraphsOpenInPooledWindows)
     EXPECT_TRUE(visibleGraphs().empty()) << "closing the document closes the graphs";
 }
 
+// User blocks cannot be reached from the popup (no overview line is theirs):
+// the View menu lists them, only them, with their block graphs, and the
+// graphs are the same as a document block's.
+TEST(UserBlockGraphs, TheViewMenuGraphsUserBlocks)
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("survey.kel"));
+    ASSERT_TRUE(kel::test::chartSurvey().build().writeFile(path));
+    SettingsStore store(SettingsLocation{.file = dir.filePath(QStringLiteral("k.ini"))});
+    const QString key = QStringLiteral("Documents\\") + kel::test::readChartSurvey()->guidText();
+    store.writeDword(key, QStringLiteral("Block Items"), 3);
+    // Members stored out of order: the graph still shows Q1 before Q2.
+    store.writeString(key + QStringLiteral("\\Block 002"), QStringLiteral("Name"), QStringLiteral("Mine"));
+    store.writeString(key + QStringLiteral("\\Block 002"), QStringLiteral("Included Data Headers"),
+                      QStringLiteral("%1|%2").arg(kel::test::Q2).arg(kel::test::Q1));
+
+    MainWindow window(store, false, MainWindowEnvironment{});
+    window.setMessageHandler([](QMessageBox::Icon, const QString &, const QString &) {});
+    ASSERT_TRUE(window.openDocument(path, false, QStringLiteral("t")));
+    QMenu *menu = window.menus().mnuVUserBlockGraphs;
+    EXPECT_TRUE(menu->menuAction()->isVisible());
+    EXPECT_TRUE(menu->menuAction()->isEnabled());
+    const QList<QAction *> blocks = menu->actions();
+    ASSERT_EQ(blocks.size(), 1) << "the user block only; the document's blocks have the popup";
+    EXPECT_EQ(blocks[0]->text(), QStringLiteral("Mine"));
+    QAction *histogram = nullptr;
+    QStringList offered;
+    for (QAction *item : blocks[0]->menu()->actions()) {
+        offered << item->text();
+        if (item->text() == QStringLiteral("Block &Histogram"))
+            histogram = item;
+    }
+    // Q1 and Q2 carry points, so the writer gives them the index graph bit
+    // besides histogram and graph; a block of them offers what they offer.
+    EXPECT_EQ(offered,
+              (QStringList{QStringLiteral("Block &Index Graph..."), QStringLiteral("Block &Histogram"),
+                           QStringLiteral("Block &Graph")}));
+    ASSERT_NE(histogram, nullptr);
+    histogram->trigger();
+    BasicGraphWindow *graph = nullptr;
+    for (const WindowSlot &slot : window.windowSlots(SlotTable::BasicGraphs))
+        if (auto *g = qobject_cast<BasicGraphWindow *>(slot.window.data()); g && g->isVisible())
+            graph = g;
+    ASSERT_NE(graph, nullptr);
+    EXPECT_EQ(graph->windowTitle(), QStringLiteral("Block Histogram: Mine"));
+    ASSERT_EQ(graph->description().groups.size(), 2u);
+    EXPECT_TRUE(graph->description().groups[0].label.startsWith(QStringLiteral("1 ")));
+    EXPECT_TRUE(graph->description().groups[1].label.startsWith(QStringLiteral("2 ")));
+
+    window.closeDocument();
+    EXPECT_FALSE(menu->menuAction()->isVisible());
+    EXPECT_TRUE(menu->actions().isEmpty());
+}
+
 TEST(QuestionSelectDialogTest, OffersTheOtherOverviewQuestionsThatMaySplit)
 {
     SurveyBuilder b(3);
@@ -333,7 +568,23 @@ TEST(QuestionSelectDialogTest, OffersTheOtherOverviewQuestionsThatMaySplit)
         *read.document, q, [](qint32 s) { return s != 2; }, true);
     EXPECT_EQ(dialog.lblQuestionsLabel->text(), QStringLiteral("&Visa R&&D fördelad på:")) << "the & escaped";
     ASSERT_EQ(dialog.lstQuestions->count(), 1); // not itself, not hidden, not gated
+    // Shown, the list has the focus and a current item of its own making;
+    // nothing is chosen until the user chooses, so Enter splits by nothing.
+    dialog.show();
+    dialog.activateWindow();
+    dialog.lstQuestions->setFocus(Qt::TabFocusReason);
+    QCoreApplication::processEvents();
+    dialog.lstQuestions->setCurrentRow(0, QItemSelectionModel::NoUpdate); // as a focus-in does
+    EXPECT_TRUE(dialog.lstQuestions->selectedItems().isEmpty());
     EXPECT_FALSE(dialog.cmdOK->isEnabled());
+    EXPECT_TRUE(dialog.lblQuestionFullText->text().isEmpty());
+    QTest::keyClick(dialog.lstQuestions, Qt::Key_Return);
+    EXPECT_FALSE(dialog.accepted());
+    EXPECT_TRUE(dialog.isVisible());
+    QTest::keyClick(dialog.lstQuestions, Qt::Key_Space); // the keyboard's way to choose
+    EXPECT_TRUE(dialog.cmdOK->isEnabled());
+    dialog.lstQuestions->clearSelection();
+    EXPECT_FALSE(dialog.cmdOK->isEnabled()) << "a choice taken back disables OK again";
     dialog.lstQuestions->setCurrentRow(0);
     EXPECT_EQ(dialog.lblQuestionFullText->text(), QStringLiteral("How big?"));
     dialog.cmdOK->click();

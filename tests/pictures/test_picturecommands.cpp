@@ -67,6 +67,45 @@ Picture boxes()
     return p;
 }
 
+// A clipboard picture may have 256 Mi pixels: 16384 x 16384 is accepted,
+// one row more is refused as too large, and the user is told so in words
+// that name the way out, never as a bare number.
+TEST(PictureCommands, ClipboardRefusesPicturesBeyondItsSizeInWords)
+{
+    QClipboard *clipboard = QApplication::clipboard();
+    Picture edge = boxes();
+    edge.size = QSize(16384, 16384);
+    EXPECT_EQ(copyPictureToClipboard(edge, clipboard), ClipboardOk);
+    clipboard->clear(); // nobody asks it to draw that
+    Picture beyond = boxes();
+    beyond.size = QSize(16384, 16385);
+    EXPECT_EQ(copyPictureToClipboard(beyond, clipboard), ClipboardTooLarge);
+    EXPECT_EQ(copyChartPicture(beyond, 1, clipboard), ClipboardTooLarge);
+
+    struct Case {
+        int result;
+        bool overview;
+        bool swedish;
+        const char *mustSay;
+    };
+    const Case cases[] = {
+        {ClipboardTooLarge, true, false, "Copy Overview as Data"},
+        {ClipboardTooLarge, true, true, "Kopiera översikt som data"},
+        {ClipboardTooLarge, false, false, "Save As..."},
+        {ClipboardTooLarge, false, true, "Spara som..."},
+        {ClipboardNoPicture, true, false, "nothing to copy"},
+        {ClipboardNoPicture, false, true, "ingenting att kopiera"},
+        {ClipboardRefused, true, false, "Try again"},
+        {ClipboardRefused, false, true, "Försök igen"},
+    };
+    for (const Case &c : cases) {
+        const QString text = clipboardFailureMessage(c.result, c.overview, c.swedish);
+        EXPECT_TRUE(text.contains(QString::fromUtf8(c.mustSay))) << text.toStdString();
+        EXPECT_FALSE(text.contains(QLatin1Char('(')) || text.contains(QStringLiteral("code"))) << text.toStdString();
+    }
+    EXPECT_TRUE(clipboardFailureMessage(ClipboardTooLarge, true, false).contains(QStringLiteral("too large")));
+}
+
 TEST(PictureCommands, ClipboardFormatsAndPrinting)
 {
     QClipboard *clipboard = QApplication::clipboard();

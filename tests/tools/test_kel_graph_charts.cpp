@@ -85,6 +85,40 @@ TEST_F(KelGraphCharts, RefusalsAndNonsenseGetTheirExitStatus)
     }
 }
 
+// A block whose items list R3, R1, R3 and R2: its graphs show R1, R2, R3
+// once each, in question order, whatever order the items were written in.
+// The weights come from the survey's description (R1 3, R2 2, R3 1) and the
+// histogram's labels from the questions' headings.
+TEST(KelGraphBlockOrder, BlockGraphsTakeTheirQuestionsInQuestionOrderOnce)
+{
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    SurveyBuilder b = chartSurvey();
+    const qint32 listed = b.addBlock({.name = QStringLiteral("Listed"), .memberRule = false});
+    for (qint32 q : {R3, R1, R3, R2})
+        b.addBlockItem(listed, q);
+    const QString path = dir.filePath(QStringLiteral("listed.kel"));
+    ASSERT_TRUE(b.build().writeFile(path));
+    const QString block = QString::number(listed);
+    const auto run = [&](const char *kind) {
+        return jsonOf(runKel(
+            QStringList{QStringLiteral("graph"), path, QString::fromUtf8(kind), QStringLiteral("--block"), block}));
+    };
+
+    EXPECT_EQ(jsonAt(run("ranking"), "valueAxisTitle").toString(),
+              QStringLiteral("Points (3 questions weighted 3, 2 and 1)"));
+    // Counts of Apple..Date: R1 and R2 4, 4, 0, 0; R3 1, 2, 2, 3.
+    const QJsonObject histogram = run("histogram");
+    ASSERT_EQ(jsonAt(histogram, "groups").toArray().size(), 3);
+    const int counts[3][4] = {{4, 4, 0, 0}, {4, 4, 0, 0}, {1, 2, 2, 3}};
+    for (int g = 0; g < 3; ++g)
+        for (int a = 0; a < 4; ++a)
+            EXPECT_EQ(jsonAt(histogram, QStringLiteral("bars.%1.count").arg(g * 4 + a).toUtf8().constData()).toInt(),
+                      counts[g][a])
+                << g << ' ' << a;
+    EXPECT_EQ(jsonAt(histogram, "legends").toArray().size(), 4) << "one shared answer scale, one run";
+}
+
 TEST(KelGraphSample, SplitTotalIndexAgreesWithTheIndexExport)
 {
     // The sample survey's total index by department, once as a chart and

@@ -115,7 +115,7 @@ int basicGraphKind(const GraphInput &in, qint32 kind, MadeGraph &graph, CommandO
     BasicGraphRequest request;
     request.kind = kind;
     if (hasBlock) {
-        request.questions = blockMembers(doc, block);
+        request.questions = blockGraphQuestions(doc, block);
         request.name = doc.blocks[std::size_t(block)].name;
         request.block = block;
         request.showTotalIndex = differs;

@@ -147,7 +147,7 @@ int makeChartGraph(const Document &doc, const ShownSelection &shown, const QStri
         if (!error.isEmpty())
             return fail(error);
         if (block >= 0) {
-            request.questions = blockMembers(doc, block);
+            request.questions = blockGraphQuestions(doc, block);
             request.titleText = doc.blocks[std::size_t(block)].name;
             if (request.questions.empty()) {
                 output.err += QStringLiteral("The block did not contain any questions!\n");

@@ -456,7 +456,11 @@ void EmployeeSurvey::addStructure()
                 subBlockOf[std::size_t(sub.firstQuestion + i)] = index;
         }
 
+    // One answer scale for every agree/disagree question, as survey tools
+    // write them: the questions share the first one's alternatives, so
+    // block graphs show one legend and compare their questions on it.
     const QList<AlternativeSpec> agreeScale = scale();
+    qint32 firstScaleQuestion = -1;
     for (std::size_t b = 0; b < blockDefs().size(); ++b) {
         const BlockDef &def = blockDefs()[b];
         for (int i = def.firstQuestion; i < def.firstQuestion + def.questionCount; ++i) {
@@ -464,13 +468,16 @@ void EmployeeSurvey::addStructure()
             // The wellness allowance is a benefit, not part of the work
             // climate the total index measures.
             const bool health = i == 40;
-            mScale.push_back(mBuilder.addQuestion({.code = QString::number(i + 1),
-                                                   .heading = t(q.heading),
-                                                   .text = t(q.text),
-                                                   .block = mainBlocks[b],
-                                                   .subBlock = subBlockOf[std::size_t(i)],
-                                                   .inTotalIndex = !health},
-                                                  agreeScale));
+            const QuestionSpec spec{.code = QString::number(i + 1),
+                                    .heading = t(q.heading),
+                                    .text = t(q.text),
+                                    .block = mainBlocks[b],
+                                    .subBlock = subBlockOf[std::size_t(i)],
+                                    .inTotalIndex = !health};
+            mScale.push_back(firstScaleQuestion < 0 ? mBuilder.addQuestion(spec, agreeScale)
+                                                    : mBuilder.addQuestionLike(spec, firstScaleQuestion));
+            if (firstScaleQuestion < 0)
+                firstScaleQuestion = mScale.back();
             mBlockOfScale.push_back(int(b));
         }
     }

@@ -178,6 +178,12 @@ UserBlockRestore restoreUserBlocks(Document &doc, SettingsStore &store, bool may
             }
             members.insert(qint32(rounded));
         }
+        // The graphs a user block offers follow its members, as when the
+        // editor made it.
+        qint32 flags = 0;
+        for (qint32 q : members)
+            flags |= doc.questions[std::size_t(q)].graphFlags;
+        block.graphFlags = flags;
         const qint32 number = qint32(doc.blocks.size());
         doc.blocks.push_back(block);
         for (qint32 q : members)

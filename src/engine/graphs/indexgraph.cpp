@@ -56,7 +56,7 @@ std::vector<Item> indexItems(const Document &doc, const IndexGraphRequest &reque
     if (request.includeMainIndex)
         items.push_back({ItemKind::Block, request.block, doc.text(p.indexLineTexts[3])});
     if (request.includeSubIndexes) {
-        for (qint32 q : blockMembers(doc, request.block))
+        for (qint32 q : blockGraphQuestions(doc, request.block))
             if (validQuestion(doc, q) && doc.questions[std::size_t(q)].flexTotalIndex != -1.0)
                 items.push_back({ItemKind::Question, q, doc.questions[std::size_t(q)].heading});
     }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/indexes/blockindex.h"
 
+#include <algorithm>
+
 namespace kel {
 
 QuestionList blockMembers(const Document &doc, qint32 block)
@@ -24,6 +26,14 @@ QuestionList blockMembers(const Document &doc, qint32 block)
         for (qint32 q : doc.overviewColumns)
             if (doc.questions[std::size_t(q)].subBlock == block)
                 members.push_back(q);
+    return members;
+}
+
+QuestionList blockGraphQuestions(const Document &doc, qint32 block)
+{
+    QuestionList members = blockMembers(doc, block);
+    std::sort(members.begin(), members.end());
+    members.erase(std::unique(members.begin(), members.end()), members.end());
     return members;
 }
 

@@ -12,6 +12,12 @@ namespace kel {
 /// when none does, as their sub-block. Empty for a block out of range.
 QuestionList blockMembers(const Document &doc, qint32 block);
 
+/// The questions a block graph of `block` shows: its members in question
+/// order, each once. Block items may list members in any order and more than
+/// once; graphs take their groups, legend runs and first answer scale from
+/// this order, so it must not depend on how the items were written.
+QuestionList blockGraphQuestions(const Document &doc, qint32 block);
+
 double calculateBlockIndex(const Document &doc, qint32 block, const RowList &rows);
 /// Over every row of the document.
 double calculateBlockTotalIndex(const Document &doc, qint32 block);

@@ -2,6 +2,7 @@
 #include "gui/graphs/basicgraphwindow.h"
 
 #include "engine/settings/settingsstore.h"
+#include "gui/common/placement.h"
 #include "gui/common/waitcursor.h"
 #include "gui/pictures/picturecommands.h"
 #include "texts/graphtexts.h"
@@ -11,10 +12,15 @@
 #include <QAction>
 #include <QClipboard>
 #include <QGuiApplication>
+#include <QHash>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QMouseEvent>
+#include <QImage>
 #include <QPainter>
+#include <QScreen>
+#include <QScrollBar>
+#include <QStyle>
 
 #include <cmath>
 
@@ -24,8 +30,49 @@ namespace {
 
 constexpr int Margin = BasicGraphMargin;
 constexpr double TwipsPerInch = 1440.0;
+/// The size a histogram window starts from.
+constexpr QSize DefaultGraphWindowSize(620, 460);
+/// What the window manager's frame takes, before the window has one.
+constexpr QSize FrameAllowance(16, 48);
 
 } // namespace
+
+QSize grownGraphWindowSize(QSize start, QSize available, const std::function<bool(QSize)> &fits)
+{
+    available = available.expandedTo(QSize(200, 120));
+    QSize size = start.boundedTo(available);
+    if (fits(size))
+        return size;
+    const int stepX = std::max(1, start.width() / 8);
+    const int stepY = std::max(1, start.height() / 8);
+    const int widthSteps = (available.width() - size.width() + stepX - 1) / stepX;
+    const int heightSteps = (available.height() - size.height() + stepY - 1) / stepY;
+    // The fewest steps first and, among as many, the wider before the
+    // taller: a graph that only needs width does not get a taller window.
+    for (int n = 1; n <= widthSteps + heightSteps; ++n) {
+        for (int i = std::min(n, widthSteps); i >= 0 && n - i <= heightSteps; --i) {
+            const QSize tried(std::min(available.width(), size.width() + i * stepX),
+                              std::min(available.height(), size.height() + (n - i) * stepY));
+            if (fits(tried))
+                return tried;
+        }
+    }
+    return available;
+}
+
+FractionWindowFit fittedFractionWindow(QSize formula, QSize available, int scrollBarWidth)
+{
+    FractionWindowFit fit;
+    fit.graphHeight = formula.height();
+    if (formula.height() <= available.height()) {
+        fit.window = QSize(std::min(formula.width(), std::max(available.width(), 1)), formula.height());
+        return fit;
+    }
+    // The graph keeps its height and scrolls; the bar comes beside it.
+    fit.window = QSize(std::min(formula.width() + scrollBarWidth, std::max(available.width(), 1)),
+                       std::max(available.height(), 1));
+    return fit;
+}
 
 BasicGraphWindow::BasicGraphWindow(bool isSwedish, StatusLine &status, QWidget *parent)
     : QWidget(parent, Qt::Window), mIsSwedish(isSwedish), mStatus(status), mPopup(new QMenu(this))
@@ -34,7 +81,11 @@ BasicGraphWindow::BasicGraphWindow(bool isSwedish, StatusLine &status, QWidget *
     setWindowTitle(QStringLiteral("Basic Graph"));
     setAttribute(Qt::WA_OpaquePaintEvent);
     setFocusPolicy(Qt::StrongFocus);
-    resize(620, 460);
+    resize(DefaultGraphWindowSize);
+    mScroll = new QScrollBar(Qt::Vertical, this);
+    mScroll->setObjectName(QStringLiteral("vsbGraph"));
+    mScroll->hide();
+    connect(mScroll, &QScrollBar::valueChanged, this, qOverload<>(&QWidget::update));
 
     auto item = [&](const char *name, const char *english, const char *swedish) {
         QAction *a = mPopup->addAction(pickText(isSwedish, english, swedish));
@@ -53,6 +104,7 @@ BasicGraphWindow::BasicGraphWindow(bool isSwedish, StatusLine &status, QWidget *
     mnuPCopyValues = item("mnuPCopyValues", "Copy &values", "Kopiera &värden");
     mnuPCopyLegends = item("mnuPCopyLegends", "Copy l&egends", "Kopiera &förklaringar");
     mnuPPrint = item("mnuPPrint", "&Print", "Skriv &ut");
+    mnuPPrintPreview = item("mnuPPrintPreview", "Print P&review", "Förhands&granska");
     mnuPSave = item("mnuPSave", "&Save As...", "&Spara som...");
     mnuPBar3 = bar("mnuPBar3");
     mnuPSetAsDefaultSize = item("mnuPSetAsDefaultSize", "Set as &Default Size", "Sätt som stan&dardstorlek");
@@ -60,10 +112,11 @@ BasicGraphWindow::BasicGraphWindow(bool isSwedish, StatusLine &status, QWidget *
     mnuPClose = item("mnuPClose", "C&lose", "S&täng");
     // Until the window knows its settings and the document's permissions
     // the picture commands cannot be chosen.
-    for (QAction *a : {mnuPCopy, mnuPPrint, mnuPSave})
+    for (QAction *a : {mnuPCopy, mnuPPrint, mnuPPrintPreview, mnuPSave})
         a->setEnabled(false);
     connect(mnuPCopy, &QAction::triggered, this, &BasicGraphWindow::doCopy);
     connect(mnuPPrint, &QAction::triggered, this, &BasicGraphWindow::printGraph);
+    connect(mnuPPrintPreview, &QAction::triggered, this, &BasicGraphWindow::previewGraph);
     connect(mnuPSave, &QAction::triggered, this, &BasicGraphWindow::saveGraph);
 
     connect(mnuPUsePercentage, &QAction::triggered, this, [this](bool on) {
@@ -106,8 +159,23 @@ bool BasicGraphWindow::setUpGraph(const BasicGraphDescription &description, cons
     mnuPCopyLegends->setEnabled(permissions.allowCopy);
     updatePictureItems();
 
-    if (description.graphKind == FractionGraph)
-        resize(basicGraphWindowSize(*mRenderer, defaults.windowWidthTwips, defaults.barWidth, logicalDpiX()));
+    // Opened drawn and wholly on the screen: a histogram grows from the
+    // default size until its layout fits; a fraction graph keeps the size
+    // its bars ask for and scrolls when that is taller than the screen.
+    const QSize available = availableArea();
+    mGraphHeight = 0;
+    if (description.graphKind == FractionGraph) {
+        const QSize formula =
+            basicGraphWindowSize(*mRenderer, defaults.windowWidthTwips, defaults.barWidth, logicalDpiX());
+        const FractionWindowFit fit = fittedFractionWindow(formula, available, mScroll->sizeHint().width());
+        mGraphHeight = fit.graphHeight > fit.window.height() ? fit.graphHeight : 0;
+        resize(fit.window);
+    } else {
+        resize(
+            grownGraphWindowSize(DefaultGraphWindowSize, available, [this](QSize size) { return layoutFits(size); }));
+    }
+    mScroll->setValue(0);
+    updateScrollBar();
     updateAccessibleText();
     update();
     return true;
@@ -118,6 +186,90 @@ void BasicGraphWindow::updateAccessibleText()
     // The graph is drawn; a screen reader reads the values it shows, as
     // Copy Values words them.
     setAccessibleDescription(mRenderer ? basicGraphValuesText(description(), mPercentage) : QString());
+}
+
+QSize BasicGraphWindow::availableArea() const
+{
+    if (mAvailable.isValid())
+        return mAvailable;
+    const QScreen *shown = screen();
+    if (!shown)
+        return DefaultGraphWindowSize;
+    // A window that has been shown knows its frame.
+    const QSize frame = frameGeometry().size() - geometry().size();
+    const QSize allowance = frame.width() > 0 || frame.height() > 0 ? frame : FrameAllowance;
+    return (shown->availableGeometry().size() - allowance).expandedTo(QSize(200, 120));
+}
+
+bool BasicGraphWindow::layoutFits(const QSize &windowSize) const
+{
+    if (!mRenderer)
+        return true;
+    // The renderer finds out before it draws anything; a one-pixel surface
+    // at the window's resolution is enough to ask it.
+    QImage probe(1, 1, QImage::Format_ARGB32_Premultiplied);
+    probe.setDotsPerMeterX(qRound(logicalDpiX() / 0.0254));
+    probe.setDotsPerMeterY(qRound(logicalDpiY() / 0.0254));
+    QPainter painter(&probe);
+    const QRect area = QRect(QPoint(0, 0), windowSize).adjusted(Margin, Margin, -Margin, -Margin);
+    return mRenderer->draw(painter, area, 0, false) && mRenderer->draw(painter, area, 0, true);
+}
+
+QSize BasicGraphWindow::graphSize() const
+{
+    if (mGraphHeight > height())
+        return QSize(std::max(1, width() - mScroll->sizeHint().width()), mGraphHeight);
+    return size();
+}
+
+void BasicGraphWindow::updateScrollBar()
+{
+    const bool scrolls = mGraphHeight > height();
+    mScroll->setVisible(scrolls);
+    if (!scrolls) {
+        mScroll->setValue(0);
+        return;
+    }
+    const int barWidth = mScroll->sizeHint().width();
+    mScroll->setGeometry(width() - barWidth, 0, barWidth, height());
+    mScroll->setRange(0, mGraphHeight - height());
+    mScroll->setPageStep(height());
+    mScroll->setSingleStep(std::max(1, screenUnits().textHeight()));
+}
+
+void BasicGraphWindow::resizeEvent(QResizeEvent *event)
+{
+    // Once the window is as tall as the graph, the graph follows the window
+    // again, as any graph whose window the user sizes.
+    if (mGraphHeight > 0 && height() >= mGraphHeight)
+        mGraphHeight = 0;
+    updateScrollBar();
+    QWidget::resizeEvent(event);
+}
+
+void BasicGraphWindow::wheelEvent(QWheelEvent *event)
+{
+    if (!mScroll->isHidden()) {
+        QCoreApplication::sendEvent(mScroll, event);
+        return;
+    }
+    QWidget::wheelEvent(event);
+}
+
+void BasicGraphWindow::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    moveWhollyOnScreen(*this);
+}
+
+void moveWhollyOnScreen(QWidget &window)
+{
+    // The window manager may have put it where part of it is off the
+    // available area; the size was already chosen to fit.
+    const QRect frame = window.frameGeometry();
+    const QRect kept = keepOnScreen(frame, availableScreenAreas());
+    if (kept.topLeft() != frame.topLeft())
+        window.move(kept.topLeft());
 }
 
 void BasicGraphWindow::setPercentage(bool on)
@@ -137,7 +289,8 @@ void BasicGraphWindow::paintEvent(QPaintEvent *)
     painter.drawRect(rect().adjusted(0, 0, -1, -1));
     if (!mRenderer)
         return;
-    const QRect area = rect().adjusted(Margin, Margin, -Margin, -Margin);
+    const QRect graph(QPoint(0, -mScroll->value()), graphSize());
+    const QRect area = graph.adjusted(Margin, Margin, -Margin, -Margin);
     mTooBig = !mRenderer->draw(painter, area, 0, mPercentage);
     if (mTooBig) {
         painter.setPen(palette().color(QPalette::WindowText));
@@ -157,6 +310,21 @@ void BasicGraphWindow::mouseReleaseEvent(QMouseEvent *event)
 
 void BasicGraphWindow::keyPressEvent(QKeyEvent *event)
 {
+    if (!mScroll->isHidden() && event->modifiers() == Qt::NoModifier) {
+        // The keyboard scrolls a graph taller than its window.
+        const QHash<int, QAbstractSlider::SliderAction> keys{{Qt::Key_Up, QAbstractSlider::SliderSingleStepSub},
+                                                             {Qt::Key_Down, QAbstractSlider::SliderSingleStepAdd},
+                                                             {Qt::Key_PageUp, QAbstractSlider::SliderPageStepSub},
+                                                             {Qt::Key_PageDown, QAbstractSlider::SliderPageStepAdd},
+                                                             {Qt::Key_Home, QAbstractSlider::SliderToMinimum},
+                                                             {Qt::Key_End, QAbstractSlider::SliderToMaximum}};
+        const auto action = keys.find(event->key());
+        if (action != keys.end()) {
+            mScroll->triggerAction(*action);
+            event->accept();
+            return;
+        }
+    }
     if (event->modifiers() == Qt::ControlModifier) {
         // Each key only with the document's permission, and only while its
         // item can be chosen.
@@ -205,13 +373,14 @@ std::optional<FractionGraphDefaultSize> BasicGraphWindow::currentDefaultSize() c
     if (!mRenderer || description().groups.empty())
         return std::nullopt;
     const BasicGraphUnits &u = mRenderer->units();
-    const int inner = std::max(1, width() - 2 * Margin);
-    const double free = height() - mRenderer->titleBlockHeight() - mRenderer->selectionBlockHeight(inner)
+    const QSize graph = graphSize();
+    const int inner = std::max(1, graph.width() - 2 * Margin);
+    const double free = graph.height() - mRenderer->titleBlockHeight() - mRenderer->selectionBlockHeight(inner)
         - mRenderer->legendBlockHeight(inner) - u.textHeight() - u.gapY() - u.borderHeight() - 2 * Margin;
     FractionGraphDefaultSize size;
     // The width the window is opened with, so that storing and reopening
     // keeps it (the frame is the window manager's).
-    size.windowWidthTwips = qint32(std::nearbyint(width() * TwipsPerInch / logicalDpiX()));
+    size.windowWidthTwips = qint32(std::nearbyint(graph.width() * TwipsPerInch / logicalDpiX()));
     size.barWidth = qint32(std::nearbyint(free / double(description().groups.size())));
     return size;
 }
@@ -233,7 +402,9 @@ void BasicGraphWindow::updatePictureItems()
 {
     const bool ready = mContext.options && mContext.settings && mRenderer;
     mnuPCopy->setEnabled(ready && mPermissions.allowCopy);
-    mnuPPrint->setEnabled(ready && mPermissions.allowPrint);
+    const bool printing = mRenderer && graphPrintingPossible(mContext, mPermissions);
+    mnuPPrint->setEnabled(printing);
+    mnuPPrintPreview->setEnabled(printing);
     mnuPSave->setEnabled(ready && mPermissions.allowSavePicture);
 }
 
@@ -256,10 +427,10 @@ Picture BasicGraphWindow::picture(const BasicGraphPictureOptions &options) const
     // must not depend on this window still showing the same graph.
     const BasicGraphRenderer renderer = *mRenderer;
     const bool percentage = mPercentage;
-    Picture picture =
-        basicGraphPicture(size(), options, [renderer, percentage](QPainter &painter, const QRect &area, int scale) {
-            drawScaledBasicGraph(painter, renderer, area, scale, percentage);
-        });
+    Picture picture = basicGraphPicture(graphSize(), options,
+                                        [renderer, percentage](QPainter &painter, const QRect &area, int scale) {
+                                            drawScaledBasicGraph(painter, renderer, area, scale, percentage);
+                                        });
     picture.description = applicationTitle();
     return picture;
 }
@@ -268,7 +439,7 @@ bool BasicGraphWindow::doCopy()
 {
     if (!mnuPCopy->isEnabled())
         return false;
-    return copyGraphPicture(picture(), statusReporter(mStatus));
+    return copyGraphPicture(picture(), statusReporter(mStatus), std::nullopt, mIsSwedish, mContext.reportError);
 }
 
 bool BasicGraphWindow::printGraph()
@@ -277,6 +448,23 @@ bool BasicGraphWindow::printGraph()
         return false;
     return printGraphPicture(picture(), *mContext.settings, graphPrintFooter(mContext.documentIsSwedish),
                              statusReporter(mStatus));
+}
+
+bool BasicGraphWindow::previewGraph()
+{
+    if (!mnuPPrintPreview->isEnabled())
+        return false;
+    previewGraphPicture(this, picture(), mContext, mIsSwedish);
+    return true;
+}
+
+void previewGraphPicture(QWidget *parent, const Picture &picture, const GraphPictureContext &context, bool isSwedish)
+{
+    const QString footer = graphPrintFooter(context.documentIsSwedish);
+    if (context.showPreview)
+        context.showPreview(picture, footer);
+    else if (context.settings)
+        previewPicturePrint(parent, picture, *context.settings, footer, isSwedish);
 }
 
 bool BasicGraphWindow::saveGraph()

@@ -15,6 +15,7 @@
 
 class QAction;
 class QMenu;
+class QScrollBar;
 
 namespace kel {
 
@@ -34,16 +35,51 @@ struct GraphPictureContext {
     const UserOptions *options = nullptr; ///< opaque, white space, copy format
     LastSettings *settings = nullptr;     ///< printer, save folder and format
     bool documentIsSwedish = false;       ///< the printed line's language
+    /// Whether printing can work at all (a printer is installed): print and
+    /// print preview follow the rule of the print format command.
+    bool printerInstalled = false;
     /// Empty: the save dialog and the message box (tests answer instead).
     PictureFileChooser chooseFile;
     PictureErrorReporter reportError;
+    /// Empty: the print preview dialog (tests look instead).
+    std::function<void(const Picture &picture, const QString &footer)> showPreview;
 };
+
+/// Whether the print commands of a graph window can be chosen.
+inline bool graphPrintingPossible(const GraphPictureContext &context, const GraphPermissions &permissions)
+{
+    return context.options && context.settings && context.printerInstalled && permissions.allowPrint;
+}
+
+/// The print preview of a graph window's picture, through the context's
+/// hook when it has one.
+void previewGraphPicture(QWidget *parent, const Picture &picture, const GraphPictureContext &context, bool isSwedish);
 
 /// The stored default size of fraction graph windows.
 struct FractionGraphDefaultSize {
     qint32 windowWidthTwips = 9300; ///< "Question Graph Window Width"
     qint32 barWidth = 46;           ///< "Question Graph Bar Width", pixels per group
 };
+
+/// The first size of a histogram window: `start` (the stored default size),
+/// grown step by step in both directions up to `available` until `fits`
+/// says the graph's layout fits. When nothing up to `available` fits, the
+/// whole available area.
+QSize grownGraphWindowSize(QSize start, QSize available, const std::function<bool(QSize)> &fits);
+
+/// A fraction graph window's first size and the height its graph is drawn
+/// at: the rules' size when it fits in `available`; else the window takes
+/// at most the available width and height while the graph keeps the rules'
+/// height and scrolls.
+struct FractionWindowFit {
+    QSize window;
+    int graphHeight = 0;
+};
+FractionWindowFit fittedFractionWindow(QSize formula, QSize available, int scrollBarWidth);
+
+/// Moves a graph window that lies partly off the screens' available area
+/// back onto it (its size is left alone).
+void moveWhollyOnScreen(QWidget &window);
 
 class BasicGraphWindow : public QWidget
 {
@@ -71,6 +107,15 @@ public:
     std::optional<FractionGraphDefaultSize> currentDefaultSize() const;
     /// Whether the last paint found the graph too big for the window.
     bool graphTooBig() const { return mTooBig; }
+    /// The size the graph is drawn at: the window's, or taller when a
+    /// fraction graph taller than the screen scrolls inside the window.
+    QSize graphSize() const;
+    /// The screen area (less the window frame) the window must fit in;
+    /// tests may set their own.
+    void setAvailableArea(const QSize &area) { mAvailable = area; }
+    QSize availableArea() const;
+    /// The vertical scroll bar of a graph that scrolls.
+    QScrollBar *scrollBar() const { return mScroll; }
 
     /// Copy, print and save need the settings that shape and keep the
     /// picture, and the document's language for the printed line; until they
@@ -89,6 +134,7 @@ public:
     QAction *mnuPCopyValues = nullptr;
     QAction *mnuPCopyLegends = nullptr;
     QAction *mnuPPrint = nullptr;
+    QAction *mnuPPrintPreview = nullptr;
     QAction *mnuPSave = nullptr;
     QAction *mnuPBar3 = nullptr;
     QAction *mnuPSetAsDefaultSize = nullptr;
@@ -101,16 +147,22 @@ public:
     /// DoCopy: the picture to the clipboard. False when it failed.
     bool doCopy();
     bool printGraph();
+    bool previewGraph();
     bool saveGraph();
 
 protected:
     void paintEvent(QPaintEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void wheelEvent(QWheelEvent *event) override;
+    void showEvent(QShowEvent *event) override;
 
 private:
     BasicGraphUnits screenUnits() const;
     void updatePictureItems();
+    bool layoutFits(const QSize &windowSize) const;
+    void updateScrollBar();
 
     bool mIsSwedish;
     StatusLine &mStatus;
@@ -121,6 +173,9 @@ private:
     QMenu *mPopup;
     std::function<void(const FractionGraphDefaultSize &)> mStoreDefaultSize;
     GraphPictureContext mContext;
+    int mGraphHeight = 0; ///< > height(): the graph scrolls; else the window's height
+    QSize mAvailable;
+    QScrollBar *mScroll;
 };
 
 } // namespace kel

@@ -37,14 +37,16 @@ ChartWindow::ChartWindow(bool isSwedish, QWidget *parent)
     };
     mnuPCopy = item("mnuPCopy", "&Copy", "K&opiera");
     mnuPPrint = item("mnuPPrint", "&Print", "Skriv &ut");
+    mnuPPrintPreview = item("mnuPPrintPreview", "Print P&review", "Förhands&granska");
     mnuPSave = item("mnuPSave", "&Save As...", "&Spara som...");
     mPopup->addSeparator();
     mnuPClose = item("mnuPClose", "C&lose", "S&täng");
     // Copy, print and save wait for the settings and the permissions.
-    for (QAction *a : {mnuPCopy, mnuPPrint, mnuPSave})
+    for (QAction *a : {mnuPCopy, mnuPPrint, mnuPPrintPreview, mnuPSave})
         a->setEnabled(false);
     connect(mnuPCopy, &QAction::triggered, this, &ChartWindow::doCopy);
     connect(mnuPPrint, &QAction::triggered, this, &ChartWindow::printGraph);
+    connect(mnuPPrintPreview, &QAction::triggered, this, &ChartWindow::previewGraph);
     connect(mnuPSave, &QAction::triggered, this, &ChartWindow::saveGraph);
     connect(mnuPClose, &QAction::triggered, this, &QWidget::close);
 }
@@ -85,7 +87,9 @@ void ChartWindow::setPictureContext(StatusLine &status, const GraphPictureContex
     mContext = context;
     const bool ready = context.options && context.settings;
     mnuPCopy->setEnabled(ready && permissions.allowCopy);
-    mnuPPrint->setEnabled(ready && permissions.allowPrint);
+    const bool printing = graphPrintingPossible(context, permissions);
+    mnuPPrint->setEnabled(printing);
+    mnuPPrintPreview->setEnabled(printing);
     mnuPSave->setEnabled(ready && permissions.allowSavePicture);
 }
 
@@ -93,7 +97,8 @@ bool ChartWindow::doCopy()
 {
     if (!mnuPCopy->isEnabled())
         return false;
-    return copyGraphPicture(picture(), statusReporter(*mStatus), mContext.options->graphCopyFormat);
+    return copyGraphPicture(picture(), statusReporter(*mStatus), mContext.options->graphCopyFormat, mIsSwedish,
+                            mContext.reportError);
 }
 
 bool ChartWindow::printGraph()
@@ -104,12 +109,26 @@ bool ChartWindow::printGraph()
                              statusReporter(*mStatus));
 }
 
+bool ChartWindow::previewGraph()
+{
+    if (!mnuPPrintPreview->isEnabled())
+        return false;
+    previewGraphPicture(this, picture(), mContext, mIsSwedish);
+    return true;
+}
+
 bool ChartWindow::saveGraph()
 {
     if (!mnuPSave->isEnabled())
         return false;
     return saveGraphPicture(this, picture(), SaveKind::Chart, mIsSwedish, *mContext.settings, statusReporter(*mStatus),
                             mContext.chooseFile, mContext.reportError);
+}
+
+void ChartWindow::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    moveWhollyOnScreen(*this);
 }
 
 bool ChartWindow::eventFilter(QObject *watched, QEvent *event)

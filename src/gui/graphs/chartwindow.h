@@ -43,16 +43,19 @@ public:
     void setPictureContext(StatusLine &status, const GraphPictureContext &context, const GraphPermissions &permissions);
     bool doCopy();
     bool printGraph();
+    bool previewGraph();
     bool saveGraph();
 
     QMenu *popupMenu() const { return mPopup; }
     QAction *mnuPCopy = nullptr;
     QAction *mnuPPrint = nullptr;
+    QAction *mnuPPrintPreview = nullptr;
     QAction *mnuPSave = nullptr;
     QAction *mnuPClose = nullptr;
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
+    void showEvent(QShowEvent *event) override;
 
 private:
     bool mIsSwedish;

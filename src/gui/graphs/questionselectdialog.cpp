@@ -61,10 +61,13 @@ QuestionSelectDialog::QuestionSelectDialog(const Document &doc, qint32 question,
     layout->addLayout(buttons);
     resize(420, 380);
 
-    connect(lstQuestions, &QListWidget::currentItemChanged, this, &QuestionSelectDialog::choiceChanged);
+    // The choice is the selected item, never the current one: a list that
+    // gets the focus makes its first item current on its own, and Enter
+    // would then split by a question the user never chose.
+    connect(lstQuestions, &QListWidget::itemSelectionChanged, this, &QuestionSelectDialog::choiceChanged);
     connect(lstQuestions, &QListWidget::itemDoubleClicked, cmdOK, &QPushButton::click);
     connect(cmdOK, &QPushButton::clicked, this, [this] {
-        const QListWidgetItem *item = lstQuestions->currentItem();
+        const QListWidgetItem *item = chosenItem();
         if (!item)
             return;
         mChosen = item->data(Qt::UserRole).toInt();
@@ -74,9 +77,15 @@ QuestionSelectDialog::QuestionSelectDialog(const Document &doc, qint32 question,
     connect(cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
 }
 
+QListWidgetItem *QuestionSelectDialog::chosenItem() const
+{
+    const QList<QListWidgetItem *> selected = lstQuestions->selectedItems();
+    return selected.isEmpty() ? nullptr : selected.front();
+}
+
 void QuestionSelectDialog::choiceChanged()
 {
-    const QListWidgetItem *item = lstQuestions->currentItem();
+    const QListWidgetItem *item = chosenItem();
     if (!item) {
         lblQuestionFullText->clear();
         cmdOK->setEnabled(false);

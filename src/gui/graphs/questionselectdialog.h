@@ -10,6 +10,7 @@
 
 class QLabel;
 class QListWidget;
+class QListWidgetItem;
 class QPushButton;
 
 namespace kel {
@@ -35,6 +36,7 @@ public:
 
 private:
     void choiceChanged();
+    QListWidgetItem *chosenItem() const;
 
     const Document &mDoc;
     qint32 mChosen = -1;

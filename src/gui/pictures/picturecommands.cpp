@@ -3,9 +3,11 @@
 
 #include "gui/common/waitcursor.h"
 #include "render/pictures/picturewriter.h"
+#include "texts/graphtexts.h"
 #include "texts/language.h"
 #include "texts/statusline.h"
 
+#include <QApplication>
 #include <QClipboard>
 #include <QDir>
 #include "gui/common/filedialogs.h"
@@ -96,9 +98,17 @@ private:
 };
 
 // A picture that can be made at all: its size fits an image.
-bool canBeMade(const Picture &picture)
+// What a clipboard picture may hold: 256 Mi pixels (1 GiB as 32-bit
+// pixels), beyond which the bitmap formats cannot be made reliably.
+constexpr qint64 MaxClipboardPixels = qint64(256) * 1024 * 1024;
+
+int pictureProblem(const Picture &picture)
 {
-    return picture.isValid() && qint64(picture.size.width()) * picture.size.height() <= qint64(256) * 1024 * 1024;
+    if (!picture.isValid())
+        return ClipboardNoPicture;
+    if (qint64(picture.size.width()) * picture.size.height() > MaxClipboardPixels)
+        return ClipboardTooLarge;
+    return ClipboardOk;
 }
 
 } // namespace
@@ -119,8 +129,8 @@ void settlePictureClipboard(QClipboard *clipboard)
 
 int copyPictureToClipboard(const Picture &picture, QClipboard *clipboard)
 {
-    if (!canBeMade(picture))
-        return ClipboardNoPicture;
+    if (const int problem = pictureProblem(picture))
+        return problem;
     return setMime(clipboardOr(clipboard), new PictureMimeData(picture, true), QStringLiteral("image/png"));
 }
 
@@ -346,8 +356,8 @@ Picture basicGraphPicture(const QSize &clientSize, const BasicGraphPictureOption
 
 int copyChartPicture(const Picture &picture, qint32 graphCopyFormat, QClipboard *clipboard)
 {
-    if (!canBeMade(picture))
-        return ClipboardNoPicture;
+    if (const int problem = pictureProblem(picture))
+        return problem;
     return setMime(clipboardOr(clipboard), new PictureMimeData(picture, graphCopyFormat == 1),
                    QStringLiteral("image/png"));
 }
@@ -362,7 +372,16 @@ StatusReporter statusReporter(StatusLine &line)
     };
 }
 
-bool copyGraphPicture(const Picture &picture, const StatusReporter &status, std::optional<qint32> chartCopyFormat)
+QString clipboardFailureMessage(int result, bool overview, bool isSwedish)
+{
+    const PictureCopyFailure failure = result == ClipboardTooLarge ? PictureCopyFailure::TooLarge
+        : result == ClipboardNoPicture                             ? PictureCopyFailure::NotMade
+                                                                   : PictureCopyFailure::Refused;
+    return pictureCopyFailureMessage(failure, overview, isSwedish);
+}
+
+bool copyGraphPicture(const Picture &picture, const StatusReporter &status, std::optional<qint32> chartCopyFormat,
+                      bool isSwedish, const PictureErrorReporter &reportError)
 {
     WaitCursor wait;
     status("Copying the graph to the clipboard...", "Kopierar grafen till urklipp...", false);
@@ -370,8 +389,14 @@ bool copyGraphPicture(const Picture &picture, const StatusReporter &status, std:
     const bool ok = result == ClipboardOk;
     if (ok)
         status("The graph has been copied to the clipboard!", "Grafen har kopierats till urklipp!", true);
-    else
+    else {
         status("The graph could not be copied to the clipboard!", "Grafen kunde inte kopieras till urklipp!", true);
+        const QString text = clipboardFailureMessage(result, false, isSwedish);
+        if (reportError)
+            reportError(applicationTitle(), text);
+        else
+            QMessageBox::warning(QApplication::activeWindow(), applicationTitle(), text);
+    }
     return ok;
 }
 

@@ -31,9 +31,13 @@ class StatusLine;
 /// numbers, so the program names its own.
 enum ClipboardError : int {
     ClipboardOk = 0,
-    ClipboardNoPicture = 1, ///< the picture could not be made (empty, too large)
+    ClipboardNoPicture = 1, ///< the picture has nothing to draw
     ClipboardRefused = 2,   ///< the clipboard did not keep what was set
+    ClipboardTooLarge = 3,  ///< more pixels than a clipboard picture may have
 };
+
+/// The words for a copy that failed (`result` not ClipboardOk).
+QString clipboardFailureMessage(int result, bool overview, bool isSwedish);
 
 /// Puts the picture on the clipboard as PNG, SVG, EMF (for programs that
 /// take Windows metafiles) and a plain image.
@@ -151,8 +155,11 @@ int copyChartPicture(const Picture &picture, qint32 graphCopyFormat, QClipboard 
 using StatusReporter = std::function<void(const char *english, const char *swedish, bool autoClear)>;
 StatusReporter statusReporter(StatusLine &line);
 /// `chartCopyFormat`: a chart window's copy, with its "Graph Copy Format".
+/// A failure also goes to `reportError` (a message box when empty), worded
+/// by clipboardFailureMessage.
 bool copyGraphPicture(const Picture &picture, const StatusReporter &status,
-                      std::optional<qint32> chartCopyFormat = std::nullopt);
+                      std::optional<qint32> chartCopyFormat = std::nullopt, bool isSwedish = false,
+                      const PictureErrorReporter &reportError = {});
 /// The dialog and the message box go to `chooser` and `reportError` when
 /// they are given.
 bool saveGraphPicture(QWidget *parent, const Picture &picture, SaveKind kind, bool isSwedish, LastSettings &settings,

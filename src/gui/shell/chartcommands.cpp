@@ -112,6 +112,7 @@ ChartWindow *ChartCommands::showChart(const ChartDescription &chart)
     context.options = &mWindow.options();
     context.settings = &mWindow.lastSettings();
     context.documentIsSwedish = documentIsSwedish(doc);
+    context.printerInstalled = mWindow.printerInstalled();
     window->setPictureContext(mWindow.statusLine(), context, permissions);
     mPending = window;
     mAutoShow.start();
@@ -191,7 +192,7 @@ void ChartCommands::viewBlockRankingGraph(qint32 block)
     const Document *doc = mWindow.document();
     if (!canGraph() || block < 0 || std::size_t(block) >= doc->blocks.size())
         return;
-    const QuestionList questions = blockMembers(*doc, block);
+    const QuestionList questions = blockGraphQuestions(*doc, block);
     if (questions.empty()) {
         mWindow.statusLine().setStatus("The block did not contain any questions!", "Blocket innehöll inga frågor!",
                                        true);

@@ -4,7 +4,10 @@
 #include "engine/document/document.h"
 #include "engine/graphs/chartdescription.h"
 #include "engine/indexes/blockindex.h"
+#include "engine/blocks/userblocks.h"
 #include "engine/overview/sheetlayout.h"
+#include "engine/settings/recentfiles.h"
+#include "gui/shell/chartcommands.h"
 #include "gui/graphs/basicgraphwindow.h"
 #include "gui/graphs/questionselectdialog.h"
 #include "gui/overview/sheetview.h"
@@ -105,6 +108,7 @@ BasicGraphWindow *openBasicGraph(MainWindow &window, const BasicGraphRequest &re
     context.options = &window.options();
     context.settings = &window.lastSettings();
     context.documentIsSwedish = documentIsSwedish(*doc);
+    context.printerInstalled = window.printerInstalled();
     graph->setPictureContext(context);
     graph->show();
     graph->raise();
@@ -205,7 +209,7 @@ void showViewBlockGraph(MainWindow &window, qint32 kind, int block)
     WaitCursor wait;
     BasicGraphRequest request;
     request.kind = kind;
-    request.questions = blockMembers(*doc, block);
+    request.questions = blockGraphQuestions(*doc, block);
     if (request.questions.empty()) {
         window.showMessage(QMessageBox::Information, applicationTitle(),
                            blockWithoutQuestionsMessage(window.isSwedish()));
@@ -215,6 +219,41 @@ void showViewBlockGraph(MainWindow &window, qint32 kind, int block)
     request.block = block;
     request.showTotalIndex = window.selectionSteps().differentFromUsedTotal;
     runGraphCommand(window, command, request);
+}
+
+void rebuildUserBlockGraphMenu(MainWindow &window)
+{
+    QMenu *menu = window.menus().mnuVUserBlockGraphs;
+    menu->clear(); // deletes the block submenus' actions, not the submenus
+    qDeleteAll(menu->findChildren<QMenu *>(Qt::FindDirectChildrenOnly));
+    const Document *doc = window.document();
+    const qint32 first = doc ? documentBlockCount(*doc) : 0;
+    const qint32 count = doc ? qint32(doc->blocks.size()) : 0;
+    menu->menuAction()->setVisible(count > first);
+    const bool sv = window.isSwedish();
+    MainWindow *w = &window;
+    for (qint32 block = first; block < count; ++block) {
+        const Block &b = doc->blocks[std::size_t(block)];
+        QMenu *graphs = menu->addMenu(doubleAmpersands(b.name));
+        graphs->setObjectName(QStringLiteral("mnuVUserBlock%1").arg(block));
+        // The same graphs, in the same order and by the same flags, as the
+        // popup offers over a document block's line.
+        const auto add = [&](qint32 flag, const char *english, const char *swedish, auto run) {
+            if ((b.graphFlags & flag) == 0)
+                return;
+            QAction *item = graphs->addAction(pickText(sv, english, swedish));
+            QObject::connect(item, &QAction::triggered, w, [w, block, run] { run(*w, block); });
+        };
+        add(0x100, "Block &Index Graph...", "Block&indexgraf...",
+            [](MainWindow &mw, qint32 bl) { mw.chartCommands().blockIndexGraph(bl); });
+        add(0x1, "Block &Histogram", "Block&histogram",
+            [](MainWindow &mw, qint32 bl) { showViewBlockGraph(mw, HistogramGraph, bl); });
+        add(0x2, "Block &Graph", "Block&graf",
+            [](MainWindow &mw, qint32 bl) { showViewBlockGraph(mw, FractionGraph, bl); });
+        add(0x4, "Block &Ranking Graph", "Block&rankningsgraf",
+            [](MainWindow &mw, qint32 bl) { mw.chartCommands().viewBlockRankingGraph(bl); });
+        graphs->setEnabled(!graphs->isEmpty());
+    }
 }
 
 void connectBasicGraphCommands(MainWindow &window)

@@ -34,4 +34,9 @@ void showSplitGraphByDialog(MainWindow &window, qint32 kind);
 void showSplitGraphByCategory(MainWindow &window, qint32 kind, int category);
 void showViewBlockGraph(MainWindow &window, qint32 kind, int block);
 
+/// Fills the View menu's user block submenu: one submenu per user block
+/// with the block graphs its graph flags allow, as the popup offers them
+/// for a document block. Hidden while the document has no user blocks.
+void rebuildUserBlockGraphMenu(MainWindow &window);
+
 } // namespace kel

@@ -108,6 +108,8 @@ MainMenus buildMainMenus(QMenuBar *bar, QWidget *owner, bool isSwedish)
     m.mnuVBlockGraph1 = b.submenu(m.mnuView, "mnuVBlockGraph1", "Block &Histogram", "Block&histogram");
     m.mnuVBlockGraph2 = b.submenu(m.mnuView, "mnuVBlockGraph2", "Block &Graph", "Block&graf");
     m.mnuVBlockGraph3 = b.submenu(m.mnuView, "mnuVBlockGraph3", "Block &Ranking Graph", "Block&rankningsgraf");
+    m.mnuVUserBlockGraphs = b.submenu(m.mnuView, "mnuVUserBlockGraphs", "&User Block Graphs", "&Egna blockgrafer");
+    m.mnuVUserBlockGraphs->menuAction()->setVisible(false);
     m.mnuVComments = b.item(m.mnuView, "mnuVComments", "&Comments", "&Kommentarer");
     m.mnuVBar2 = b.bar(m.mnuView, "mnuVBar2");
     m.mnuVCloseAllGraphWindows =
@@ -239,6 +241,7 @@ void applyMenuEnabling(MainMenus &m, const MenuEnabling &enabling, const std::ve
           m.mnuVBlockGraph3->menuAction()});
     for (const QList<QAction *> *items : {&m.mnuVB4Item, &m.mnuVB1Item, &m.mnuVB2Item, &m.mnuVB3Item})
         enableAll(C::BlockGraphs, *items);
+    enable(C::BlockGraphs, {m.mnuVUserBlockGraphs->menuAction()});
     enable(C::BlockGraphs,
            {m.mnuPShowBlockGraph4, m.mnuPShowBlockGraph1, m.mnuPShowBlockGraph2, m.mnuPSB3SortedBy[0],
             m.mnuPSB3SortedBy[1]});

@@ -55,6 +55,9 @@ struct MainMenus {
     QMenu *mnuVBlockGraph2 = nullptr;
     QMenu *mnuVBlockGraph3 = nullptr;
     QList<QAction *> mnuVB4Item, mnuVB1Item, mnuVB2Item, mnuVB3Item;
+    /// One submenu per user block with its block graphs; shown while the
+    /// document has user blocks (the popup cannot reach them).
+    QMenu *mnuVUserBlockGraphs = nullptr;
     QAction *mnuVComments = nullptr;
     QAction *mnuVBar2 = nullptr;
     QAction *mnuVCloseAllGraphWindows = nullptr;

@@ -442,6 +442,7 @@ void MainWindow::rebuildBlockMenus()
         for (const Block &block : doc->blocks)
             *items << menu->addAction(doubleAmpersands(block.name));
     }
+    rebuildUserBlockGraphMenu(*this);
 }
 
 void MainWindow::rebuildRecentFilesMenu()

@@ -55,6 +55,8 @@ public:
                QWidget *parent = nullptr);
     ~MainWindow() override;
 
+    /// Whether a printer was found: every print command needs one.
+    bool printerInstalled() const { return mEnvironment.printerInstalled; }
     /// After the window is shown: welcomes the user, or schedules opening the
     /// file named first on the command line (empty: none).
     void startUp(const QString &firstArgument);

@@ -75,9 +75,7 @@ void OverviewCommands::copyPicture(bool headersOnly)
     if (result != ClipboardOk) {
         status.clearStatus();
         message(QMessageBox::Critical, pickText(mWindow.isSwedish(), "Copy Overview", "Kopiera översikt"),
-                pickText(mWindow.isSwedish(), "The copying to the clipboard failed! (Errorcode: ",
-                         "Kopiering till urklipp misslyckades! (Felkod: ")
-                    + QString::number(result) + QLatin1Char(')'));
+                clipboardFailureMessage(result, true, mWindow.isSwedish()));
         return;
     }
     status.setStatus("Overview copied!", "Översikt kopierad!", true);
