@@ -19,6 +19,9 @@ Picture overviewPicture(const SheetInput &sheet, SheetMode mode, OverviewPicture
     auto offsets = std::make_shared<SheetTextOffsets>();
     Picture picture;
     picture.size = QSize(geometry.width(), geometry.height());
+    // The sheet's fonts are made with the ANSI character set and the
+    // default pitch and family.
+    picture.metafileFonts = MetafileFontClass{0, 0};
     picture.paint = [shared, offsets](QPainter &painter) { drawSheet(painter, *shared, *offsets); };
     return picture;
 }

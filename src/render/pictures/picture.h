@@ -5,6 +5,7 @@
 #pragma once
 
 #include <QSize>
+#include <QtGlobal>
 #include <QString>
 
 #include <functional>
@@ -14,12 +15,22 @@ class QPainter;
 
 namespace kel {
 
+/// How a metafile's font records class the picture's fonts: the LOGFONT
+/// character set and pitch-and-family bytes. Qt fonts carry neither, so
+/// each picture says what its fonts were made with.
+struct MetafileFontClass {
+    quint8 charSet = 1;           ///< DEFAULT_CHARSET
+    quint8 pitchAndFamily = 0x22; ///< VARIABLE_PITCH | FF_SWISS
+    bool operator==(const MetafileFontClass &) const = default;
+};
+
 struct Picture {
     QSize size; ///< pixels
     /// Paints the picture in the size's pixel coordinates, origin top left.
     std::function<void(QPainter &painter)> paint;
     /// Who made it, kept in the files that have room for it (EMF, SVG).
     QString description;
+    MetafileFontClass metafileFonts;
 
     bool isValid() const { return size.width() > 0 && size.height() > 0 && bool(paint); }
 };

@@ -28,7 +28,7 @@ void setError(QString *error, const QString &text)
 
 MetafileRecording recordPicture(const Picture &picture)
 {
-    MetafilePaintDevice device(picture.size);
+    MetafilePaintDevice device(picture.size, picture.metafileFonts);
     QPainter painter(&device);
     picture.paint(painter);
     painter.end();
