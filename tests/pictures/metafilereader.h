@@ -95,8 +95,8 @@ inline QString wmfText(const QByteArray &file, const MetaRecord &r)
 }
 
 /// A text of an EMF file where it lands: its box from the reference point
-/// (baseline, left) across the sum of its advances, a font's em height above
-/// the baseline and Arial's descent (0.212 em) below; and the clip it was
+/// (baseline, left) across the sum of its advances, Arial's ascent (0.905 em)
+/// above the baseline and its descent (0.212 em) below; and the clip it was
 /// drawn under.
 struct EmfTextBox {
     QString text;
@@ -146,7 +146,9 @@ inline std::vector<EmfTextBox> emfTextBoxes(const QByteArray &file)
             for (quint32 i = 0; i < chars && offDx + 4 * (i + 1) <= quint32(r.size); ++i)
                 width += i32At(file, r.offset + offDx + 4 * i);
             texts.push_back(
-                {emfText(file, r), QRect(x, y - height, int(width), height + qRound(height * 0.212)), clip});
+                {emfText(file, r),
+                 QRect(x, y - qRound(height * 0.905), int(width), qRound(height * 0.905) + qRound(height * 0.212)),
+                 clip});
             break;
         }
         default: break;
