@@ -5,6 +5,8 @@
 #include "chartsurvey.h"
 
 #include "gui/graphs/chartbuilder.h"
+#include "gui/graphs/chartpicture.h"
+#include "render/pictures/picturewriter.h"
 #include "gui/shell/chartcommands.h"
 #include "gui/graphs/chartwindow.h"
 #include "gui/graphs/distributiondialog.h"
@@ -344,6 +346,35 @@ TEST_F(ChartCommandsTest, PopupRankingGraphsUseTheClickedColumn)
     ASSERT_TRUE(chartWindow(1));
     EXPECT_EQ(chartWindow(1)->windowTitle(), QStringLiteral("Ranking R1"));
     EXPECT_EQ(charts().pendingWindow(), chartWindow(1)) << "the timer shows the latest window";
+}
+
+} // namespace
+
+namespace {
+
+// Charts copy opaque and do not repeat a one-series value-axis title as a
+// legend, whichever way their bars run.
+TEST(ChartLayout, OpaqueCopiesAndNoEchoedLegend)
+{
+    kel::ChartDescription d;
+    d.title = QStringLiteral("Ranking");
+    d.valueAxisTitle = QStringLiteral("Points");
+    d.legendPosition = 0;
+    kel::ChartSeries series;
+    series.name = QStringLiteral("Points");
+    series.colour = 0x0000C8; // red
+    series.points = {{QStringLiteral("first"), 90}, {QStringLiteral("second"), 30}};
+    d.series = {series};
+    for (bool horizontal : {false, true}) {
+        SCOPED_TRACE(horizontal);
+        d.horizontal = horizontal;
+        std::unique_ptr<QChart> chart(kel::buildChart(d));
+        EXPECT_FALSE(chart->legend()->isVisible());
+        const QImage image = kel::renderPictureImage(kel::chartPicture(d, QSize(400, 300)), Qt::transparent);
+        ASSERT_FALSE(image.isNull());
+        for (const QPoint &corner : {QPoint(0, 0), QPoint(399, 0), QPoint(0, 299), QPoint(399, 299)})
+            EXPECT_EQ(qAlpha(image.pixel(corner)), 255) << corner.x() << "," << corner.y();
+    }
 }
 
 } // namespace

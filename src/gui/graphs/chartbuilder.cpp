@@ -124,6 +124,15 @@ QChart *buildChart(const ChartDescription &d)
 {
     auto *chart = new QChart;
     chart->setTitle(d.title);
+    // Titles as prominent as the basic graphs' (Arial, 24 px there; bold
+    // here, where the chart's own texts are larger), on a square, opaque
+    // background so that a copy has no transparent corners.
+    QFont titleFont(QStringLiteral("Arial"));
+    titleFont.setPixelSize(20);
+    titleFont.setBold(true);
+    chart->setTitleFont(titleFont);
+    chart->setBackgroundRoundness(0);
+    chart->setBackgroundBrush(Qt::white);
     chart->setAnimationOptions(QChart::NoAnimation);
     chart->legend()->setVisible(d.legendPosition.has_value());
     if (d.legendPosition)
@@ -201,8 +210,20 @@ QChart *buildChart(const ChartDescription &d)
     // axis, the second under the bottom one, whichever way the bars run.
     QAbstractAxis *left = d.horizontal ? static_cast<QAbstractAxis *>(categoryAxis) : valueAxis;
     QAbstractAxis *bottom = d.horizontal ? static_cast<QAbstractAxis *>(valueAxis) : categoryAxis;
-    left->setTitleText(d.valueAxisTitle);
-    bottom->setTitleText(d.categoryAxisTitle);
+    // A long value-axis title (the ranking's weights) wraps onto a second
+    // line at its middle space rather than being cut; a single series named
+    // like it would only repeat it as a one-item legend.
+    QString valueTitle = d.valueAxisTitle.toHtmlEscaped();
+    if (d.valueAxisTitle.size() > 40) {
+        const qsizetype middle = valueTitle.size() / 2;
+        const qsizetype before = valueTitle.lastIndexOf(QLatin1Char(' '), middle);
+        if (before > 0)
+            valueTitle = valueTitle.left(before) + QStringLiteral("<br>") + valueTitle.mid(before + 1);
+    }
+    if (d.series.size() == 1 && d.series.front().name == d.valueAxisTitle)
+        chart->legend()->setVisible(false);
+    left->setTitleText(valueTitle);
+    bottom->setTitleText(d.categoryAxisTitle.toHtmlEscaped());
     chart->addAxis(bottom, Qt::AlignBottom);
     chart->addAxis(left, Qt::AlignLeft);
     bars->attachAxis(categoryAxis);
