@@ -352,9 +352,10 @@ TEST_F(ChartCommandsTest, PopupRankingGraphsUseTheClickedColumn)
 
 namespace {
 
-// Charts copy opaque and do not repeat a one-series value-axis title as a
-// legend, whichever way their bars run.
-TEST(ChartLayout, OpaqueCopiesAndNoEchoedLegend)
+// Charts read in point order (left to right, or top-down when their bars
+// lie), copy opaque, and do not repeat a one-series value-axis title as a
+// legend.
+TEST(ChartLayout, PointOrderOpaqueCopiesAndNoEchoedLegend)
 {
     kel::ChartDescription d;
     d.title = QStringLiteral("Ranking");
@@ -374,6 +375,34 @@ TEST(ChartLayout, OpaqueCopiesAndNoEchoedLegend)
         ASSERT_FALSE(image.isNull());
         for (const QPoint &corner : {QPoint(0, 0), QPoint(399, 0), QPoint(0, 299), QPoint(399, 299)})
             EXPECT_EQ(qAlpha(image.pixel(corner)), 255) << corner.x() << "," << corner.y();
+        // The first category's bar (90) stands left of (vertical) or above
+        // (horizontal) the second's (30): the first row or column, from the
+        // top or left, crossing a long bar comes before the short one's.
+        const auto reddish = [&image](int x, int y) {
+            const QRgb p = image.pixel(x, y);
+            return qRed(p) > 180 && qGreen(p) < 60 && qBlue(p) < 60;
+        };
+        const int lines = horizontal ? image.height() : image.width();
+        const int across = horizontal ? image.width() : image.height();
+        std::vector<int> runs;
+        for (int a = 0; a < lines; ++a) {
+            int run = 0;
+            for (int b = 0; b < across; ++b)
+                run += horizontal ? reddish(b, a) : reddish(a, b);
+            runs.push_back(run);
+        }
+        const int longest = *std::max_element(runs.begin(), runs.end());
+        ASSERT_GT(longest, 0);
+        int firstLong = -1, firstShort = -1;
+        for (int a = 0; a < lines; ++a) {
+            if (firstLong < 0 && runs[std::size_t(a)] > longest * 9 / 10)
+                firstLong = a;
+            if (firstShort < 0 && runs[std::size_t(a)] > longest / 5 && runs[std::size_t(a)] < longest / 2)
+                firstShort = a;
+        }
+        ASSERT_GE(firstLong, 0);
+        ASSERT_GE(firstShort, 0);
+        EXPECT_LT(firstLong, firstShort);
     }
 }
 

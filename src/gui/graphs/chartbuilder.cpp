@@ -159,7 +159,12 @@ QChart *buildChart(const ChartDescription &d)
     qsizetype pointCount = 0;
     for (const ChartSeries &s : d.series)
         pointCount = qMax(pointCount, qsizetype(s.points.size()));
-    for (qsizetype i = 0; i < pointCount; ++i) {
+    // Horizontal bars read top-down in the order vertical ones read left to
+    // right, but the category axis counts upwards: their points go in last
+    // first. (The axis's own reversal leaves bar series where they were.)
+    const auto position = [&](qsizetype i) { return d.horizontal ? pointCount - 1 - i : i; };
+    for (qsizetype p = 0; p < pointCount; ++p) {
+        const qsizetype i = position(p);
         QString label;
         for (const ChartSeries &s : d.series)
             if (i < qsizetype(s.points.size()) && label.isEmpty())
@@ -169,9 +174,11 @@ QChart *buildChart(const ChartDescription &d)
     double largest = 0;
     for (const ChartSeries &s : d.series) {
         auto *set = new QBarSet(s.name);
-        for (const ChartPoint &p : s.points) {
-            *set << p.value;
-            largest = qMax(largest, p.value);
+        for (qsizetype p = 0; p < pointCount; ++p) {
+            const qsizetype i = position(p);
+            const double value = i < qsizetype(s.points.size()) ? s.points[std::size_t(i)].value : 0.0;
+            *set << value;
+            largest = qMax(largest, value);
         }
         if (s.colour != -1)
             set->setColor(colourFromStored(s.colour));
@@ -240,7 +247,8 @@ QChart *buildChart(const ChartDescription &d)
                 auto *item = new QGraphicsSimpleTextItem(points[std::size_t(i)].dataLabel, chart);
                 item->setData(ChartTextRole, QStringLiteral("dataLabel"));
                 item->setZValue(10);
-                const double centre = double(i) - BarWidth / 2 + (double(s) + 0.5) * BarWidth / double(setCount);
+                const double centre =
+                    double(position(i)) - BarWidth / 2 + (double(s) + 0.5) * BarWidth / double(setCount);
                 const double v = points[std::size_t(i)].value;
                 texts->push_back(
                     {item, d.horizontal ? QPointF(v, centre) : QPointF(centre, v), bars, PlacedText::DataLabel});
