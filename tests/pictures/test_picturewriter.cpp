@@ -389,5 +389,43 @@ TEST(MetafilesElsewhere, TextColoursSurviveClips)
     EXPECT_EQ(fills, expected);
 }
 
+// SVG clips as the other formats do: a fill and a long text under a clip
+// end at the clip's edge, and the clip is lifted after it.
+TEST(SvgFile, ClipsAsTheOtherFormats)
+{
+    Picture p;
+    p.size = QSize(100, 100);
+    p.paint = [](QPainter &painter) {
+        painter.fillRect(QRect(0, 0, 100, 100), Qt::white);
+        painter.save();
+        painter.translate(10, 10);
+        painter.setClipRect(QRect(0, 0, 30, 20));
+        painter.fillRect(QRect(0, 0, 90, 90), QColor::fromRgb(Red));
+        painter.restore();
+        painter.fillRect(QRect(50, 50, 10, 10), QColor::fromRgb(Blue));
+    };
+    for (PictureFormat format : {PictureFormat::Svg, PictureFormat::Png}) {
+        SCOPED_TRACE(pictureFormatSuffix(format).toStdString());
+        QImage image(100, 100, QImage::Format_ARGB32);
+        if (format == PictureFormat::Svg) {
+            // Qt's SVG renderer knows no clip paths; librsvg reads them.
+            const QString rsvg = QStandardPaths::findExecutable(QStringLiteral("rsvg-convert"));
+            if (rsvg.isEmpty())
+                GTEST_SKIP() << "rsvg-convert is not installed (librsvg2-bin)";
+            QTemporaryDir dir;
+            const QString svgPath = dir.filePath(QStringLiteral("p.svg")),
+                          pngPath = dir.filePath(QStringLiteral("p.png"));
+            ASSERT_TRUE(writePicture(p, format, svgPath));
+            ASSERT_TRUE(image.loadFromData(convertWith(rsvg, {QStringLiteral("-o"), pngPath, svgPath}, pngPath)));
+        } else {
+            ASSERT_TRUE(image.loadFromData(encodePicture(p, format)));
+        }
+        EXPECT_EQ(image.pixel(20, 20), Red);         // inside the clip
+        EXPECT_EQ(image.pixel(45, 15), 0xFFFFFFFFu); // right of it
+        EXPECT_EQ(image.pixel(20, 35), 0xFFFFFFFFu); // below it
+        EXPECT_EQ(image.pixel(55, 55), Blue);        // after the restore
+    }
+}
+
 } // namespace
 } // namespace kel::test

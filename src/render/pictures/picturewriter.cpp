@@ -11,7 +11,6 @@
 #include <QPainter>
 #include <QPdfWriter>
 #include <QSaveFile>
-#include <QSvgGenerator>
 
 namespace kel {
 
@@ -54,23 +53,6 @@ QByteArray encodeImage(const Picture &picture, const char *format, QColor backgr
         setError(error, writer.errorString());
         return QByteArray();
     }
-    return out;
-}
-
-QByteArray encodeSvg(const Picture &picture)
-{
-    QByteArray out;
-    QBuffer buffer(&out);
-    buffer.open(QIODevice::WriteOnly);
-    QSvgGenerator generator;
-    generator.setOutputDevice(&buffer);
-    generator.setSize(picture.size);
-    generator.setViewBox(QRect(QPoint(0, 0), picture.size));
-    generator.setResolution(MetafileDotsPerInch);
-    generator.setTitle(picture.description);
-    QPainter painter(&generator);
-    picture.paint(painter);
-    painter.end();
     return out;
 }
 
@@ -134,7 +116,7 @@ QByteArray encodePicture(const Picture &picture, PictureFormat format, QString *
     case PictureFormat::Bmp: return encodeImage(picture, "bmp", Qt::white, error);
     case PictureFormat::Jpg: return encodeImage(picture, "jpg", Qt::white, error);
     case PictureFormat::Gif: return encodeImage(picture, "gif", Qt::white, error);
-    case PictureFormat::Svg: out = encodeSvg(picture); break;
+    case PictureFormat::Svg: out = encodeSvg(recordPicture(picture), picture.description); break;
     case PictureFormat::Pdf: return encodePdf(picture, error);
     }
     if (out.isEmpty())
