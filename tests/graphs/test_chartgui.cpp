@@ -21,6 +21,8 @@
 #include <QBarSeries>
 #include <QBarSet>
 #include <QChart>
+#include <QGraphicsLayout>
+#include <QGraphicsScene>
 #include <QChartView>
 #include <QClipboard>
 #include <QFileInfo>
@@ -403,6 +405,59 @@ TEST(ChartLayout, PointOrderOpaqueCopiesAndNoEchoedLegend)
         ASSERT_GE(firstLong, 0);
         ASSERT_GE(firstShort, 0);
         EXPECT_LT(firstLong, firstShort);
+    }
+}
+
+} // namespace
+
+namespace {
+
+// Data labels of a crowded split index chart never overlap each other or the
+// index lines' texts, whichever way the bars run; crowded labels move or are
+// thinned out, but lone ones stay.
+TEST(ChartLayout, DataLabelsNeverOverlap)
+{
+    kel::ChartDescription d;
+    d.title = QStringLiteral("Index");
+    d.dataLabels = true;
+    d.legendPosition = 0;
+    for (int s = 0; s < 5; ++s) {
+        kel::ChartSeries series;
+        series.name = QStringLiteral("Group %1").arg(s);
+        for (int p = 0; p < 8; ++p) {
+            const double value = 3.40 + 0.01 * ((s + p) % 3);
+            series.points.push_back({QStringLiteral("Q%1").arg(p), value, QString::number(value, 'f', 2)});
+        }
+        d.series.push_back(series);
+    }
+    d.indexLines = {{3.42, QStringLiteral("Total index 3.42")}, {3.45, QStringLiteral("Target 3.45")}};
+    for (bool horizontal : {false, true}) {
+        SCOPED_TRACE(horizontal);
+        d.horizontal = horizontal;
+        QGraphicsScene scene;
+        QChart *chart = kel::buildChart(d);
+        scene.addItem(chart);
+        chart->setGeometry(QRectF(0, 0, 800, 600));
+        if (chart->layout())
+            chart->layout()->activate();
+        QCoreApplication::processEvents();
+        std::vector<QRectF> boxes;
+        int labels = 0, shown = 0;
+        for (QGraphicsItem *item : chart->childItems()) {
+            const QString role = item->data(kel::ChartTextRole).toString();
+            if (role != QLatin1String("dataLabel") && role != QLatin1String("indexLineText"))
+                continue;
+            labels += role == QLatin1String("dataLabel");
+            if (!item->isVisible())
+                continue;
+            shown += role == QLatin1String("dataLabel");
+            boxes.push_back(item->sceneBoundingRect());
+        }
+        EXPECT_EQ(labels, 40);
+        EXPECT_GT(shown, 0);
+        for (std::size_t i = 0; i < boxes.size(); ++i)
+            for (std::size_t j = i + 1; j < boxes.size(); ++j)
+                EXPECT_FALSE(boxes[i].intersects(boxes[j])) << i << " and " << j;
     }
 }
 

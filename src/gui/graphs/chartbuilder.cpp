@@ -51,20 +51,51 @@ struct PlacedText {
 void followPlotArea(QChart *chart, std::shared_ptr<std::vector<PlacedText>> texts, bool horizontal)
 {
     const auto place = [chart, texts, horizontal] {
+        // Index-line texts first: data labels make way for them.
+        std::vector<QRectF> taken;
         for (const PlacedText &t : *texts) {
+            if (t.kind == PlacedText::DataLabel)
+                continue;
             const QPointF at = chart->mapToPosition(t.anchor, t.series);
             const QRectF box = t.item->boundingRect();
-            // Two lines lie close together often: the higher one's text goes
-            // above (right of) it, the lower one's below (left of) it.
             const bool after = t.kind == PlacedText::LineTextAfter;
-            if (t.kind != PlacedText::DataLabel && horizontal)
-                t.item->setPos(at + QPointF(after ? -box.width() - 3 : 3, 0));
-            else if (t.kind != PlacedText::DataLabel)
-                t.item->setPos(at + QPointF(-box.width() - 3, after ? 1 : -box.height() - 1));
-            else if (horizontal)
-                t.item->setPos(at + QPointF(4, -box.height() / 2));
-            else
-                t.item->setPos(at + QPointF(-box.width() / 2, -box.height() - 2));
+            QPointF pos = horizontal ? at + QPointF(after ? -box.width() - 3 : 3, 0)
+                                     : at + QPointF(-box.width() - 3, after ? 1 : -box.height() - 1);
+            // Lines close together would stack their texts: a later one
+            // steps down below the earlier ones.
+            for (int tries = 0; tries < 4; ++tries) {
+                const QRectF rect = box.translated(pos);
+                const auto hit =
+                    std::find_if(taken.begin(), taken.end(), [&](const QRectF &r) { return r.intersects(rect); });
+                if (hit == taken.end())
+                    break;
+                pos.setY(hit->bottom() + 1);
+            }
+            t.item->setPos(pos);
+            taken.push_back(box.translated(pos));
+        }
+        // A data label that would cover another text moves out along its
+        // bar (up, or right) by whole label sizes, twice at most; one that
+        // still collides is left out, as a careful chart thins its labels.
+        for (const PlacedText &t : *texts) {
+            if (t.kind != PlacedText::DataLabel)
+                continue;
+            const QPointF at = chart->mapToPosition(t.anchor, t.series);
+            const QRectF box = t.item->boundingRect();
+            QPointF pos =
+                horizontal ? at + QPointF(4, -box.height() / 2) : at + QPointF(-box.width() / 2, -box.height() - 2);
+            const QPointF step = horizontal ? QPointF(box.width() + 2, 0) : QPointF(0, -box.height() - 1);
+            bool free = false;
+            for (int tries = 0; tries < 3; ++tries, pos += step) {
+                const QRectF rect = box.translated(pos);
+                free = std::none_of(taken.begin(), taken.end(), [&](const QRectF &r) { return r.intersects(rect); });
+                if (free)
+                    break;
+            }
+            t.item->setPos(pos);
+            t.item->setVisible(free);
+            if (free)
+                taken.push_back(box.translated(pos));
         }
     };
     QObject::connect(chart, &QChart::plotAreaChanged, chart, place);
