@@ -3,6 +3,9 @@
 // the layout rules: where the plot lies, how wide the bars are, how high each
 // one stands, where the fraction graph's segments begin and end.
 #include "render/graphs/basicgraphrenderer.h"
+#include "render/pictures/picturewriter.h"
+
+#include "../pictures/metafilereader.h"
 
 #include <QFontMetrics>
 #include <QImage>
@@ -10,7 +13,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <memory>
 
 using namespace kel;
 
@@ -202,4 +207,71 @@ TEST(BasicGraphRenderer, GraphsThatDoNotFitDrawNothing)
     EXPECT_FALSE(BasicGraphRenderer(fraction, {1, 1}).draw(p, QRect(0, 0, 600, 70), 0, false));  // bars below text
     fraction.graphKind = 3;
     EXPECT_FALSE(BasicGraphRenderer(fraction, {1, 1}).draw(p, QRect(0, 0, 600, 400), 0, false)); // unknown kind
+}
+
+// A fraction graph's labels keep whole lines: exactly as many as the bar's
+// height holds, the last shortened with an ellipsis when the text goes on.
+TEST(BasicGraphRenderer, FractionLabelsKeepWholeLines)
+{
+    QFont font(QStringLiteral("Arial"));
+    font.setPixelSize(14);
+    const QFontMetrics metrics(font);
+    const QString label = QStringLiteral("Word1 Word2 Word3 Word4");
+    // Room for one word a line, not two.
+    const int width = metrics.horizontalAdvance(QStringLiteral("Word1")) + 2;
+    ASSERT_LT(width, metrics.horizontalAdvance(QStringLiteral("Word1 Word2")));
+    const int ls = metrics.lineSpacing();
+    const QChar ellipsis(0x2026);
+    struct Case {
+        int height;
+        int lines;
+        bool shortened;
+    };
+    static const Case cases[] = {
+        {4 * ls, 4, false}, {4 * ls - 1, 3, true}, {3 * ls, 3, true}, {2 * ls - 1, 1, true}, {1, 1, true}};
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.height);
+        const QStringList lines = wholeLabelLines(label, font, width, c.height);
+        ASSERT_EQ(lines.size(), c.lines);
+        for (int i = 0; i + 1 < c.lines; ++i)
+            EXPECT_EQ(lines[i], QStringLiteral("Word%1").arg(i + 1));
+        EXPECT_EQ(lines.last().endsWith(ellipsis), c.shortened) << lines.last().toStdString();
+        if (!c.shortened) {
+            EXPECT_EQ(lines.last(), QStringLiteral("Word4"));
+        }
+        for (const QString &line : lines)
+            EXPECT_LE(metrics.horizontalAdvance(line), width) << line.toStdString();
+    }
+}
+
+// Every text of a fraction graph with long labels lies inside the picture
+// and inside any clip it is drawn under, in the metafile a reader gets.
+TEST(BasicGraphRenderer, FractionGraphTextsAreNeverCut)
+{
+    BasicGraphDescription d;
+    d.graphKind = FractionGraph;
+    d.totalText = QStringLiteral("Total [600]");
+    d.legends = {{QStringLiteral("yes"), Red, 0}, {QStringLiteral("no"), Green, 0}};
+    d.bars = {{3, 600, QStringLiteral("3"), QStringLiteral("60%"), Red, 0},
+              {2, 400, QStringLiteral("2"), QStringLiteral("40%"), Green, 0},
+              {1, 1000, QStringLiteral("1"), QStringLiteral("100%"), Red, 0},
+              {0, 0, QStringLiteral("0"), QStringLiteral("0%"), Green, 0}};
+    const QString longLabel = QStringLiteral("A question whose text runs over many lines of the label column, far "
+                                             "more than the bar beside it can hold");
+    d.groups = {{0, 2, longLabel, 0, 2}, {2, 2, QStringLiteral("Short"), 0, 2}};
+    d.valueScale = 1000;
+    auto renderer = std::make_shared<BasicGraphRenderer>(d, BasicGraphUnits{1, 1});
+    Picture picture;
+    picture.size = QSize(600, 150);
+    picture.paint = [renderer](QPainter &p) { EXPECT_TRUE(renderer->draw(p, QRect(0, 0, 600, 150), 0, false)); };
+    const QByteArray emf = encodePicture(picture, PictureFormat::Emf);
+    ASSERT_FALSE(emf.isEmpty());
+    EXPECT_EQ(kel::test::emfTextsCut(emf, picture.size).join(QLatin1Char('|')).toStdString(), "");
+    QStringList texts;
+    for (const auto &t : kel::test::emfTextBoxes(emf))
+        texts << t.text;
+    EXPECT_TRUE(texts.contains(QStringLiteral("100")));
+    EXPECT_TRUE(texts.contains(QStringLiteral("Total [600]")));
+    EXPECT_TRUE(std::any_of(texts.begin(), texts.end(), [](const QString &t) { return t.endsWith(QChar(0x2026)); }))
+        << "the long label is shortened: " << texts.join(QLatin1Char('|')).toStdString();
 }

@@ -5,6 +5,8 @@
 #include "chartsurvey.h"
 
 #include "gui/graphs/chartbuilder.h"
+#include "gui/graphs/chartpicture.h"
+#include "render/pictures/picturewriter.h"
 #include "gui/shell/chartcommands.h"
 #include "gui/graphs/chartwindow.h"
 #include "gui/graphs/distributiondialog.h"
@@ -19,6 +21,8 @@
 #include <QBarSeries>
 #include <QBarSet>
 #include <QChart>
+#include <QGraphicsLayout>
+#include <QGraphicsScene>
 #include <QChartView>
 #include <QClipboard>
 #include <QFileInfo>
@@ -344,6 +348,117 @@ TEST_F(ChartCommandsTest, PopupRankingGraphsUseTheClickedColumn)
     ASSERT_TRUE(chartWindow(1));
     EXPECT_EQ(chartWindow(1)->windowTitle(), QStringLiteral("Ranking R1"));
     EXPECT_EQ(charts().pendingWindow(), chartWindow(1)) << "the timer shows the latest window";
+}
+
+} // namespace
+
+namespace {
+
+// Charts read in point order (left to right, or top-down when their bars
+// lie), copy opaque, and do not repeat a one-series value-axis title as a
+// legend.
+TEST(ChartLayout, PointOrderOpaqueCopiesAndNoEchoedLegend)
+{
+    kel::ChartDescription d;
+    d.title = QStringLiteral("Ranking");
+    d.valueAxisTitle = QStringLiteral("Points");
+    d.legendPosition = 0;
+    kel::ChartSeries series;
+    series.name = QStringLiteral("Points");
+    series.colour = 0x0000C8; // red
+    series.points = {{QStringLiteral("first"), 90}, {QStringLiteral("second"), 30}};
+    d.series = {series};
+    for (bool horizontal : {false, true}) {
+        SCOPED_TRACE(horizontal);
+        d.horizontal = horizontal;
+        std::unique_ptr<QChart> chart(kel::buildChart(d));
+        EXPECT_FALSE(chart->legend()->isVisible());
+        const QImage image = kel::renderPictureImage(kel::chartPicture(d, QSize(400, 300)), Qt::transparent);
+        ASSERT_FALSE(image.isNull());
+        for (const QPoint &corner : {QPoint(0, 0), QPoint(399, 0), QPoint(0, 299), QPoint(399, 299)})
+            EXPECT_EQ(qAlpha(image.pixel(corner)), 255) << corner.x() << "," << corner.y();
+        // The first category's bar (90) stands left of (vertical) or above
+        // (horizontal) the second's (30): the first row or column, from the
+        // top or left, crossing a long bar comes before the short one's.
+        const auto reddish = [&image](int x, int y) {
+            const QRgb p = image.pixel(x, y);
+            return qRed(p) > 180 && qGreen(p) < 60 && qBlue(p) < 60;
+        };
+        const int lines = horizontal ? image.height() : image.width();
+        const int across = horizontal ? image.width() : image.height();
+        std::vector<int> runs;
+        for (int a = 0; a < lines; ++a) {
+            int run = 0;
+            for (int b = 0; b < across; ++b)
+                run += horizontal ? reddish(b, a) : reddish(a, b);
+            runs.push_back(run);
+        }
+        const int longest = *std::max_element(runs.begin(), runs.end());
+        ASSERT_GT(longest, 0);
+        int firstLong = -1, firstShort = -1;
+        for (int a = 0; a < lines; ++a) {
+            if (firstLong < 0 && runs[std::size_t(a)] > longest * 9 / 10)
+                firstLong = a;
+            if (firstShort < 0 && runs[std::size_t(a)] > longest / 5 && runs[std::size_t(a)] < longest / 2)
+                firstShort = a;
+        }
+        ASSERT_GE(firstLong, 0);
+        ASSERT_GE(firstShort, 0);
+        EXPECT_LT(firstLong, firstShort);
+    }
+}
+
+} // namespace
+
+namespace {
+
+// Data labels of a crowded split index chart never overlap each other or the
+// index lines' texts, whichever way the bars run; crowded labels move or are
+// thinned out, but lone ones stay.
+TEST(ChartLayout, DataLabelsNeverOverlap)
+{
+    kel::ChartDescription d;
+    d.title = QStringLiteral("Index");
+    d.dataLabels = true;
+    d.legendPosition = 0;
+    for (int s = 0; s < 5; ++s) {
+        kel::ChartSeries series;
+        series.name = QStringLiteral("Group %1").arg(s);
+        for (int p = 0; p < 8; ++p) {
+            const double value = 3.40 + 0.01 * ((s + p) % 3);
+            series.points.push_back({QStringLiteral("Q%1").arg(p), value, QString::number(value, 'f', 2)});
+        }
+        d.series.push_back(series);
+    }
+    d.indexLines = {{3.42, QStringLiteral("Total index 3.42")}, {3.45, QStringLiteral("Target 3.45")}};
+    for (bool horizontal : {false, true}) {
+        SCOPED_TRACE(horizontal);
+        d.horizontal = horizontal;
+        QGraphicsScene scene;
+        QChart *chart = kel::buildChart(d);
+        scene.addItem(chart);
+        chart->setGeometry(QRectF(0, 0, 800, 600));
+        if (chart->layout())
+            chart->layout()->activate();
+        QCoreApplication::processEvents();
+        std::vector<QRectF> boxes;
+        int labels = 0, shown = 0;
+        for (QGraphicsItem *item : chart->childItems()) {
+            const QString role = item->data(kel::ChartTextRole).toString();
+            if (role != QLatin1String("dataLabel") && role != QLatin1String("indexLineText"))
+                continue;
+            labels += role == QLatin1String("dataLabel");
+            if (!item->isVisible())
+                continue;
+            shown += role == QLatin1String("dataLabel");
+            boxes.push_back(item->sceneBoundingRect());
+        }
+        EXPECT_EQ(labels, 40);
+        EXPECT_GT(shown, 0);
+        for (std::size_t i = 0; i < boxes.size(); ++i)
+            for (std::size_t j = i + 1; j < boxes.size(); ++j)
+                EXPECT_FALSE(boxes[i].intersects(boxes[j])) << i << " and " << j;
+    }
 }
 
 } // namespace

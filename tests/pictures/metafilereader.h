@@ -5,9 +5,14 @@
 #pragma once
 
 #include <QByteArray>
+#include <QRect>
+#include <QSize>
+#include <QStringList>
 #include <QString>
 #include <QtEndian>
 
+#include <cstdlib>
+#include <utility>
 #include <vector>
 
 namespace kel::test {
@@ -87,6 +92,90 @@ inline QString wmfText(const QByteArray &file, const MetaRecord &r)
     if (length < 0 || text + length > r.offset + r.size)
         return QStringLiteral("<outside the record>");
     return QString::fromLatin1(file.constData() + text, length);
+}
+
+/// A text of an EMF file where it lands: its box from the reference point
+/// (baseline, left) across the sum of its advances, Arial's ascent (0.905 em)
+/// above the baseline and its descent (0.212 em) below; and the clip it was
+/// drawn under.
+struct EmfTextBox {
+    QString text;
+    QRect box;
+    QRect clip; ///< null when not clipped
+};
+
+/// Every EMR_EXTTEXTOUTW of an EMF file with its box, following the fonts
+/// selected (EXTCREATEFONTINDIRECTW, SELECTOBJECT) and the clips
+/// (SAVEDC, INTERSECTCLIPRECT, RESTOREDC) as a player keeps them.
+inline std::vector<EmfTextBox> emfTextBoxes(const QByteArray &file)
+{
+    bool ok = false;
+    std::vector<EmfTextBox> texts;
+    std::vector<std::pair<quint32, int>> fontHeights; // handle, em height
+    int height = 0;
+    QRect clip;
+    std::vector<QRect> saved;
+    for (const MetaRecord &r : emfRecords(file, &ok)) {
+        switch (r.type) {
+        case 82: // EXTCREATEFONTINDIRECTW: ihFont, LOGFONTW (height first)
+            fontHeights.emplace_back(u32At(file, r.offset + 8), std::abs(i32At(file, r.offset + 12)));
+            break;
+        case 37: // SELECTOBJECT
+            for (const auto &[handle, h] : fontHeights)
+                if (handle == u32At(file, r.offset + 8))
+                    height = h;
+            break;
+        case 33: saved.push_back(clip); break; // SAVEDC
+        case 34:                               // RESTOREDC (by one)
+            if (!saved.empty()) {
+                clip = saved.back();
+                saved.pop_back();
+            }
+            break;
+        case 30: { // INTERSECTCLIPRECT: left, top, right, bottom (exclusive)
+            const QRect rect(QPoint(i32At(file, r.offset + 8), i32At(file, r.offset + 12)),
+                             QPoint(i32At(file, r.offset + 16) - 1, i32At(file, r.offset + 20) - 1));
+            clip = clip.isNull() ? rect : clip.intersected(rect);
+            break;
+        }
+        case 84: { // EXTTEXTOUTW: the EMRTEXT from offset 36
+            const qint32 x = i32At(file, r.offset + 36), y = i32At(file, r.offset + 40);
+            const quint32 chars = u32At(file, r.offset + 44);
+            const quint32 offDx = u32At(file, r.offset + 72);
+            qint64 width = 0;
+            for (quint32 i = 0; i < chars && offDx + 4 * (i + 1) <= quint32(r.size); ++i)
+                width += i32At(file, r.offset + offDx + 4 * i);
+            texts.push_back(
+                {emfText(file, r),
+                 QRect(x, y - qRound(height * 0.905), int(width), qRound(height * 0.905) + qRound(height * 0.212)),
+                 clip});
+            break;
+        }
+        default: break;
+        }
+    }
+    return texts;
+}
+
+/// The texts of an EMF picture of `size` pixels that reach beyond it or
+/// beyond their clip, each with its box, for a test's failure message.
+inline QStringList emfTextsCut(const QByteArray &file, const QSize &size)
+{
+    QStringList cut;
+    const QRect picture(QPoint(0, 0), size);
+    for (const EmfTextBox &t : emfTextBoxes(file))
+        if (!picture.contains(t.box) || (!t.clip.isNull() && !t.clip.contains(t.box)))
+            cut << QStringLiteral("\"%1\" at %2,%3 %4x%5 clip %6,%7 %8x%9")
+                       .arg(t.text)
+                       .arg(t.box.x())
+                       .arg(t.box.y())
+                       .arg(t.box.width())
+                       .arg(t.box.height())
+                       .arg(t.clip.x())
+                       .arg(t.clip.y())
+                       .arg(t.clip.width())
+                       .arg(t.clip.height());
+    return cut;
 }
 
 } // namespace kel::test

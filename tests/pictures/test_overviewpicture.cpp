@@ -69,6 +69,16 @@ TEST(OverviewPicture, HeadersTotalsAndMetafileTexts)
     for (const char *code : {"A0", "A1", "A2", "B1", "W", "Pa", "Everyone"})
         EXPECT_TRUE(texts.contains(QString::fromLatin1(code)))
             << code << " in " << texts.join(QLatin1Char('|')).toStdString();
+    // No text is cut at the picture's edges: the picture is the sheet's
+    // four 32-pixel columns widened by the room its edge texts need.
+    EXPECT_GT(largeAll.size.width(), 4 * 32);
+    EXPECT_EQ(emfTextsCut(emf, largeAll.size).join(QLatin1Char('|')).toStdString(), "")
+        << largeAll.size.width() << "x" << largeAll.size.height();
+    // The sheet's fonts are ANSI with the default pitch and family.
+    for (const MetaRecord &r : emfRecords(emf, &ok))
+        if (r.type == 82) {
+            EXPECT_EQ(emf.mid(r.offset + 35, 5), QByteArray::fromHex("0000000000"));
+        }
     // Every answer cell is a filled rectangle with its label.
     EXPECT_GE(rectangles, 200 * 4);
     EXPECT_GE(texts.count(QStringLiteral("2")), 200 * 4 / 3);

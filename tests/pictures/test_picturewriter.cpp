@@ -103,7 +103,12 @@ TEST(EmfFile, HeaderAndRecordsCarryTheDrawing)
     // millimetres at 96 dpi.
     EXPECT_EQ(emf.left(4) + emf.mid(8, 16) + emf.mid(40, 4),
               QByteArray::fromHex("01000000 00000000 00000000 EF000000 77000000 20454D46"));
-    EXPECT_NEAR(i32At(emf, 32), 239 * 2540 / 96, 1);
+    // The frame spans the whole picture: 240 x 120 pixels at 96 dpi are
+    // 63.5 x 31.75 mm (a frame one pixel short loses the last row in readers).
+    EXPECT_EQ(i32At(emf, 24), 0);
+    EXPECT_EQ(i32At(emf, 28), 0);
+    EXPECT_EQ(i32At(emf, 32), 6350);
+    EXPECT_EQ(i32At(emf, 36), 3175);
     EXPECT_EQ(qsizetype(u32At(emf, 48)), emf.size());
 
     bool ok = false;
@@ -191,6 +196,67 @@ TEST(Metafiles, PensAndClipsAgreeInBothFormats)
     EXPECT_EQ(steps(encodePicture(p, PictureFormat::Wmf), true), emfSteps);
 }
 
+// The font records say what each picture kind's fonts were made with, and
+// name faces that office programs on Windows have (and map on Linux).
+TEST(Metafiles, FontRecordsCarryTheFacesClassesOfThePicture)
+{
+    struct Case {
+        const char *family;
+        MetafileFontClass fontClass;
+        const char *face;
+    };
+    // The overview's fonts are ANSI with default pitch and family; the
+    // graphs' are default character set, variable pitch (2), Swiss (0x20).
+    static const Case Cases[] = {
+        {"Arial", {0, 0}, "Arial"},
+        {"Arial", {1, 0x22}, "Arial"},
+        {"Sans Serif", {1, 0x22}, "Arial"},
+        {"DejaVu Sans", {1, 0x22}, "Arial"},
+        {"Liberation Sans", {1, 0x22}, "Arial"},
+        {"Serif", {1, 0x12}, "Times New Roman"},
+        {"Monospace", {1, 0x31}, "Courier New"},
+        {"Verdana", {1, 0x22}, "Verdana"},
+    };
+    for (const Case &c : Cases) {
+        SCOPED_TRACE(c.family);
+        Picture p;
+        p.size = QSize(120, 40);
+        p.metafileFonts = c.fontClass;
+        p.paint = [&c](QPainter &painter) {
+            QFont font(QString::fromLatin1(c.family));
+            font.setPixelSize(14);
+            painter.setFont(font);
+            painter.drawText(QPoint(4, 20), QStringLiteral("Text"));
+        };
+        const QByteArray emf = encodePicture(p, PictureFormat::Emf);
+        const QByteArray wmf = encodePicture(p, PictureFormat::Wmf);
+        bool ok = false;
+        int fonts = 0;
+        for (const MetaRecord &r : emfRecords(emf, &ok)) {
+            if (r.type != 82) // EXTCREATEFONTINDIRECTW: ihFont, then the LOGFONTW
+                continue;
+            ++fonts;
+            EXPECT_EQ(i32At(emf, r.offset + 12), -14); // the em height
+            EXPECT_EQ(quint8(emf.at(r.offset + 35)), c.fontClass.charSet);
+            EXPECT_EQ(quint8(emf.at(r.offset + 39)), c.fontClass.pitchAndFamily);
+            EXPECT_EQ(QString::fromUtf16(reinterpret_cast<const char16_t *>(emf.constData() + r.offset + 40)),
+                      QLatin1String(c.face));
+        }
+        EXPECT_EQ(fonts, 1);
+        fonts = 0;
+        for (const MetaRecord &r : wmfRecords(wmf, &ok)) {
+            if (r.type != 0x02FB) // CREATEFONTINDIRECT
+                continue;
+            ++fonts;
+            EXPECT_EQ(i16At(wmf, r.offset + 6), -14);
+            EXPECT_EQ(quint8(wmf.at(r.offset + 19)), c.fontClass.charSet);
+            EXPECT_EQ(quint8(wmf.at(r.offset + 23)), c.fontClass.pitchAndFamily);
+            EXPECT_EQ(QString::fromLatin1(wmf.constData() + r.offset + 24), QLatin1String(c.face));
+        }
+        EXPECT_EQ(fonts, 1);
+    }
+}
+
 TEST(PictureFiles, OtherFormatsReadBackWithTheirColours)
 {
     for (PictureFormat format :
@@ -271,6 +337,94 @@ TEST(MetafilesElsewhere, IndependentReadersOpenThem)
     }
     // The red fill comes through as a fill in red.
     EXPECT_TRUE(svg1.toLower().contains("#c80000")) << svg1.left(3000).toStdString();
+}
+
+// Texts keep their colours through clips: a restored drawing state brings
+// back the colour selected when it was saved, never the one used inside.
+TEST(MetafilesElsewhere, TextColoursSurviveClips)
+{
+    const QString emf2svg = QStandardPaths::findExecutable(QStringLiteral("emf2svg-conv"));
+    if (emf2svg.isEmpty())
+        GTEST_SKIP() << "emf2svg-conv is not installed (scripts/install-deps.sh installs it)";
+    // Each text's colour in drawing order; a clip around the ones marked.
+    struct Step {
+        QRgb colour;
+        bool clipped;
+    };
+    static const Step Steps[] = {{Red, false},  {Red, true},        {Blue, true},
+                                 {Red, false},  {Blue, false},      {0xFF000000, true},
+                                 {Blue, false}, {0xFF008000, true}, {0xFF008000, false}};
+    Picture p;
+    p.size = QSize(200, 20 * int(std::size(Steps)) + 10);
+    p.paint = [](QPainter &painter) {
+        QFont font(QStringLiteral("Arial"));
+        font.setPixelSize(12);
+        painter.setFont(font);
+        int y = 0;
+        for (const Step &step : Steps) {
+            y += 20;
+            painter.save();
+            if (step.clipped)
+                painter.setClipRect(QRect(0, y - 15, 150, 20));
+            painter.setPen(QColor::fromRgb(step.colour));
+            painter.drawText(QPoint(5, y), QStringLiteral("line"));
+            painter.restore();
+        }
+    };
+    QTemporaryDir dir;
+    const QString emfPath = dir.filePath(QStringLiteral("c.emf")), svgPath = dir.filePath(QStringLiteral("c.svg"));
+    ASSERT_TRUE(writePicture(p, PictureFormat::Emf, emfPath));
+    const QByteArray svg =
+        convertWith(emf2svg, {QStringLiteral("-i"), emfPath, QStringLiteral("-o"), svgPath}, svgPath);
+    QXmlStreamReader xml(svg);
+    QStringList fills;
+    while (!xml.atEnd() && !xml.hasError()) {
+        xml.readNext();
+        if (xml.isStartElement() && xml.name() == QLatin1String("text"))
+            fills << xml.attributes().value(QLatin1String("fill")).toString().toLower();
+    }
+    QStringList expected;
+    for (const Step &step : Steps)
+        expected << QColor::fromRgb(step.colour).name();
+    EXPECT_EQ(fills, expected);
+}
+
+// SVG clips as the other formats do: a fill and a long text under a clip
+// end at the clip's edge, and the clip is lifted after it.
+TEST(SvgFile, ClipsAsTheOtherFormats)
+{
+    Picture p;
+    p.size = QSize(100, 100);
+    p.paint = [](QPainter &painter) {
+        painter.fillRect(QRect(0, 0, 100, 100), Qt::white);
+        painter.save();
+        painter.translate(10, 10);
+        painter.setClipRect(QRect(0, 0, 30, 20));
+        painter.fillRect(QRect(0, 0, 90, 90), QColor::fromRgb(Red));
+        painter.restore();
+        painter.fillRect(QRect(50, 50, 10, 10), QColor::fromRgb(Blue));
+    };
+    for (PictureFormat format : {PictureFormat::Svg, PictureFormat::Png}) {
+        SCOPED_TRACE(pictureFormatSuffix(format).toStdString());
+        QImage image(100, 100, QImage::Format_ARGB32);
+        if (format == PictureFormat::Svg) {
+            // Qt's SVG renderer knows no clip paths; librsvg reads them.
+            const QString rsvg = QStandardPaths::findExecutable(QStringLiteral("rsvg-convert"));
+            if (rsvg.isEmpty())
+                GTEST_SKIP() << "rsvg-convert is not installed (librsvg2-bin)";
+            QTemporaryDir dir;
+            const QString svgPath = dir.filePath(QStringLiteral("p.svg")),
+                          pngPath = dir.filePath(QStringLiteral("p.png"));
+            ASSERT_TRUE(writePicture(p, format, svgPath));
+            ASSERT_TRUE(image.loadFromData(convertWith(rsvg, {QStringLiteral("-o"), pngPath, svgPath}, pngPath)));
+        } else {
+            ASSERT_TRUE(image.loadFromData(encodePicture(p, format)));
+        }
+        EXPECT_EQ(image.pixel(20, 20), Red);         // inside the clip
+        EXPECT_EQ(image.pixel(45, 15), 0xFFFFFFFFu); // right of it
+        EXPECT_EQ(image.pixel(20, 35), 0xFFFFFFFFu); // below it
+        EXPECT_EQ(image.pixel(55, 55), Blue);        // after the restore
+    }
 }
 
 } // namespace

@@ -51,20 +51,51 @@ struct PlacedText {
 void followPlotArea(QChart *chart, std::shared_ptr<std::vector<PlacedText>> texts, bool horizontal)
 {
     const auto place = [chart, texts, horizontal] {
+        // Index-line texts first: data labels make way for them.
+        std::vector<QRectF> taken;
         for (const PlacedText &t : *texts) {
+            if (t.kind == PlacedText::DataLabel)
+                continue;
             const QPointF at = chart->mapToPosition(t.anchor, t.series);
             const QRectF box = t.item->boundingRect();
-            // Two lines lie close together often: the higher one's text goes
-            // above (right of) it, the lower one's below (left of) it.
             const bool after = t.kind == PlacedText::LineTextAfter;
-            if (t.kind != PlacedText::DataLabel && horizontal)
-                t.item->setPos(at + QPointF(after ? -box.width() - 3 : 3, 0));
-            else if (t.kind != PlacedText::DataLabel)
-                t.item->setPos(at + QPointF(-box.width() - 3, after ? 1 : -box.height() - 1));
-            else if (horizontal)
-                t.item->setPos(at + QPointF(4, -box.height() / 2));
-            else
-                t.item->setPos(at + QPointF(-box.width() / 2, -box.height() - 2));
+            QPointF pos = horizontal ? at + QPointF(after ? -box.width() - 3 : 3, 0)
+                                     : at + QPointF(-box.width() - 3, after ? 1 : -box.height() - 1);
+            // Lines close together would stack their texts: a later one
+            // steps down below the earlier ones.
+            for (int tries = 0; tries < 4; ++tries) {
+                const QRectF rect = box.translated(pos);
+                const auto hit =
+                    std::find_if(taken.begin(), taken.end(), [&](const QRectF &r) { return r.intersects(rect); });
+                if (hit == taken.end())
+                    break;
+                pos.setY(hit->bottom() + 1);
+            }
+            t.item->setPos(pos);
+            taken.push_back(box.translated(pos));
+        }
+        // A data label that would cover another text moves out along its
+        // bar (up, or right) by whole label sizes, twice at most; one that
+        // still collides is left out, as a careful chart thins its labels.
+        for (const PlacedText &t : *texts) {
+            if (t.kind != PlacedText::DataLabel)
+                continue;
+            const QPointF at = chart->mapToPosition(t.anchor, t.series);
+            const QRectF box = t.item->boundingRect();
+            QPointF pos =
+                horizontal ? at + QPointF(4, -box.height() / 2) : at + QPointF(-box.width() / 2, -box.height() - 2);
+            const QPointF step = horizontal ? QPointF(box.width() + 2, 0) : QPointF(0, -box.height() - 1);
+            bool free = false;
+            for (int tries = 0; tries < 3; ++tries, pos += step) {
+                const QRectF rect = box.translated(pos);
+                free = std::none_of(taken.begin(), taken.end(), [&](const QRectF &r) { return r.intersects(rect); });
+                if (free)
+                    break;
+            }
+            t.item->setPos(pos);
+            t.item->setVisible(free);
+            if (free)
+                taken.push_back(box.translated(pos));
         }
     };
     QObject::connect(chart, &QChart::plotAreaChanged, chart, place);
@@ -157,6 +188,15 @@ QChart *buildChart(const ChartDescription &description)
     const ChartDescription d = withClippedTexts(description);
     auto *chart = new QChart;
     chart->setTitle(d.title);
+    // Titles as prominent as the basic graphs' (Arial, 24 px there; bold
+    // here, where the chart's own texts are larger), on a square, opaque
+    // background so that a copy has no transparent corners.
+    QFont titleFont(QStringLiteral("Arial"));
+    titleFont.setPixelSize(20);
+    titleFont.setBold(true);
+    chart->setTitleFont(titleFont);
+    chart->setBackgroundRoundness(0);
+    chart->setBackgroundBrush(Qt::white);
     chart->setAnimationOptions(QChart::NoAnimation);
     chart->legend()->setVisible(d.legendPosition.has_value());
     if (d.legendPosition)
@@ -183,7 +223,12 @@ QChart *buildChart(const ChartDescription &description)
     qsizetype pointCount = 0;
     for (const ChartSeries &s : d.series)
         pointCount = qMax(pointCount, qsizetype(s.points.size()));
-    for (qsizetype i = 0; i < pointCount; ++i) {
+    // Horizontal bars read top-down in the order vertical ones read left to
+    // right, but the category axis counts upwards: their points go in last
+    // first. (The axis's own reversal leaves bar series where they were.)
+    const auto position = [&](qsizetype i) { return d.horizontal ? pointCount - 1 - i : i; };
+    for (qsizetype p = 0; p < pointCount; ++p) {
+        const qsizetype i = position(p);
         QString label;
         for (const ChartSeries &s : d.series)
             if (i < qsizetype(s.points.size()) && label.isEmpty())
@@ -193,9 +238,11 @@ QChart *buildChart(const ChartDescription &description)
     double largest = 0;
     for (const ChartSeries &s : d.series) {
         auto *set = new QBarSet(s.name);
-        for (const ChartPoint &p : s.points) {
-            *set << p.value;
-            largest = qMax(largest, p.value);
+        for (qsizetype p = 0; p < pointCount; ++p) {
+            const qsizetype i = position(p);
+            const double value = i < qsizetype(s.points.size()) ? s.points[std::size_t(i)].value : 0.0;
+            *set << value;
+            largest = qMax(largest, value);
         }
         if (s.colour != -1)
             set->setColor(colourFromStored(s.colour));
@@ -234,8 +281,20 @@ QChart *buildChart(const ChartDescription &description)
     // axis, the second under the bottom one, whichever way the bars run.
     QAbstractAxis *left = d.horizontal ? static_cast<QAbstractAxis *>(categoryAxis) : valueAxis;
     QAbstractAxis *bottom = d.horizontal ? static_cast<QAbstractAxis *>(valueAxis) : categoryAxis;
-    left->setTitleText(d.valueAxisTitle);
-    bottom->setTitleText(d.categoryAxisTitle);
+    // A long value-axis title (the ranking's weights) wraps onto a second
+    // line at its middle space rather than being cut; a single series named
+    // like it would only repeat it as a one-item legend.
+    QString valueTitle = d.valueAxisTitle.toHtmlEscaped();
+    if (d.valueAxisTitle.size() > 40) {
+        const qsizetype middle = valueTitle.size() / 2;
+        const qsizetype before = valueTitle.lastIndexOf(QLatin1Char(' '), middle);
+        if (before > 0)
+            valueTitle = valueTitle.left(before) + QStringLiteral("<br>") + valueTitle.mid(before + 1);
+    }
+    if (d.series.size() == 1 && d.series.front().name == d.valueAxisTitle)
+        chart->legend()->setVisible(false);
+    left->setTitleText(valueTitle);
+    bottom->setTitleText(d.categoryAxisTitle.toHtmlEscaped());
     chart->addAxis(bottom, Qt::AlignBottom);
     chart->addAxis(left, Qt::AlignLeft);
     bars->attachAxis(categoryAxis);
@@ -252,7 +311,8 @@ QChart *buildChart(const ChartDescription &description)
                 auto *item = new QGraphicsSimpleTextItem(points[std::size_t(i)].dataLabel, chart);
                 item->setData(ChartTextRole, QStringLiteral("dataLabel"));
                 item->setZValue(10);
-                const double centre = double(i) - BarWidth / 2 + (double(s) + 0.5) * BarWidth / double(setCount);
+                const double centre =
+                    double(position(i)) - BarWidth / 2 + (double(s) + 0.5) * BarWidth / double(setCount);
                 const double v = points[std::size_t(i)].value;
                 texts->push_back(
                     {item, d.horizontal ? QPointF(v, centre) : QPointF(centre, v), bars, PlacedText::DataLabel});

@@ -30,6 +30,7 @@ Picture chartPicture(const ChartDescription &chart, const QSize &size)
         if (built->layout())
             built->layout()->activate();
         painter.save();
+        painter.fillRect(area, Qt::white); // opaque, whatever the chart leaves
         painter.setRenderHint(QPainter::Antialiasing);
         scene.render(&painter, area, area);
         painter.restore();

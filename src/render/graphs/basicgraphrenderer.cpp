@@ -2,6 +2,7 @@
 #include "render/graphs/basicgraphrenderer.h"
 
 #include <QFontMetrics>
+#include <QTextLayout>
 #include <QPainter>
 
 #include <algorithm>
@@ -356,6 +357,33 @@ bool BasicGraphRenderer::drawHistogram(QPainter &painter, const QRect &R, int ou
     return true;
 }
 
+QStringList wholeLabelLines(const QString &text, const QFont &font, int width, int height)
+{
+    const QFontMetrics metrics(font);
+    const int fitting = std::max(1, height / std::max(1, metrics.lineSpacing()));
+    QTextLayout layout(QString(text).replace(QLatin1Char('\n'), QChar::LineSeparator), font);
+    QTextOption option(Qt::AlignLeft);
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    layout.setTextOption(option);
+    QStringList lines;
+    layout.beginLayout();
+    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+        line.setLineWidth(width);
+        const QString rest = layout.text().mid(line.textStart());
+        if (int(lines.size()) == fitting - 1) {
+            // The last line that fits takes the rest of the text, shortened
+            // with "..." when it would need another line.
+            lines << metrics.elidedText(rest.trimmed(), Qt::ElideRight, width);
+            break;
+        }
+        lines << layout.text().mid(line.textStart(), line.textLength()).trimmed();
+    }
+    layout.endLayout();
+    for (QString &line : lines)
+        line.replace(QChar::LineSeparator, QLatin1Char(' '));
+    return lines;
+}
+
 bool BasicGraphRenderer::drawFraction(QPainter &painter, const QRect &R, int outline) const
 {
     const BasicGraphDescription &d = mDescription;
@@ -391,11 +419,14 @@ bool BasicGraphRenderer::drawFraction(QPainter &painter, const QRect &R, int out
         const int x = barLeft + roundEven(double(barWidth) * i / 5.0);
         const QString text = QString::number(i * 20);
         const int w = metrics.horizontalAdvance(text);
-        painter.drawText(QRect(x - w / 2, axisTop, w, h), Qt::AlignCenter | Qt::TextDontClip, text);
+        // Centred on its mark, but never out of the drawing rectangle: the
+        // "100" at the right end moves in rather than being cut.
+        const int textLeft = std::min(x - w / 2, R.right() + 1 - w);
+        painter.drawText(QRect(textLeft, axisTop, w, h), Qt::AlignHCenter | Qt::AlignTop | Qt::TextDontClip, text);
     }
     if (!d.totalText.isEmpty())
         painter.drawText(QRect(R.left(), axisTop, mUnits.labelColumn(), h),
-                         Qt::AlignLeft | Qt::AlignVCenter | Qt::TextDontClip, d.totalText);
+                         Qt::AlignLeft | Qt::AlignTop | Qt::TextDontClip, d.totalText);
 
     int y = areaTop + gy;
     for (std::size_t gi = 0; gi < d.groups.size(); ++gi) {
@@ -407,13 +438,15 @@ bool BasicGraphRenderer::drawFraction(QPainter &painter, const QRect &R, int out
             painter.drawText(QRect(barLeft - gx - w, y, w, barHeight), Qt::AlignRight | Qt::AlignVCenter, marker);
             labelWidth -= w + gx / 2;
         }
-        // A label taller than its bar starts at the bar's top rather than
-        // losing its first line above it.
-        const QRect labelRect(R.left(), y, labelWidth, barHeight);
-        const int labelHeight = metrics.boundingRect(labelRect, Qt::TextWordWrap, g.label).height();
-        painter.drawText(labelRect,
-                         Qt::AlignLeft | Qt::TextWordWrap | (labelHeight > barHeight ? Qt::AlignTop : Qt::AlignVCenter),
-                         g.label);
+        // The label keeps whole lines: as many as its bar's height holds,
+        // the last one shortened with "..." when the text goes on.
+        const QStringList lines = wholeLabelLines(g.label, textFont(), std::max(1, labelWidth), barHeight);
+        const int lineSpacing = metrics.lineSpacing();
+        int lineTop = y + (barHeight - int(lines.size()) * lineSpacing) / 2;
+        for (const QString &line : lines) {
+            painter.drawText(QPoint(R.left(), lineTop + metrics.ascent()), line);
+            lineTop += lineSpacing;
+        }
         qint64 sum = 0;
         int start = barLeft;
         for (int b = 0; b < g.barCount; ++b) {

@@ -11,6 +11,7 @@
 #include <QRect>
 #include <QSize>
 #include <QString>
+#include <QStringList>
 
 class QPainter;
 
@@ -76,6 +77,11 @@ private:
 
 /// The fill of a stored colour (0x00BBGGRR).
 QColor graphColour(qint32 stored);
+
+/// `text` word-wrapped to `width` pixels in `font`, as many whole lines as
+/// `height` holds (at least one); when the text needs more, the last line
+/// shown ends in "...". Never a line cut through its glyphs.
+QStringList wholeLabelLines(const QString &text, const QFont &font, int width, int height);
 
 /// The space a graph window keeps free on every side of the graph.
 inline constexpr int BasicGraphMargin = 10;

@@ -280,7 +280,7 @@ private:
 
 void drawHeaderRuns(QPainter &painter, const std::vector<HeaderRun> &runs, const SheetGeometry &g,
                     const std::array<QColor, 4> &colours, int firstColour, int top, int fillHeight, bool drawsText,
-                    const QFontMetrics &boldMetrics, const AreaFilter &filter)
+                    const QFontMetrics &boldMetrics, const AreaFilter &filter, std::vector<QRect> &texts)
 {
     for (const HeaderRun &run : runs) {
         if (run.block == -1)
@@ -298,6 +298,7 @@ void drawHeaderRuns(QPainter &painter, const std::vector<HeaderRun> &runs, const
             shortenToWidth(run.text, width, [&](const QString &s) { return boldMetrics.horizontalAdvance(s); });
         const int textWidth = boldMetrics.horizontalAdvance(shown);
         drawTextAt(painter, boldMetrics, left + (width - textWidth) / 2, top + 2 * g.scale, shown);
+        texts.emplace_back(left + (width - textWidth) / 2, top, textWidth, g.cellHeight);
     }
 }
 
@@ -356,6 +357,57 @@ int SheetTextOffsets::alternativeOffset(qint32 alternative) const
         : 0;
 }
 
+QMargins sheetPictureMargins(const SheetInput &input, SheetTextOffsets &offsets)
+{
+    const SheetModeMetrics metrics = sheetModeMetrics(input.mode);
+    if (!input.document || !metrics.isPicture || !metrics.drawsText)
+        return QMargins();
+    const Document &doc = *input.document;
+    if (!offsets.isComputed())
+        offsets.compute(doc);
+    const QFontMetrics bold(sheetFont(true, metrics.scale));
+    const QFontMetrics normal(sheetFont(false, metrics.scale));
+    const int w = metrics.cellWidth;
+    const int columns = int(std::min<std::size_t>(input.columns.size(), MaxGeometryCells));
+    const int width = columns * w;
+    int left = 0, right = 0;
+    const auto reach = [&](int x, int textWidth) {
+        left = std::max(left, -x);
+        right = std::max(right, x + textWidth - width);
+    };
+    // Codes wider than their cell, at the first and last columns.
+    for (int c : {0, columns - 1}) {
+        if (c < 0)
+            continue;
+        const qint32 q = input.columns[std::size_t(c)];
+        const Question *question = questionAt(doc, q);
+        if (question && question->inOverview && !question->code.isEmpty())
+            reach(c * w + offsets.questionOffset(q) * metrics.scale, bold.horizontalAdvance(question->code));
+    }
+    // Index values stand centred on their columns.
+    if (doc.properties.pointsScale > 0) {
+        const std::vector<double> values = columnIndexLine(doc, input.columns, rowsInMatrix(doc, input.rows));
+        for (int c = 0; c < columns; ++c) {
+            if (values[std::size_t(c)] == -1.0)
+                continue;
+            const int textWidth = normal.horizontalAdvance(
+                formatIndex(values[std::size_t(c)], doc.properties.indexDecimals, input.locale));
+            reach(c * w + (w - textWidth) / 2, textWidth);
+        }
+    }
+    // A caption word wider than the sheet overflows its centred lines on
+    // both sides.
+    for (const CaptionText &caption : captionTexts(input, sheetFont(false, metrics.scale), metrics.cellHeight, width)) {
+        const int wrapWidth = std::max(1, width - 1);
+        const int textWidth =
+            normal.boundingRect(QRect(0, 0, wrapWidth, 1 << 20), Qt::AlignHCenter | Qt::TextWordWrap, caption.text)
+                .width();
+        if (textWidth > wrapWidth)
+            reach((wrapWidth - textWidth) / 2, textWidth);
+    }
+    return QMargins(left, 0, right, 0);
+}
+
 SheetGeometry measureSheet(const SheetInput &input)
 {
     const SheetModeMetrics metrics = sheetModeMetrics(input.mode);
@@ -409,15 +461,17 @@ int drawSheetArea(QPainter &painter, const SheetInput &input, SheetTextOffsets &
         sheetColour(doc.properties.sheetColours[2]), sheetColour(doc.properties.sheetColours[3])};
     std::vector<HeaderRun> blockRuns;
     std::vector<HeaderRun> subBlockRuns;
+    std::vector<QRect> runTexts; // block and sub-block texts, which group lines go round
     painter.setFont(headerFont);
     if (g.headerLines >= 2) {
         blockRuns = headerRuns(doc, input.columns, false);
         drawHeaderRuns(painter, blockRuns, g, runColours, 0, 0, g.headerLines == 3 ? 2 * h : h, metrics.drawsText,
-                       headerMetrics, filter);
+                       headerMetrics, filter, runTexts);
     }
     if (g.headerLines == 3) {
         subBlockRuns = headerRuns(doc, input.columns, true);
-        drawHeaderRuns(painter, subBlockRuns, g, runColours, 2, h, h, metrics.drawsText, headerMetrics, filter);
+        drawHeaderRuns(painter, subBlockRuns, g, runColours, 2, h, h, metrics.drawsText, headerMetrics, filter,
+                       runTexts);
     }
     const int codeTop = (g.headerLines - 1) * h;
     for (int c = 0; c < g.columns; ++c) {
@@ -464,22 +518,47 @@ int drawSheetArea(QPainter &painter, const SheetInput &input, SheetTextOffsets &
         }
     }
 
-    // Group lines end at each run's left edge, over header, answer and index lines.
-    const QColor groupColour = sheetColour(doc.properties.sheetColourB);
-    if (input.groupLines && groupColour.isValid()) {
-        const int bandHeight = (g.headerLines + g.answerLines + g.indexLines) * h;
-        for (int x : groupLineEdges(blockRuns, subBlockRuns, w, s, g.columns))
-            painter.fillRect(QRect(x - s, 0, s, bandHeight), groupColour);
-    }
-
     // Index lines of the pictures: column values alternate between two lines
     // so that their two-cell boxes never overlap; then one line per block level.
+    std::vector<QRect> indexTexts; // where the column values' digits stand
+    std::vector<double> values;
+    std::vector<qint32> rows;
+    if (g.indexLines > 0) {
+        rows = rowsInMatrix(doc, input.rows);
+        values = columnIndexLine(doc, input.columns, rows);
+        for (int c = 0; c < g.columns; ++c)
+            if (values[std::size_t(c)] != -1.0) {
+                const int textWidth = detailMetrics.horizontalAdvance(
+                    formatIndex(values[std::size_t(c)], doc.properties.indexDecimals, input.locale));
+                indexTexts.emplace_back(c * w + (w - textWidth) / 2, answersBottom + (c % 2) * h, textWidth, h);
+            }
+    }
+
+    // Group lines end at each run's left edge, over header, answer and index
+    // lines; in a header or index line they stop short of a text they would
+    // cross (a block name over sub-blocks, a value centred on its column).
+    const QColor groupColour = sheetColour(doc.properties.sheetColourB);
+    if (input.groupLines && groupColour.isValid()) {
+        indexTexts.insert(indexTexts.end(), runTexts.begin(), runTexts.end());
+        const auto bandLine = [&](int x, int top) {
+            const QRect band(x - s, top, s, h);
+            if (std::none_of(indexTexts.begin(), indexTexts.end(),
+                             [&](const QRect &text) { return text.intersects(band); }))
+                painter.fillRect(band, groupColour);
+        };
+        for (int x : groupLineEdges(blockRuns, subBlockRuns, w, s, g.columns)) {
+            for (int line = 0; line < g.headerLines - 1; ++line)
+                bandLine(x, line * h);
+            painter.fillRect(QRect(x - s, codeTop, s, (1 + g.answerLines) * h), groupColour);
+            for (int line = 0; line < g.indexLines; ++line)
+                bandLine(x, answersBottom + line * h);
+        }
+    }
+
     if (g.indexLines > 0 && filter.textTouches(QRect(0, answersBottom, width, g.indexLines * h))) {
         const int top = answersBottom;
         const int decimals = doc.properties.indexDecimals;
         const QRect sheetSpan(0, top, width, g.indexLines * h);
-        const std::vector<qint32> rows = rowsInMatrix(doc, input.rows);
-        const std::vector<double> values = columnIndexLine(doc, input.columns, rows);
         for (int c = 0; c < g.columns; ++c) {
             const double value = values[std::size_t(c)];
             if (value == -1.0)
@@ -517,8 +596,10 @@ int drawSheetArea(QPainter &painter, const SheetInput &input, SheetTextOffsets &
                        sheetColour(doc.properties.sheetColourA));
         for (const CaptionText &caption : captions) {
             const int slot = caption.lines * h + caption.extra;
+            // A word wider than the sheet stands out into the picture's
+            // margins (sheetPictureMargins) rather than being clipped.
             painter.drawText(QRect(0, top, std::max(1, width - 1), slot),
-                             Qt::AlignHCenter | Qt::AlignVCenter | Qt::TextWordWrap, caption.text);
+                             Qt::AlignHCenter | Qt::AlignVCenter | Qt::TextWordWrap | Qt::TextDontClip, caption.text);
             top += slot;
         }
     }

@@ -11,6 +11,7 @@
 #include <QFont>
 #include <QImage>
 #include <QLocale>
+#include <QMargins>
 #include <QRect>
 #include <QString>
 
@@ -79,6 +80,12 @@ private:
 /// Sizes of the sheet for `input` (caption lines are measured with the
 /// detail font of the mode).
 SheetGeometry measureSheet(const SheetInput &input);
+
+/// The room a picture of the sheet needs beside it, left and right, so that
+/// no text is cut at its edges: index values centred on the first and last
+/// columns, codes wider than their cell, caption words wider than the sheet.
+/// None outside the picture modes. Computes `offsets` when not yet computed.
+QMargins sheetPictureMargins(const SheetInput &input, SheetTextOffsets &offsets);
 
 /// Draws the sheet with its top-left corner at the painter's origin.
 /// Computes `offsets` first when they are not yet computed. Returns 0 on

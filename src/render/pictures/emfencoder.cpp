@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <optional>
 
 namespace kel {
 
@@ -104,8 +105,8 @@ public:
         const QString family = font.family.left(U_LF_FACESIZE - 1);
         std::memcpy(face, family.utf16(), std::size_t(family.size()) * sizeof(uint16_t));
         U_LOGFONT lf = logfont_set(-font.pixelHeight, 0, font.escapement, font.escapement, font.weight,
-                                   font.italic ? 1 : 0, 0, 0, U_DEFAULT_CHARSET, U_OUT_DEFAULT_PRECIS,
-                                   U_CLIP_DEFAULT_PRECIS, U_DEFAULT_QUALITY, U_DEFAULT_PITCH | U_FF_DONTCARE, face);
+                                   font.italic ? 1 : 0, 0, 0, font.fontClass.charSet, U_OUT_DEFAULT_PRECIS,
+                                   U_CLIP_DEFAULT_PRECIS, U_DEFAULT_QUALITY, font.fontClass.pitchAndFamily, face);
         add(U_EMREXTCREATEFONTINDIRECTW_set(uint32_t(created), reinterpret_cast<const char *>(&lf), nullptr));
         mFonts.add(font, created);
         select(uint32_t(created), mFont);
@@ -129,7 +130,7 @@ public:
         if (mClipped) {
             add(U_EMRRESTOREDC_set(-1));
             mPen = mBrush = mFont = 0;
-            mTextColour = 0;
+            mTextColour.reset();
         }
         mClipped = clipped;
         if (clipped) {
@@ -145,11 +146,15 @@ public:
         add(U_EMREOF_set(0, nullptr, &track));
         if (mFailed)
             return QByteArray();
-        // The header goes in front now that the records are counted.
+        // The header goes in front now that the records are counted. The
+        // bounds are the picture's pixels, inclusive; the frame is the
+        // picture's whole extent (W by H pixels), so its right and bottom edge
+        // lie one pixel beyond the last pixel's left and top edge: a frame
+        // one pixel short makes readers drop what is drawn in the last row.
         const QRect bounds(QPoint(0, 0), size);
         const U_RECTL frame = rectl_set(point32_set(0, 0),
-                                        point32_set(qRound((size.width() - 1) * 2540.0 / MetafileDotsPerInch),
-                                                    qRound((size.height() - 1) * 2540.0 / MetafileDotsPerInch)));
+                                        point32_set(qRound(size.width() * 2540.0 / MetafileDotsPerInch),
+                                                    qRound(size.height() * 2540.0 / MetafileDotsPerInch)));
         // Description: the application, NUL, the picture, NUL NUL.
         std::vector<uint16_t> text;
         for (QChar c : description)
@@ -198,7 +203,7 @@ private:
     ObjectCache<MetafileBrush> mBrushes;
     ObjectCache<MetafileFont> mFonts;
     uint32_t mPen = 0, mBrush = 0, mFont = 0;
-    QRgb mTextColour = 0xFF000000;
+    std::optional<QRgb> mTextColour = 0xFF000000; ///< none: not known after a restore
     bool mClipped = false;
 };
 

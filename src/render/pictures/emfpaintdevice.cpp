@@ -25,13 +25,51 @@ QRgb solidColour(const QBrush &brush)
 
 } // namespace
 
+QString metafileFaceName(const QString &family)
+{
+    struct Face {
+        const char *generic;
+        const char *face;
+    };
+    // Qt's and fontconfig's generic names, and the metric twins that stand
+    // in for the Windows faces on Linux.
+    static constexpr Face Faces[] = {
+        {"sans serif", "Arial"},
+        {"sans-serif", "Arial"},
+        {"sans", "Arial"},
+        {"sansserif", "Arial"},
+        {"helvetica", "Arial"},
+        {"dejavu sans", "Arial"},
+        {"liberation sans", "Arial"},
+        {"serif", "Times New Roman"},
+        {"times", "Times New Roman"},
+        {"dejavu serif", "Times New Roman"},
+        {"liberation serif", "Times New Roman"},
+        {"monospace", "Courier New"},
+        {"courier", "Courier New"},
+        {"dejavu sans mono", "Courier New"},
+        {"liberation mono", "Courier New"},
+    };
+    const QString key = family.trimmed().toLower();
+    if (key.isEmpty())
+        return QStringLiteral("Arial");
+    for (const Face &f : Faces)
+        if (key == QLatin1String(f.generic))
+            return QString::fromLatin1(f.face);
+    return family;
+}
+
 // Every drawing call ends here with the painter's state already applied
 // (pen, brush, font, transform); coordinates are mapped to device pixels
 // before they are kept.
 class MetafilePaintEngine : public QPaintEngine
 {
 public:
-    explicit MetafilePaintEngine(const QSize &size) : QPaintEngine(AllFeatures) { mRecording.size = size; }
+    MetafilePaintEngine(const QSize &size, MetafileFontClass fontClass)
+        : QPaintEngine(AllFeatures), mFontClass(fontClass)
+    {
+        mRecording.size = size;
+    }
 
     bool begin(QPaintDevice *device) override
     {
@@ -177,7 +215,8 @@ public:
             mScaleX = std::hypot(mTransform.m11(), mTransform.m12());
             const qreal scaleY = std::hypot(mTransform.m21(), mTransform.m22());
             const qreal em = font.pixelSize() > 0 ? font.pixelSize() : font.pointSizeF() * MetafileDotsPerInch / 72.0;
-            mTextLook.family = font.family();
+            mTextLook.family = metafileFaceName(font.family());
+            mTextLook.fontClass = mFontClass;
             mTextLook.pixelHeight = std::max(1, qRound(em * scaleY));
             mTextLook.weight = std::clamp(int(font.weight()), 100, 900);
             mTextLook.italic = font.italic();
@@ -290,6 +329,7 @@ private:
     }
 
     MetafileRecording mRecording;
+    MetafileFontClass mFontClass;
     QPaintDevice *mDevice = nullptr;
     QTransform mTransform;
     std::optional<QRect> mClip;
@@ -303,8 +343,8 @@ private:
     MetafileFont mTextLook;
 };
 
-MetafilePaintDevice::MetafilePaintDevice(const QSize &size)
-    : mSize(size), mEngine(std::make_unique<MetafilePaintEngine>(size))
+MetafilePaintDevice::MetafilePaintDevice(const QSize &size, MetafileFontClass fontClass)
+    : mSize(size), mEngine(std::make_unique<MetafilePaintEngine>(size, fontClass))
 {
 }
 

@@ -5,6 +5,8 @@
 // two file kinds carry the same drawing and stay vector pictures.
 #pragma once
 
+#include "render/pictures/picture.h"
+
 #include <QImage>
 #include <QPaintDevice>
 #include <QPoint>
@@ -18,6 +20,11 @@
 #include <vector>
 
 namespace kel {
+
+/// The face name a metafile gives `family`: generic and fallback names that
+/// only this system knows become the faces that office programs on Windows
+/// have and on Linux map to their metric twins ("Sans Serif" -> "Arial").
+QString metafileFaceName(const QString &family);
 
 /// The drawing surface's resolution: what a 96 dpi screen would show.
 inline constexpr int MetafileDotsPerInch = 96;
@@ -44,6 +51,7 @@ struct MetafileFont {
     int weight = 400;     ///< 100..900, 400 normal, 700 bold
     bool italic = false;
     int escapement = 0; ///< tenths of a degree, counter-clockwise
+    MetafileFontClass fontClass;
     bool operator==(const MetafileFont &) const = default;
 };
 
@@ -77,7 +85,7 @@ struct MetafileRecording {
 class MetafilePaintDevice : public QPaintDevice
 {
 public:
-    explicit MetafilePaintDevice(const QSize &size);
+    explicit MetafilePaintDevice(const QSize &size, MetafileFontClass fontClass = {});
     ~MetafilePaintDevice() override;
 
     QPaintEngine *paintEngine() const override;

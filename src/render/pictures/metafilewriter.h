@@ -22,6 +22,10 @@ QByteArray encodeEmf(const MetafileRecording &recording, const QString &descript
 /// (also when the picture exceeds the format's 16-bit coordinates).
 QByteArray encodeWmf(const MetafileRecording &recording);
 
+/// An SVG file of `recording`, `description` as its title: the same
+/// drawing as the metafiles, with the painter's clips kept as clip paths.
+QByteArray encodeSvg(const MetafileRecording &recording, const QString &description);
+
 /// The placeable header alone, for `bounds` (inclusive pixel edges).
 QByteArray placeableWmfHeader(const QRect &bounds);
 

@@ -6,6 +6,7 @@
 
 #include <QRect>
 #include <QSize>
+#include <QtGlobal>
 #include <QString>
 
 #include <functional>
@@ -14,6 +15,15 @@
 class QPainter;
 
 namespace kel {
+
+/// How a metafile's font records class the picture's fonts: the LOGFONT
+/// character set and pitch-and-family bytes. Qt fonts carry neither, so
+/// each picture says what its fonts were made with.
+struct MetafileFontClass {
+    quint8 charSet = 1;           ///< DEFAULT_CHARSET
+    quint8 pitchAndFamily = 0x22; ///< VARIABLE_PITCH | FF_SWISS
+    bool operator==(const MetafileFontClass &) const = default;
+};
 
 struct Picture {
     QSize size; ///< pixels
@@ -29,6 +39,7 @@ struct Picture {
     std::function<void(QPainter &painter, const QRect &area)> paintArea;
     /// The routine covers every pixel: image files need no transparency.
     bool opaque = false;
+    MetafileFontClass metafileFonts;
 
     bool isValid() const { return size.width() > 0 && size.height() > 0 && bool(paint); }
 };

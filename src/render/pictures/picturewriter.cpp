@@ -11,7 +11,6 @@
 #include <QPainter>
 #include <QPdfWriter>
 #include <QSaveFile>
-#include <QSvgGenerator>
 
 namespace kel {
 
@@ -28,7 +27,7 @@ void setError(QString *error, const QString &text)
 
 MetafileRecording recordPicture(const Picture &picture)
 {
-    MetafilePaintDevice device(picture.size);
+    MetafilePaintDevice device(picture.size, picture.metafileFonts);
     QPainter painter(&device);
     picture.paint(painter);
     painter.end();
@@ -77,23 +76,6 @@ QByteArray encodeImage(const Picture &picture, PictureFormat format, QString *er
     buffer.open(QIODevice::WriteOnly);
     if (!writeImage(picture, format, buffer, error))
         return QByteArray();
-    return out;
-}
-
-QByteArray encodeSvg(const Picture &picture)
-{
-    QByteArray out;
-    QBuffer buffer(&out);
-    buffer.open(QIODevice::WriteOnly);
-    QSvgGenerator generator;
-    generator.setOutputDevice(&buffer);
-    generator.setSize(picture.size);
-    generator.setViewBox(QRect(QPoint(0, 0), picture.size));
-    generator.setResolution(MetafileDotsPerInch);
-    generator.setTitle(picture.description);
-    QPainter painter(&generator);
-    picture.paint(painter);
-    painter.end();
     return out;
 }
 
@@ -157,7 +139,7 @@ QByteArray encodePicture(const Picture &picture, PictureFormat format, QString *
     case PictureFormat::Bmp:
     case PictureFormat::Jpg:
     case PictureFormat::Gif: return encodeImage(picture, format, error);
-    case PictureFormat::Svg: out = encodeSvg(picture); break;
+    case PictureFormat::Svg: out = encodeSvg(recordPicture(picture), picture.description); break;
     case PictureFormat::Pdf: return encodePdf(picture, error);
     }
     if (out.isEmpty())

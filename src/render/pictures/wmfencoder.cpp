@@ -102,8 +102,8 @@ public:
         QByteArray face = font.family.toLatin1().left(31);
         U_FONT *uf = U_FONT_set(int16_t(-std::clamp(font.pixelHeight, 1, 0x7FFF)), 0, int16_t(font.escapement),
                                 int16_t(font.escapement), int16_t(font.weight), font.italic ? 1 : 0, 0, 0,
-                                U_ANSI_CHARSET, U_OUT_DEFAULT_PRECIS, U_CLIP_DEFAULT_PRECIS, U_DEFAULT_QUALITY,
-                                U_DEFAULT_PITCH | U_FF_DONTCARE, face.data());
+                                font.fontClass.charSet, U_OUT_DEFAULT_PRECIS, U_CLIP_DEFAULT_PRECIS, U_DEFAULT_QUALITY,
+                                font.fontClass.pitchAndFamily, face.data());
         if (!uf) {
             mFailed = true;
             return;
@@ -143,7 +143,7 @@ public:
         if (mClipped) {
             add(U_WMRRESTOREDC_set(-1));
             mPen = mBrush = mFont = -1;
-            mTextColour = 0;
+            mTextColour.reset();
             mOpaque.reset();
         }
         mClipped = clipped;
@@ -197,8 +197,8 @@ private:
     ObjectCache<MetafileBrush> mBrushes;
     ObjectCache<MetafileFont> mFonts;
     int mPen = -1, mBrush = -1, mFont = -1;
-    QRgb mTextColour = 0xFF000000;
-    std::optional<bool> mOpaque = false; ///< none: not known after a restore
+    std::optional<QRgb> mTextColour = 0xFF000000; ///< none: not known after a restore
+    std::optional<bool> mOpaque = false;          ///< none: not known after a restore
     bool mClipped = false;
 };
 
