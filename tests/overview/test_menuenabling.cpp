@@ -164,6 +164,7 @@ TEST(MenuEnabling, EveryCommandFollowsTheRowsPermissionExactlyWhereItShowsAnswer
         {C::HelpTopics, true, true, true},
         {C::About, true, true, true},
         {C::MouseWheelDirection, true, true, true},
+        {C::CreateReport, true, true, true}, // a report asks each unit's own permissions
     };
     ASSERT_EQ(std::size(table), std::size_t(MenuCommandCount));
     const MenuEnabling withRows = menuEnablingFor(shown), withoutRows = menuEnablingFor(hidden);
