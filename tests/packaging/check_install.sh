@@ -24,7 +24,7 @@ app_id=se.brennvik.kelviewer
 
 # --- the files, in the places the desktop looks for them
 expected=(
-    bin/kelviewer bin/kel
+    bin/kelviewer bin/kel libexec/kelviewer/kel-render
     share/applications/$app_id.desktop
     share/metainfo/$app_id.metainfo.xml
     share/mime/packages/kelviewer.xml
@@ -104,6 +104,10 @@ out=$("$prefix/bin/kel" --version 2>&1) || fail "kel --version failed"
 grep -q " $version\$" <<<"$out" || fail "kel --version printed '$out'"
 out=$("$prefix/bin/kel" check "$sample" 2>&1) || fail "kel check on the installed sample failed: $out"
 [ "$out" = OK ] || fail "kel check printed '$out'"
+# The installed kel finds its drawing helper in libexec, from any prefix.
+"$prefix/bin/kel" render "$sample" overview -o "$tmp/overview.png" >"$tmp/render.log" 2>&1 \
+    || fail "kel render with the installed helper failed: $(cat "$tmp/render.log")"
+[ -s "$tmp/overview.png" ] || fail "kel render wrote no picture"
 
 # --- the manual pages against the tools' own usage, so they cannot drift
 kel_page=$tmp/kel.1

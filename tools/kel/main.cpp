@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // kel: reads, checks and exports KEL documents from a shell.
 #include "commands.h"
+#include "renderhelper.h"
 
 #include <QCoreApplication>
 
@@ -37,10 +38,29 @@ const Command Commands[] = {
     {"graph", kel::cli::graphCommand,
      "graph FILE [--select SPEC] [--flex OPTS] [--flex-current] [--reversed] [--short-names] [--locale NAME] "
      "KIND [KIND OPTIONS]"},
-    {"render", kel::cli::renderCommand,
+};
+
+/// Commands that the rendering helper runs: `kel` becomes the helper for
+/// them, and `kel batch` hands their lines to it. A new drawing command is
+/// one line here and one in the helper's table (tools/kel-render/main.cpp).
+struct HelperCommand {
+    const char *name;
+    const char *synopsis;
+};
+
+const HelperCommand HelperCommands[] = {
+    {"render",
      "render FILE [selection options] overview [--mode 1|2|3] [--headers-only] | graph KIND [graph options] "
      "-o OUT.emf|wmf|png|bmp|jpg|gif|svg|pdf"},
 };
+
+bool isHelperCommand(const QString &name)
+{
+    for (const HelperCommand &c : HelperCommands)
+        if (name == QLatin1String(c.name))
+            return true;
+    return false;
+}
 
 QString usageText()
 {
@@ -48,6 +68,8 @@ QString usageText()
     for (const FileCommand &c : FileCommands)
         text += QStringLiteral("  kel %1\n").arg(QLatin1String(c.synopsis));
     for (const Command &c : Commands)
+        text += QStringLiteral("  kel %1\n").arg(QLatin1String(c.synopsis));
+    for (const HelperCommand &c : HelperCommands)
         text += QStringLiteral("  kel %1\n").arg(QLatin1String(c.synopsis));
     text += QStringLiteral("  kel --help | --version\n");
     return text;
@@ -59,9 +81,7 @@ int usage()
     return kel::cli::UsageError;
 }
 
-} // namespace
-
-kel::cli::DocumentCommand kel::cli::findDocumentCommand(const QString &name)
+kel::cli::DocumentCommand findDocumentCommand(const QString &name)
 {
     for (const Command &c : Commands)
         if (name == QLatin1String(c.name))
@@ -69,17 +89,18 @@ kel::cli::DocumentCommand kel::cli::findDocumentCommand(const QString &name)
     return nullptr;
 }
 
+} // namespace
+
 int main(int argc, char *argv[])
 {
-    const bool renders = argc > 1 && std::strcmp(argv[1], "render") == 0;
+    // Pictures are the helper's: this process never loads more than QtCore.
+    if (argc > 1 && isHelperCommand(QString::fromLocal8Bit(argv[1])))
+        return kel::cli::execRenderHelper(argv);
+    // Counting and indexes need no application object; a batch would only
+    // pay for one.
     const bool batch = argc > 1 && std::strcmp(argv[1], "batch") == 0;
-    // Counting and indexes need no application object. Starting the
-    // graphical one costs as much as a whole answer, so a batch makes it only
-    // when its first picture is asked for.
     std::unique_ptr<QCoreApplication> app;
-    if (renders)
-        app = kel::cli::makePictureApplication(argc, argv);
-    else if (!batch)
+    if (!batch)
         app = std::make_unique<QCoreApplication>(argc, argv);
     QStringList args;
     for (int i = 1; i < argc; ++i)
@@ -88,10 +109,13 @@ int main(int argc, char *argv[])
         return usage();
     const QString name = args.takeFirst();
     if (batch) {
-        return kel::cli::runBatch(args, [&] {
-            if (!app)
-                app = kel::cli::makePictureApplication(argc, argv);
-        });
+        kel::cli::RenderHelperBatch helper(args);
+        return kel::cli::runBatch(args, findDocumentCommand,
+                                  [&](const QString &command, const QString &line) -> std::optional<std::string> {
+                                      if (!isHelperCommand(command))
+                                          return std::nullopt;
+                                      return helper.answer(line);
+                                  });
     }
     // Asked for, the usage is the answer, not an error.
     if (name == QLatin1String("--help") || name == QLatin1String("-h")) {

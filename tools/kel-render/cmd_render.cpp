@@ -163,16 +163,6 @@ SheetMode modeFor(int mode, PictureFormat format)
 
 } // namespace
 
-std::unique_ptr<QCoreApplication> makePictureApplication(int &argc, char **argv)
-{
-    // Fonts need a GUI application, charts (graphics widgets) a widget
-    // one; without a display it runs off-screen.
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && qEnvironmentVariableIsEmpty("DISPLAY")
-        && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    return std::make_unique<QApplication>(argc, argv);
-}
-
 int renderCommand(const Document &base, const QStringList &args, CommandOutput &output)
 {
     QStringList graphArgs;
