@@ -161,3 +161,51 @@ TEST(SelectByName, WhatIsNotFoundIsAUsageErrorListingWhatExists)
 }
 
 } // namespace
+
+namespace {
+
+// The decimal separator of the total index line, 0.59 on the sample.
+TEST(KelLocale, NumbersFollowTheOptionThenLcAllLcNumericLang)
+{
+    const struct {
+        QStringList environment;
+        const char *option; ///< --locale's value, or null
+        const char *total;  ///< the line, or null for a usage error
+    } cases[] = {
+        {{}, nullptr, "Total\t0.59"},
+        {{"LANG=sv_SE.UTF-8"}, nullptr, "Total\t0,59"},
+        {{"LC_NUMERIC=sv_SE.UTF-8", "LANG=en_US.UTF-8"}, nullptr, "Total\t0,59"},
+        {{"LC_NUMERIC=en_US.UTF-8", "LANG=sv_SE.UTF-8"}, nullptr, "Total\t0.59"},
+        {{"LC_ALL=sv_SE.UTF-8", "LC_NUMERIC=en_US.UTF-8", "LANG=en_US.UTF-8"}, nullptr, "Total\t0,59"},
+        {{"LC_ALL=C", "LANG=sv_SE.UTF-8"}, nullptr, "Total\t0.59"},
+        {{"LC_ALL=", "LC_NUMERIC=", "LANG=de_DE@euro"}, nullptr, "Total\t0,59"}, // empty is unset
+        {{"LANG=no_such_LOCALE"}, nullptr, "Total\t0.59"},                       // unknown: C
+        {{"LANG=sv_SE.UTF-8"}, "C", "Total\t0.59"},
+        {{"LC_ALL=C"}, "sv_SE", "Total\t0,59"},
+        {{"LC_ALL=C"}, "POSIX", "Total\t0.59"},
+        {{}, "bogus", nullptr},
+        {{}, "no_such_LOCALE", nullptr}, // not Norwegian, however Qt would read it
+        {{}, "sv_XX", nullptr},
+        {{}, "xx_SE", nullptr},
+        {{}, "sv-SE", "Total\t0,59"},
+        {{}, "", nullptr},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(
+            (c.environment.join(u' ') + QStringLiteral(" --locale ") + QString::fromUtf8(c.option ? c.option : "-"))
+                .toStdString());
+        QStringList args = kelArgs("indexes", Sample, "--total --items total");
+        if (c.option)
+            args << QStringLiteral("--locale") << QString::fromUtf8(c.option);
+        const KelRun run = runKel(args, {}, c.environment);
+        if (!c.total) {
+            EXPECT_EQ(run.exitCode, 64);
+            EXPECT_TRUE(run.err.contains("--locale: no locale")) << run.err.toStdString();
+            continue;
+        }
+        EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
+        EXPECT_EQ(run.out.split('\n').last().trimmed(), QByteArray(c.total));
+    }
+}
+
+} // namespace

@@ -9,6 +9,7 @@
 #include "texts/messages.h"
 
 #include <QDateTime>
+#include <QRegularExpression>
 
 #include <algorithm>
 
@@ -97,6 +98,37 @@ bool applyFlexSpec(const Document &doc, SelectionModel &model, const QString &te
 
 } // namespace
 
+std::optional<QLocale> localeNamed(const QString &name)
+{
+    // The encoding and the modifier say nothing about numbers.
+    const QString bare = name.section(QLatin1Char('.'), 0, 0).section(QLatin1Char('@'), 0, 0);
+    if (bare == QLatin1String("C") || bare == QLatin1String("POSIX"))
+        return QLocale::c();
+    if (bare.isEmpty())
+        return std::nullopt;
+    // Qt reads any name as the nearest locale it knows ("no_such_LOCALE"
+    // as Norwegian), so each part is checked: language, then an optional
+    // script and territory, with codes Qt knows.
+    static const QRegularExpression form(
+        QStringLiteral("^([a-zA-Z]{2,3})(?:[_-]([A-Z][a-z]{3}))?(?:[_-]([A-Z]{2}|[0-9]{3}))?$"));
+    const QRegularExpressionMatch m = form.match(bare);
+    if (!m.hasMatch() || QLocale::codeToLanguage(m.captured(1)) == QLocale::AnyLanguage
+        || (m.hasCaptured(2) && QLocale::codeToScript(m.captured(2)) == QLocale::AnyScript)
+        || (m.hasCaptured(3) && QLocale::codeToTerritory(m.captured(3)) == QLocale::AnyTerritory))
+        return std::nullopt;
+    return QLocale(bare);
+}
+
+QLocale environmentLocale()
+{
+    for (const char *variable : {"LC_ALL", "LC_NUMERIC", "LANG"}) {
+        const QString name = qEnvironmentVariable(variable);
+        if (!name.isEmpty())
+            return localeNamed(name).value_or(QLocale::c());
+    }
+    return QLocale::c();
+}
+
 bool takeSelectionOption(const QStringList &args, qsizetype &i, SelectionArgs &out, QString &error)
 {
     const QString &a = args[i];
@@ -129,7 +161,10 @@ bool takeSelectionOption(const QStringList &args, qsizetype &i, SelectionArgs &o
         out.seed = seed;
     } else if (a == QLatin1String("--locale")) {
         const QString v = value();
-        out.locale = (v == QLatin1String("C") || v.isEmpty()) ? QLocale::c() : QLocale(v);
+        if (const std::optional<QLocale> locale = localeNamed(v))
+            out.locale = *locale;
+        else if (error.isEmpty())
+            error = QStringLiteral("--locale: no locale '%1' (a name such as C, en_US or sv_SE)").arg(v);
     } else if (a == QLatin1String("--settings")) {
         out.settingsFile = value();
     } else if (a == QLatin1String("--lang")) {
