@@ -4,6 +4,7 @@
 // gives doubles back exactly.
 #include "readerfixture.h"
 
+#include <QFileInfo>
 #include <QSet>
 #include <QTemporaryDir>
 
@@ -146,3 +147,111 @@ TEST_F(KelCli, DumpHoldsTheWholeDocument)
 }
 
 } // namespace
+
+namespace {
+
+// Every command that opens a document, as a script runs it.
+struct OpeningCommand {
+    const char *name;
+    const char *rest;   ///< after FILE
+    QByteArray input;   ///< for batch
+    bool writesPicture; ///< the output file is "-o OUT" at the end
+};
+
+const OpeningCommand OpeningCommands[] = {
+    {"check", "", {}, false},
+    {"dump", "", {}, false},
+    {"select", "--max-rows 3", {}, false},
+    {"indexes", "--total --items total", {}, false},
+    {"graph", "histogram --block 0", {}, false},
+    {"render", "overview", {}, true},
+    {"batch", "", "select\n", false},
+};
+
+} // namespace
+
+TEST_F(KelCli, EveryCommandExitsWithTheResultCodeOfItsDocument)
+{
+    const KelFile good = richSurvey().build();
+    auto variant = [&](auto change) {
+        KelFile f = good;
+        change(f);
+        return f.toBytes();
+    };
+    const std::pair<QByteArray, int> cases[] = {
+        {QByteArray(), 1}, // no such file
+        {variant([](KelFile &f) { f.forgery.magic1 = 0x328E4451u; }), 2},
+        {variant([](KelFile &f) { f.options.compatibleRevision = 0; }), 3},
+        {variant([](KelFile &f) { f.options.compatibleRevision = 10; }), 4},
+        {variant([](KelFile &f) { f.forgery.checksum = 1; }), 5},
+        {variant([](KelFile &f) { f.forgery.rowCount = 1000, f.forgery.columnCount = 1001; }), 6},
+    };
+    for (const auto &[bytes, code] : cases) {
+        const QString path =
+            code == 1 ? mDir.filePath(QStringLiteral("missing.kel")) : write(bytes, QStringLiteral("%1.kel").arg(code));
+        const QByteArray message = runKel(kelArgs("check", path)).out;
+        ASSERT_FALSE(message.isEmpty());
+        for (const OpeningCommand &c : OpeningCommands) {
+            SCOPED_TRACE(std::to_string(code) + " " + c.name);
+            const QString picture = mDir.filePath(QStringLiteral("p%1.png").arg(code));
+            QStringList args = kelArgs(c.name, path, c.rest);
+            if (c.writesPicture)
+                args << QStringLiteral("-o") << picture;
+            const KelRun run = runKel(args, c.input);
+            EXPECT_EQ(run.exitCode, code);
+            EXPECT_EQ(run.out, message); // the result code's message, and nothing else
+            EXPECT_FALSE(QFileInfo::exists(picture));
+        }
+    }
+}
+
+TEST_F(KelCli, RefusalsAndNonsenseHaveTheirOwnStatusInEveryCommand)
+{
+    const QString sample = QStringLiteral(KEL_SAMPLE);
+    const QString picture = mDir.filePath(QStringLiteral("refused.png"));
+    // "Department=" ticks no visible option and nobody has the hidden one:
+    // Show refuses. A document without points has no indexes.
+    SurveyBuilder noPoints = richSurvey();
+    noPoints.header().pointsScale = 0;
+    const QString unscored = write(noPoints.build().toBytes(), QStringLiteral("unscored.kel"));
+    const struct {
+        QStringList args;
+        QByteArray input;
+        int status;
+    } cases[] = {
+        {kelArgs("select", sample, "--select Department="), {}, 7},
+        {kelArgs("indexes", sample, "--select Department= --total --items total"), {}, 7},
+        {kelArgs("indexes", unscored, "--total --items total"), {}, 7},
+        {kelArgs("graph", sample, "--select Department= histogram --block 0"), {}, 7},
+        {kelArgs("render", sample, "--select Department= overview") << "-o" << picture, {}, 7},
+        {kelArgs("check", sample, "--lang de"), {}, 64},
+        {kelArgs("dump", sample, "--lang sv"), {}, 64},
+        {kelArgs("select", sample, "--bogus"), {}, 64},
+        {kelArgs("indexes", sample, "--total"), {}, 64},
+        {kelArgs("graph", sample, "--select Department=Sales"), {}, 64},
+        {kelArgs("graph", sample, "pie"), {}, 64},
+        {kelArgs("render", sample, "overview"), {}, 64},
+        {kelArgs("render", sample, "overview -o picture.tiff"), {}, 64},
+        {kelArgs("batch", sample, "--bogus"), {}, 64},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.args.join(u' ').toStdString());
+        const KelRun run = runKel(c.args, c.input);
+        EXPECT_EQ(run.exitCode, c.status);
+        EXPECT_FALSE(run.err.isEmpty());
+        EXPECT_TRUE(c.args[0] == QLatin1String("select") || run.out.isEmpty()) << run.out.toStdString();
+        EXPECT_FALSE(QFileInfo::exists(picture));
+    }
+    // In a batch each line carries the status; the batch itself is done.
+    const KelRun batch = runKel({QStringLiteral("batch"), sample},
+                                "select --select Department=\nindexes --total --items total --select Department=\n"
+                                "graph --select Department= histogram --block 0\nindexes --total\nselect --bogus\n"
+                                "frobnicate\n");
+    EXPECT_EQ(batch.exitCode, 0);
+    const QList<QByteArray> replies = batch.out.trimmed().split('\n');
+    ASSERT_EQ(replies.size(), 6);
+    const int statuses[] = {7, 7, 7, 64, 64, 64};
+    for (int i = 0; i < 6; ++i)
+        EXPECT_EQ(QJsonDocument::fromJson(replies[i]).object().value(QStringLiteral("status")).toInt(-1), statuses[i])
+            << replies[i].data();
+}

@@ -3,8 +3,6 @@
 #include "commands.h"
 #include "renderhelper.h"
 
-#include <QCoreApplication>
-
 #include <cstring>
 
 namespace {
@@ -96,12 +94,9 @@ int main(int argc, char *argv[])
     // Pictures are the helper's: this process never loads more than QtCore.
     if (argc > 1 && isHelperCommand(QString::fromLocal8Bit(argv[1])))
         return kel::cli::execRenderHelper(argv);
-    // Counting and indexes need no application object; a batch would only
-    // pay for one.
+    // No command needs an application object (a batch has always run
+    // without one); making it would cost a good part of a `kel check`.
     const bool batch = argc > 1 && std::strcmp(argv[1], "batch") == 0;
-    std::unique_ptr<QCoreApplication> app;
-    if (!batch)
-        app = std::make_unique<QCoreApplication>(argc, argv);
     QStringList args;
     for (int i = 1; i < argc; ++i)
         args << QString::fromLocal8Bit(argv[i]);
