@@ -255,3 +255,115 @@ TEST_F(KelCli, RefusalsAndNonsenseHaveTheirOwnStatusInEveryCommand)
         EXPECT_EQ(QJsonDocument::fromJson(replies[i]).object().value(QStringLiteral("status")).toInt(-1), statuses[i])
             << replies[i].data();
 }
+
+namespace {
+
+// A value a parser takes for each placeholder of the table.
+QString valueFor(const QString &option)
+{
+    static const std::pair<const char *, const char *> values[] = {
+        {"--select", "0:1"},  {"--flex", "1"},   {"--settings", "/nonexistent.ini"},
+        {"--lang", "en"},     {"--order", "1"},  {"--seed", "3"},
+        {"--max-rows", "2"},  {"--locale", "C"}, {"--category", "0"},
+        {"--items", "total"}, {"--block", "0"},  {"--question", "4"},
+        {"--split", "4"},     {"--group", "1"},  {"--lines", "1"},
+        {"--mode", "1"},
+    };
+    for (const auto &[name, value] : values)
+        if (option == QLatin1String(name))
+            return QString::fromUtf8(value);
+    return QString();
+}
+
+QStringList optionsOf(const QString &part)
+{
+    return QString::fromUtf8(runKel(QStringList{QStringLiteral("--options")} + part.split(u' ')).out)
+        .split(u'\n', Qt::SkipEmptyParts);
+}
+
+} // namespace
+
+// The table that --help, the checks and the completion come from must list
+// only options the commands' own parsers read: each is given to its command,
+// which may find fault with the value or the document, never with the option.
+TEST_F(KelCli, EveryOptionOfTheTableIsReadByItsCommand)
+{
+    const QString sample = QStringLiteral(KEL_SAMPLE);
+    const QString out = mDir.filePath(QStringLiteral("o.png"));
+    const QStringList parts =
+        QString::fromUtf8(runKel({QStringLiteral("--options")}).out).split(u'\n', Qt::SkipEmptyParts);
+    ASSERT_EQ(parts.size(), 14);
+    int tried = 0;
+    for (const QString &part : parts) {
+        const QString command = part.section(u' ', 0, 0), keyword = part.section(u' ', 1);
+        for (const QString &option : optionsOf(part)) {
+            SCOPED_TRACE((part + QLatin1Char(' ') + option).toStdString());
+            QStringList given{option};
+            if (const QString value = valueFor(option); !value.isEmpty())
+                given << value;
+            QStringList args{command, sample};
+            if (command == QLatin1String("graph") && keyword.isEmpty())
+                args << given << QStringLiteral("histogram") << QStringLiteral("--block") << QStringLiteral("0");
+            else if (command == QLatin1String("graph"))
+                args << keyword << given;
+            else if (part == QLatin1String("render graph"))
+                args << QStringLiteral("graph") << given << QStringLiteral("fraction") << QStringLiteral("--block")
+                     << QStringLiteral("0") << QStringLiteral("-o") << out;
+            else if (part == QLatin1String("render overview"))
+                args << QStringLiteral("overview") << given << QStringLiteral("-o") << out;
+            else
+                args << given;
+            const KelRun run = runKel(args);
+            EXPECT_FALSE(run.err.contains("unexpected argument") || run.err.contains("unknown option")
+                         || run.err.contains("is not an option"))
+                << run.err.toStdString();
+            ++tried;
+        }
+    }
+    EXPECT_GT(tried, 60);
+}
+
+TEST_F(KelCli, OptionsACommandWouldIgnoreAreRefused)
+{
+    const QString sample = QStringLiteral(KEL_SAMPLE);
+    const char *const lines[] = {
+        "indexes --order 1 --total --items total",
+        "indexes --seed 3 --total --items total",
+        "indexes --max-rows 2 --total --items total",
+        "select --locale sv_SE",
+        "select --reversed",
+        "graph --order 1 histogram --block 0",
+        "graph --max-rows 1 histogram --block 0",
+        "graph histogram --block 0 --unsorted",
+        "graph histogram --block 0 --select 0:1", // selection options come before KIND
+        "graph ranking --block 0 --split 1",
+        "graph total-index --block 0",
+        "graph block-index --block 0 --blocks",
+        "render overview --reversed -o x.png",
+        "render graph --mode 1 fraction --block 0 -o x.png",
+        "render graph fraction --block 0 --headers-only -o x.png",
+    };
+    QByteArray batchInput;
+    for (const char *line : lines) {
+        SCOPED_TRACE(line);
+        QStringList args = words(line);
+        args.insert(1, sample);
+        const KelRun run = runKel(args);
+        EXPECT_EQ(run.exitCode, 64);
+        EXPECT_TRUE(run.err.contains("is not an option of")) << run.err.toStdString();
+        batchInput += QByteArray(line) + '\n';
+    }
+    // The same lines in a batch, each refused by itself.
+    const KelRun batch = runKel({QStringLiteral("batch"), sample}, batchInput);
+    const QList<QByteArray> replies = batch.out.trimmed().split('\n');
+    ASSERT_EQ(replies.size(), qsizetype(std::size(lines)));
+    for (const QByteArray &reply : replies)
+        EXPECT_TRUE(reply.contains("\"status\":64") && reply.contains("is not an option of")) << reply.data();
+    // The commands that read their own arguments refuse them too.
+    for (const char *line : {"check --select 0:1", "dump --lang sv", "batch --select 0:1"}) {
+        SCOPED_TRACE(line);
+        QStringList args = words(line);
+        args.insert(1, sample);
+        EXPECT_EQ(runKel(args).exitCode, 64);
+    }
+}

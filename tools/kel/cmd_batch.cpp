@@ -6,6 +6,7 @@
 #include "batchline.h"
 #include "commands.h"
 #include "json.h"
+#include "options.h"
 
 #include <QTextStream>
 
@@ -32,6 +33,8 @@ std::string runLine(const Document &doc, const QString &line, DocumentCommand (*
     if (!splitError.isEmpty())
         return batchAnswer(line, UsageError, QString(), QStringLiteral("kel batch: %1\n").arg(splitError));
     const QString name = words.takeFirst();
+    if (const QString error = checkOptions(name, words); !error.isEmpty())
+        return batchAnswer(line, UsageError, QString(), QStringLiteral("kel %1: %2\n").arg(name, error));
     if (foreign) {
         if (std::optional<std::string> answer = foreign(name, line))
             return *answer;

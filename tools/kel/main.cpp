@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // kel: reads, checks and exports KEL documents from a shell.
 #include "commands.h"
+#include "options.h"
 #include "renderhelper.h"
 
 #include <cstring>
@@ -11,66 +12,79 @@ namespace {
 struct FileCommand {
     const char *name;
     int (*run)(const QStringList &args);
-    const char *synopsis;
 };
 
 const FileCommand FileCommands[] = {
-    {"check", kel::cli::runCheck, "check FILE [--lang en|sv]"},
-    {"dump", kel::cli::runDump, "dump FILE"},
-    {"batch", nullptr, "batch FILE [--lang en|sv] < COMMANDS"}, // run by main itself
+    {"check", kel::cli::runCheck}, {"dump", kel::cli::runDump}, {"batch", nullptr}, // run by main itself
 };
 
 /// Commands that work on a document read once (so `kel batch` can run them).
 struct Command {
     const char *name;
     kel::cli::DocumentCommand run;
-    const char *synopsis;
 };
 
 const Command Commands[] = {
-    {"select", kel::cli::selectCommand,
-     "select FILE [--select SPEC] [--flex OPTS] [--flex-current] [--order 0|1|2] [--seed N] [--max-rows N]"},
-    {"indexes", kel::cli::indexesCommand,
-     "indexes FILE [--select SPEC] [--flex OPTS] [--flex-current] [--total] [--category Q]... [--counts] "
-     "[--items total,blocks,subblocks,questions,userblocks] [--full-text] [--columns] [--settings FILE]"},
-    {"graph", kel::cli::graphCommand,
-     "graph FILE [--select SPEC] [--flex OPTS] [--flex-current] [--reversed] [--short-names] [--locale NAME] "
-     "KIND [KIND OPTIONS]"},
+    {"select", kel::cli::selectCommand},
+    {"indexes", kel::cli::indexesCommand},
+    {"graph", kel::cli::graphCommand},
 };
 
 /// Commands that the rendering helper runs: `kel` becomes the helper for
 /// them, and `kel batch` hands their lines to it. A new drawing command is
 /// one line here and one in the helper's table (tools/kel-render/main.cpp).
-struct HelperCommand {
-    const char *name;
-    const char *synopsis;
-};
-
-const HelperCommand HelperCommands[] = {
-    {"render",
-     "render FILE [selection options] overview [--mode 1|2|3] [--headers-only] | graph KIND [graph options] "
-     "-o OUT.emf|wmf|png|bmp|jpg|gif|svg|pdf"},
-};
+const char *const HelperCommands[] = {"render"};
 
 bool isHelperCommand(const QString &name)
 {
-    for (const HelperCommand &c : HelperCommands)
-        if (name == QLatin1String(c.name))
+    for (const char *c : HelperCommands)
+        if (name == QLatin1String(c))
             return true;
     return false;
 }
 
+// Written from the table of options, so that it lists exactly what each
+// command takes.
 QString usageText()
 {
     QString text = QStringLiteral("usage:\n");
-    for (const FileCommand &c : FileCommands)
-        text += QStringLiteral("  kel %1\n").arg(QLatin1String(c.synopsis));
-    for (const Command &c : Commands)
-        text += QStringLiteral("  kel %1\n").arg(QLatin1String(c.synopsis));
-    for (const HelperCommand &c : HelperCommands)
-        text += QStringLiteral("  kel %1\n").arg(QLatin1String(c.synopsis));
-    text += QStringLiteral("  kel --help | --version\n");
+    for (const kel::cli::CommandPart &p : kel::cli::commandParts()) {
+        const QString part = QLatin1String(p.part);
+        const QString command = part.section(QLatin1Char(' '), 0, 0), keyword = part.section(QLatin1Char(' '), 1);
+        QStringList words;
+        if (command == QLatin1String("graph") && !keyword.isEmpty()) {
+            words << QStringLiteral("    KIND") << keyword;
+        } else {
+            words << QStringLiteral("  kel") << command << QLatin1String(p.lead);
+            if (!keyword.isEmpty())
+                words << keyword;
+        }
+        words << kel::cli::optionsSynopsis(p) << QLatin1String(p.trail);
+        words.removeAll(QString());
+        text += words.join(QLatin1Char(' ')) + QLatin1Char('\n');
+    }
+    text += QStringLiteral("  kel --help | --version | --options [PART]\n"
+                           "SPEC: CATEGORY=OPTION,...;... by names or numbers; OUT: .emf .wmf .png .bmp .jpg .gif "
+                           ".svg .pdf\n");
     return text;
+}
+
+// For completion scripts: the parts of command lines, or one part's options.
+int printOptions(const QStringList &args)
+{
+    if (args.isEmpty()) {
+        for (const kel::cli::CommandPart &p : kel::cli::commandParts())
+            kel::cli::printOut(QLatin1String(p.part) + QLatin1Char('\n'));
+        return 0;
+    }
+    const kel::cli::CommandPart *part = kel::cli::findPart(args.join(QLatin1Char(' ')));
+    if (!part) {
+        kel::cli::printErr(QStringLiteral("kel --options: no part '%1'\n").arg(args.join(QLatin1Char(' '))));
+        return kel::cli::UsageError;
+    }
+    for (const kel::cli::OptionSpec &o : part->options)
+        kel::cli::printOut(QLatin1String(o.name) + QLatin1Char('\n'));
+    return 0;
 }
 
 int usage()
@@ -117,6 +131,8 @@ int main(int argc, char *argv[])
         kel::cli::printOut(usageText());
         return 0;
     }
+    if (name == QLatin1String("--options"))
+        return printOptions(args);
     if (name == QLatin1String("--version")) {
         kel::cli::printOut(QStringLiteral("kel (KEL Viewer) %1\n").arg(QLatin1String(KEL_VERSION)));
         return 0;
@@ -126,8 +142,7 @@ int main(int argc, char *argv[])
             return c.run(args);
     for (const Command &c : Commands) {
         if (name == QLatin1String(c.name)) {
-            const QByteArray usage = QByteArrayLiteral("usage: kel ") + c.synopsis + '\n';
-            return kel::cli::runOnFile(c.name, usage.constData(), c.run, args);
+            return kel::cli::runOnFile(c.name, usageText().toUtf8().constData(), c.run, args);
         }
     }
     kel::cli::printErr(QStringLiteral("kel: unknown command '%1'\n").arg(name));
