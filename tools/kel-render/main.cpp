@@ -4,6 +4,7 @@
 //   kel-render COMMAND FILE ARGS...   one command, as `kel COMMAND` takes it
 //   kel-render batch FILE [--lang en|sv]   lines of `kel batch` for its commands
 #include "commands.h"
+#include "options.h"
 
 #include <QApplication>
 
@@ -14,11 +15,10 @@ namespace {
 struct Command {
     const char *name;
     kel::cli::DocumentCommand run;
-    const char *usage;
 };
 
 const Command Commands[] = {
-    {"render", kel::cli::renderCommand, "usage: kel render FILE [selection options] overview|graph ... -o OUT\n"},
+    {"render", kel::cli::renderCommand},
 };
 
 kel::cli::DocumentCommand findCommand(const QString &name)
@@ -47,7 +47,8 @@ int main(int argc, char *argv[])
         return kel::cli::runBatch(args, findCommand);
     for (const Command &c : Commands)
         if (name == QLatin1String(c.name))
-            return kel::cli::runOnFile(c.name, c.usage, c.run, args);
+            return kel::cli::runOnFile(c.name, kel::cli::usageOf(QLatin1String(c.name)).toUtf8().constData(), c.run,
+                                       args);
     kel::cli::printErr(
         QStringLiteral("kel-render: '%1' is not a drawing command; run kel, which runs this program\n").arg(name));
     return kel::cli::UsageError;

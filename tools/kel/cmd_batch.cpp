@@ -21,10 +21,6 @@ namespace kel::cli {
 
 namespace {
 
-const char BatchUsage[] = "usage: kel batch FILE [--lang en|sv] < COMMANDS\n"
-                          "  each line: a document command (select, indexes, ...) and its arguments without FILE,\n"
-                          "  quoted as in a shell\n";
-
 std::string runLine(const Document &doc, const QString &line, DocumentCommand (*find)(const QString &),
                     const ForeignLine &foreign)
 {
@@ -45,7 +41,7 @@ std::string runLine(const Document &doc, const QString &line, DocumentCommand (*
     if (!command) {
         status = UsageError;
         error = QStringLiteral("kel batch: '%1' is not a command that works on a document\n").arg(name)
-            + QLatin1String(BatchUsage);
+            + usageOf(QStringLiteral("batch"));
         return batchAnswer(line, status, QString(), error);
     }
     // Every command gets the document as read: the commands that change
@@ -82,12 +78,13 @@ int runBatch(const QStringList &args, DocumentCommand (*find)(const QString &), 
         } else if (file.isEmpty() && !args[i].startsWith(QLatin1String("--"))) {
             file = args[i];
         } else {
-            printErr(QStringLiteral("kel batch: unexpected argument '%1'\n").arg(args[i]) + QLatin1String(BatchUsage));
+            printErr(QStringLiteral("kel batch: unexpected argument '%1'\n").arg(args[i])
+                     + usageOf(QStringLiteral("batch")));
             return UsageError;
         }
     }
     if (file.isEmpty()) {
-        printErr(QStringLiteral("kel batch: no file given\n") + QLatin1String(BatchUsage));
+        printErr(QStringLiteral("kel batch: no file given\n") + usageOf(QStringLiteral("batch")));
         return UsageError;
     }
     const OpenedDocument opened = openForCommand(file, isSwedish);

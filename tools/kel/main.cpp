@@ -48,21 +48,8 @@ bool isHelperCommand(const QString &name)
 QString usageText()
 {
     QString text = QStringLiteral("usage:\n");
-    for (const kel::cli::CommandPart &p : kel::cli::commandParts()) {
-        const QString part = QLatin1String(p.part);
-        const QString command = part.section(QLatin1Char(' '), 0, 0), keyword = part.section(QLatin1Char(' '), 1);
-        QStringList words;
-        if (command == QLatin1String("graph") && !keyword.isEmpty()) {
-            words << QStringLiteral("    KIND") << keyword;
-        } else {
-            words << QStringLiteral("  kel") << command << QLatin1String(p.lead);
-            if (!keyword.isEmpty())
-                words << keyword;
-        }
-        words << kel::cli::optionsSynopsis(p) << QLatin1String(p.trail);
-        words.removeAll(QString());
-        text += words.join(QLatin1Char(' ')) + QLatin1Char('\n');
-    }
+    for (const kel::cli::CommandPart &p : kel::cli::commandParts())
+        text += kel::cli::usageLine(p);
     text += QStringLiteral("  kel --help | --version | --options [PART]\n"
                            "SPEC: CATEGORY=OPTION,...;... by names or numbers; OUT: .emf .wmf .png .bmp .jpg .gif "
                            ".svg .pdf\n");
@@ -142,7 +129,8 @@ int main(int argc, char *argv[])
             return c.run(args);
     for (const Command &c : Commands) {
         if (name == QLatin1String(c.name)) {
-            return kel::cli::runOnFile(c.name, usageText().toUtf8().constData(), c.run, args);
+            return kel::cli::runOnFile(c.name, kel::cli::usageOf(QLatin1String(c.name)).toUtf8().constData(), c.run,
+                                       args);
         }
     }
     kel::cli::printErr(QStringLiteral("kel: unknown command '%1'\n").arg(name));

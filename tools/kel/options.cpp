@@ -98,6 +98,32 @@ QString optionsSynopsis(const CommandPart &part)
     return words.join(QLatin1Char(' '));
 }
 
+QString usageLine(const CommandPart &p)
+{
+    const QString part = QLatin1String(p.part);
+    const QString command = part.section(QLatin1Char(' '), 0, 0), keyword = part.section(QLatin1Char(' '), 1);
+    QStringList words;
+    if (command == QLatin1String("graph") && !keyword.isEmpty()) {
+        words << QStringLiteral("    KIND") << keyword;
+    } else {
+        words << QStringLiteral("  kel") << command << QLatin1String(p.lead);
+        if (!keyword.isEmpty())
+            words << keyword;
+    }
+    words << optionsSynopsis(p) << QLatin1String(p.trail);
+    words.removeAll(QString());
+    return words.join(QLatin1Char(' ')) + QLatin1Char('\n');
+}
+
+QString usageOf(const QString &command)
+{
+    QString text = QStringLiteral("usage:\n");
+    for (const CommandPart &p : commandParts())
+        if (QString::fromLatin1(p.part).section(QLatin1Char(' '), 0, 0) == command)
+            text += usageLine(p);
+    return text;
+}
+
 QString checkOptions(const QString &command, const QStringList &args)
 {
     // The parts in force: render starts as both of its forms until its

@@ -32,6 +32,11 @@ const CommandPart *findPart(const QString &part);
 /// "[--select SPEC] [--flex-current] ..." of a part.
 QString optionsSynopsis(const CommandPart &part);
 
+/// The usage line of one part, as `kel --help` prints it.
+QString usageLine(const CommandPart &part);
+/// "usage:" and the lines of every part of `command`, for its usage errors.
+QString usageOf(const QString &command);
+
 /// Checks the options of `command`'s arguments (FILE taken off) against the
 /// table, following its keywords (graph KIND, render overview|graph). An
 /// empty string when every option is one the command uses; otherwise the
