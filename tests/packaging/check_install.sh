@@ -135,16 +135,17 @@ for page in "$kel_page" "$viewer_page"; do
     [ -z "$warnings" ] || fail "$(basename "$page") has troff warnings: $warnings"
 done
 
-# --- bash completion offers every command the tool accepts
+# --- bash completion offers every command the tool accepts (it asks the
+# installed kel, as it is the one on the command line)
 completion=$share/bash-completion/completions/kel
 bash -n "$completion" || fail "the bash completion does not parse"
 if [ -f /usr/share/bash-completion/bash_completion ]; then
     offered=$(bash -c '
         source /usr/share/bash-completion/bash_completion
         source "$1"
-        COMP_WORDS=(kel ""); COMP_CWORD=1; COMP_LINE="kel "; COMP_POINT=${#COMP_LINE}
+        COMP_WORDS=("$2" ""); COMP_CWORD=1; COMP_LINE="$2 "; COMP_POINT=${#COMP_LINE}
         _kel kel "" kel
-        printf "%s\n" "${COMPREPLY[@]}"' _ "$completion")
+        printf "%s\n" "${COMPREPLY[@]}"' _ "$completion" "$prefix/bin/kel")
     for c in $commands; do
         grep -qx "$c" <<<"$offered" || fail "bash completion does not offer '$c'"
     done

@@ -30,17 +30,13 @@ const Command Commands[] = {
     {"graph", kel::cli::graphCommand},
 };
 
-/// Commands that the rendering helper runs: `kel` becomes the helper for
-/// them, and `kel batch` hands their lines to it. A new drawing command is
-/// one line here and one in the helper's table (tools/kel-render/main.cpp).
-const char *const HelperCommands[] = {"render"};
-
+// Commands that draw are the rendering helper's: `kel` becomes the helper
+// for them, and `kel batch` hands their lines to it. They are marked in the
+// table of options (tools/kel/options.cpp) and run by the helper's table
+// (tools/kel-render/main.cpp).
 bool isHelperCommand(const QString &name)
 {
-    for (const char *c : HelperCommands)
-        if (name == QLatin1String(c))
-            return true;
-    return false;
+    return kel::cli::isDrawingCommand(name);
 }
 
 // Written from the table of options, so that it lists exactly what each

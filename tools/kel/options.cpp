@@ -75,8 +75,8 @@ const std::vector<CommandPart> &commandParts()
         {"graph total-index", "", "", join({{{"--blocks", nullptr}}, IndexGraphLook})},
         {"graph block-index", "", "", join({{{"--block", "B"}}, IndexGraphLook})},
         {"render overview", "FILE", "-o OUT",
-         join({Selection, Locale, RowOrder, {{"--mode", "1|2|3"}, {"--headers-only", nullptr}}})},
-        {"render graph", "FILE", "KIND [KIND OPTIONS] -o OUT", join({Selection, Locale, GraphLook})},
+         join({Selection, Locale, RowOrder, {{"--mode", "1|2|3"}, {"--headers-only", nullptr}}}), true},
+        {"render graph", "FILE", "KIND [KIND OPTIONS] -o OUT", join({Selection, Locale, GraphLook}), true},
     };
     return parts;
 }
@@ -87,6 +87,14 @@ const CommandPart *findPart(const QString &part)
         if (part == QLatin1String(p.part))
             return &p;
     return nullptr;
+}
+
+bool isDrawingCommand(const QString &command)
+{
+    for (const CommandPart &p : commandParts())
+        if (p.drawn && QString::fromLatin1(p.part).section(QLatin1Char(' '), 0, 0) == command)
+            return true;
+    return false;
 }
 
 QString optionsSynopsis(const CommandPart &part)

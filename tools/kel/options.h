@@ -24,10 +24,14 @@ struct CommandPart {
     const char *lead;  ///< what comes before the options in the usage
     const char *trail; ///< what comes after them
     std::vector<OptionSpec> options;
+    /// Drawn by the rendering helper: `kel` hands the command over to it.
+    bool drawn = false;
 };
 
 const std::vector<CommandPart> &commandParts();
 const CommandPart *findPart(const QString &part);
+/// True for a command that the rendering helper runs (render).
+bool isDrawingCommand(const QString &command);
 
 /// "[--select SPEC] [--flex-current] ..." of a part.
 QString optionsSynopsis(const CommandPart &part);
