@@ -22,41 +22,9 @@ bool parseNumber(const QString &text, qint32 &value)
     return ok;
 }
 
-// What was not found, and what there is, so that a script's author can
-// correct the line without opening the document.
 QString specErrorText(const Document &doc, const char *option, const SpecError &e)
 {
-    QString where;
-    if (e.category >= 0) {
-        const Question &q = doc.questions[std::size_t(doc.categories[std::size_t(e.category)])];
-        where = QStringLiteral("category %1 (%2)").arg(e.category).arg(q.selectionLabel);
-    } else {
-        where = QStringLiteral("the flex category");
-    }
-    QString text;
-    switch (e.problem) {
-    case SpecProblem::None: return QString();
-    case SpecProblem::Syntax:
-        return QStringLiteral("%1: '%2' is not CATEGORY=OPTION,... (a backslash escapes the next character)")
-            .arg(QLatin1String(option), e.word);
-    case SpecProblem::UnknownCategory: text = QStringLiteral("no category '%1'").arg(e.word); break;
-    case SpecProblem::AmbiguousCategory:
-        text = QStringLiteral("several categories are called '%1'; use the number").arg(e.word);
-        break;
-    case SpecProblem::UnknownOption: text = QStringLiteral("%1 has no option '%2'").arg(where, e.word); break;
-    case SpecProblem::AmbiguousOption:
-        text = QStringLiteral("%1 has several options called '%2'; use the number").arg(where, e.word);
-        break;
-    case SpecProblem::HiddenOption:
-        text = QStringLiteral("option %1 of %2 is the hidden no-answer alternative, which is always counted")
-                   .arg(e.word, where);
-        break;
-    }
-    const bool aboutCategories =
-        e.problem == SpecProblem::UnknownCategory || e.problem == SpecProblem::AmbiguousCategory;
-    const QString kind = aboutCategories ? QStringLiteral("the categories are") : QStringLiteral("its options are");
-    return QStringLiteral("%1: %2; %3: %4")
-        .arg(QLatin1String(option), text, kind, e.choices.join(QStringLiteral(", ")));
+    return QStringLiteral("%1: %2").arg(QLatin1String(option), describeSpecError(doc, e));
 }
 
 // Each named category keeps exactly the listed options.

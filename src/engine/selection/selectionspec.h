@@ -65,6 +65,11 @@ ParsedSelectionSpec parseSelectionSpec(const Document &doc, const QString &spec)
 /// of `question`; the part of parseSelectionSpec that reads one list.
 ParsedSelectionSpec parseOptionList(const Document &doc, qint32 question, const QString &list);
 
+/// `error` in words: what was not found and what exists, so that whoever
+/// wrote the selection can correct it without opening the document. Empty
+/// when there is no error.
+QString describeSpecError(const Document &doc, const SpecError &error);
+
 /// "NUMBER NAME" of every visible option of `question`, and of every
 /// category: what an error lists.
 QStringList optionChoices(const Document &doc, qint32 question);
