@@ -37,7 +37,7 @@ TEST(HostileComments, FiveMillionCharactersWithoutASpaceShowShortenedInEveryWind
         const char *window;
         CommentsDocument comments;
     } windows[] = {
-        {"View > Comments", allComments(doc)},
+        {"View > Comments", allComments(doc, {0, 1, 2})},
         {"the row's comments", rowComments(doc, 1, {0})},
         {"the column's comments", columnComments(doc, 0, {0, 1, 2})},
     };
