@@ -65,7 +65,10 @@ shown = json.loads(subprocess.run([kel, "select", document], capture_output=True
 question = dump["overviewColumns"][1]
 q = dump["questions"][question]
 row = shown["rows"][1]
-answer = dump["answers"][row][question]
+# The dump's answers hold the overview's questions only, in answerColumns'
+# order, one list per row of everyone in document order.
+column = dump["answerColumns"].index(question)
+answer = dump["answers"][row][column]
 expected_answer = dump["alternatives"][q["firstAlternative"] + answer]["text"]
 expected_column = (q["code"] + " " + q["heading"]).strip()
 
@@ -114,7 +117,7 @@ try:
     # Under its heading line, one count per answer alternative ("No answer"
     # aside) over everyone shown, highest alternative first (the order
     # unless the options reverse it).
-    counts = [str(sum(1 for r in shown["rows"] if dump["answers"][r][question] == i))
+    counts = [str(sum(1 for r in shown["rows"] if dump["answers"][r][column] == i))
               for i in range(1, q["alternativeCount"])]
     lines = values.splitlines()
     counts.reverse()
