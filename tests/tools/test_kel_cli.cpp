@@ -281,8 +281,15 @@ TEST_F(KelCli, EveryCommandExitsWithTheResultCodeOfItsDocument)
             if (c.writes)
                 args << QStringLiteral("-o") << picture;
             const KelRun run = runKel(args, c.input);
-            EXPECT_EQ(run.exitCode, code);
-            EXPECT_EQ(run.out, message); // the result code's message, and nothing else
+            // Without the drawing helper (a build without the drawing layer)
+            // the commands that write a file say it is missing, whatever the
+            // document.
+            if (c.writes && !KEL_CAN_RENDER) {
+                EXPECT_EQ(run.exitCode, 69);
+            } else {
+                EXPECT_EQ(run.exitCode, code);
+                EXPECT_EQ(run.out, message); // the result code's message, and nothing else
+            }
             EXPECT_FALSE(QFileInfo::exists(picture));
         }
     }
@@ -325,7 +332,10 @@ TEST_F(KelCli, RefusalsAndNonsenseHaveTheirOwnStatusInEveryCommand)
     for (const auto &c : cases) {
         SCOPED_TRACE(c.args.join(u' ').toStdString());
         const KelRun run = runKel(c.args, c.input);
-        EXPECT_EQ(run.exitCode, c.status);
+        // These command lines pass the option check kel makes itself; the
+        // rest is the helper's, and without it they say it is missing.
+        const bool drawn = c.args[0] == QLatin1String("render") || c.args[0] == QLatin1String("report");
+        EXPECT_EQ(run.exitCode, drawn && !KEL_CAN_RENDER ? 69 : c.status);
         EXPECT_FALSE(run.err.isEmpty());
         EXPECT_TRUE(c.args[0] == QLatin1String("select") || run.out.isEmpty()) << run.out.toStdString();
         EXPECT_FALSE(QFileInfo::exists(picture));

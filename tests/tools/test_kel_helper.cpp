@@ -156,6 +156,29 @@ TEST(KelLoads, WithoutTheHelperPicturesFailWithTheirOwnStatusAndTheRestWorks)
     EXPECT_EQ(p.exitCode(), 69);
     EXPECT_TRUE(p.readAllStandardError().contains("kel-render, which is not installed"));
     EXPECT_FALSE(QFileInfo::exists(html));
+    // What needs no drawing is judged by kel itself: an option the command
+    // would ignore, no file, an output that is the document.
+    const QString doc = dir.filePath(QStringLiteral("survey.kel"));
+    ASSERT_TRUE(QFile::copy(Sample, doc));
+    const struct {
+        QStringList args;
+        const char *says;
+    } unusable[] = {
+        {kelArgs("report", Sample, "--order 1 --sections title") << "-o" << html, "is not an option of report"},
+        {kelArgs("render", Sample, "overview --reversed") << "-o" << png, "is not an option of render overview"},
+        {{QStringLiteral("report")}, "no file given"},
+        {kelArgs("render", doc, "overview") << "-o" << doc, "is the document being read"},
+        {kelArgs("report", doc, "--sections title") << "-o" << doc, "is the document being read"},
+    };
+    for (const auto &u : unusable) {
+        SCOPED_TRACE(u.args.join(u' ').toStdString());
+        p.start(lonely, u.args);
+        p.waitForFinished(60000);
+        EXPECT_EQ(p.exitCode(), 64);
+        EXPECT_TRUE(p.readAllStandardError().contains(u.says));
+    }
+    EXPECT_FALSE(QFileInfo::exists(html));
+    EXPECT_FALSE(QFileInfo::exists(png));
 
     p.start(lonely, {QStringLiteral("batch"), Sample});
     p.write("indexes --total --items total\nrender overview -o " + png.toUtf8() + "\nrender overview -o " + png.toUtf8()

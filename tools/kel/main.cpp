@@ -90,17 +90,26 @@ int main(int argc, char *argv[])
 {
     // Pictures are the helper's: this process never loads more than QtCore.
     if (argc > 1 && isHelperCommand(QString::fromLocal8Bit(argv[1]))) {
-        // The document is kept from being overwritten before the helper is
-        // looked for, so that the refusal does not depend on its being there.
-        if (argc > 2) {
-            QStringList rest;
-            for (int i = 3; i < argc; ++i)
-                rest << QString::fromLocal8Bit(argv[i]);
-            const QString refusal = kel::cli::outputOverwritesDocument(QString::fromLocal8Bit(argv[2]), rest);
-            if (!refusal.isEmpty()) {
-                kel::cli::printErr(QStringLiteral("kel %1: ").arg(QString::fromLocal8Bit(argv[1])) + refusal);
-                return kel::cli::UsageError;
-            }
+        // What can be judged without drawing is judged here, before the
+        // helper is looked for: a command line that makes no sense, or an
+        // output that is the document itself, is refused whether or not the
+        // helper is installed.
+        const QString name = QString::fromLocal8Bit(argv[1]);
+        QStringList rest;
+        for (int i = 3; i < argc; ++i)
+            rest << QString::fromLocal8Bit(argv[i]);
+        const QString file = argc > 2 ? QString::fromLocal8Bit(argv[2]) : QString();
+        if (file.isEmpty() || file.startsWith(QLatin1String("--"))) {
+            kel::cli::printErr(QStringLiteral("kel %1: no file given\n").arg(name) + kel::cli::usageOf(name));
+            return kel::cli::UsageError;
+        }
+        if (const QString error = kel::cli::checkOptions(name, rest); !error.isEmpty()) {
+            kel::cli::printErr(QStringLiteral("kel %1: %2\n").arg(name, error) + kel::cli::usageOf(name));
+            return kel::cli::UsageError;
+        }
+        if (const QString refusal = kel::cli::outputOverwritesDocument(file, rest); !refusal.isEmpty()) {
+            kel::cli::printErr(QStringLiteral("kel %1: ").arg(name) + refusal);
+            return kel::cli::UsageError;
         }
         return kel::cli::execRenderHelper(argv);
     }
