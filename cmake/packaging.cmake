@@ -5,6 +5,8 @@
 install(TARGETS kel RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 if(KEL_BUILD_GUI)
     install(TARGETS kelviewer RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+    # `kel` runs it for pictures and finds it from its own folder.
+    install(TARGETS kel-render RUNTIME DESTINATION ${CMAKE_INSTALL_LIBEXECDIR}/kelviewer)
 endif()
 
 set(CPACK_GENERATOR DEB)

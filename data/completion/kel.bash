@@ -1,13 +1,17 @@
-# bash completion for kel, the command-line tool of KEL Viewer.
+# bash completion for kel, the command-line tool of KEL Viewer. The options
+# of each command come from kel itself (`kel --options PART`), so that they
+# are always the ones the installed kel takes.
 
 _kel()
 {
     local cur prev words cword
     _init_completion || return
 
-    local commands="check dump select indexes graph render report batch"
+    local kel=${words[0]}
     if [[ $cword -eq 1 ]]; then
-        COMPREPLY=($(compgen -W "$commands --help --version" -- "$cur"))
+        local commands
+        commands=$("$kel" --options 2>/dev/null | cut -d' ' -f1 | sort -u)
+        COMPREPLY=($(compgen -W "$commands --help --version --options" -- "$cur"))
         return
     fi
 
@@ -29,6 +33,10 @@ _kel()
             ;;
         --mode)
             COMPREPLY=($(compgen -W "1 2 3" -- "$cur"))
+            return
+            ;;
+        --settings)
+            _filedir ini
             return
             ;;
         --items)
@@ -65,30 +73,46 @@ _kel()
             fi
             return
             ;;
-        --by | --blocks | --date)
+        --by | --date)
             return
+            ;;
+        --blocks) # a list in report, a switch in graph total-index
+            [[ $command == report ]] && return
             ;;
         --select | --flex | --seed | --max-rows | --category | --locale | --block | --question | --split | --group | --lines)
             return
             ;;
     esac
 
-    local selection="--select --flex --flex-current --order --seed --locale --lang"
-    local graph_kinds="histogram fraction ranking distribution total-index block-index"
+    # Which part of the command line the cursor is in: graph KIND, render
+    # overview, render graph (KIND), or the command itself.
+    local parts part=$command keywords="" word kind=""
+    parts=$("$kel" --options 2>/dev/null)
+    local kinds
+    kinds=$(sed -n 's/^graph //p' <<<"$parts")
+    if [[ $command == render ]]; then
+        part=""
+        keywords="overview graph"
+    elif [[ $command == graph ]]; then
+        keywords=$kinds
+    fi
+    for word in "${words[@]:3:cword-3}"; do
+        if [[ $command == render && -z $part && ($word == overview || $word == graph) ]]; then
+            part="render $word"
+            [[ $word == graph ]] && keywords=$kinds || keywords=""
+        elif [[ $part == "render graph" || $command == graph ]] && [[ -z $kind ]] && grep -qx "graph $word" <<<"$parts"; then
+            kind=$word
+            part="graph $word"
+            keywords=""
+        fi
+    done
     local options
-    case $command in
-        check) options="--lang" ;;
-        dump) options="" ;;
-        select) options="$selection --max-rows" ;;
-        indexes) options="$selection --total --category --counts --items --full-text --columns" ;;
-        graph) options="$selection --reversed --short-names $graph_kinds --block --question --split --unsorted
-                        --category --pie --group --percent --3d --horizontal --vertical-labels --main --blocks
-                        --questions --empty-splits --lines --explain --no-vertical-labels --no-data-labels" ;;
-        render) options="$selection overview graph --mode --headers-only -o $graph_kinds --block --question --split" ;;
-        report) options="$selection --settings --recipe --by --within --sections --blocks --split --date -o" ;;
-        batch) options="" ;;
-        *) return ;;
-    esac
-    COMPREPLY=($(compgen -W "$options" -- "$cur"))
+    if [[ -n $part ]]; then
+        options=$("$kel" --options $part 2>/dev/null)
+    else # render before its keyword takes the options of both forms
+        options=$({ "$kel" --options render overview; "$kel" --options render graph; } 2>/dev/null | sort -u)
+    fi
+    [[ $command == render || $command == report ]] && options+=" -o"
+    COMPREPLY=($(compgen -W "$options $keywords" -- "$cur"))
 } &&
     complete -F _kel kel

@@ -65,8 +65,8 @@ shown = json.loads(subprocess.run([kel, "select", document], capture_output=True
 question = dump["overviewColumns"][1]
 q = dump["questions"][question]
 row = shown["rows"][1]
-# `kel dump` gives the answers of the overview's questions only, one column
-# per entry of answerColumns.
+# The dump's answers hold the overview's questions only, in answerColumns'
+# order, one list per row of everyone in document order.
 column = dump["answerColumns"].index(question)
 answer = dump["answers"][row][column]
 expected_answer = dump["alternatives"][q["firstAlternative"] + answer]["text"]

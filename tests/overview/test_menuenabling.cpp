@@ -164,7 +164,8 @@ TEST(MenuEnabling, EveryCommandFollowsTheRowsPermissionExactlyWhereItShowsAnswer
         {C::HelpTopics, true, true, true},
         {C::About, true, true, true},
         {C::MouseWheelDirection, true, true, true},
-        {C::CreateReport, true, true, true}, // a report asks each unit's own permissions
+        // Each unit of a report passes Show's gates by itself.
+        {C::CreateReport, true, true, true},
     };
     ASSERT_EQ(std::size(table), std::size_t(MenuCommandCount));
     const MenuEnabling withRows = menuEnablingFor(shown), withoutRows = menuEnablingFor(hidden);

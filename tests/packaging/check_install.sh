@@ -24,7 +24,7 @@ app_id=se.brennvik.kelviewer
 
 # --- the files, in the places the desktop looks for them
 expected=(
-    bin/kelviewer bin/kel
+    bin/kelviewer bin/kel libexec/kelviewer/kel-render
     share/applications/$app_id.desktop
     share/metainfo/$app_id.metainfo.xml
     share/mime/packages/kelviewer.xml
@@ -107,6 +107,13 @@ out=$("$prefix/bin/kel" --version 2>&1) || fail "kel --version failed"
 grep -q " $version\$" <<<"$out" || fail "kel --version printed '$out'"
 out=$("$prefix/bin/kel" check "$sample" 2>&1) || fail "kel check on the installed sample failed: $out"
 [ "$out" = OK ] || fail "kel check printed '$out'"
+# The installed kel finds its drawing helper in libexec, from any prefix.
+"$prefix/bin/kel" render "$sample" overview -o "$tmp/overview.png" >"$tmp/render.log" 2>&1 \
+    || fail "kel render with the installed helper failed: $(cat "$tmp/render.log")"
+[ -s "$tmp/overview.png" ] || fail "kel render wrote no picture"
+"$prefix/bin/kel" report "$sample" --sections title,indexes -o "$tmp/report.html" >"$tmp/report.log" 2>&1 \
+    || fail "kel report with the installed helper failed: $(cat "$tmp/report.log")"
+grep -q "<html" "$tmp/report.html" || fail "kel report wrote no HTML report"
 
 # --- the manual pages against the tools' own usage, so they cannot drift
 kel_page=$tmp/kel.1
@@ -134,16 +141,17 @@ for page in "$kel_page" "$viewer_page"; do
     [ -z "$warnings" ] || fail "$(basename "$page") has troff warnings: $warnings"
 done
 
-# --- bash completion offers every command the tool accepts
+# --- bash completion offers every command the tool accepts (it asks the
+# installed kel, as it is the one on the command line)
 completion=$share/bash-completion/completions/kel
 bash -n "$completion" || fail "the bash completion does not parse"
 if [ -f /usr/share/bash-completion/bash_completion ]; then
     offered=$(bash -c '
         source /usr/share/bash-completion/bash_completion
         source "$1"
-        COMP_WORDS=(kel ""); COMP_CWORD=1; COMP_LINE="kel "; COMP_POINT=${#COMP_LINE}
+        COMP_WORDS=("$2" ""); COMP_CWORD=1; COMP_LINE="$2 "; COMP_POINT=${#COMP_LINE}
         _kel kel "" kel
-        printf "%s\n" "${COMPREPLY[@]}"' _ "$completion")
+        printf "%s\n" "${COMPREPLY[@]}"' _ "$completion" "$prefix/bin/kel")
     for c in $commands; do
         grep -qx "$c" <<<"$offered" || fail "bash completion does not offer '$c'"
     done

@@ -42,7 +42,7 @@ grep -q -- "-dev$" <<<"$names" && fail "Depends names a development package: $de
 # The file list: everything under /usr, the programs and data present, no
 # build or test leftovers.
 dpkg-deb -c "$deb" | awk '{ print $6 }' | sed 's|^\./|/|' >"$tmp/files"
-for f in /usr/bin/kelviewer /usr/bin/kel \
+for f in /usr/bin/kelviewer /usr/bin/kel /usr/libexec/kelviewer/kel-render \
     /usr/share/applications/se.brennvik.kelviewer.desktop \
     /usr/share/metainfo/se.brennvik.kelviewer.metainfo.xml \
     /usr/share/mime/packages/kelviewer.xml \
@@ -62,9 +62,12 @@ leftovers=$(grep -E '\.(a|h|o)$|/kelwrite$|/test_|/bench_' "$tmp/files")
 
 # The programs are stripped (CPACK_STRIP_FILES), as Debian ships them.
 dpkg-deb -x "$deb" "$tmp/root"
-for program in kel kelviewer; do
-    readelf -S "$tmp/root/usr/bin/$program" | grep -q '\.debug_info' && fail "/usr/bin/$program is not stripped"
+for program in bin/kel bin/kelviewer libexec/kelviewer/kel-render; do
+    readelf -S "$tmp/root/usr/$program" | grep -q '\.debug_info' && fail "/usr/$program is not stripped"
 done
+# The counting commands of kel need QtCore, never the drawing libraries.
+readelf -d "$tmp/root/usr/bin/kel" | grep -q 'NEEDED.*libQt6Core' || fail "kel does not name QtCore"
+readelf -d "$tmp/root/usr/bin/kel" | grep -qE 'NEEDED.*libQt6(Gui|Widgets|Charts)' && fail "kel links drawing libraries"
 
 # Debian's own package checker: no error and no warning. The tags kept on
 # purpose are overridden in data/lintian-overrides, each with its reason.

@@ -321,13 +321,38 @@ TEST(ReportUnits, AListNamesItsSelections)
     recipe.add(ReportSection::TitlePage);
     const std::vector<ReportUnit> units = build(*doc, recipe, baseOf(work));
     ASSERT_EQ(units.size(), 2u);
-    EXPECT_TRUE(allText(units[0]).contains(QStringLiteral("|15|"))); // North and West
+    EXPECT_TRUE(allText(units[0]).contains(QStringLiteral("|15|"))); // North and Harbour
     EXPECT_EQ(units[1].refusal, QStringLiteral("TOO-SMALL"));
 
-    recipe.selections = {QStringLiteral("0:7")};
+    // By names, as kel's --select takes them: the same units.
+    recipe.selections = {QStringLiteral("Unit=north,Harbour"), QStringLiteral("U=East")};
+    const std::vector<ReportUnit> named = build(*doc, recipe, baseOf(work));
+    ASSERT_EQ(named.size(), 2u);
+    EXPECT_TRUE(allText(named[0]).contains(QStringLiteral("|15|")));
+    EXPECT_EQ(named[1].refusal, QStringLiteral("TOO-SMALL"));
+
+    // Past the last option (Harbour, 4), an unknown name, an unknown
+    // category: each an error that says what exists.
+    const struct {
+        const char *selection;
+        const char *says;
+    } wrong[] = {
+        {"0:5", "no option '5'"},
+        {"Unit=Nowhere", "no option 'Nowhere'"},
+        {"Team=North", "no category 'Team'"},
+    };
+    for (const auto &w : wrong) {
+        SCOPED_TRACE(w.selection);
+        recipe.selections = {QString::fromUtf8(w.selection)};
+        QString error;
+        EXPECT_FALSE(planReportUnits(*doc, baseOf(work), recipe, error));
+        EXPECT_TRUE(error.contains(QString::fromUtf8(w.says))) << error.toStdString();
+        EXPECT_TRUE(error.contains(QStringLiteral("Harbour")) || error.contains(QStringLiteral("Role")))
+            << error.toStdString();
+    }
+    recipe.selections = {QStringLiteral("0:4")};
     QString error;
-    EXPECT_FALSE(planReportUnits(*doc, baseOf(work), recipe, error));
-    EXPECT_TRUE(error.contains(QStringLiteral("no option")));
+    EXPECT_TRUE(planReportUnits(*doc, baseOf(work), recipe, error)) << error.toStdString();
 }
 
 } // namespace

@@ -29,10 +29,19 @@ inline QStringList kelArgs(const char *command, const QString &file, const char 
     return QStringList{QString::fromUtf8(command), file} + words(rest);
 }
 
-/// Runs kel with `args`, feeding `input` to its standard input.
-inline KelRun runKel(const QStringList &args, const QByteArray &input = QByteArray())
+/// Runs kel with `args`, feeding `input` to its standard input, in an
+/// environment without locale variables (numbers in C unless `locale`
+/// sets some: "LANG=sv_SE.UTF-8", ...).
+inline KelRun runKel(const QStringList &args, const QByteArray &input = QByteArray(),
+                     const QStringList &locale = QStringList())
 {
     QProcess p;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    for (const char *variable : {"LC_ALL", "LC_NUMERIC", "LANG"})
+        env.remove(QString::fromLatin1(variable));
+    for (const QString &setting : locale)
+        env.insert(setting.section(u'=', 0, 0), setting.section(u'=', 1));
+    p.setProcessEnvironment(env);
     p.start(QStringLiteral(KEL_TOOL), args);
     p.write(input), p.closeWriteChannel(), p.waitForFinished(60000);
     return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1, p.readAllStandardOutput(),

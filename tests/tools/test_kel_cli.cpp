@@ -124,21 +124,28 @@ TEST_F(KelCli, OutputIsNeverWrittenOverTheDocumentRead)
         {"a symbolic link to it", mDir.filePath(QStringLiteral("symlink.png"))},
         {"a hard link to it", mDir.filePath(QStringLiteral("hardlink.png"))},
     };
-    for (const auto &s : spellings) {
-        SCOPED_TRACE(s.name);
-        const KelRun direct = runKel(kelArgs("render", doc, "overview") << QStringLiteral("-o") << s.output);
-        EXPECT_EQ(direct.exitCode, 64);
-        EXPECT_TRUE(direct.err.contains("is the document being read")) << direct.err.toStdString();
-        const KelRun batch = runKel(kelArgs("batch", doc), "render overview -o '" + s.output.toUtf8() + "'\n");
-        EXPECT_EQ(batch.exitCode, 0);
-        const QJsonObject line = QJsonDocument::fromJson(batch.out).object();
-        EXPECT_EQ(line.value(QStringLiteral("status")).toInt(), 64);
-        EXPECT_TRUE(
-            line.value(QStringLiteral("error")).toString().contains(QStringLiteral("is the document being read")))
-            << batch.out.toStdString();
-        QFile f(doc);
-        ASSERT_TRUE(f.open(QIODevice::ReadOnly));
-        EXPECT_EQ(f.readAll(), bytes) << "the document is as it was";
+    // Both commands that write a file, each handed to the drawing helper.
+    const char *const writers[] = {"render overview", "report --sections title"};
+    for (const char *writer : writers) {
+        for (const auto &s : spellings) {
+            SCOPED_TRACE(std::string(writer) + ": " + s.name);
+            const QStringList command = words(writer);
+            const KelRun direct = runKel(QStringList{command.first(), doc} + command.mid(1)
+                                         + QStringList{QStringLiteral("-o"), s.output});
+            EXPECT_EQ(direct.exitCode, 64);
+            EXPECT_TRUE(direct.err.contains("is the document being read")) << direct.err.toStdString();
+            const KelRun batch =
+                runKel(kelArgs("batch", doc), QByteArray(writer) + " -o '" + s.output.toUtf8() + "'\n");
+            EXPECT_EQ(batch.exitCode, 0);
+            const QJsonObject line = QJsonDocument::fromJson(batch.out).object();
+            EXPECT_EQ(line.value(QStringLiteral("status")).toInt(), 64);
+            EXPECT_TRUE(
+                line.value(QStringLiteral("error")).toString().contains(QStringLiteral("is the document being read")))
+                << batch.out.toStdString();
+            QFile f(doc);
+            ASSERT_TRUE(f.open(QIODevice::ReadOnly));
+            EXPECT_EQ(f.readAll(), bytes) << "the document is as it was";
+        }
     }
     // Any other file is written as before.
     const QString other = mDir.filePath(QStringLiteral("other.png"));
@@ -146,6 +153,11 @@ TEST_F(KelCli, OutputIsNeverWrittenOverTheDocumentRead)
     EXPECT_FALSE(elsewhere.err.contains("is the document being read"));
     EXPECT_EQ(elsewhere.exitCode == 0 && QFileInfo(other).size() > 0, bool(KEL_CAN_RENDER))
         << elsewhere.err.toStdString();
+    const QString otherReport = mDir.filePath(QStringLiteral("other.html"));
+    const KelRun report = runKel(kelArgs("report", doc, "--sections title") << QStringLiteral("-o") << otherReport);
+    EXPECT_FALSE(report.err.contains("is the document being read"));
+    EXPECT_EQ(report.exitCode == 0 && QFileInfo(otherReport).size() > 0, bool(KEL_CAN_RENDER))
+        << report.err.toStdString();
 }
 
 TEST_F(KelCli, DumpHoldsTheWholeDocument)
@@ -216,3 +228,265 @@ TEST_F(KelCli, DumpHoldsTheWholeDocument)
 }
 
 } // namespace
+
+namespace {
+
+// Every command that opens a document, as a script runs it.
+struct OpeningCommand {
+    const char *name;
+    const char *rest;   ///< after FILE
+    QByteArray input;   ///< for batch
+    const char *writes; ///< the extension of "-o OUT" at the end, if it writes a file
+};
+
+const OpeningCommand OpeningCommands[] = {
+    {"check", "", {}, nullptr},
+    {"dump", "", {}, nullptr},
+    {"select", "--max-rows 3", {}, nullptr},
+    {"indexes", "--total --items total", {}, nullptr},
+    {"graph", "histogram --block 0", {}, nullptr},
+    {"render", "overview", {}, "png"},
+    {"report", "--sections title", {}, "html"},
+    {"batch", "", "select\n", nullptr},
+};
+
+} // namespace
+
+TEST_F(KelCli, EveryCommandExitsWithTheResultCodeOfItsDocument)
+{
+    const KelFile good = richSurvey().build();
+    auto variant = [&](auto change) {
+        KelFile f = good;
+        change(f);
+        return f.toBytes();
+    };
+    const std::pair<QByteArray, int> cases[] = {
+        {QByteArray(), 1}, // no such file
+        {variant([](KelFile &f) { f.forgery.magic1 = 0x328E4451u; }), 2},
+        {variant([](KelFile &f) { f.options.compatibleRevision = 0; }), 3},
+        {variant([](KelFile &f) { f.options.compatibleRevision = 10; }), 4},
+        {variant([](KelFile &f) { f.forgery.checksum = 1; }), 5},
+        {variant([](KelFile &f) { f.forgery.rowCount = 1000, f.forgery.columnCount = 1001; }), 6},
+    };
+    for (const auto &[bytes, code] : cases) {
+        const QString path =
+            code == 1 ? mDir.filePath(QStringLiteral("missing.kel")) : write(bytes, QStringLiteral("%1.kel").arg(code));
+        const QByteArray message = runKel(kelArgs("check", path)).out;
+        ASSERT_FALSE(message.isEmpty());
+        for (const OpeningCommand &c : OpeningCommands) {
+            SCOPED_TRACE(std::to_string(code) + " " + c.name);
+            const QString picture =
+                mDir.filePath(QStringLiteral("p%1.%2").arg(code).arg(QLatin1String(c.writes ? c.writes : "png")));
+            QStringList args = kelArgs(c.name, path, c.rest);
+            if (c.writes)
+                args << QStringLiteral("-o") << picture;
+            const KelRun run = runKel(args, c.input);
+            // Without the drawing helper (a build without the drawing layer)
+            // the commands that write a file say it is missing, whatever the
+            // document.
+            if (c.writes && !KEL_CAN_RENDER) {
+                EXPECT_EQ(run.exitCode, 69);
+            } else {
+                EXPECT_EQ(run.exitCode, code);
+                EXPECT_EQ(run.out, message); // the result code's message, and nothing else
+            }
+            EXPECT_FALSE(QFileInfo::exists(picture));
+        }
+    }
+}
+
+TEST_F(KelCli, RefusalsAndNonsenseHaveTheirOwnStatusInEveryCommand)
+{
+    const QString sample = QStringLiteral(KEL_SAMPLE);
+    const QString picture = mDir.filePath(QStringLiteral("refused.png"));
+    const QString report = mDir.filePath(QStringLiteral("refused.html"));
+    // "Department=" ticks no visible option and nobody has the hidden one:
+    // Show refuses. A document without points has no indexes.
+    SurveyBuilder noPoints = richSurvey();
+    noPoints.header().pointsScale = 0;
+    const QString unscored = write(noPoints.build().toBytes(), QStringLiteral("unscored.kel"));
+    const struct {
+        QStringList args;
+        QByteArray input;
+        int status;
+    } cases[] = {
+        {kelArgs("select", sample, "--select Department="), {}, 7},
+        {kelArgs("indexes", sample, "--select Department= --total --items total"), {}, 7},
+        {kelArgs("indexes", unscored, "--total --items total"), {}, 7},
+        {kelArgs("graph", sample, "--select Department= histogram --block 0"), {}, 7},
+        {kelArgs("render", sample, "--select Department= overview") << "-o" << picture, {}, 7},
+        {kelArgs("report", sample, "--select Department= --sections title") << "-o" << report, {}, 7},
+        {kelArgs("check", sample, "--lang de"), {}, 64},
+        {kelArgs("dump", sample, "--lang sv"), {}, 64},
+        {kelArgs("select", sample, "--bogus"), {}, 64},
+        {kelArgs("indexes", sample, "--total"), {}, 64},
+        {kelArgs("graph", sample, "--select Department=Sales"), {}, 64},
+        {kelArgs("graph", sample, "pie"), {}, 64},
+        {kelArgs("render", sample, "overview"), {}, 64},
+        {kelArgs("render", sample, "overview -o picture.tiff"), {}, 64},
+        {kelArgs("report", sample, "--sections title"), {}, 64},
+        {kelArgs("report", sample, "--sections title -o report.png"), {}, 64},
+        {kelArgs("report", sample, "--sections title,nonsense") << "-o" << report, {}, 64},
+        {kelArgs("batch", sample, "--bogus"), {}, 64},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.args.join(u' ').toStdString());
+        const KelRun run = runKel(c.args, c.input);
+        // These command lines pass the option check kel makes itself; the
+        // rest is the helper's, and without it they say it is missing.
+        const bool drawn = c.args[0] == QLatin1String("render") || c.args[0] == QLatin1String("report");
+        EXPECT_EQ(run.exitCode, drawn && !KEL_CAN_RENDER ? 69 : c.status);
+        EXPECT_FALSE(run.err.isEmpty());
+        EXPECT_TRUE(c.args[0] == QLatin1String("select") || run.out.isEmpty()) << run.out.toStdString();
+        EXPECT_FALSE(QFileInfo::exists(picture));
+        EXPECT_FALSE(QFileInfo::exists(report));
+    }
+    // In a batch each line carries the status; the batch itself is done.
+    const KelRun batch = runKel({QStringLiteral("batch"), sample},
+                                "select --select Department=\nindexes --total --items total --select Department=\n"
+                                "graph --select Department= histogram --block 0\nindexes --total\nselect --bogus\n"
+                                "frobnicate\n");
+    EXPECT_EQ(batch.exitCode, 0);
+    const QList<QByteArray> replies = batch.out.trimmed().split('\n');
+    ASSERT_EQ(replies.size(), 6);
+    const int statuses[] = {7, 7, 7, 64, 64, 64};
+    for (int i = 0; i < 6; ++i)
+        EXPECT_EQ(QJsonDocument::fromJson(replies[i]).object().value(QStringLiteral("status")).toInt(-1), statuses[i])
+            << replies[i].data();
+}
+
+namespace {
+
+// A value a parser takes for each placeholder of the table.
+QString valueFor(const QString &option)
+{
+    static const std::pair<const char *, const char *> values[] = {
+        {"--select", "0:1"},
+        {"--flex", "1"},
+        {"--settings", "/nonexistent.ini"},
+        {"--lang", "en"},
+        {"--order", "1"},
+        {"--seed", "3"},
+        {"--max-rows", "2"},
+        {"--locale", "C"},
+        {"--category", "0"},
+        {"--items", "total"},
+        {"--block", "0"},
+        {"--question", "4"},
+        {"--split", "4"},
+        {"--group", "1"},
+        {"--lines", "1"},
+        {"--mode", "1"},
+        {"--recipe", "/nonexistent.kelreport"},
+        {"--by", "0"},
+        {"--sections", "title"},
+        {"--date", "2026-01-01"},
+    };
+    for (const auto &[name, value] : values)
+        if (option == QLatin1String(name))
+            return QString::fromUtf8(value);
+    return QString();
+}
+
+QStringList optionsOf(const QString &part)
+{
+    return QString::fromUtf8(runKel(QStringList{QStringLiteral("--options")} + part.split(u' ')).out)
+        .split(u'\n', Qt::SkipEmptyParts);
+}
+
+} // namespace
+
+// The table that --help, the checks and the completion come from must list
+// only options the commands' own parsers read: each is given to its command,
+// which may find fault with the value or the document, never with the option.
+TEST_F(KelCli, EveryOptionOfTheTableIsReadByItsCommand)
+{
+    const QString sample = QStringLiteral(KEL_SAMPLE);
+    const QString out = mDir.filePath(QStringLiteral("o.png"));
+    const QStringList parts =
+        QString::fromUtf8(runKel({QStringLiteral("--options")}).out).split(u'\n', Qt::SkipEmptyParts);
+    ASSERT_EQ(parts.size(), 15);
+    int tried = 0;
+    for (const QString &part : parts) {
+        const QString command = part.section(u' ', 0, 0), keyword = part.section(u' ', 1);
+        for (const QString &option : optionsOf(part)) {
+            SCOPED_TRACE((part + QLatin1Char(' ') + option).toStdString());
+            QStringList given{option};
+            if (const QString value = valueFor(option); !value.isEmpty())
+                given << value;
+            else if (option == QLatin1String("--blocks") && command == QLatin1String("report"))
+                given << QStringLiteral("0"); // a switch of graph total-index, a list here
+            QStringList args{command, sample};
+            if (command == QLatin1String("graph") && keyword.isEmpty())
+                args << given << QStringLiteral("histogram") << QStringLiteral("--block") << QStringLiteral("0");
+            else if (command == QLatin1String("graph"))
+                args << keyword << given;
+            else if (part == QLatin1String("render graph"))
+                args << QStringLiteral("graph") << given << QStringLiteral("fraction") << QStringLiteral("--block")
+                     << QStringLiteral("0") << QStringLiteral("-o") << out;
+            else if (part == QLatin1String("render overview"))
+                args << QStringLiteral("overview") << given << QStringLiteral("-o") << out;
+            else if (command == QLatin1String("report"))
+                args << given << QStringLiteral("--sections") << QStringLiteral("title") << QStringLiteral("-o")
+                     << mDir.filePath(QStringLiteral("o.html"));
+            else
+                args << given;
+            const KelRun run = runKel(args);
+            EXPECT_FALSE(run.err.contains("unexpected argument") || run.err.contains("unknown option")
+                         || run.err.contains("is not an option"))
+                << run.err.toStdString();
+            ++tried;
+        }
+    }
+    EXPECT_GT(tried, 60);
+}
+
+TEST_F(KelCli, OptionsACommandWouldIgnoreAreRefused)
+{
+    const QString sample = QStringLiteral(KEL_SAMPLE);
+    const char *const lines[] = {
+        "indexes --order 1 --total --items total",
+        "indexes --seed 3 --total --items total",
+        "indexes --max-rows 2 --total --items total",
+        "select --locale sv_SE",
+        "select --reversed",
+        "graph --order 1 histogram --block 0",
+        "graph --max-rows 1 histogram --block 0",
+        "graph histogram --block 0 --unsorted",
+        "graph histogram --block 0 --select 0:1", // selection options come before KIND
+        "graph ranking --block 0 --split 1",
+        "graph total-index --block 0",
+        "graph block-index --block 0 --blocks",
+        "render overview --reversed -o x.png",
+        "render graph --mode 1 fraction --block 0 -o x.png",
+        "render graph fraction --block 0 --headers-only -o x.png",
+        "report --order 1 --sections title -o x.html",
+        "report --seed 3 --sections title -o x.html",
+        "report --max-rows 2 --sections title -o x.html",
+        "report --reversed --sections title -o x.html",
+        "report --mode 1 --sections title -o x.html",
+    };
+    QByteArray batchInput;
+    for (const char *line : lines) {
+        SCOPED_TRACE(line);
+        QStringList args = words(line);
+        args.insert(1, sample);
+        const KelRun run = runKel(args);
+        EXPECT_EQ(run.exitCode, 64);
+        EXPECT_TRUE(run.err.contains("is not an option of")) << run.err.toStdString();
+        batchInput += QByteArray(line) + '\n';
+    }
+    // The same lines in a batch, each refused by itself.
+    const KelRun batch = runKel({QStringLiteral("batch"), sample}, batchInput);
+    const QList<QByteArray> replies = batch.out.trimmed().split('\n');
+    ASSERT_EQ(replies.size(), qsizetype(std::size(lines)));
+    for (const QByteArray &reply : replies)
+        EXPECT_TRUE(reply.contains("\"status\":64") && reply.contains("is not an option of")) << reply.data();
+    // The commands that read their own arguments refuse them too.
+    for (const char *line : {"check --select 0:1", "dump --lang sv", "batch --select 0:1"}) {
+        SCOPED_TRACE(line);
+        QStringList args = words(line);
+        args.insert(1, sample);
+        EXPECT_EQ(runKel(args).exitCode, 64);
+    }
+}

@@ -6,6 +6,7 @@
 #include "batchline.h"
 #include "commands.h"
 #include "json.h"
+#include "options.h"
 
 #include <QTextStream>
 
@@ -20,44 +21,57 @@ namespace kel::cli {
 
 namespace {
 
-const char BatchUsage[] = "usage: kel batch FILE [--lang en|sv] < COMMANDS\n"
-                          "  each line: a document command (select, indexes, ...) and its arguments without FILE,\n"
-                          "  quoted as in a shell\n";
-
-QString runLine(const Document &doc, const QString &documentPath, const QString &line, int &status, QString &error)
+std::string runLine(const Document &doc, const QString &documentPath, const QString &line,
+                    DocumentCommand (*find)(const QString &), const ForeignLine &foreign)
 {
     QString splitError;
     QStringList words = splitCommandLine(line, &splitError);
-    if (!splitError.isEmpty()) {
-        status = UsageError;
-        error = QStringLiteral("kel batch: %1\n").arg(splitError);
-        return QString();
-    }
+    if (!splitError.isEmpty())
+        return batchAnswer(line, UsageError, QString(), QStringLiteral("kel batch: %1\n").arg(splitError));
     const QString name = words.takeFirst();
-    const DocumentCommand command = findDocumentCommand(name);
+    if (const QString error = checkOptions(name, words); !error.isEmpty())
+        return batchAnswer(line, UsageError, QString(), QStringLiteral("kel %1: %2\n").arg(name, error));
+    // Refused here, before a line is handed to the helper, so that the
+    // document is safe whichever program would have written.
+    if (const QString refusal = outputOverwritesDocument(documentPath, words); !refusal.isEmpty())
+        return batchAnswer(line, UsageError, QString(), QStringLiteral("kel %1: ").arg(name) + refusal);
+    if (foreign) {
+        if (std::optional<std::string> answer = foreign(name, line))
+            return *answer;
+    }
+    int status = 0;
+    QString error;
+    const DocumentCommand command = find(name);
     if (!command) {
         status = UsageError;
         error = QStringLiteral("kel batch: '%1' is not a command that works on a document\n").arg(name)
-            + QLatin1String(BatchUsage);
-        return QString();
-    }
-    if (const QString refusal = outputOverwritesDocument(documentPath, words); !refusal.isEmpty()) {
-        status = UsageError;
-        error = QStringLiteral("kel %1: ").arg(name) + refusal;
-        return QString();
+            + usageOf(QStringLiteral("batch"));
+        return batchAnswer(line, status, QString(), error);
     }
     // Every command gets the document as read: the commands that change
     // their document (Show stores the flex total's indexes in it) do so on
     // their own copy, which shares the answer matrix's buffer.
     CommandOutput output;
     status = command(doc, words, output);
-    error = output.err;
-    return output.out;
+    return batchAnswer(line, status, output.out, output.err);
 }
 
 } // namespace
 
-int runBatch(const QStringList &args, const std::function<void()> &preparePictures)
+std::string batchAnswer(const QString &line, int status, const QString &out, const QString &err)
+{
+    JsonWriter json;
+    json.beginObject();
+    json.member("command", line);
+    json.member("status", status);
+    json.member("output", out);
+    if (!err.isEmpty())
+        json.member("error", err);
+    json.endObject();
+    return json.text();
+}
+
+int runBatch(const QStringList &args, DocumentCommand (*find)(const QString &), const ForeignLine &foreign)
 {
     QString file;
     bool isSwedish = false;
@@ -68,12 +82,13 @@ int runBatch(const QStringList &args, const std::function<void()> &preparePictur
         } else if (file.isEmpty() && !args[i].startsWith(QLatin1String("--"))) {
             file = args[i];
         } else {
-            printErr(QStringLiteral("kel batch: unexpected argument '%1'\n").arg(args[i]) + QLatin1String(BatchUsage));
+            printErr(QStringLiteral("kel batch: unexpected argument '%1'\n").arg(args[i])
+                     + usageOf(QStringLiteral("batch")));
             return UsageError;
         }
     }
     if (file.isEmpty()) {
-        printErr(QStringLiteral("kel batch: no file given\n") + QLatin1String(BatchUsage));
+        printErr(QStringLiteral("kel batch: no file given\n") + usageOf(QStringLiteral("batch")));
         return UsageError;
     }
     const OpenedDocument opened = openForCommand(file, isSwedish);
@@ -95,22 +110,9 @@ int runBatch(const QStringList &args, const std::function<void()> &preparePictur
         const QString command = line.trimmed();
         if (command.isEmpty() || command.startsWith(QLatin1Char('#')))
             continue;
-        if (command.startsWith(QLatin1String("render")) || command.startsWith(QLatin1String("report")))
-            preparePictures();
-        int status = 0;
-        QString error;
-        const QString out = runLine(*opened.document, file, command, status, error);
-        JsonWriter json;
-        json.beginObject();
-        json.member("command", command);
-        json.member("status", status);
-        json.member("output", out);
-        if (!error.isEmpty())
-            json.member("error", error);
-        json.endObject();
         // One line per command, written at once, so that a reader of the
         // pipe sees each answer as soon as it is ready.
-        const std::string &text = json.text();
+        const std::string text = runLine(*opened.document, file, command, find, foreign);
         std::fwrite(text.data(), 1, text.size(), stdout);
         std::fputc('\n', stdout);
         std::fflush(stdout);

@@ -3,6 +3,7 @@
 // write everything the reader found as one JSON object.
 #include "commands.h"
 #include "json.h"
+#include "options.h"
 
 #include "engine/document/documentreader.h"
 #include "engine/overview/subsheet.h"
@@ -49,6 +50,12 @@ int runOnFile(const char *name, const char *usage, DocumentCommand command, cons
 {
     if (args.isEmpty() || args.first().startsWith(QLatin1String("--"))) {
         printErr(QStringLiteral("kel %1: no file given\n").arg(QLatin1String(name)) + QLatin1String(usage));
+        return UsageError;
+    }
+    // Before the document is read: a command line that makes no sense is
+    // that, whatever the file.
+    if (const QString error = checkOptions(QLatin1String(name), args.mid(1)); !error.isEmpty()) {
+        printErr(QStringLiteral("kel %1: %2\n").arg(QLatin1String(name), error) + QLatin1String(usage));
         return UsageError;
     }
     if (const QString refusal = outputOverwritesDocument(args.first(), args.mid(1)); !refusal.isEmpty()) {

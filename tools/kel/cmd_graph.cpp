@@ -2,6 +2,7 @@
 // `kel graph`: the description a graph window would be handed, as JSON, for
 // a selection applied as Show applies it. Each KIND is one entry of a table.
 #include "commands.h"
+#include "options.h"
 #include "cmd_graph_charts.h"
 #include "graphargs.h"
 #include "json.h"
@@ -16,14 +17,9 @@ namespace kel::cli {
 
 namespace {
 
-const char GraphUsage[] =
-    "usage: kel graph FILE [--select SPEC] [--flex OPTS] [--flex-current] [--reversed] [--short-names] "
-    "[--locale NAME] KIND [KIND OPTIONS]\n"
-    "  KIND histogram|fraction: --block B | --question Q [--split S]\n";
-
 int usageError(CommandOutput &output, const QString &error)
 {
-    output.err += QStringLiteral("kel graph: %1\n").arg(error) + QLatin1String(GraphUsage);
+    output.err += QStringLiteral("kel graph: %1\n").arg(error) + usageOf(QStringLiteral("graph"));
     return GraphUsageError;
 }
 

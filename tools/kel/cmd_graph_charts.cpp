@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cmd_graph_charts.h"
 #include "json.h"
+#include "options.h"
 
 #include "engine/graphs/distributiongraph.h"
 #include "engine/graphs/indexgraph.h"
@@ -12,13 +13,6 @@ namespace kel::cli {
 namespace {
 
 constexpr int ChartUsageError = 64;
-
-const char ChartKindsUsage[] =
-    "  ranking (--block B | --question Q) [--unsorted]\n"
-    "  distribution --category C [--pie | --group C2] [--percent] [--3d] [--horizontal] [--vertical-labels]\n"
-    "  total-index [--main] [--blocks | --questions] [--split Q] [--empty-splits] [--lines MASK] [--explain]\n"
-    "              [--horizontal] [--no-vertical-labels] [--no-data-labels]\n"
-    "  block-index --block B [--main] [--questions] [--split Q] ...the same look options\n";
 
 /// Reads the number after args[i]; false (with `error`) when missing or bad.
 bool takeNumber(const QStringList &args, qsizetype &i, qint32 low, qint32 high, qint32 &value, QString &error)
@@ -125,7 +119,7 @@ int makeChartGraph(const Document &doc, const ShownSelection &shown, const QStri
     QString error;
     const auto fail = [&](const QString &message) {
         output.err += QStringLiteral("kel graph %1: %2\nusage of the chart kinds:\n").arg(kind, message)
-            + QLatin1String(ChartKindsUsage);
+            + usageOf(QStringLiteral("graph"));
         return ChartUsageError;
     };
 

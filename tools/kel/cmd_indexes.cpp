@@ -2,6 +2,7 @@
 // `kel indexes`: the index table that Copy Indexes puts on the clipboard,
 // for a selection shown as the navigator would show it.
 #include "commands.h"
+#include "options.h"
 #include "selectionargs.h"
 
 #include "engine/indexes/indexexport.h"
@@ -11,11 +12,6 @@
 namespace kel::cli {
 
 namespace {
-
-const char IndexesUsage[] =
-    "usage: kel indexes FILE [--select SPEC] [--flex OPTS] [--flex-current] [--total] [--category Q]... "
-    "[--counts] [--items total,blocks,subblocks,questions,userblocks] [--full-text] [--columns] [--locale NAME] "
-    "[--settings FILE]\n";
 
 bool parseItems(const QString &list, IndexExportOptions &options, QString &error)
 {
@@ -70,7 +66,7 @@ int indexesCommand(const Document &base, const QStringList &args, CommandOutput 
     if (error.isEmpty() && !options.canExport())
         error = QStringLiteral("nothing to export: give --total or --category, and --items");
     if (!error.isEmpty()) {
-        output.err += (QStringLiteral("kel indexes: %1\n").arg(error) + QLatin1String(IndexesUsage));
+        output.err += (QStringLiteral("kel indexes: %1\n").arg(error) + usageOf(QStringLiteral("indexes")));
         return UsageError;
     }
 

@@ -2,6 +2,7 @@
 // `kel select`: ticks a selection as the navigator would, presses Show and
 // writes what the navigator and the overview would hold, as one JSON object.
 #include "commands.h"
+#include "options.h"
 #include "json.h"
 #include "selectionargs.h"
 
@@ -12,9 +13,6 @@
 namespace kel::cli {
 
 namespace {
-
-const char SelectUsage[] = "usage: kel select FILE [--select SPEC] [--flex OPTS] [--flex-current] [--order 0|1|2] "
-                           "[--seed N] [--max-rows N] [--locale NAME]\n";
 
 template<typename Container>
 void writeArray(JsonWriter &json, const char *name, const Container &values)
@@ -50,7 +48,7 @@ int selectCommand(const Document &base, const QStringList &args, CommandOutput &
         }
     }
     if (!error.isEmpty()) {
-        output.err += (QStringLiteral("kel select: %1\n").arg(error) + QLatin1String(SelectUsage));
+        output.err += (QStringLiteral("kel select: %1\n").arg(error) + usageOf(QStringLiteral("select")));
         return UsageError;
     }
 

@@ -10,8 +10,8 @@
 
 #include <functional>
 #include <memory>
-
-class QCoreApplication;
+#include <optional>
+#include <string>
 
 namespace kel::cli {
 
@@ -61,22 +61,23 @@ QString outputOverwritesDocument(const QString &documentPath, const QStringList 
 
 int runCheck(const QStringList &args);
 int runDump(const QStringList &args);
-/// `kel batch FILE`: document commands from standard input, one JSON line
-/// each. `preparePictures` is called before the first `render` line, to
-/// make the application object that drawing needs.
-int runBatch(const QStringList &args, const std::function<void()> &preparePictures);
+/// Answers a batch line in another process (the rendering helper): its
+/// JSON line, or nothing when the line's command `name` is not one of its.
+using ForeignLine = std::function<std::optional<std::string>(const QString &name, const QString &line)>;
 
-/// The document command called `name` (select, indexes, ...), or null.
-DocumentCommand findDocumentCommand(const QString &name);
+/// `kel batch FILE`: document commands from standard input, one JSON line
+/// each. `find` names the commands this process runs; lines that `foreign`
+/// answers go to it first.
+int runBatch(const QStringList &args, DocumentCommand (*find)(const QString &name), const ForeignLine &foreign = {});
+
+/// The JSON line `kel batch` writes for one command.
+std::string batchAnswer(const QString &line, int status, const QString &out, const QString &err);
 
 int selectCommand(const Document &doc, const QStringList &args, CommandOutput &output);
 int indexesCommand(const Document &doc, const QStringList &args, CommandOutput &output);
 int graphCommand(const Document &doc, const QStringList &args, CommandOutput &output);
+/// Drawn by the rendering helper (tools/kel-render).
 int renderCommand(const Document &doc, const QStringList &args, CommandOutput &output);
 int reportCommand(const Document &doc, const QStringList &args, CommandOutput &output);
-
-/// The application object that drawing needs: a widget one (fonts, charts),
-/// off-screen without a display. Without the drawing layer a core one.
-std::unique_ptr<QCoreApplication> makePictureApplication(int &argc, char **argv);
 
 } // namespace kel::cli

@@ -2,12 +2,14 @@
 #include "selectionargs.h"
 
 #include "engine/blocks/userblocks.h"
+#include "engine/selection/selectionspec.h"
 #include "engine/settings/settingsstore.h"
 
 #include <QFileInfo>
 #include "texts/messages.h"
 
 #include <QDateTime>
+#include <QRegularExpression>
 
 namespace kel::cli {
 
@@ -20,31 +22,23 @@ bool parseNumber(const QString &text, qint32 &value)
     return ok;
 }
 
-// "C:O,O;C:" — each named category keeps exactly the listed options.
+QString specErrorText(const Document &doc, const char *option, const SpecError &e)
+{
+    return QStringLiteral("%1: %2").arg(QLatin1String(option), describeSpecError(doc, e));
+}
+
+// Each named category keeps exactly the listed options.
 bool applySelectSpec(const Document &doc, SelectionModel &model, const QString &text, QString &error)
 {
-    const qint32 categories = qint32(doc.categories.size());
-    for (const QString &part : text.split(QLatin1Char(';'), Qt::SkipEmptyParts)) {
-        const qsizetype colon = part.indexOf(QLatin1Char(':'));
-        qint32 c = -1;
-        if (colon < 0 || !parseNumber(part.left(colon), c)) {
-            error = QStringLiteral("--select: '%1' is not CATEGORY:OPTION,...").arg(part);
-            return false;
-        }
-        if (c < 0 || c >= categories) {
-            error = QStringLiteral("--select: the document has no category %1 (it has %2)").arg(c).arg(categories);
-            return false;
-        }
-        const Question &q = doc.questions[std::size_t(doc.categories[std::size_t(c)])];
-        model.setCategoryChecked(c, false);
-        for (const QString &o : part.mid(colon + 1).split(QLatin1Char(','), Qt::SkipEmptyParts)) {
-            qint32 option = -1;
-            if (!parseNumber(o, option) || option < 0 || option >= q.alternativeCount) {
-                error = QStringLiteral("--select: category %1 has no option '%2'").arg(c).arg(o);
-                return false;
-            }
-            model.setOptionChecked(c, option, true);
-        }
+    const ParsedSelectionSpec parsed = parseSelectionSpec(doc, text);
+    if (!parsed.ok()) {
+        error = specErrorText(doc, "--select", parsed.error);
+        return false;
+    }
+    for (const SpecCategory &part : parsed.categories) {
+        model.setCategoryChecked(part.category, false);
+        for (const qint32 option : part.options)
+            model.setOptionChecked(part.category, option, true);
     }
     return true;
 }
@@ -55,23 +49,51 @@ bool applyFlexSpec(const Document &doc, SelectionModel &model, const QString &te
         error = QStringLiteral("--flex: the document has no flex category");
         return false;
     }
-    const qint32 first = firstVisibleOption(doc);
-    const qint32 options = qint32(model.flexOptions().size());
-    for (qint32 o = first; o < options; ++o)
-        model.setFlexOption(o, false);
-    for (const QString &o : text.split(QLatin1Char(','), Qt::SkipEmptyParts)) {
-        qint32 option = -1;
-        if (!parseNumber(o, option) || option < 0 || option >= options) {
-            error = QStringLiteral("--flex: the flex category has no option '%1'").arg(o);
-            return false;
-        }
-        if (option >= first)
-            model.setFlexOption(option, true);
+    const ParsedSelectionSpec parsed = parseOptionList(doc, doc.flexCategory, text);
+    if (!parsed.ok()) {
+        error = specErrorText(doc, "--flex", parsed.error);
+        return false;
     }
+    const qint32 first = firstVisibleOption(doc);
+    for (qint32 o = first; o < qint32(model.flexOptions().size()); ++o)
+        model.setFlexOption(o, false);
+    for (const qint32 option : parsed.categories.front().options)
+        model.setFlexOption(option, true);
     return true;
 }
 
 } // namespace
+
+std::optional<QLocale> localeNamed(const QString &name)
+{
+    // The encoding and the modifier say nothing about numbers.
+    const QString bare = name.section(QLatin1Char('.'), 0, 0).section(QLatin1Char('@'), 0, 0);
+    if (bare == QLatin1String("C") || bare == QLatin1String("POSIX"))
+        return QLocale::c();
+    if (bare.isEmpty())
+        return std::nullopt;
+    // Qt reads any name as the nearest locale it knows ("no_such_LOCALE"
+    // as Norwegian), so each part is checked: language, then an optional
+    // script and territory, with codes Qt knows.
+    static const QRegularExpression form(
+        QStringLiteral("^([a-zA-Z]{2,3})(?:[_-]([A-Z][a-z]{3}))?(?:[_-]([A-Z]{2}|[0-9]{3}))?$"));
+    const QRegularExpressionMatch m = form.match(bare);
+    if (!m.hasMatch() || QLocale::codeToLanguage(m.captured(1)) == QLocale::AnyLanguage
+        || (m.hasCaptured(2) && QLocale::codeToScript(m.captured(2)) == QLocale::AnyScript)
+        || (m.hasCaptured(3) && QLocale::codeToTerritory(m.captured(3)) == QLocale::AnyTerritory))
+        return std::nullopt;
+    return QLocale(bare);
+}
+
+QLocale environmentLocale()
+{
+    for (const char *variable : {"LC_ALL", "LC_NUMERIC", "LANG"}) {
+        const QString name = qEnvironmentVariable(variable);
+        if (!name.isEmpty())
+            return localeNamed(name).value_or(QLocale::c());
+    }
+    return QLocale::c();
+}
 
 bool takeSelectionOption(const QStringList &args, qsizetype &i, SelectionArgs &out, QString &error)
 {
@@ -105,7 +127,10 @@ bool takeSelectionOption(const QStringList &args, qsizetype &i, SelectionArgs &o
         out.seed = seed;
     } else if (a == QLatin1String("--locale")) {
         const QString v = value();
-        out.locale = (v == QLatin1String("C") || v.isEmpty()) ? QLocale::c() : QLocale(v);
+        if (const std::optional<QLocale> locale = localeNamed(v))
+            out.locale = *locale;
+        else if (error.isEmpty())
+            error = QStringLiteral("--locale: no locale '%1' (a name such as C, en_US or sv_SE)").arg(v);
     } else if (a == QLatin1String("--settings")) {
         out.settingsFile = value();
     } else if (a == QLatin1String("--lang")) {

@@ -16,6 +16,16 @@
 
 namespace kel::cli {
 
+/// The locale a locale name means ("sv_SE", "sv_SE.UTF-8", "de_DE@euro",
+/// "C", "POSIX"), or nothing when Qt knows no such locale.
+std::optional<QLocale> localeNamed(const QString &name);
+
+/// The locale of numbers when --locale is not given: the first of LC_ALL,
+/// LC_NUMERIC and LANG that is set and not empty, as the C library picks
+/// it; C when none is set or the name is unknown (a script's environment
+/// must not make kel fail).
+QLocale environmentLocale();
+
 struct SelectionArgs {
     QString selectSpec;
     bool hasSelect = false;
@@ -24,7 +34,8 @@ struct SelectionArgs {
     bool flexCurrent = false;
     qint32 order = 0;
     std::optional<quint32> seed;
-    QLocale locale = QLocale::c();
+    /// Numbers are formatted in it: --locale, else the environment's.
+    QLocale locale = environmentLocale();
     bool isSwedish = false;
     /// A settings file of the viewer: the user blocks it keeps for the document.
     QString settingsFile;

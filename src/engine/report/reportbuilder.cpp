@@ -8,18 +8,12 @@
 #include "engine/indexes/indexexport.h"
 #include "engine/overview/comments.h"
 #include "engine/selection/counting.h"
+#include "engine/selection/selectionspec.h"
 #include "engine/selection/showdecision.h"
 
 namespace kel {
 
 namespace {
-
-bool parseNumber(const QString &text, qint32 &value)
-{
-    bool ok = false;
-    value = text.trimmed().toInt(&ok);
-    return ok;
-}
 
 bool isPictureSection(ReportSection section)
 {
@@ -197,28 +191,16 @@ QString refusalWords(ReportRefusal refusal, const ReportWords &words)
 
 bool applyReportSelection(const Document &doc, SelectionModel &model, const QString &spec, QString &error)
 {
-    const qint32 categories = qint32(doc.categories.size());
-    for (const QString &part : spec.split(QLatin1Char(';'), Qt::SkipEmptyParts)) {
-        const qsizetype colon = part.indexOf(QLatin1Char(':'));
-        qint32 c = -1;
-        if (colon < 0 || !parseNumber(part.left(colon), c)) {
-            error = QStringLiteral("'%1' is not CATEGORY:OPTION,...").arg(part);
-            return false;
-        }
-        if (c < 0 || c >= categories) {
-            error = QStringLiteral("the document has no category %1 (it has %2)").arg(c).arg(categories);
-            return false;
-        }
-        const Question &q = doc.questions[std::size_t(doc.categories[std::size_t(c)])];
-        model.setCategoryChecked(c, false);
-        for (const QString &o : part.mid(colon + 1).split(QLatin1Char(','), Qt::SkipEmptyParts)) {
-            qint32 option = -1;
-            if (!parseNumber(o, option) || option < 0 || option >= q.alternativeCount) {
-                error = QStringLiteral("category %1 has no option '%2'").arg(c).arg(o);
-                return false;
-            }
-            model.setOptionChecked(c, option, true);
-        }
+    // Read as `kel --select` reads it, by names or numbers.
+    const ParsedSelectionSpec parsed = parseSelectionSpec(doc, spec);
+    if (!parsed.ok()) {
+        error = describeSpecError(doc, parsed.error);
+        return false;
+    }
+    for (const SpecCategory &part : parsed.categories) {
+        model.setCategoryChecked(part.category, false);
+        for (const qint32 option : part.options)
+            model.setOptionChecked(part.category, option, true);
     }
     return true;
 }

@@ -30,7 +30,8 @@ struct ReportUnitPlan {
 std::optional<std::vector<ReportUnitPlan>> planReportUnits(const Document &doc, const ReportBase &base,
                                                            const ReportRecipe &recipe, QString &error);
 
-/// Applies "C:O,O;C:..." to `model` (each named category keeps exactly the
+/// Applies "C:O,O;C:..." to `model`, by names or numbers as
+/// parseSelectionSpec reads them (each named category keeps exactly the
 /// listed options). False with `error` on a bad category or option.
 bool applyReportSelection(const Document &doc, SelectionModel &model, const QString &spec, QString &error);
 

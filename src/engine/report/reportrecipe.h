@@ -54,8 +54,9 @@ struct ReportRecipe {
     ReportUnits units = ReportUnits::Current;
     qint32 category = -1;       ///< navigator category, for ByCategory
     bool withinCurrent = false; ///< ByCategory: each option within the current selection
-    /// List: selections as "C:O,O;C:..." (0-based navigator category and
-    /// option numbers; a category not named keeps every option).
+    /// List: selections as `kel --select` takes them, "C:O,O;C:..." by
+    /// names or numbers (engine/selection/selectionspec.h); a category not
+    /// named keeps every option.
     std::vector<QString> selections;
     std::vector<ReportSection> sections; ///< kept in the order of ReportSection
     /// Blocks (document blocks, then user blocks) for the block sections;

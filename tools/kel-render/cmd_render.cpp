@@ -3,6 +3,7 @@
 // without a display, in the format of the file's extension; for folders of
 // report pictures made by scripts.
 #include "commands.h"
+#include "options.h"
 #include "graphargs.h"
 #include "selectionargs.h"
 
@@ -22,13 +23,6 @@
 namespace kel::cli {
 
 namespace {
-
-const char RenderUsage[] =
-    "usage: kel render FILE [--select SPEC] [--flex OPTS] [--flex-current] [--order 0|1|2] [--seed N]\n"
-    "                  [--max-rows N] [--locale NAME] overview [--mode 1|2|3] [--headers-only] -o OUT\n"
-    "       kel render FILE [selection options] [--reversed] [--short-names] graph KIND [KIND OPTIONS] -o OUT\n"
-    "KIND and its options as for kel graph; charts are drawn at 800 x 600\n"
-    "OUT ends in .emf, .wmf, .png, .bmp, .jpg, .gif, .svg or .pdf\n";
 
 // Show refused the selection (nothing selected, too few respondents).
 constexpr int SelectionRefused = 7;
@@ -127,7 +121,7 @@ int renderGraph(const Document &base, const QStringList &graphArgs, const QStrin
             (outputPath.isEmpty()
                  ? QStringLiteral("kel render: -o OUT is missing\n")
                  : QStringLiteral("kel render: '%1' does not end in a picture format's extension\n").arg(outputPath))
-            + QLatin1String(RenderUsage);
+            + usageOf(QStringLiteral("render"));
         return UsageError;
     }
     MadeGraph graph;
@@ -163,16 +157,6 @@ SheetMode modeFor(int mode, PictureFormat format)
 
 } // namespace
 
-std::unique_ptr<QCoreApplication> makePictureApplication(int &argc, char **argv)
-{
-    // Fonts need a GUI application, charts (graphics widgets) a widget
-    // one; without a display it runs off-screen.
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && qEnvironmentVariableIsEmpty("DISPLAY")
-        && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    return std::make_unique<QApplication>(argc, argv);
-}
-
 int renderCommand(const Document &base, const QStringList &args, CommandOutput &output)
 {
     QStringList graphArgs;
@@ -188,7 +172,7 @@ int renderCommand(const Document &base, const QStringList &args, CommandOutput &
     RenderArgs options;
     QString error = parse(args, options);
     if (!error.isEmpty()) {
-        output.err += QStringLiteral("kel render: %1\n").arg(error) + QLatin1String(RenderUsage);
+        output.err += QStringLiteral("kel render: %1\n").arg(error) + usageOf(QStringLiteral("render"));
         return UsageError;
     }
     if (!qobject_cast<QGuiApplication *>(QCoreApplication::instance())) {

@@ -2,6 +2,7 @@
 // `kel report`: one report of many units, as PDF or HTML, from a recipe file
 // or from the options for the common cases.
 #include "commands.h"
+#include "options.h"
 #include "selectionargs.h"
 
 #include "engine/report/reportbuilder.h"
@@ -17,16 +18,11 @@ namespace kel::cli {
 
 namespace {
 
-const char ReportUsage[] =
-    "usage: kel report FILE [--select SPEC] [--flex OPTS] [--flex-current] [--lang en|sv] [--locale NAME]\n"
-    "                  [--settings INI] [--recipe R] [--by CATEGORY [--within]] [--sections LIST]\n"
-    "                  [--blocks LIST] [--split Q] [--date TEXT] -o OUT.pdf|OUT.html\n"
-    "LIST of sections: title,indexes,overview,histograms,fractions,total-index,block-indexes,distributions,\n"
-    "                  rankings,comments\n";
-
 int usageError(CommandOutput &output, const QString &error)
 {
-    output.err += QStringLiteral("kel report: %1\n").arg(error) + QLatin1String(ReportUsage);
+    output.err += QStringLiteral("kel report: %1\n").arg(error) + usageOf(QStringLiteral("report"))
+        + QStringLiteral("LIST of sections: title,indexes,overview,histograms,fractions,total-index,block-indexes,"
+                         "distributions,rankings,comments\n");
     return UsageError;
 }
 
