@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "countingreference.h"
 #include "surveys.h"
 
 #include "engine/selection/counting.h"
@@ -51,7 +52,7 @@ TEST(CountOptions, AgreesWithThePlainReading)
                     CountMatrix fast = countMatrixFor(doc);
                     CountMatrix plain = countMatrixFor(doc);
                     const qint32 n = countOptions(doc, selected, fast);
-                    ASSERT_EQ(n, countOptionsReference(doc, selected, plain));
+                    ASSERT_EQ(n, test::countOptionsReference(doc, selected, plain));
                     for (qint32 c = 0; c < fast.categoryCount(); ++c)
                         for (qint32 o = 0; o < fast.optionCount(); ++o)
                             ASSERT_EQ(fast.at(c, o), plain.at(c, o)) << c << ',' << o;

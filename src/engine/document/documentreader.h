@@ -27,7 +27,7 @@ struct ReadOptions {
 struct ReadResult {
     OpenResult code = OpenResult::CannotOpen;
     std::unique_ptr<Document> document; ///< set exactly when code == Ok
-    /// Where and why a damaged file failed, for logs and `kel check -v`;
+    /// Where and why a damaged file failed, for logs and `kel`'s standard error;
     /// never shown to the user in place of the result message.
     QString detail;
 };

@@ -152,18 +152,6 @@ std::vector<qint32> rowsInMatrix(const Document &doc, const std::vector<qint32> 
     return kept;
 }
 
-double sheetTotalIndex(const Document &doc, const std::vector<qint32> &columns, const std::vector<qint32> &rows)
-{
-    if (doc.properties.pointsScale < 1)
-        return 0.0;
-    std::vector<qint32> readable;
-    std::copy_if(columns.begin(), columns.end(), std::back_inserter(readable),
-                 [&](qint32 q) { return isReadableColumn(doc, q); });
-    const QuestionList counted = totalMembersAmong(doc, readable);
-    const double value = calculateColumnsIndex(doc, counted, rowsInMatrix(doc, rows));
-    return value == -1.0 ? 0.0 : value;
-}
-
 int answerLineCount(qint32 rowCount, qint32 overviewMaxRows, qint32 maxRowsDisplayed)
 {
     qint64 lines = std::max<qint64>(0, rowCount);

@@ -100,11 +100,6 @@ bool isReadableColumn(const Document &doc, qint32 question);
 /// when all are inside), so index sums never read past it.
 std::vector<qint32> rowsInMatrix(const Document &doc, const std::vector<qint32> &rows);
 
-/// The sheet's total index: the pooled index of the columns whose question
-/// counts for the total index, over the whole row list; 0.0 when the
-/// document has no points scale or there is no value.
-double sheetTotalIndex(const Document &doc, const std::vector<qint32> &columns, const std::vector<qint32> &rows);
-
 /// R = min(n, overviewMaxRows), then min(R, maxRowsDisplayed) unless that is -1.
 int answerLineCount(qint32 rowCount, qint32 overviewMaxRows, qint32 maxRowsDisplayed);
 

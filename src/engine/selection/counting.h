@@ -22,10 +22,6 @@ qint32 countOptions(const Document &doc, const SelectionMatrix &selected, CountM
 /// one), ascending.
 RowList selectedRows(const Document &doc, const SelectionMatrix &selected);
 
-/// The same count and row list through `getData`, one cell at a time: the
-/// plain reading of the rules, kept for tests and benchmarks to compare with.
-qint32 countOptionsReference(const Document &doc, const SelectionMatrix &selected, CountMatrix &found);
-
 /// First option the navigator shows: 1 when the first alternative means "no
 /// answer", otherwise 0.
 inline qint32 firstVisibleOption(const Document &doc)

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The viewer's main window: menus, status bar, the overview sheet, opening
-// and closing documents, and the tables of graph windows it owns. Commands whose
-// work belongs to windows not built yet exist in the menus with their
-// enabling rules but do nothing when chosen.
+// and closing documents, and the tables of graph windows it owns. A command
+// not built yet stays disabled (menuenabling.h, NotYetBuiltCommands).
 #pragma once
 
 #include "gui/shell/mainmenus.h"
