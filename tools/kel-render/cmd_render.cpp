@@ -14,7 +14,6 @@
 #include "texts/graphtexts.h"
 #include "texts/language.h"
 
-#include <QApplication>
 #include <QPainter>
 #include <QPicture>
 
@@ -127,10 +126,6 @@ int renderGraph(const Document &base, const QStringList &graphArgs, const QStrin
     MadeGraph graph;
     if (const int status = makeGraph(base, graphArgs, graph, output); status != 0)
         return status;
-    if (graph.chart && !qobject_cast<QApplication *>(QCoreApplication::instance())) {
-        output.err += QStringLiteral("kel render: charts can only be drawn when kel starts with render or batch\n");
-        return UsageError;
-    }
     std::optional<Picture> picture =
         graph.chart ? chartPicture(*graph.chart, DefaultChartPictureSize) : basicGraphFilePicture(*graph.basic);
     if (!picture) {
@@ -161,22 +156,12 @@ int renderCommand(const Document &base, const QStringList &args, CommandOutput &
 {
     QStringList graphArgs;
     QString graphOutput;
-    if (splitGraphCommandLine(args, graphArgs, graphOutput)) {
-        if (!qobject_cast<QGuiApplication *>(QCoreApplication::instance())) {
-            output.err +=
-                QStringLiteral("kel render: pictures need the graphical application, which kel starts for render\n");
-            return UsageError;
-        }
+    if (splitGraphCommandLine(args, graphArgs, graphOutput))
         return renderGraph(base, graphArgs, graphOutput, output);
-    }
     RenderArgs options;
     QString error = parse(args, options);
     if (!error.isEmpty()) {
         output.err += QStringLiteral("kel render: %1\n").arg(error) + usageOf(QStringLiteral("render"));
-        return UsageError;
-    }
-    if (!qobject_cast<QGuiApplication *>(QCoreApplication::instance())) {
-        output.err += QStringLiteral("kel render: pictures can only be drawn when kel starts with render or batch\n");
         return UsageError;
     }
     Document doc = base;

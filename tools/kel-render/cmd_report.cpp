@@ -10,7 +10,6 @@
 #include "render/report/reportwriter.h"
 #include "texts/reporttexts.h"
 
-#include <QApplication>
 #include <QDate>
 #include <QFile>
 
@@ -153,10 +152,6 @@ int reportCommand(const Document &base, const QStringList &args, CommandOutput &
         // Every unit refused: there is nothing a reader could use, and the
         // exit status says so as for any refused selection.
         return Refused;
-    }
-    if (!qobject_cast<QApplication *>(QCoreApplication::instance())) {
-        output.err += QStringLiteral("kel report: reports can only be drawn when kel starts with report or batch\n");
-        return UsageError;
     }
     const ChartPictureMaker charts = [](const ChartDescription &chart) {
         return chartPicture(chart, DefaultChartPictureSize);
