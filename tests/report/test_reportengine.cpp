@@ -4,6 +4,7 @@
 #include "reportsurvey.h"
 
 #include "engine/report/reportbuilder.h"
+#include "texts/selectiontexts.h"
 
 #include <gtest/gtest.h>
 
@@ -43,9 +44,9 @@ ReportBase baseOf(Document &doc)
 
 std::vector<ReportUnit> build(const Document &doc, const ReportRecipe &recipe, ReportBase base)
 {
-    QString error;
+    ReportPlanError error;
     const auto plans = planReportUnits(doc, base, recipe, error);
-    EXPECT_TRUE(plans) << error.toStdString();
+    EXPECT_TRUE(plans) << reportPlanErrorMessage(doc, error, false).toStdString();
     std::vector<ReportUnit> units;
     for (const ReportUnitPlan &plan : plans.value_or(std::vector<ReportUnitPlan>{}))
         units.push_back(buildReportUnit(doc, base, recipe, plan, testWords(), ReportOptions{}));
@@ -344,15 +345,17 @@ TEST(ReportUnits, AListNamesItsSelections)
     for (const auto &w : wrong) {
         SCOPED_TRACE(w.selection);
         recipe.selections = {QString::fromUtf8(w.selection)};
-        QString error;
-        EXPECT_FALSE(planReportUnits(*doc, baseOf(work), recipe, error));
+        ReportPlanError planError;
+        EXPECT_FALSE(planReportUnits(*doc, baseOf(work), recipe, planError));
+        const QString error = reportPlanErrorMessage(*doc, planError, false);
         EXPECT_TRUE(error.contains(QString::fromUtf8(w.says))) << error.toStdString();
         EXPECT_TRUE(error.contains(QStringLiteral("Harbour")) || error.contains(QStringLiteral("Role")))
             << error.toStdString();
     }
     recipe.selections = {QStringLiteral("0:4")};
-    QString error;
-    EXPECT_TRUE(planReportUnits(*doc, baseOf(work), recipe, error)) << error.toStdString();
+    ReportPlanError error;
+    EXPECT_TRUE(planReportUnits(*doc, baseOf(work), recipe, error))
+        << reportPlanErrorMessage(*doc, error, false).toStdString();
 }
 
 } // namespace

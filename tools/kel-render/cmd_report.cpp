@@ -9,6 +9,7 @@
 #include "gui/graphs/chartpicture.h"
 #include "render/report/reportwriter.h"
 #include "texts/reporttexts.h"
+#include "texts/selectiontexts.h"
 
 #include <QDate>
 #include <QFile>
@@ -129,9 +130,10 @@ int reportCommand(const Document &base, const QStringList &args, CommandOutput &
         if (std::size_t(b) >= doc.blocks.size())
             return usageError(output, QStringLiteral("the document has no block %1").arg(b));
     const ReportBase start{shown->model, shown->flex};
-    const std::optional<std::vector<ReportUnitPlan>> plans = planReportUnits(doc, start, recipe, error);
+    ReportPlanError planError;
+    const std::optional<std::vector<ReportUnitPlan>> plans = planReportUnits(doc, start, recipe, planError);
     if (!plans)
-        return usageError(output, error);
+        return usageError(output, reportPlanErrorMessage(doc, planError, selection.isSwedish));
 
     Report report;
     report.title = reportTitle(doc);
