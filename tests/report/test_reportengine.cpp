@@ -4,6 +4,7 @@
 #include "reportsurvey.h"
 
 #include "engine/report/reportbuilder.h"
+#include "texts/reporttexts.h"
 #include "texts/selectiontexts.h"
 
 #include <gtest/gtest.h>
@@ -102,9 +103,9 @@ TEST(ReportRecipe, WrittenAndReadBackUnchanged)
     recipe.split = 4;
     recipe.distributions = {1};
     recipe.date = QStringLiteral("24 November 2026");
-    QString error;
+    RecipeError error;
     const std::optional<ReportRecipe> back = readReportRecipe(writeReportRecipe(recipe), error);
-    ASSERT_TRUE(back) << error.toStdString();
+    ASSERT_TRUE(back) << recipeErrorMessage(error, false).toStdString();
     EXPECT_EQ(back->units, recipe.units);
     EXPECT_EQ(back->category, 2);
     EXPECT_TRUE(back->withinCurrent);
@@ -119,8 +120,39 @@ TEST(ReportRecipe, WrittenAndReadBackUnchanged)
     list.selections = {QStringLiteral("0:1,2"), QStringLiteral("0:3;1:0")};
     list.add(ReportSection::TitlePage);
     const std::optional<ReportRecipe> listBack = readReportRecipe(writeReportRecipe(list), error);
-    ASSERT_TRUE(listBack) << error.toStdString();
+    ASSERT_TRUE(listBack) << recipeErrorMessage(error, false).toStdString();
     EXPECT_EQ(listBack->selections, list.selections);
+}
+
+// Every problem a recipe can have is worded in both languages, and a line's
+// number comes first.
+TEST(ReportRecipe, EveryProblemIsWordedInBothLanguages)
+{
+    const RecipeProblem problems[] = {
+        RecipeProblem::UnknownSection,
+        RecipeProblem::UnknownSectionHeader,
+        RecipeProblem::NotKeyValue,
+        RecipeProblem::UnknownKey,
+        RecipeProblem::BadValue,
+        RecipeProblem::NoReportSection,
+        RecipeProblem::ByCategoryNeedsCategory,
+        RecipeProblem::ListNeedsSelection,
+    };
+    for (const RecipeProblem problem : problems) {
+        SCOPED_TRACE(int(problem));
+        const RecipeError whole{problem, 0, QStringLiteral("wordy"), QStringLiteral("keyed")};
+        const QString english = recipeErrorMessage(whole, false);
+        const QString swedish = recipeErrorMessage(whole, true);
+        EXPECT_FALSE(english.isEmpty());
+        EXPECT_NE(english, swedish);
+        const RecipeError atLine{problem, 12, whole.word, whole.key};
+        EXPECT_EQ(recipeErrorMessage(atLine, false), QStringLiteral("line 12: ") + english);
+        EXPECT_EQ(recipeErrorMessage(atLine, true), QStringLiteral("rad 12: ") + swedish);
+    }
+    EXPECT_EQ(recipeErrorMessage(RecipeError{RecipeProblem::BadValue, 0, QStringLiteral("x"), QStringLiteral("split")},
+                                 false),
+              QStringLiteral("'x' is not a value for split"));
+    EXPECT_TRUE(recipeErrorMessage(RecipeError{}, true).isEmpty());
 }
 
 TEST(ReportRecipe, EveryBadLineIsRefusedWithItsNumber)
@@ -143,8 +175,9 @@ TEST(ReportRecipe, EveryBadLineIsRefusedWithItsNumber)
         {"[Report]\nunits = list\n", "selection"},
     };
     for (const auto &c : cases) {
-        QString error;
-        EXPECT_FALSE(readReportRecipe(QString::fromUtf8(c.text), error)) << c.text;
+        RecipeError problem;
+        EXPECT_FALSE(readReportRecipe(QString::fromUtf8(c.text), problem)) << c.text;
+        const QString error = recipeErrorMessage(problem, false);
         EXPECT_TRUE(error.contains(QLatin1String(c.line))) << c.text << " -> " << error.toStdString();
     }
 }

@@ -88,9 +88,11 @@ int reportCommand(const Document &base, const QStringList &args, CommandOutput &
         if (!file.open(QIODevice::ReadOnly))
             return usageError(output,
                               QStringLiteral("cannot read the recipe '%1': %2").arg(recipeFile, file.errorString()));
-        const std::optional<ReportRecipe> read = readReportRecipe(QString::fromUtf8(file.readAll()), error);
+        RecipeError recipeError;
+        const std::optional<ReportRecipe> read = readReportRecipe(QString::fromUtf8(file.readAll()), recipeError);
         if (!read)
-            return usageError(output, QStringLiteral("%1: %2").arg(recipeFile, error));
+            return usageError(
+                output, QStringLiteral("%1: %2").arg(recipeFile, recipeErrorMessage(recipeError, selection.isSwedish)));
         recipe = *read;
     }
     // Options override the recipe, so one recipe serves several runs.
@@ -102,8 +104,10 @@ int reportCommand(const Document &base, const QStringList &args, CommandOutput &
         recipe.withinCurrent = true;
     if (!sections.isEmpty()) {
         recipe.sections.clear();
-        if (!parseReportSections(sections, recipe, error))
-            return usageError(output, QStringLiteral("--sections: %1").arg(error));
+        RecipeError sectionError;
+        if (!parseReportSections(sections, recipe, sectionError))
+            return usageError(
+                output, QStringLiteral("--sections: %1").arg(recipeErrorMessage(sectionError, selection.isSwedish)));
     }
     if (hasBlocks && !numberList(blocks, recipe.blocks))
         return usageError(output, QStringLiteral("--blocks takes block numbers, not '%1'").arg(blocks));

@@ -298,10 +298,13 @@ void ReportDialog::loadRecipe()
     QFile file(path);
     QString error;
     std::optional<ReportRecipe> read;
-    if (!file.open(QIODevice::ReadOnly))
+    if (!file.open(QIODevice::ReadOnly)) {
         error = file.errorString();
-    else
-        read = readReportRecipe(QString::fromUtf8(file.readAll()), error);
+    } else {
+        RecipeError recipeError;
+        read = readReportRecipe(QString::fromUtf8(file.readAll()), recipeError);
+        error = recipeErrorMessage(recipeError, mContext.isSwedish);
+    }
     if (!read) {
         QMessageBox::warning(this, mTexts.title, mTexts.recipeError.arg(path, error));
         return;
