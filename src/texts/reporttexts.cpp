@@ -100,4 +100,36 @@ ReportDialogTexts reportDialogTexts(bool sv)
     return t;
 }
 
+QString recipeErrorMessage(const RecipeError &e, bool sv)
+{
+    QString why;
+    switch (e.problem) {
+    case RecipeProblem::None: return QString();
+    case RecipeProblem::UnknownSection:
+        why = pickText(sv, "unknown section '%1'", "okänt avsnitt '%1'").arg(e.word);
+        break;
+    case RecipeProblem::UnknownSectionHeader:
+        why = pickText(sv, "unknown section header '%1'", "okänd avsnittsrubrik '%1'").arg(e.word);
+        break;
+    case RecipeProblem::NotKeyValue:
+        why = pickText(sv, "'%1' is not KEY = VALUE", "'%1' är inte NYCKEL = VÄRDE").arg(e.word);
+        break;
+    case RecipeProblem::UnknownKey: why = pickText(sv, "unknown key '%1'", "okänd nyckel '%1'").arg(e.word); break;
+    case RecipeProblem::BadValue:
+        why = pickText(sv, "'%1' is not a value for %2", "'%1' är inget värde för %2").arg(e.word, e.key);
+        break;
+    case RecipeProblem::NoReportSection: why = pickText(sv, "no [Report] section", "inget avsnitt [Report]"); break;
+    case RecipeProblem::ByCategoryNeedsCategory:
+        why = pickText(sv, "units = by-category needs a category", "units = by-category kräver en kategori");
+        break;
+    case RecipeProblem::ListNeedsSelection:
+        why = pickText(sv, "units = list needs at least one selection line",
+                       "units = list kräver minst en rad selection");
+        break;
+    }
+    if (e.line <= 0)
+        return why;
+    return pickText(sv, "line %1: %2", "rad %1: %2").arg(e.line).arg(why);
+}
+
 } // namespace kel

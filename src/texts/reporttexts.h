@@ -15,6 +15,9 @@ ReportWords reportWords(const Document &doc, bool isSwedish);
 /// What a section is called in the dialog and in messages.
 QString reportSectionName(ReportSection section, bool isSwedish);
 
+/// A recipe's error in words, with its line number when it has one.
+QString recipeErrorMessage(const RecipeError &error, bool isSwedish);
+
 /// A report whose every section the document's permissions forbid.
 QString reportForbiddenMessage(bool isSwedish);
 

@@ -2,7 +2,9 @@
 // The basic graph renderer against pictures that the test builds itself from
 // the layout rules: where the plot lies, how wide the bars are, how high each
 // one stands, where the fraction graph's segments begin and end.
+#include "render/colour/documentcolour.h"
 #include "render/graphs/basicgraphrenderer.h"
+#include "render/overview/sheetdrawer.h"
 #include "render/pictures/picturewriter.h"
 
 #include "../pictures/metafilereader.h"
@@ -71,6 +73,26 @@ BasicGraphDescription histogram()
 
 } // namespace
 
+// Documents store colours as Windows COLORREFs: red in the low byte. The
+// sheet reads a negative value as "no colour"; graphs and charts never get one.
+TEST(DocumentColour, RedIsTheLowByteAndTheHighByteIsIgnored)
+{
+    const struct {
+        qint32 stored;
+        int red, green, blue;
+    } cases[] = {
+        {0x000000FF, 255, 0, 0},        {0x0000FF00, 0, 255, 0}, {0x00FF0000, 0, 0, 255},
+        {0x00123456, 0x56, 0x34, 0x12}, {0x7F0000FF, 255, 0, 0}, {0x00000000, 0, 0, 0},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.stored);
+        EXPECT_EQ(documentColour(c.stored), QColor(c.red, c.green, c.blue));
+        EXPECT_EQ(sheetColour(c.stored), QColor(c.red, c.green, c.blue));
+    }
+    EXPECT_FALSE(sheetColour(-1).isValid());
+    EXPECT_FALSE(sheetColour(qint32(0x80000000)).isValid());
+}
+
 TEST(BasicGraphRenderer, TickStepsAndScaleFactors)
 {
     const std::pair<int, int> cases[] = {{0, 1},     {3, 1},     {4, 1},      {5, 5},       {24, 5},
@@ -126,7 +148,7 @@ TEST(BasicGraphRenderer, HistogramMatchesThePictureOfItsLayoutRules)
                 const QRect r(x, bottom - height, w, height);
                 if (height == 0)
                     continue;
-                p.fillRect(r, graphColour(d.bars[i].colour));
+                p.fillRect(r, documentColour(d.bars[i].colour));
                 if (d.bars[i].colour == White || (d.bars[i].drawFlags & 1))
                     framed(p, r, std::max(outline, 1));
             }
@@ -176,7 +198,7 @@ TEST(BasicGraphRenderer, FractionGraphSegmentsMatchTheirPerMille)
                 sum += d.bars[i].perMille;
                 const int end = int(std::nearbyint(barLeft + barWidth * sum / 1000.0 + 1));
                 const QRect r(start, y, end - start, barHeight);
-                p.fillRect(r, graphColour(d.bars[i].colour));
+                p.fillRect(r, documentColour(d.bars[i].colour));
                 if (d.bars[i].colour == White)
                     framed(p, r, 1);
                 start = end;

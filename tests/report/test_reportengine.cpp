@@ -4,6 +4,8 @@
 #include "reportsurvey.h"
 
 #include "engine/report/reportbuilder.h"
+#include "texts/reporttexts.h"
+#include "texts/selectiontexts.h"
 
 #include <gtest/gtest.h>
 
@@ -43,9 +45,9 @@ ReportBase baseOf(Document &doc)
 
 std::vector<ReportUnit> build(const Document &doc, const ReportRecipe &recipe, ReportBase base)
 {
-    QString error;
+    ReportPlanError error;
     const auto plans = planReportUnits(doc, base, recipe, error);
-    EXPECT_TRUE(plans) << error.toStdString();
+    EXPECT_TRUE(plans) << reportPlanErrorMessage(doc, error, false).toStdString();
     std::vector<ReportUnit> units;
     for (const ReportUnitPlan &plan : plans.value_or(std::vector<ReportUnitPlan>{}))
         units.push_back(buildReportUnit(doc, base, recipe, plan, testWords(), ReportOptions{}));
@@ -101,9 +103,9 @@ TEST(ReportRecipe, WrittenAndReadBackUnchanged)
     recipe.split = 4;
     recipe.distributions = {1};
     recipe.date = QStringLiteral("24 November 2026");
-    QString error;
+    RecipeError error;
     const std::optional<ReportRecipe> back = readReportRecipe(writeReportRecipe(recipe), error);
-    ASSERT_TRUE(back) << error.toStdString();
+    ASSERT_TRUE(back) << recipeErrorMessage(error, false).toStdString();
     EXPECT_EQ(back->units, recipe.units);
     EXPECT_EQ(back->category, 2);
     EXPECT_TRUE(back->withinCurrent);
@@ -118,8 +120,39 @@ TEST(ReportRecipe, WrittenAndReadBackUnchanged)
     list.selections = {QStringLiteral("0:1,2"), QStringLiteral("0:3;1:0")};
     list.add(ReportSection::TitlePage);
     const std::optional<ReportRecipe> listBack = readReportRecipe(writeReportRecipe(list), error);
-    ASSERT_TRUE(listBack) << error.toStdString();
+    ASSERT_TRUE(listBack) << recipeErrorMessage(error, false).toStdString();
     EXPECT_EQ(listBack->selections, list.selections);
+}
+
+// Every problem a recipe can have is worded in both languages, and a line's
+// number comes first.
+TEST(ReportRecipe, EveryProblemIsWordedInBothLanguages)
+{
+    const RecipeProblem problems[] = {
+        RecipeProblem::UnknownSection,
+        RecipeProblem::UnknownSectionHeader,
+        RecipeProblem::NotKeyValue,
+        RecipeProblem::UnknownKey,
+        RecipeProblem::BadValue,
+        RecipeProblem::NoReportSection,
+        RecipeProblem::ByCategoryNeedsCategory,
+        RecipeProblem::ListNeedsSelection,
+    };
+    for (const RecipeProblem problem : problems) {
+        SCOPED_TRACE(int(problem));
+        const RecipeError whole{problem, 0, QStringLiteral("wordy"), QStringLiteral("keyed")};
+        const QString english = recipeErrorMessage(whole, false);
+        const QString swedish = recipeErrorMessage(whole, true);
+        EXPECT_FALSE(english.isEmpty());
+        EXPECT_NE(english, swedish);
+        const RecipeError atLine{problem, 12, whole.word, whole.key};
+        EXPECT_EQ(recipeErrorMessage(atLine, false), QStringLiteral("line 12: ") + english);
+        EXPECT_EQ(recipeErrorMessage(atLine, true), QStringLiteral("rad 12: ") + swedish);
+    }
+    EXPECT_EQ(recipeErrorMessage(RecipeError{RecipeProblem::BadValue, 0, QStringLiteral("x"), QStringLiteral("split")},
+                                 false),
+              QStringLiteral("'x' is not a value for split"));
+    EXPECT_TRUE(recipeErrorMessage(RecipeError{}, true).isEmpty());
 }
 
 TEST(ReportRecipe, EveryBadLineIsRefusedWithItsNumber)
@@ -142,8 +175,9 @@ TEST(ReportRecipe, EveryBadLineIsRefusedWithItsNumber)
         {"[Report]\nunits = list\n", "selection"},
     };
     for (const auto &c : cases) {
-        QString error;
-        EXPECT_FALSE(readReportRecipe(QString::fromUtf8(c.text), error)) << c.text;
+        RecipeError problem;
+        EXPECT_FALSE(readReportRecipe(QString::fromUtf8(c.text), problem)) << c.text;
+        const QString error = recipeErrorMessage(problem, false);
         EXPECT_TRUE(error.contains(QLatin1String(c.line))) << c.text << " -> " << error.toStdString();
     }
 }
@@ -344,15 +378,17 @@ TEST(ReportUnits, AListNamesItsSelections)
     for (const auto &w : wrong) {
         SCOPED_TRACE(w.selection);
         recipe.selections = {QString::fromUtf8(w.selection)};
-        QString error;
-        EXPECT_FALSE(planReportUnits(*doc, baseOf(work), recipe, error));
+        ReportPlanError planError;
+        EXPECT_FALSE(planReportUnits(*doc, baseOf(work), recipe, planError));
+        const QString error = reportPlanErrorMessage(*doc, planError, false);
         EXPECT_TRUE(error.contains(QString::fromUtf8(w.says))) << error.toStdString();
         EXPECT_TRUE(error.contains(QStringLiteral("Harbour")) || error.contains(QStringLiteral("Role")))
             << error.toStdString();
     }
     recipe.selections = {QStringLiteral("0:4")};
-    QString error;
-    EXPECT_TRUE(planReportUnits(*doc, baseOf(work), recipe, error)) << error.toStdString();
+    ReportPlanError error;
+    EXPECT_TRUE(planReportUnits(*doc, baseOf(work), recipe, error))
+        << reportPlanErrorMessage(*doc, error, false).toStdString();
 }
 
 } // namespace

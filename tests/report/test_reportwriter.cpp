@@ -29,12 +29,12 @@ Report unitReport()
     recipe.category = 0;
     recipe.add(ReportSection::TitlePage);
     recipe.add(ReportSection::BlockFractions);
-    QString error;
     Report report;
     report.title = QStringLiteral("Units");
     report.words.page = QStringLiteral("Page %1 of %2");
-    const std::optional<std::vector<ReportUnitPlan>> plans = planReportUnits(doc, base, recipe, error);
-    EXPECT_TRUE(plans) << error.toStdString();
+    ReportPlanError planError;
+    const std::optional<std::vector<ReportUnitPlan>> plans = planReportUnits(doc, base, recipe, planError);
+    EXPECT_TRUE(plans);
     for (const ReportUnitPlan &plan : plans.value_or(std::vector<ReportUnitPlan>{}))
         report.units.push_back(buildReportUnit(doc, base, recipe, plan, report.words, {}));
     return report;

@@ -14,7 +14,6 @@
 #include "texts/graphtexts.h"
 #include "texts/language.h"
 
-#include <QApplication>
 #include <QPainter>
 #include <QPicture>
 
@@ -23,9 +22,6 @@
 namespace kel::cli {
 
 namespace {
-
-// Show refused the selection (nothing selected, too few respondents).
-constexpr int SelectionRefused = 7;
 
 struct RenderArgs {
     SelectionArgs selection;
@@ -90,30 +86,6 @@ bool splitGraphCommandLine(const QStringList &args, QStringList &graphArgs, QStr
     return graph;
 }
 
-// The graph as a graph window opens with it and saves it with the stored
-// defaults: a screen of 96 dots per inch, twice the size, no margin kept,
-// transparent where the format allows. Nothing when the graph does not fit
-// in that window (the window would say so instead of drawing it).
-std::optional<Picture> basicGraphFilePicture(const BasicGraphDescription &description)
-{
-    constexpr int Scale = 2;
-    const BasicGraphRenderer renderer(description, BasicGraphUnits{});
-    const LastSettings defaults;
-    const QSize window =
-        basicGraphWindowSize(renderer, defaults.questionGraphWindowWidth, defaults.questionGraphBarWidth, 96);
-    Picture picture;
-    picture.size = (window - QSize(2 * BasicGraphMargin, 2 * BasicGraphMargin)) * Scale;
-    const QRect area(QPoint(0, 0), picture.size);
-    QPicture probe; // a recording only, to learn whether it fits
-    QPainter painter(&probe);
-    const bool fits = drawScaledBasicGraph(painter, renderer, area, Scale, false);
-    painter.end();
-    if (!fits)
-        return std::nullopt;
-    picture.paint = [renderer, area](QPainter &target) { drawScaledBasicGraph(target, renderer, area, Scale, false); };
-    return picture;
-}
-
 int renderGraph(const Document &base, const QStringList &graphArgs, const QString &outputPath, CommandOutput &output)
 {
     if (outputPath.isEmpty() || !pictureFormatForFileName(outputPath)) {
@@ -127,12 +99,8 @@ int renderGraph(const Document &base, const QStringList &graphArgs, const QStrin
     MadeGraph graph;
     if (const int status = makeGraph(base, graphArgs, graph, output); status != 0)
         return status;
-    if (graph.chart && !qobject_cast<QApplication *>(QCoreApplication::instance())) {
-        output.err += QStringLiteral("kel render: charts can only be drawn when kel starts with render or batch\n");
-        return UsageError;
-    }
     std::optional<Picture> picture =
-        graph.chart ? chartPicture(*graph.chart, DefaultChartPictureSize) : basicGraphFilePicture(*graph.basic);
+        graph.chart ? chartPicture(*graph.chart, DefaultChartPictureSize) : basicGraphDefaultPicture(*graph.basic);
     if (!picture) {
         output.err += QStringLiteral("kel render: %1\n").arg(graphTooBigMessage(false));
         return 1;
@@ -161,22 +129,12 @@ int renderCommand(const Document &base, const QStringList &args, CommandOutput &
 {
     QStringList graphArgs;
     QString graphOutput;
-    if (splitGraphCommandLine(args, graphArgs, graphOutput)) {
-        if (!qobject_cast<QGuiApplication *>(QCoreApplication::instance())) {
-            output.err +=
-                QStringLiteral("kel render: pictures need the graphical application, which kel starts for render\n");
-            return UsageError;
-        }
+    if (splitGraphCommandLine(args, graphArgs, graphOutput))
         return renderGraph(base, graphArgs, graphOutput, output);
-    }
     RenderArgs options;
     QString error = parse(args, options);
     if (!error.isEmpty()) {
         output.err += QStringLiteral("kel render: %1\n").arg(error) + usageOf(QStringLiteral("render"));
-        return UsageError;
-    }
-    if (!qobject_cast<QGuiApplication *>(QCoreApplication::instance())) {
-        output.err += QStringLiteral("kel render: pictures can only be drawn when kel starts with render or batch\n");
         return UsageError;
     }
     Document doc = base;
@@ -188,7 +146,7 @@ int renderCommand(const Document &base, const QStringList &args, CommandOutput &
     const SubSheet &sheet = shown->sheet;
     if (shown->refusal) {
         output.err += shown->refusal->message + QLatin1Char('\n');
-        return SelectionRefused;
+        return Refused;
     }
 
     SheetInput input = sheetInputFor(doc, sheet);

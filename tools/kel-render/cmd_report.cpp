@@ -9,8 +9,8 @@
 #include "gui/graphs/chartpicture.h"
 #include "render/report/reportwriter.h"
 #include "texts/reporttexts.h"
+#include "texts/selectiontexts.h"
 
-#include <QApplication>
 #include <QDate>
 #include <QFile>
 
@@ -88,9 +88,11 @@ int reportCommand(const Document &base, const QStringList &args, CommandOutput &
         if (!file.open(QIODevice::ReadOnly))
             return usageError(output,
                               QStringLiteral("cannot read the recipe '%1': %2").arg(recipeFile, file.errorString()));
-        const std::optional<ReportRecipe> read = readReportRecipe(QString::fromUtf8(file.readAll()), error);
+        RecipeError recipeError;
+        const std::optional<ReportRecipe> read = readReportRecipe(QString::fromUtf8(file.readAll()), recipeError);
         if (!read)
-            return usageError(output, QStringLiteral("%1: %2").arg(recipeFile, error));
+            return usageError(
+                output, QStringLiteral("%1: %2").arg(recipeFile, recipeErrorMessage(recipeError, selection.isSwedish)));
         recipe = *read;
     }
     // Options override the recipe, so one recipe serves several runs.
@@ -102,8 +104,10 @@ int reportCommand(const Document &base, const QStringList &args, CommandOutput &
         recipe.withinCurrent = true;
     if (!sections.isEmpty()) {
         recipe.sections.clear();
-        if (!parseReportSections(sections, recipe, error))
-            return usageError(output, QStringLiteral("--sections: %1").arg(error));
+        RecipeError sectionError;
+        if (!parseReportSections(sections, recipe, sectionError))
+            return usageError(
+                output, QStringLiteral("--sections: %1").arg(recipeErrorMessage(sectionError, selection.isSwedish)));
     }
     if (hasBlocks && !numberList(blocks, recipe.blocks))
         return usageError(output, QStringLiteral("--blocks takes block numbers, not '%1'").arg(blocks));
@@ -130,9 +134,10 @@ int reportCommand(const Document &base, const QStringList &args, CommandOutput &
         if (std::size_t(b) >= doc.blocks.size())
             return usageError(output, QStringLiteral("the document has no block %1").arg(b));
     const ReportBase start{shown->model, shown->flex};
-    const std::optional<std::vector<ReportUnitPlan>> plans = planReportUnits(doc, start, recipe, error);
+    ReportPlanError planError;
+    const std::optional<std::vector<ReportUnitPlan>> plans = planReportUnits(doc, start, recipe, planError);
     if (!plans)
-        return usageError(output, error);
+        return usageError(output, reportPlanErrorMessage(doc, planError, selection.isSwedish));
 
     Report report;
     report.title = reportTitle(doc);
@@ -153,10 +158,6 @@ int reportCommand(const Document &base, const QStringList &args, CommandOutput &
         // Every unit refused: there is nothing a reader could use, and the
         // exit status says so as for any refused selection.
         return Refused;
-    }
-    if (!qobject_cast<QApplication *>(QCoreApplication::instance())) {
-        output.err += QStringLiteral("kel report: reports can only be drawn when kel starts with report or batch\n");
-        return UsageError;
     }
     const ChartPictureMaker charts = [](const ChartDescription &chart) {
         return chartPicture(chart, DefaultChartPictureSize);

@@ -20,7 +20,7 @@ namespace {
 int usageError(CommandOutput &output, const QString &error)
 {
     output.err += QStringLiteral("kel graph: %1\n").arg(error) + usageOf(QStringLiteral("graph"));
-    return GraphUsageError;
+    return UsageError;
 }
 
 void writeBasicGraph(JsonWriter &json, const BasicGraphDescription &d)
@@ -143,7 +143,7 @@ int basicGraphKind(const GraphInput &in, qint32 kind, MadeGraph &graph, CommandO
     case BasicGraphOutcome::Ok: break;
     case BasicGraphOutcome::SplitNotAllowed:
         output.err += splitNotAllowedMessage(in.args.selection.isSwedish) + QLatin1Char('\n');
-        return GraphRefused;
+        return Refused;
     case BasicGraphOutcome::Failed: return usageError(output, QStringLiteral("the graph could not be generated"));
     }
     graph.basic = result.description;
@@ -206,7 +206,7 @@ int makeGraph(const Document &base, const QStringList &args, MadeGraph &graph, C
                  OutputCommand::Figures)) {
         output.err +=
             showRefusalMessage(doc, SubSheetOutcome::TooSmall, parsed->selection.isSwedish) + QLatin1Char('\n');
-        return GraphRefused;
+        return Refused;
     }
     return entry->run(GraphInput{doc, *parsed, *shown}, graph, output);
 }

@@ -145,7 +145,7 @@ int makeChartGraph(const Document &doc, const ShownSelection &shown, const QStri
             request.titleText = doc.blocks[std::size_t(block)].name;
             if (request.questions.empty()) {
                 output.err += QStringLiteral("The block did not contain any questions!\n");
-                return 7;
+                return Refused;
             }
         } else {
             request.questions = {question};
@@ -238,7 +238,7 @@ int makeChartGraph(const Document &doc, const ShownSelection &shown, const QStri
         if (request.splitQuestion >= 0 && !splitAllowed(doc, shown.sheet.steps, request.splitQuestion)) {
             output.err += QStringLiteral("Splitting by question %1 is not allowed for this selection.\n")
                               .arg(request.splitQuestion);
-            return 7;
+            return Refused;
         }
         // The dialogs keep the empty-splits box only with a split chosen.
         if (request.splitQuestion < 0)

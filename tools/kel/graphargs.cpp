@@ -38,11 +38,11 @@ int showForGraph(Document &doc, const GraphArgs &args, std::optional<ShownSelect
     shown = showFromArgs(doc, args.selection, error);
     if (!shown) {
         output.err += QStringLiteral("kel graph: %1\n").arg(error);
-        return GraphUsageError;
+        return UsageError;
     }
     if (shown->refusal) {
         output.err += shown->refusal->message + QLatin1Char('\n');
-        return GraphRefused;
+        return Refused;
     }
     return 0;
 }

@@ -17,11 +17,6 @@
 
 namespace kel::cli {
 
-/// Exit status of `kel graph` when Show would refuse the selection.
-inline constexpr int GraphRefused = 7;
-/// Exit status of `kel graph` for a command line that makes no sense.
-inline constexpr int GraphUsageError = 64;
-
 struct GraphArgs {
     SelectionArgs selection;
     bool reversed = false;   ///< "Graph Value Order Reversed"
@@ -43,7 +38,7 @@ struct GraphInput {
 };
 
 /// Runs Show for the common options. A refusal is written to `output.err`
-/// and returns GraphRefused; a bad option returns GraphUsageError; on
+/// and returns Refused; a bad option returns UsageError; on
 /// success returns 0 and fills `shown`.
 int showForGraph(Document &doc, const GraphArgs &args, std::optional<ShownSelection> &shown, CommandOutput &output);
 
@@ -55,7 +50,7 @@ struct MadeGraph {
 
 /// `kel graph`'s command line (FILE taken off) turned into its graph: Show
 /// on the selection options, then KIND with its options. 0 and `graph`
-/// filled, or the exit status (7 refused, 64 usage) with the message in
+/// filled, or the exit status (Refused, UsageError) with the message in
 /// `output.err`.
 int makeGraph(const Document &base, const QStringList &args, MadeGraph &graph, CommandOutput &output);
 

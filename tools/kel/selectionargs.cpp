@@ -7,6 +7,7 @@
 
 #include <QFileInfo>
 #include "texts/messages.h"
+#include "texts/selectiontexts.h"
 
 #include <QDateTime>
 #include <QRegularExpression>
@@ -22,28 +23,21 @@ bool parseNumber(const QString &text, qint32 &value)
     return ok;
 }
 
-QString specErrorText(const Document &doc, const char *option, const SpecError &e)
+QString specErrorText(const Document &doc, const char *option, const SpecError &e, bool isSwedish)
 {
-    return QStringLiteral("%1: %2").arg(QLatin1String(option), describeSpecError(doc, e));
+    return QStringLiteral("%1: %2").arg(QLatin1String(option), specErrorMessage(doc, e, isSwedish));
 }
 
-// Each named category keeps exactly the listed options.
-bool applySelectSpec(const Document &doc, SelectionModel &model, const QString &text, QString &error)
+bool applySelectSpec(const Document &doc, SelectionModel &model, const QString &text, bool isSwedish, QString &error)
 {
-    const ParsedSelectionSpec parsed = parseSelectionSpec(doc, text);
-    if (!parsed.ok()) {
-        error = specErrorText(doc, "--select", parsed.error);
-        return false;
-    }
-    for (const SpecCategory &part : parsed.categories) {
-        model.setCategoryChecked(part.category, false);
-        for (const qint32 option : part.options)
-            model.setOptionChecked(part.category, option, true);
-    }
-    return true;
+    SpecError problem;
+    if (applySelectionSpec(doc, model, text, problem))
+        return true;
+    error = specErrorText(doc, "--select", problem, isSwedish);
+    return false;
 }
 
-bool applyFlexSpec(const Document &doc, SelectionModel &model, const QString &text, QString &error)
+bool applyFlexSpec(const Document &doc, SelectionModel &model, const QString &text, bool isSwedish, QString &error)
 {
     if (!model.flexVisible()) {
         error = QStringLiteral("--flex: the document has no flex category");
@@ -51,7 +45,7 @@ bool applyFlexSpec(const Document &doc, SelectionModel &model, const QString &te
     }
     const ParsedSelectionSpec parsed = parseOptionList(doc, doc.flexCategory, text);
     if (!parsed.ok()) {
-        error = specErrorText(doc, "--flex", parsed.error);
+        error = specErrorText(doc, "--flex", parsed.error, isSwedish);
         return false;
     }
     const qint32 first = firstVisibleOption(doc);
@@ -164,9 +158,9 @@ std::optional<ShownSelection> showFromArgs(Document &doc, const SelectionArgs &a
         return std::nullopt;
     shown.model.setUpDimensions(doc);
     shown.flex.reset(doc);
-    if (args.hasSelect && !applySelectSpec(doc, shown.model, args.selectSpec, error))
+    if (args.hasSelect && !applySelectSpec(doc, shown.model, args.selectSpec, args.isSwedish, error))
         return std::nullopt;
-    if (args.hasFlex && !applyFlexSpec(doc, shown.model, args.flexSpec, error))
+    if (args.hasFlex && !applyFlexSpec(doc, shown.model, args.flexSpec, args.isSwedish, error))
         return std::nullopt;
     if (args.flexCurrent && shown.model.flexVisible())
         shown.model.setFlexBasedOnCurrentSelection(true);

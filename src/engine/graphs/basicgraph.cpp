@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/graphs/basicgraph.h"
 
+#include "engine/document/documentlanguage.h"
+
 #include "engine/selection/showdecision.h"
 
 #include "engine/indexes/columnindex.h"
@@ -101,17 +103,12 @@ qint32 roundedShare(qint64 count, qint64 scale, qint64 total)
     return qint32(quotient);
 }
 
-bool graphTextsSwedish(const Document &doc)
-{
-    return doc.properties.languageCode == QLatin1String("sv");
-}
-
 QString splitGraphName(const Document &doc, qint32 question, qint32 splitQuestion)
 {
     const auto heading = [&](qint32 q) {
         return q >= 0 && std::size_t(q) < doc.questions.size() ? doc.questions[std::size_t(q)].heading : QString();
     };
-    return heading(question) + (graphTextsSwedish(doc) ? QStringLiteral(" fördelad på ") : QStringLiteral(" split by "))
+    return heading(question) + (documentIsSwedish(doc) ? QStringLiteral(" fördelad på ") : QStringLiteral(" split by "))
         + heading(splitQuestion);
 }
 
@@ -160,7 +157,7 @@ BasicGraphResult generateBasicGraph(const Document &doc, const BasicGraphRequest
     }
 
     const DocumentProperties &p = doc.properties;
-    const bool swedish = graphTextsSwedish(doc);
+    const bool swedish = documentIsSwedish(doc);
     const QLocale &locale = selection.locale;
     const qint32 pointsScale = p.pointsScale;
     const bool withIndex = pointsScale >= 1;

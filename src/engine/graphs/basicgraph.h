@@ -110,9 +110,6 @@ bool splitPermitted(const Document &doc, qint32 question, const BasicGraphSelect
 /// Split graph name: heading + " split by " / " fördelad på " + split heading.
 QString splitGraphName(const Document &doc, qint32 question, qint32 splitQuestion);
 
-/// Whether the document's graph texts are Swedish (language code "sv").
-bool graphTextsSwedish(const Document &doc);
-
 /// count x scale / total rounded to the nearest integer, halves to even; 0
 /// when total is 0.
 qint32 roundedShare(qint64 count, qint64 scale, qint64 total);

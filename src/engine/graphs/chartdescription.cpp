@@ -43,11 +43,6 @@ QString chartWholeNumber(qint64 value, const QLocale &locale)
     return locale.toString(value);
 }
 
-bool documentIsSwedish(const Document &doc)
-{
-    return doc.properties.languageCode == QLatin1String("sv");
-}
-
 QString pickDocumentText(const Document &doc, const char *english, const char *swedish)
 {
     return QString::fromUtf8(documentIsSwedish(doc) ? swedish : english);

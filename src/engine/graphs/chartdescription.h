@@ -6,6 +6,7 @@
 #pragma once
 
 #include "engine/document/document.h"
+#include "engine/document/documentlanguage.h"
 #include "engine/indexes/columnindex.h"
 #include "engine/selection/counting.h"
 
@@ -80,7 +81,6 @@ qint32 chartLegendPosition(qint32 graphLegends);
 /// Whole numbers in chart texts.
 QString chartWholeNumber(qint64 value, const QLocale &locale);
 /// Texts inside charts follow the document's language.
-bool documentIsSwedish(const Document &doc);
 QString pickDocumentText(const Document &doc, const char *english, const char *swedish);
 /// The alternative's name in a chart: short or full text by the setting.
 QString chartAlternativeName(const Alternative &alternative, bool shortNames);

@@ -1,16 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/indexes/indexexport.h"
 
+#include "engine/document/documentlanguage.h"
 #include "engine/indexes/blockindex.h"
 
 namespace kel {
 
 namespace {
-
-bool isSwedishDocument(const Document &doc)
-{
-    return doc.properties.languageCode == QLatin1String("sv");
-}
 
 bool blockListed(const Document &doc, qint32 block)
 {
@@ -98,7 +94,7 @@ std::vector<SubSelection> buildSubSelections(const Document &doc, const IndexExp
 {
     std::vector<SubSelection> result;
     if (options.subSelTotal)
-        result.push_back({isSwedishDocument(doc) ? QStringLiteral("Totalt") : QStringLiteral("Total"), currentRows});
+        result.push_back({documentIsSwedish(doc) ? QStringLiteral("Totalt") : QStringLiteral("Total"), currentRows});
     const qint32 firstVisible = doc.properties.firstAlternativeIsNoAnswer ? 1 : 0;
     for (qint32 q : options.subSelCategories) {
         if (q < 0 || q >= qint32(doc.questions.size()))
@@ -127,7 +123,7 @@ std::vector<IndexItem> buildIndexItems(const Document &doc, const IndexExportOpt
     std::vector<IndexItem> items;
     if (options.indexFor[O::ForTotal])
         items.push_back(
-            {IndexItem::Total, -1, isSwedishDocument(doc) ? QStringLiteral("Totalt") : QStringLiteral("Total")});
+            {IndexItem::Total, -1, documentIsSwedish(doc) ? QStringLiteral("Totalt") : QStringLiteral("Total")});
     qint32 previousBlock = -1;
     qint32 previousSubBlock = -1;
     for (qint32 q : doc.overviewColumns) {
@@ -244,7 +240,7 @@ QString formatIndexTable(const Document &doc, const QString &selectionText, cons
         return numbers.toString(v, 'f', decimals);
     };
     auto count = [&](std::size_t s) { return numbers.toString(qlonglong(subSelections[s].rows.size())); };
-    const QString answers = isSwedishDocument(doc) ? QStringLiteral("Antal") : QStringLiteral("Answers");
+    const QString answers = documentIsSwedish(doc) ? QStringLiteral("Antal") : QStringLiteral("Answers");
     const QChar tab = QLatin1Char('\t');
 
     QStringList lines;

@@ -189,33 +189,15 @@ QString refusalWords(ReportRefusal refusal, const ReportWords &words)
 
 } // namespace
 
-bool applyReportSelection(const Document &doc, SelectionModel &model, const QString &spec, QString &error)
-{
-    // Read as `kel --select` reads it, by names or numbers.
-    const ParsedSelectionSpec parsed = parseSelectionSpec(doc, spec);
-    if (!parsed.ok()) {
-        error = describeSpecError(doc, parsed.error);
-        return false;
-    }
-    for (const SpecCategory &part : parsed.categories) {
-        model.setCategoryChecked(part.category, false);
-        for (const qint32 option : part.options)
-            model.setOptionChecked(part.category, option, true);
-    }
-    return true;
-}
-
 std::optional<std::vector<ReportUnitPlan>> planReportUnits(const Document &doc, const ReportBase &base,
-                                                           const ReportRecipe &recipe, QString &error)
+                                                           const ReportRecipe &recipe, ReportPlanError &error)
 {
     std::vector<ReportUnitPlan> units;
     switch (recipe.units) {
     case ReportUnits::Current: units.push_back({QString(), base.model}); break;
     case ReportUnits::ByCategory: {
         if (recipe.category < 0 || std::size_t(recipe.category) >= doc.categories.size()) {
-            error = QStringLiteral("the document has no category %1 (it has %2)")
-                        .arg(recipe.category)
-                        .arg(doc.categories.size());
+            error.missingCategory = recipe.category;
             return std::nullopt;
         }
         const Question &q = doc.questions[std::size_t(doc.categories[std::size_t(recipe.category)])];
@@ -238,7 +220,7 @@ std::optional<std::vector<ReportUnitPlan>> planReportUnits(const Document &doc, 
         for (const QString &spec : recipe.selections) {
             ReportUnitPlan plan{spec, base.model};
             plan.model.setUpDimensions(doc);
-            if (!applyReportSelection(doc, plan.model, spec, error))
+            if (!applySelectionSpec(doc, plan.model, spec, error.selection))
                 return std::nullopt;
             units.push_back(std::move(plan));
         }

@@ -5,6 +5,7 @@
 
 #include "engine/report/reportcontent.h"
 #include "engine/report/reportshow.h"
+#include "engine/selection/selectionspec.h"
 
 #include <QLocale>
 
@@ -24,16 +25,19 @@ struct ReportUnitPlan {
     SelectionModel model;
 };
 
+/// Why the units could not be planned, for the caller to word
+/// (texts/selectiontexts.h): a unit's selection names something the document
+/// lacks, or the recipe's category is past the document's last.
+struct ReportPlanError {
+    SpecError selection;
+    std::optional<qint32> missingCategory;
+};
+
 /// The units of `recipe` (after the base selection for "current" and
 /// "within current"). Nothing with `error` when the recipe names a category
 /// or option the document does not have.
 std::optional<std::vector<ReportUnitPlan>> planReportUnits(const Document &doc, const ReportBase &base,
-                                                           const ReportRecipe &recipe, QString &error);
-
-/// Applies "C:O,O;C:..." to `model`, by names or numbers as
-/// parseSelectionSpec reads them (each named category keeps exactly the
-/// listed options). False with `error` on a bad category or option.
-bool applyReportSelection(const Document &doc, SelectionModel &model, const QString &spec, QString &error);
+                                                           const ReportRecipe &recipe, ReportPlanError &error);
 
 /// Which of the recipe's sections the document's permissions allow: pictures
 /// where saving pictures is, tables where copying is, comments where copying

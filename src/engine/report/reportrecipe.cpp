@@ -82,12 +82,12 @@ QString reportSectionKey(ReportSection section)
     return {};
 }
 
-bool parseReportSections(const QString &list, ReportRecipe &recipe, QString &error)
+bool parseReportSections(const QString &list, ReportRecipe &recipe, RecipeError &error)
 {
     for (const QString &part : list.split(QLatin1Char(','), Qt::SkipEmptyParts)) {
         const std::optional<ReportSection> section = reportSectionForKey(part.trimmed());
         if (!section) {
-            error = QStringLiteral("unknown section '%1'").arg(part.trimmed());
+            error = RecipeError{RecipeProblem::UnknownSection, 0, part.trimmed(), QString()};
             return false;
         }
         recipe.add(*section);
@@ -122,7 +122,7 @@ QString writeReportRecipe(const ReportRecipe &recipe)
     return text;
 }
 
-std::optional<ReportRecipe> readReportRecipe(const QString &text, QString &error)
+std::optional<ReportRecipe> readReportRecipe(const QString &text, RecipeError &error)
 {
     ReportRecipe recipe;
     bool sawSection = false;
@@ -131,19 +131,19 @@ std::optional<ReportRecipe> readReportRecipe(const QString &text, QString &error
         const QString line = lines[n].trimmed();
         if (line.isEmpty() || line.startsWith(QLatin1Char('#')) || line.startsWith(QLatin1Char(';')))
             continue;
-        const auto fail = [&](const QString &why) {
-            error = QStringLiteral("line %1: %2").arg(n + 1).arg(why);
+        const auto fail = [&](RecipeProblem problem, const QString &word, const QString &key = QString()) {
+            error = RecipeError{problem, n + 1, word, key};
             return std::nullopt;
         };
         if (line.startsWith(QLatin1Char('['))) {
             if (line != QLatin1String("[Report]"))
-                return fail(QStringLiteral("unknown section header '%1'").arg(line));
+                return fail(RecipeProblem::UnknownSectionHeader, line);
             sawSection = true;
             continue;
         }
         const qsizetype eq = line.indexOf(QLatin1Char('='));
         if (eq < 0)
-            return fail(QStringLiteral("'%1' is not KEY = VALUE").arg(line));
+            return fail(RecipeProblem::NotKeyValue, line);
         const QString key = line.left(eq).trimmed();
         const QString value = line.mid(eq + 1).trimmed();
         bool ok = true;
@@ -163,9 +163,9 @@ std::optional<ReportRecipe> readReportRecipe(const QString &text, QString &error
         } else if (key == QLatin1String("selection")) {
             recipe.selections.push_back(value);
         } else if (key == QLatin1String("sections")) {
-            QString why;
+            RecipeError why;
             if (!parseReportSections(value, recipe, why))
-                return fail(why);
+                return fail(why.problem, why.word);
         } else if (key == QLatin1String("blocks")) {
             ok = parseNumberList(value, recipe.blocks);
         } else if (key == QLatin1String("split")) {
@@ -176,21 +176,21 @@ std::optional<ReportRecipe> readReportRecipe(const QString &text, QString &error
         } else if (key == QLatin1String("date")) {
             recipe.date = value;
         } else {
-            return fail(QStringLiteral("unknown key '%1'").arg(key));
+            return fail(RecipeProblem::UnknownKey, key);
         }
         if (!ok)
-            return fail(QStringLiteral("'%1' is not a value for %2").arg(value, key));
+            return fail(RecipeProblem::BadValue, value, key);
     }
     if (!sawSection) {
-        error = QStringLiteral("no [Report] section");
+        error = RecipeError{RecipeProblem::NoReportSection, 0, QString(), QString()};
         return std::nullopt;
     }
     if (recipe.units == ReportUnits::ByCategory && recipe.category < 0) {
-        error = QStringLiteral("units = by-category needs a category");
+        error = RecipeError{RecipeProblem::ByCategoryNeedsCategory, 0, QString(), QString()};
         return std::nullopt;
     }
     if (recipe.units == ReportUnits::List && recipe.selections.empty()) {
-        error = QStringLiteral("units = list needs at least one selection line");
+        error = RecipeError{RecipeProblem::ListNeedsSelection, 0, QString(), QString()};
         return std::nullopt;
     }
     return recipe;

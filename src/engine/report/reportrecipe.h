@@ -77,15 +77,35 @@ struct ReportRecipe {
 std::optional<ReportSection> reportSectionForKey(const QString &key);
 QString reportSectionKey(ReportSection section);
 
+/// What is wrong in a recipe, for the caller to word (texts/reporttexts.h).
+enum class RecipeProblem {
+    None,
+    UnknownSection,          ///< `word`: a section name
+    UnknownSectionHeader,    ///< `word`: the header line
+    NotKeyValue,             ///< `word`: the line
+    UnknownKey,              ///< `word`: the key
+    BadValue,                ///< `word`: the value, `key`: its key
+    NoReportSection,         ///< the file has no [Report] line
+    ByCategoryNeedsCategory, ///< units = by-category without category
+    ListNeedsSelection,      ///< units = list without selection lines
+};
+
+struct RecipeError {
+    RecipeProblem problem = RecipeProblem::None;
+    qsizetype line = 0; ///< 1-based; 0 for the recipe as a whole
+    QString word;
+    QString key;
+};
+
 /// Parses a comma-separated list of section names into `recipe`; false with
 /// `error` naming the first unknown one.
-bool parseReportSections(const QString &list, ReportRecipe &recipe, QString &error);
+bool parseReportSections(const QString &list, ReportRecipe &recipe, RecipeError &error);
 
 /// The recipe as its file holds it.
 QString writeReportRecipe(const ReportRecipe &recipe);
 /// A recipe file's text; nothing with `error` (naming the line) when a line
 /// cannot be read. Unknown keys are errors too: a misspelt key must not
 /// silently give a different report.
-std::optional<ReportRecipe> readReportRecipe(const QString &text, QString &error);
+std::optional<ReportRecipe> readReportRecipe(const QString &text, RecipeError &error);
 
 } // namespace kel

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/selection/flextotal.h"
 
+#include "engine/document/documentlanguage.h"
 #include "engine/indexes/blockindex.h"
 
 #include <algorithm>
@@ -75,8 +76,8 @@ void FlexTotal::setFlexTotal(Document &doc, const std::vector<bool> &selected, b
         mText = joinWithAmpersand(names);
     }
     if (baseOnCurrentSelection) {
-        mText.prepend(doc.properties.languageCode == QLatin1String("sv") ? QStringLiteral("Aktuellt urval men ")
-                                                                         : QStringLiteral("Current selection but "));
+        mText.prepend(documentIsSwedish(doc) ? QStringLiteral("Aktuellt urval men ")
+                                             : QStringLiteral("Current selection but "));
         return; // the rows follow at the next overview build
     }
 

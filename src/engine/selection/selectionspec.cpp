@@ -188,6 +188,21 @@ ParsedSelectionSpec parseSelectionSpec(const Document &doc, const QString &spec)
     return parsed;
 }
 
+bool applySelectionSpec(const Document &doc, SelectionModel &model, const QString &spec, SpecError &error)
+{
+    const ParsedSelectionSpec parsed = parseSelectionSpec(doc, spec);
+    if (!parsed.ok()) {
+        error = parsed.error;
+        return false;
+    }
+    for (const SpecCategory &part : parsed.categories) {
+        model.setCategoryChecked(part.category, false);
+        for (const qint32 option : part.options)
+            model.setOptionChecked(part.category, option, true);
+    }
+    return true;
+}
+
 ParsedSelectionSpec parseOptionList(const Document &doc, qint32 question, const QString &list)
 {
     ParsedSelectionSpec parsed;
@@ -195,39 +210,6 @@ ParsedSelectionSpec parseOptionList(const Document &doc, qint32 question, const 
     if (resolveOptions(doc, question, -1, list, chosen, parsed.error))
         parsed.categories.push_back(std::move(chosen));
     return parsed;
-}
-
-QString describeSpecError(const Document &doc, const SpecError &e)
-{
-    QString where;
-    if (e.category >= 0) {
-        const Question &q = doc.questions[std::size_t(doc.categories[std::size_t(e.category)])];
-        where = QStringLiteral("category %1 (%2)").arg(e.category).arg(q.selectionLabel);
-    } else {
-        where = QStringLiteral("the flex category");
-    }
-    QString text;
-    switch (e.problem) {
-    case SpecProblem::None: return QString();
-    case SpecProblem::Syntax:
-        return QStringLiteral("'%1' is not CATEGORY=OPTION,... (a backslash escapes the next character)").arg(e.word);
-    case SpecProblem::UnknownCategory: text = QStringLiteral("no category '%1'").arg(e.word); break;
-    case SpecProblem::AmbiguousCategory:
-        text = QStringLiteral("several categories are called '%1'; use the number").arg(e.word);
-        break;
-    case SpecProblem::UnknownOption: text = QStringLiteral("%1 has no option '%2'").arg(where, e.word); break;
-    case SpecProblem::AmbiguousOption:
-        text = QStringLiteral("%1 has several options called '%2'; use the number").arg(where, e.word);
-        break;
-    case SpecProblem::HiddenOption:
-        text = QStringLiteral("option %1 of %2 is the hidden no-answer alternative, which is always counted")
-                   .arg(e.word, where);
-        break;
-    }
-    const bool aboutCategories =
-        e.problem == SpecProblem::UnknownCategory || e.problem == SpecProblem::AmbiguousCategory;
-    const QString kind = aboutCategories ? QStringLiteral("the categories are") : QStringLiteral("its options are");
-    return QStringLiteral("%1; %2: %3").arg(text, kind, e.choices.join(QStringLiteral(", ")));
 }
 
 } // namespace kel

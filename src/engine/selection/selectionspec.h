@@ -19,6 +19,7 @@
 #pragma once
 
 #include "engine/document/document.h"
+#include "engine/selection/selectionmodel.h"
 
 #include <QString>
 #include <QStringList>
@@ -43,8 +44,9 @@ enum class SpecProblem {
     HiddenOption,      ///< the number of the hidden no-answer alternative
 };
 
-/// What went wrong, for the caller to word: the word that was not found
-/// and, for unknown and ambiguous names, what exists ("NUMBER NAME" each).
+/// What went wrong, for the caller to word (texts/selectiontexts.h): the
+/// word that was not found and, for unknown and ambiguous names, what exists
+/// ("NUMBER NAME" each).
 struct SpecError {
     SpecProblem problem = SpecProblem::None;
     QString word;
@@ -61,14 +63,14 @@ struct ParsedSelectionSpec {
 /// Reads a selection written as above against `doc`'s categories.
 ParsedSelectionSpec parseSelectionSpec(const Document &doc, const QString &spec);
 
+/// Applies a selection written as above to `model`: each named category
+/// keeps exactly the listed options. False with `error`, `model` untouched,
+/// when the text names something `doc` does not have.
+bool applySelectionSpec(const Document &doc, SelectionModel &model, const QString &spec, SpecError &error);
+
 /// The options of a flex-category list ("OPTION,OPTION"), by number or name,
 /// of `question`; the part of parseSelectionSpec that reads one list.
 ParsedSelectionSpec parseOptionList(const Document &doc, qint32 question, const QString &list);
-
-/// `error` in words: what was not found and what exists, so that whoever
-/// wrote the selection can correct it without opening the document. Empty
-/// when there is no error.
-QString describeSpecError(const Document &doc, const SpecError &error);
 
 /// "NUMBER NAME" of every visible option of `question`, and of every
 /// category: what an error lists.

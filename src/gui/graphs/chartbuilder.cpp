@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "gui/graphs/chartbuilder.h"
 
+#include "render/colour/documentcolour.h"
+
 #include <QBarCategoryAxis>
 #include <QBarSeries>
 #include <QBarSet>
@@ -178,11 +180,6 @@ Qt::Alignment legendAlignment(qint32 code)
     }
 }
 
-QColor colourFromStored(qint32 stored)
-{
-    return QColor(stored & 0xFF, (stored >> 8) & 0xFF, (stored >> 16) & 0xFF);
-}
-
 QChart *buildChart(const ChartDescription &description)
 {
     const ChartDescription d = withClippedTexts(description);
@@ -245,7 +242,7 @@ QChart *buildChart(const ChartDescription &description)
             largest = qMax(largest, value);
         }
         if (s.colour != -1)
-            set->setColor(colourFromStored(s.colour));
+            set->setColor(documentColour(s.colour));
         bars->append(set);
     }
     chart->addSeries(bars);

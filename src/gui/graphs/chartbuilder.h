@@ -35,7 +35,4 @@ inline constexpr int ChartTextRole = 0;
 /// A new chart showing `chart`; the caller owns it (a QChartView takes it over).
 QChart *buildChart(const ChartDescription &chart);
 
-/// The colour of a stored 0x00BBGGRR value.
-QColor colourFromStored(qint32 stored);
-
 } // namespace kel

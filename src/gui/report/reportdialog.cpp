@@ -4,6 +4,7 @@
 #include "gui/graphs/chartpicture.h"
 #include "render/report/reportwriter.h"
 #include "texts/language.h"
+#include "texts/selectiontexts.h"
 
 #include <QCheckBox>
 
@@ -238,9 +239,12 @@ std::optional<Report> ReportDialog::buildReport(const ReportRecipe &recipe, cons
         error = reportForbiddenMessage(mContext.isSwedish);
         return std::nullopt;
     }
-    const std::optional<std::vector<ReportUnitPlan>> plans = planReportUnits(doc, mContext.base, recipe, error);
-    if (!plans)
+    ReportPlanError planError;
+    const std::optional<std::vector<ReportUnitPlan>> plans = planReportUnits(doc, mContext.base, recipe, planError);
+    if (!plans) {
+        error = reportPlanErrorMessage(doc, planError, mContext.isSwedish);
         return std::nullopt;
+    }
     Report report;
     report.title = reportTitle(doc);
     report.words = reportWords(doc, mContext.isSwedish);
@@ -294,10 +298,13 @@ void ReportDialog::loadRecipe()
     QFile file(path);
     QString error;
     std::optional<ReportRecipe> read;
-    if (!file.open(QIODevice::ReadOnly))
+    if (!file.open(QIODevice::ReadOnly)) {
         error = file.errorString();
-    else
-        read = readReportRecipe(QString::fromUtf8(file.readAll()), error);
+    } else {
+        RecipeError recipeError;
+        read = readReportRecipe(QString::fromUtf8(file.readAll()), recipeError);
+        error = recipeErrorMessage(recipeError, mContext.isSwedish);
+    }
     if (!read) {
         QMessageBox::warning(this, mTexts.title, mTexts.recipeError.arg(path, error));
         return;
@@ -326,10 +333,11 @@ QString ReportDialog::writeTo(const QString &path)
     QString error;
     // Units are counted first so that the bar knows its end: building and
     // writing each unit are one step each.
+    ReportPlanError planError;
     const std::optional<std::vector<ReportUnitPlan>> plans =
-        planReportUnits(*mContext.document, mContext.base, r, error);
+        planReportUnits(*mContext.document, mContext.base, r, planError);
     if (!plans)
-        return mTexts.failed.arg(path, error);
+        return mTexts.failed.arg(path, reportPlanErrorMessage(*mContext.document, planError, mContext.isSwedish));
     const int units = int(plans->size());
     QProgressDialog progress(mTexts.writing.arg(0).arg(units), mTexts.cancel, 0, 2 * units, this);
     progress.setObjectName(QStringLiteral("frmReportProgress"));

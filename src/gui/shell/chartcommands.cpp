@@ -5,6 +5,7 @@
 #include "engine/graphs/indexgraph.h"
 #include "engine/graphs/rankinggraph.h"
 #include "engine/indexes/blockindex.h"
+#include "engine/overview/popupblock.h"
 #include "engine/overview/sheetlayout.h"
 #include "gui/graphs/chartwindow.h"
 #include "gui/graphs/distributiondialog.h"
@@ -74,14 +75,7 @@ ChartContext ChartCommands::context() const
 qint32 ChartCommands::popupBlock() const
 {
     const Document *doc = mWindow.document();
-    const SheetHit &hit = mWindow.lastPopupHit();
-    if (!doc || hit.question < 0 || std::size_t(hit.question) >= doc->questions.size())
-        return -1;
-    const Question &q = doc->questions[std::size_t(hit.question)];
-    qint32 block = q.subBlock != -1 ? q.subBlock : q.block;
-    if (hit.place == SheetPlace::BlockLine)
-        block = blockAtHeaderLine(q, hit.line, mWindow.sheetView()->sheetGeometry().headerLines);
-    return block >= 0 && std::size_t(block) < doc->blocks.size() ? block : -1;
+    return doc ? kel::popupBlock(*doc, mWindow.lastPopupHit(), mWindow.sheetView()->sheetGeometry().headerLines) : -1;
 }
 
 QuestionList ChartCommands::overviewColumnsOf(qint32 block) const

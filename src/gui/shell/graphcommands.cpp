@@ -5,6 +5,7 @@
 #include "engine/graphs/chartdescription.h"
 #include "engine/indexes/blockindex.h"
 #include "engine/blocks/userblocks.h"
+#include "engine/overview/popupblock.h"
 #include "engine/overview/sheetlayout.h"
 #include "engine/settings/recentfiles.h"
 #include "gui/shell/chartcommands.h"
@@ -121,14 +122,11 @@ void showPopupBlockGraph(MainWindow &window, qint32 kind)
     const BasicGraphCommand command =
         kind == HistogramGraph ? BasicGraphCommand::PopupBlockHistogram : BasicGraphCommand::PopupBlockFraction;
     const Document *doc = window.document();
-    const qint32 q = popupQuestion(window);
     BasicGraphRequest request;
     request.kind = kind;
-    if (doc && q >= 0) {
-        const SheetHit &hit = window.popupHit();
-        const qint32 block = blockAtHeaderLine(doc->questions[std::size_t(q)], hit.line,
-                                               window.sheetView()->sheetGeometry().headerLines);
-        if (block >= 0 && std::size_t(block) < doc->blocks.size()) {
+    if (doc) {
+        const qint32 block = popupBlock(*doc, window.popupHit(), window.sheetView()->sheetGeometry().headerLines);
+        if (block >= 0) {
             // The block's columns as the overview shows them.
             const QuestionList members = blockMembers(*doc, block);
             for (qint32 column : window.sheetView()->input().columns) {

@@ -20,6 +20,7 @@
 #include "engine/document/document.h"
 #include "engine/document/kelformat.h"
 #include "engine/indexes/columnindex.h"
+#include "engine/overview/popupblock.h"
 #include "engine/overview/sheetlayout.h"
 #include "gui/common/filedialogs.h"
 #include "gui/overview/sheetview.h"
@@ -770,8 +771,7 @@ void MainWindow::preparePopup(const SheetHit &hit)
         const Question &question = doc->questions[std::size_t(hit.question)];
         context.questionGraphFlags = question.graphFlags;
         if (hit.place == SheetPlace::BlockLine) {
-            const qint32 block = blockAtHeaderLine(question, hit.line, mSheet->sheetGeometry().headerLines);
-            if (block >= 0 && std::size_t(block) < doc->blocks.size())
+            if (const qint32 block = popupBlock(*doc, hit, mSheet->sheetGeometry().headerLines); block >= 0)
                 context.blockGraphFlags = doc->blocks[std::size_t(block)].graphFlags;
         }
     }

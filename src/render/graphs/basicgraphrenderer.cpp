@@ -1,9 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "render/graphs/basicgraphrenderer.h"
 
+#include "render/colour/documentcolour.h"
+#include "engine/settings/settingsstore.h"
+
 #include <QFontMetrics>
 #include <QTextLayout>
 #include <QPainter>
+#include <QPicture>
 
 #include <algorithm>
 #include <cmath>
@@ -32,7 +36,7 @@ void fillBar(QPainter &painter, const QRect &r, qint32 colour, qint32 drawFlags,
     if (r.width() <= 0 || r.height() <= 0)
         return;
     if (colour != -1)
-        painter.fillRect(r, graphColour(colour));
+        painter.fillRect(r, documentColour(colour));
     if (needsOutline(colour, drawFlags)) {
         // Nested one-pixel frames, inward.
         const int frames = std::max(outline, 1);
@@ -49,11 +53,6 @@ void fillBar(QPainter &painter, const QRect &r, qint32 colour, qint32 drawFlags,
 }
 
 } // namespace
-
-QColor graphColour(qint32 stored)
-{
-    return QColor(stored & 0xFF, (stored >> 8) & 0xFF, (stored >> 16) & 0xFF);
-}
 
 int graphScaleFactor(double dotsPerInch)
 {
@@ -189,7 +188,7 @@ int BasicGraphRenderer::drawLegends(QPainter *painter, const QRect &area, int ou
                 const int top = y + gy / 2 + p.line * (h + gy / 2);
                 const QRect square(area.left() + offset + p.x, top, h, h);
                 if (legend.colour != -1)
-                    painter->fillRect(square, graphColour(legend.colour));
+                    painter->fillRect(square, documentColour(legend.colour));
                 const int frames = std::max(outline, 1);
                 for (int i = 0; i < frames; ++i) {
                     const QRect f = square.adjusted(i, i, -i, -i);
@@ -495,6 +494,26 @@ bool drawScaledBasicGraph(QPainter &painter, const BasicGraphRenderer &renderer,
     const BasicGraphUnits screen = renderer.units();
     const BasicGraphRenderer scaled(renderer.description(), BasicGraphUnits{screen.sx * scale, screen.sy * scale});
     return scaled.draw(painter, area, scale, percentage);
+}
+
+std::optional<Picture> basicGraphDefaultPicture(const BasicGraphDescription &description)
+{
+    constexpr int Scale = 2;
+    const BasicGraphRenderer renderer(description, BasicGraphUnits{});
+    const LastSettings defaults;
+    const QSize window =
+        basicGraphWindowSize(renderer, defaults.questionGraphWindowWidth, defaults.questionGraphBarWidth, 96);
+    Picture picture;
+    picture.size = (window - QSize(2 * BasicGraphMargin, 2 * BasicGraphMargin)) * Scale;
+    const QRect area(QPoint(0, 0), picture.size);
+    QPicture probe; // a recording only, to learn whether it fits
+    QPainter painter(&probe);
+    const bool fits = drawScaledBasicGraph(painter, renderer, area, Scale, false);
+    painter.end();
+    if (!fits)
+        return std::nullopt;
+    picture.paint = [renderer, area](QPainter &target) { drawScaledBasicGraph(target, renderer, area, Scale, false); };
+    return picture;
 }
 
 } // namespace kel

@@ -6,12 +6,15 @@
 #pragma once
 
 #include "engine/graphs/basicgraph.h"
+#include "render/pictures/picture.h"
 
 #include <QFont>
 #include <QRect>
 #include <QSize>
 #include <QString>
 #include <QStringList>
+
+#include <optional>
 
 class QPainter;
 
@@ -75,9 +78,6 @@ private:
     LegendRuns mRuns;
 };
 
-/// The fill of a stored colour (0x00BBGGRR).
-QColor graphColour(qint32 stored);
-
 /// `text` word-wrapped to `width` pixels in `font`, as many whole lines as
 /// `height` holds (at least one); when the text needs more, the last line
 /// shown ends in "...". Never a line cut through its glyphs.
@@ -97,5 +97,11 @@ QSize basicGraphWindowSize(const BasicGraphRenderer &renderer, qint32 windowWidt
 /// False, having drawn nothing, when the graph does not fit.
 bool drawScaledBasicGraph(QPainter &painter, const BasicGraphRenderer &renderer, const QRect &area, int scale,
                           bool percentage);
+
+/// The graph as a graph window opens with it and saves it with the stored
+/// defaults: a screen of 96 dots per inch, twice the size, no margin kept.
+/// Nothing when the graph does not fit in that window (the window would say
+/// so instead of drawing it). `kel render` and reports draw graphs so.
+std::optional<Picture> basicGraphDefaultPicture(const BasicGraphDescription &description);
 
 } // namespace kel

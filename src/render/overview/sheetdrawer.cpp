@@ -4,6 +4,7 @@
 #include "engine/indexes/columnindex.h"
 #include "engine/overview/celldetails.h"
 #include "engine/overview/subsheet.h"
+#include "render/colour/documentcolour.h"
 
 #include <QFontMetrics>
 #include <QPaintEngine>
@@ -308,7 +309,7 @@ QColor sheetColour(qint32 colourRef)
 {
     if (colourRef < 0)
         return QColor();
-    return QColor(colourRef & 0xFF, (colourRef >> 8) & 0xFF, (colourRef >> 16) & 0xFF);
+    return documentColour(colourRef);
 }
 
 QFont sheetFont(bool bold, int scale)

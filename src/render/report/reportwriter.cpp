@@ -40,32 +40,10 @@ QFont reportFont(qreal points, bool bold = false, bool italic = false)
     return font;
 }
 
-// A basic graph as its window opens with it under the stored defaults,
-// twice the screen's size, the way the graph windows save it.
-std::optional<Picture> basicGraphReportPicture(const BasicGraphDescription &description)
-{
-    constexpr int Scale = 2;
-    const BasicGraphRenderer renderer(description, BasicGraphUnits{});
-    const LastSettings defaults;
-    const QSize window =
-        basicGraphWindowSize(renderer, defaults.questionGraphWindowWidth, defaults.questionGraphBarWidth, 96);
-    Picture picture;
-    picture.size = (window - QSize(2 * BasicGraphMargin, 2 * BasicGraphMargin)) * Scale;
-    const QRect area(QPoint(0, 0), picture.size);
-    QPicture probe;
-    QPainter painter(&probe);
-    const bool fits = drawScaledBasicGraph(painter, renderer, area, Scale, false);
-    painter.end();
-    if (!fits)
-        return std::nullopt;
-    picture.paint = [renderer, area](QPainter &target) { drawScaledBasicGraph(target, renderer, area, Scale, false); };
-    return picture;
-}
-
 std::optional<Picture> itemPicture(const ReportItem &item, const ReportUnit &unit, const ChartPictureMaker &charts)
 {
     switch (item.kind) {
-    case ReportItem::Kind::BasicGraph: return basicGraphReportPicture(*item.basic);
+    case ReportItem::Kind::BasicGraph: return basicGraphDefaultPicture(*item.basic);
     case ReportItem::Kind::Chart:
         if (charts)
             return charts(*item.chart);
