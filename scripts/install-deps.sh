@@ -18,7 +18,7 @@ packages=(
     xvfb xauth
     at-spi2-core python3-pyatspi dbus-daemon xdotool
     librsvg2-bin desktop-file-utils appstream shared-mime-info xdg-utils libfile-mimeinfo-perl
-    man-db bash-completion dpkg-dev file lintian strace python3
+    man-db bash-completion dpkg-dev file lintian strace python3 git
     emf2svg libwmf-bin gsfonts
 )
 

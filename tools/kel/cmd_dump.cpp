@@ -261,7 +261,7 @@ void writeAnswersAndComments(JsonWriter &j, const Document &d)
     // A random order the document forces is drawn as the viewer draws it,
     // never from anything a caller could repeat.
     if (documentForcesRandomOrder(d.properties, n)) {
-        RowRandom random(quint64(QDateTime::currentMSecsSinceEpoch()));
+        RowRandom random{quint64(QDateTime::currentMSecsSinceEpoch())};
         shuffleRows(rows, random);
     }
     j.beginArray();
