@@ -5,7 +5,7 @@
 
 namespace kel {
 
-QString specErrorMessage(const Document &doc, const SpecError &e, bool sv)
+QString queryErrorMessage(const Document &doc, const QueryError &e, bool sv)
 {
     QString where;
     if (e.category >= 0) {
@@ -16,35 +16,35 @@ QString specErrorMessage(const Document &doc, const SpecError &e, bool sv)
     }
     QString text;
     switch (e.problem) {
-    case SpecProblem::None: return QString();
-    case SpecProblem::Syntax:
+    case QueryProblem::None: return QString();
+    case QueryProblem::Syntax:
         return pickText(sv, "'%1' is not CATEGORY=OPTION,... (a backslash escapes the next character)",
                         "'%1' är inte KATEGORI=ALTERNATIV,... (ett omvänt snedstreck skyddar nästa tecken)")
             .arg(e.word);
-    case SpecProblem::UnknownCategory:
+    case QueryProblem::UnknownCategory:
         text = pickText(sv, "no category '%1'", "ingen kategori '%1'").arg(e.word);
         break;
-    case SpecProblem::AmbiguousCategory:
+    case QueryProblem::AmbiguousCategory:
         text = pickText(sv, "several categories are called '%1'; use the number",
                         "flera kategorier heter '%1'; använd numret")
                    .arg(e.word);
         break;
-    case SpecProblem::UnknownOption:
+    case QueryProblem::UnknownOption:
         text = pickText(sv, "%1 has no option '%2'", "%1 har inget alternativ '%2'").arg(where, e.word);
         break;
-    case SpecProblem::AmbiguousOption:
+    case QueryProblem::AmbiguousOption:
         text = pickText(sv, "%1 has several options called '%2'; use the number",
                         "%1 har flera alternativ som heter '%2'; använd numret")
                    .arg(where, e.word);
         break;
-    case SpecProblem::HiddenOption:
+    case QueryProblem::HiddenOption:
         text = pickText(sv, "option %1 of %2 is the hidden no-answer alternative, which is always counted",
                         "alternativ %1 i %2 är det dolda alternativet för inget svar, som alltid räknas")
                    .arg(e.word, where);
         break;
     }
     const bool aboutCategories =
-        e.problem == SpecProblem::UnknownCategory || e.problem == SpecProblem::AmbiguousCategory;
+        e.problem == QueryProblem::UnknownCategory || e.problem == QueryProblem::AmbiguousCategory;
     const QString kind = aboutCategories ? pickText(sv, "the categories are", "kategorierna är")
                                          : pickText(sv, "its options are", "dess alternativ är");
     return QStringLiteral("%1; %2: %3").arg(text, kind, e.choices.join(QStringLiteral(", ")));
@@ -52,8 +52,8 @@ QString specErrorMessage(const Document &doc, const SpecError &e, bool sv)
 
 QString reportPlanErrorMessage(const Document &doc, const ReportPlanError &error, bool sv)
 {
-    if (error.selection.problem != SpecProblem::None)
-        return specErrorMessage(doc, error.selection, sv);
+    if (error.selection.problem != QueryProblem::None)
+        return queryErrorMessage(doc, error.selection, sv);
     if (error.missingCategory)
         return pickText(sv, "the document has no category %1 (it has %2)",
                         "dokumentet har ingen kategori %1 (det har %2)")

@@ -5,14 +5,14 @@
 #pragma once
 
 #include "engine/report/reportbuilder.h"
-#include "engine/selection/selectionspec.h"
+#include "engine/selection/selectionquery.h"
 
 #include <QString>
 
 namespace kel {
 
 /// `error` in words; empty when there is no error.
-QString specErrorMessage(const Document &doc, const SpecError &error, bool isSwedish);
+QString queryErrorMessage(const Document &doc, const QueryError &error, bool isSwedish);
 
 /// Why a report's units could not be planned: a unit's selection or the
 /// recipe's category.

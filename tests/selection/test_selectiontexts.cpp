@@ -35,23 +35,23 @@ TEST(SelectionTexts, EveryProblemIsWordedInBothLanguagesWithTheWordAndTheChoices
     const QStringList categories{QStringLiteral("0 Gender (BG1)")};
     const QStringList options{QStringLiteral("1 Woman"), QStringLiteral("2 Man")};
     const struct {
-        SpecProblem problem;
+        QueryProblem problem;
         qint32 category;
         QStringList choices;
     } cases[] = {
-        {SpecProblem::Syntax, -1, {}},
-        {SpecProblem::UnknownCategory, -1, categories},
-        {SpecProblem::AmbiguousCategory, -1, categories},
-        {SpecProblem::UnknownOption, 0, options},
-        {SpecProblem::AmbiguousOption, 0, options},
-        {SpecProblem::HiddenOption, 0, options},
-        {SpecProblem::UnknownOption, -1, options}, // the flex category's list
+        {QueryProblem::Syntax, -1, {}},
+        {QueryProblem::UnknownCategory, -1, categories},
+        {QueryProblem::AmbiguousCategory, -1, categories},
+        {QueryProblem::UnknownOption, 0, options},
+        {QueryProblem::AmbiguousOption, 0, options},
+        {QueryProblem::HiddenOption, 0, options},
+        {QueryProblem::UnknownOption, -1, options}, // the flex category's list
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(int(c.problem));
-        const SpecError e{c.problem, QStringLiteral("Xyz"), c.category, c.choices};
-        const QString english = specErrorMessage(doc, e, false);
-        const QString swedish = specErrorMessage(doc, e, true);
+        const QueryError e{c.problem, QStringLiteral("Xyz"), c.category, c.choices};
+        const QString english = queryErrorMessage(doc, e, false);
+        const QString swedish = queryErrorMessage(doc, e, true);
         EXPECT_NE(english, swedish);
         for (const QString &text : {english, swedish}) {
             EXPECT_TRUE(text.contains(QStringLiteral("'Xyz'")) || text.contains(QStringLiteral(" Xyz ")))
@@ -63,8 +63,8 @@ TEST(SelectionTexts, EveryProblemIsWordedInBothLanguagesWithTheWordAndTheChoices
             }
         }
     }
-    EXPECT_TRUE(specErrorMessage(doc, SpecError{}, false).isEmpty());
-    EXPECT_TRUE(specErrorMessage(doc, SpecError{}, true).isEmpty());
+    EXPECT_TRUE(queryErrorMessage(doc, QueryError{}, false).isEmpty());
+    EXPECT_TRUE(queryErrorMessage(doc, QueryError{}, true).isEmpty());
 }
 
 TEST(SelectionTexts, AReportPlanErrorSaysWhichCategoryIsMissingAndHowManyThereAre)
@@ -80,8 +80,8 @@ TEST(SelectionTexts, AReportPlanErrorSaysWhichCategoryIsMissingAndHowManyThereAr
 
     // A selection's error is worded as the selection's own.
     ReportPlanError selection;
-    selection.selection = SpecError{SpecProblem::UnknownCategory, QStringLiteral("Team"), -1, {}};
-    EXPECT_EQ(reportPlanErrorMessage(doc, selection, true), specErrorMessage(doc, selection.selection, true));
+    selection.selection = QueryError{QueryProblem::UnknownCategory, QStringLiteral("Team"), -1, {}};
+    EXPECT_EQ(reportPlanErrorMessage(doc, selection, true), queryErrorMessage(doc, selection.selection, true));
     EXPECT_TRUE(reportPlanErrorMessage(doc, ReportPlanError{}, false).isEmpty());
 }
 

@@ -2,7 +2,7 @@
 #include "selectionargs.h"
 
 #include "engine/blocks/userblocks.h"
-#include "engine/selection/selectionspec.h"
+#include "engine/selection/selectionquery.h"
 #include "engine/settings/settingsstore.h"
 
 #include <QFileInfo>
@@ -23,17 +23,17 @@ bool parseNumber(const QString &text, qint32 &value)
     return ok;
 }
 
-QString specErrorText(const Document &doc, const char *option, const SpecError &e, bool isSwedish)
+QString queryErrorText(const Document &doc, const char *option, const QueryError &e, bool isSwedish)
 {
-    return QStringLiteral("%1: %2").arg(QLatin1String(option), specErrorMessage(doc, e, isSwedish));
+    return QStringLiteral("%1: %2").arg(QLatin1String(option), queryErrorMessage(doc, e, isSwedish));
 }
 
 bool applySelectSpec(const Document &doc, SelectionModel &model, const QString &text, bool isSwedish, QString &error)
 {
-    SpecError problem;
-    if (applySelectionSpec(doc, model, text, problem))
+    QueryError problem;
+    if (applySelectionQuery(doc, model, text, problem))
         return true;
-    error = specErrorText(doc, "--select", problem, isSwedish);
+    error = queryErrorText(doc, "--select", problem, isSwedish);
     return false;
 }
 
@@ -43,9 +43,9 @@ bool applyFlexSpec(const Document &doc, SelectionModel &model, const QString &te
         error = QStringLiteral("--flex: the document has no flex category");
         return false;
     }
-    const ParsedSelectionSpec parsed = parseOptionList(doc, doc.flexCategory, text);
+    const ParsedSelectionQuery parsed = parseOptionList(doc, doc.flexCategory, text);
     if (!parsed.ok()) {
-        error = specErrorText(doc, "--flex", parsed.error, isSwedish);
+        error = queryErrorText(doc, "--flex", parsed.error, isSwedish);
         return false;
     }
     const qint32 first = firstVisibleOption(doc);

@@ -8,7 +8,7 @@
 #include "engine/indexes/indexexport.h"
 #include "engine/overview/comments.h"
 #include "engine/selection/counting.h"
-#include "engine/selection/selectionspec.h"
+#include "engine/selection/selectionquery.h"
 #include "engine/selection/showdecision.h"
 
 namespace kel {
@@ -220,7 +220,7 @@ std::optional<std::vector<ReportUnitPlan>> planReportUnits(const Document &doc, 
         for (const QString &spec : recipe.selections) {
             ReportUnitPlan plan{spec, base.model};
             plan.model.setUpDimensions(doc);
-            if (!applySelectionSpec(doc, plan.model, spec, error.selection))
+            if (!applySelectionQuery(doc, plan.model, spec, error.selection))
                 return std::nullopt;
             units.push_back(std::move(plan));
         }

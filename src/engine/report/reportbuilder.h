@@ -5,7 +5,7 @@
 
 #include "engine/report/reportcontent.h"
 #include "engine/report/reportshow.h"
-#include "engine/selection/selectionspec.h"
+#include "engine/selection/selectionquery.h"
 
 #include <QLocale>
 
@@ -29,7 +29,7 @@ struct ReportUnitPlan {
 /// (texts/selectiontexts.h): a unit's selection names something the document
 /// lacks, or the recipe's category is past the document's last.
 struct ReportPlanError {
-    SpecError selection;
+    QueryError selection;
     std::optional<qint32> missingCategory;
 };
 

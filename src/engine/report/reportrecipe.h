@@ -55,7 +55,7 @@ struct ReportRecipe {
     qint32 category = -1;       ///< navigator category, for ByCategory
     bool withinCurrent = false; ///< ByCategory: each option within the current selection
     /// List: selections as `kel --select` takes them, "C:O,O;C:..." by
-    /// names or numbers (engine/selection/selectionspec.h); a category not
+    /// names or numbers (engine/selection/selectionquery.h); a category not
     /// named keeps every option.
     std::vector<QString> selections;
     std::vector<ReportSection> sections; ///< kept in the order of ReportSection

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Selections written by name or number: what each word resolves to, and the
 // errors that name what was not found and list what exists.
-#include "engine/selection/selectionspec.h"
+#include "engine/selection/selectionquery.h"
 
 #include <gtest/gtest.h>
 
@@ -34,17 +34,17 @@ Document twoCategories(bool firstIsNoAnswer = true)
     return doc;
 }
 
-std::vector<std::pair<qint32, std::vector<qint32>>> resolved(const ParsedSelectionSpec &p)
+std::vector<std::pair<qint32, std::vector<qint32>>> resolved(const ParsedSelectionQuery &p)
 {
     std::vector<std::pair<qint32, std::vector<qint32>>> out;
-    for (const SpecCategory &c : p.categories)
+    for (const QueryCategory &c : p.categories)
         out.emplace_back(c.category, c.options);
     return out;
 }
 
 using Parts = std::vector<std::pair<qint32, std::vector<qint32>>>;
 
-TEST(SelectionSpec, NamesAndNumbersResolveToTheSameOptions)
+TEST(SelectionQuery, NamesAndNumbersResolveToTheSameOptions)
 {
     const Document doc = twoCategories();
     const struct {
@@ -64,80 +64,80 @@ TEST(SelectionSpec, NamesAndNumbersResolveToTheSameOptions)
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.spec);
-        const ParsedSelectionSpec p = parseSelectionSpec(doc, QString::fromUtf8(c.spec));
+        const ParsedSelectionQuery p = parseSelectionQuery(doc, QString::fromUtf8(c.spec));
         ASSERT_TRUE(p.ok()) << p.error.word.toStdString();
         EXPECT_EQ(resolved(p), c.expected);
     }
 }
 
-TEST(SelectionSpec, TheHiddenNoAnswerNumberIsRefusedOnlyWhereItIsHidden)
+TEST(SelectionQuery, TheHiddenNoAnswerNumberIsRefusedOnlyWhereItIsHidden)
 {
     // Number 0 is the no-answer alternative when the document says so: the
     // first visible option is 1. Without it, 0 is an ordinary option.
-    const ParsedSelectionSpec hidden = parseSelectionSpec(twoCategories(true), QStringLiteral("0:0"));
-    EXPECT_EQ(hidden.error.problem, SpecProblem::HiddenOption);
+    const ParsedSelectionQuery hidden = parseSelectionQuery(twoCategories(true), QStringLiteral("0:0"));
+    EXPECT_EQ(hidden.error.problem, QueryProblem::HiddenOption);
     EXPECT_EQ(hidden.error.category, 0);
-    EXPECT_TRUE(parseSelectionSpec(twoCategories(true), QStringLiteral("0:1")).ok());
-    const ParsedSelectionSpec shown = parseSelectionSpec(twoCategories(false), QStringLiteral("0:0"));
+    EXPECT_TRUE(parseSelectionQuery(twoCategories(true), QStringLiteral("0:1")).ok());
+    const ParsedSelectionQuery shown = parseSelectionQuery(twoCategories(false), QStringLiteral("0:0"));
     ASSERT_TRUE(shown.ok());
     EXPECT_EQ(resolved(shown), (Parts{{0, {0}}}));
     // Nor can the hidden alternative be named.
-    EXPECT_EQ(parseSelectionSpec(twoCategories(true), QStringLiteral("0=No answer")).error.problem,
-              SpecProblem::UnknownOption);
-    EXPECT_TRUE(parseSelectionSpec(twoCategories(false), QStringLiteral("0=No answer")).ok());
+    EXPECT_EQ(parseSelectionQuery(twoCategories(true), QStringLiteral("0=No answer")).error.problem,
+              QueryProblem::UnknownOption);
+    EXPECT_TRUE(parseSelectionQuery(twoCategories(false), QStringLiteral("0=No answer")).ok());
 }
 
-TEST(SelectionSpec, RangesEndAtTheLastCategoryAndOption)
+TEST(SelectionQuery, RangesEndAtTheLastCategoryAndOption)
 {
     const Document doc = twoCategories();
     // Two categories (0, 1); Department has alternatives 0-4, Gender 0-2.
-    EXPECT_TRUE(parseSelectionSpec(doc, QStringLiteral("1:1")).ok());
-    EXPECT_EQ(parseSelectionSpec(doc, QStringLiteral("2:1")).error.problem, SpecProblem::UnknownCategory);
-    EXPECT_TRUE(parseSelectionSpec(doc, QStringLiteral("0:4")).ok());
-    EXPECT_EQ(parseSelectionSpec(doc, QStringLiteral("0:5")).error.problem, SpecProblem::UnknownOption);
-    EXPECT_TRUE(parseSelectionSpec(doc, QStringLiteral("1:2")).ok());
-    EXPECT_EQ(parseSelectionSpec(doc, QStringLiteral("1:3")).error.problem, SpecProblem::UnknownOption);
-    EXPECT_EQ(parseSelectionSpec(doc, QStringLiteral("0:99999999999")).error.problem, SpecProblem::UnknownOption);
+    EXPECT_TRUE(parseSelectionQuery(doc, QStringLiteral("1:1")).ok());
+    EXPECT_EQ(parseSelectionQuery(doc, QStringLiteral("2:1")).error.problem, QueryProblem::UnknownCategory);
+    EXPECT_TRUE(parseSelectionQuery(doc, QStringLiteral("0:4")).ok());
+    EXPECT_EQ(parseSelectionQuery(doc, QStringLiteral("0:5")).error.problem, QueryProblem::UnknownOption);
+    EXPECT_TRUE(parseSelectionQuery(doc, QStringLiteral("1:2")).ok());
+    EXPECT_EQ(parseSelectionQuery(doc, QStringLiteral("1:3")).error.problem, QueryProblem::UnknownOption);
+    EXPECT_EQ(parseSelectionQuery(doc, QStringLiteral("0:99999999999")).error.problem, QueryProblem::UnknownOption);
 }
 
-TEST(SelectionSpec, ErrorsNameTheWordAndListWhatExists)
+TEST(SelectionQuery, ErrorsNameTheWordAndListWhatExists)
 {
     Document doc = twoCategories();
     doc.alternatives[2].shortText = QStringLiteral("Sales"); // "IT" now shares the short text of "Sales"
     const struct {
         const char *spec;
-        SpecProblem problem;
+        QueryProblem problem;
         const char *word;
         qint32 category;
         QStringList choices;
     } cases[] = {
         {"Dept=Sales",
-         SpecProblem::UnknownCategory,
+         QueryProblem::UnknownCategory,
          "Dept",
          -1,
          {QStringLiteral("0 Department (BG1)"), QStringLiteral("1 Gender (BG2)")}},
         {"Q1=Yes",
-         SpecProblem::UnknownCategory,
+         QueryProblem::UnknownCategory,
          "Q1",
          -1, // a question that is no category
          {QStringLiteral("0 Department (BG1)"), QStringLiteral("1 Gender (BG2)")}},
         {"Gender=Girl",
-         SpecProblem::UnknownOption,
+         QueryProblem::UnknownOption,
          "Girl",
          1,
          {QStringLiteral("1 Woman (W)"), QStringLiteral("2 Man (M)")}},
         {"Department=sales",
-         SpecProblem::AmbiguousOption,
+         QueryProblem::AmbiguousOption,
          "sales",
          0,
          {QStringLiteral("1 Sales (S)"), QStringLiteral("2 IT (Sales)"), QStringLiteral("3 R&D; labs (RD)"),
           QStringLiteral("4 2 (two)")}},
-        {"Gender", SpecProblem::Syntax, "Gender", -1, {}},
-        {"Gender=Man\\", SpecProblem::Syntax, "Gender=Man\\", -1, {}},
+        {"Gender", QueryProblem::Syntax, "Gender", -1, {}},
+        {"Gender=Man\\", QueryProblem::Syntax, "Gender=Man\\", -1, {}},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.spec);
-        const SpecError e = parseSelectionSpec(doc, QString::fromUtf8(c.spec)).error;
+        const QueryError e = parseSelectionQuery(doc, QString::fromUtf8(c.spec)).error;
         EXPECT_EQ(e.problem, c.problem);
         EXPECT_EQ(e.word, QString::fromUtf8(c.word));
         EXPECT_EQ(e.category, c.category);
@@ -145,17 +145,17 @@ TEST(SelectionSpec, ErrorsNameTheWordAndListWhatExists)
     }
     // Two categories of one name: only their numbers tell them apart.
     doc.questions[2].selectionLabel = QStringLiteral("Department");
-    EXPECT_EQ(parseSelectionSpec(doc, QStringLiteral("department=1")).error.problem, SpecProblem::AmbiguousCategory);
-    EXPECT_TRUE(parseSelectionSpec(doc, QStringLiteral("BG2=1")).ok());
+    EXPECT_EQ(parseSelectionQuery(doc, QStringLiteral("department=1")).error.problem, QueryProblem::AmbiguousCategory);
+    EXPECT_TRUE(parseSelectionQuery(doc, QStringLiteral("BG2=1")).ok());
 }
 
-TEST(SelectionSpec, FlexListsReadTheirOptionsTheSameWay)
+TEST(SelectionQuery, FlexListsReadTheirOptionsTheSameWay)
 {
     const Document doc = twoCategories();
-    const ParsedSelectionSpec p = parseOptionList(doc, 2, QStringLiteral("Man, 1"));
+    const ParsedSelectionQuery p = parseOptionList(doc, 2, QStringLiteral("Man, 1"));
     ASSERT_TRUE(p.ok());
     EXPECT_EQ(p.categories.front().options, (std::vector<qint32>{2, 1}));
-    EXPECT_EQ(parseOptionList(doc, 2, QStringLiteral("0")).error.problem, SpecProblem::HiddenOption);
+    EXPECT_EQ(parseOptionList(doc, 2, QStringLiteral("0")).error.problem, QueryProblem::HiddenOption);
 }
 
 } // namespace

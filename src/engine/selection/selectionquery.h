@@ -29,12 +29,12 @@
 namespace kel {
 
 /// One named category and the options it keeps.
-struct SpecCategory {
+struct QueryCategory {
     qint32 category = -1; ///< navigator category number
     std::vector<qint32> options;
 };
 
-enum class SpecProblem {
+enum class QueryProblem {
     None,
     Syntax,            ///< a part without '=' or ':', or a dangling backslash
     UnknownCategory,   ///< no category has that number or name
@@ -47,30 +47,30 @@ enum class SpecProblem {
 /// What went wrong, for the caller to word (texts/selectiontexts.h): the
 /// word that was not found and, for unknown and ambiguous names, what exists
 /// ("NUMBER NAME" each).
-struct SpecError {
-    SpecProblem problem = SpecProblem::None;
+struct QueryError {
+    QueryProblem problem = QueryProblem::None;
     QString word;
     qint32 category = -1; ///< for option problems: the category searched
     QStringList choices;
 };
 
-struct ParsedSelectionSpec {
-    std::vector<SpecCategory> categories;
-    SpecError error;
-    bool ok() const { return error.problem == SpecProblem::None; }
+struct ParsedSelectionQuery {
+    std::vector<QueryCategory> categories;
+    QueryError error;
+    bool ok() const { return error.problem == QueryProblem::None; }
 };
 
 /// Reads a selection written as above against `doc`'s categories.
-ParsedSelectionSpec parseSelectionSpec(const Document &doc, const QString &spec);
+ParsedSelectionQuery parseSelectionQuery(const Document &doc, const QString &spec);
 
 /// Applies a selection written as above to `model`: each named category
 /// keeps exactly the listed options. False with `error`, `model` untouched,
 /// when the text names something `doc` does not have.
-bool applySelectionSpec(const Document &doc, SelectionModel &model, const QString &spec, SpecError &error);
+bool applySelectionQuery(const Document &doc, SelectionModel &model, const QString &spec, QueryError &error);
 
 /// The options of a flex-category list ("OPTION,OPTION"), by number or name,
-/// of `question`; the part of parseSelectionSpec that reads one list.
-ParsedSelectionSpec parseOptionList(const Document &doc, qint32 question, const QString &list);
+/// of `question`; the part of parseSelectionQuery that reads one list.
+ParsedSelectionQuery parseOptionList(const Document &doc, qint32 question, const QString &list);
 
 /// "NUMBER NAME" of every visible option of `question`, and of every
 /// category: what an error lists.

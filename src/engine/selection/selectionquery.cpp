@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "selectionspec.h"
+#include "selectionquery.h"
 
 #include "engine/selection/counting.h"
 
@@ -60,7 +60,7 @@ bool sameName(const QString &a, const QString &b)
     return !b.isEmpty() && a.compare(b.trimmed(), Qt::CaseInsensitive) == 0;
 }
 
-qint32 resolveCategory(const Document &doc, const QString &word, SpecError &error)
+qint32 resolveCategory(const Document &doc, const QString &word, QueryError &error)
 {
     const qint32 count = qint32(doc.categories.size());
     qint32 number = -1;
@@ -77,22 +77,22 @@ qint32 resolveCategory(const Document &doc, const QString &word, SpecError &erro
         if (found.size() == 1)
             return found.front();
         if (found.size() > 1) {
-            error = {SpecProblem::AmbiguousCategory, word, -1, categoryChoices(doc)};
+            error = {QueryProblem::AmbiguousCategory, word, -1, categoryChoices(doc)};
             return -1;
         }
     }
-    error = {SpecProblem::UnknownCategory, word, -1, categoryChoices(doc)};
+    error = {QueryProblem::UnknownCategory, word, -1, categoryChoices(doc)};
     return -1;
 }
 
-bool resolveOptions(const Document &doc, qint32 question, qint32 category, const QString &list, SpecCategory &out,
-                    SpecError &error)
+bool resolveOptions(const Document &doc, qint32 question, qint32 category, const QString &list, QueryCategory &out,
+                    QueryError &error)
 {
     const Question &q = doc.questions[std::size_t(question)];
     const qint32 first = firstVisibleOption(doc);
     QStringList words;
     if (!splitEscaped(list, QLatin1Char(','), words)) {
-        error = {SpecProblem::Syntax, list, category, {}};
+        error = {QueryProblem::Syntax, list, category, {}};
         return false;
     }
     for (const QString &raw : words) {
@@ -102,11 +102,11 @@ bool resolveOptions(const Document &doc, qint32 question, qint32 category, const
         qint32 number = -1;
         if (isNumber(word, number)) {
             if (number < first) {
-                error = {SpecProblem::HiddenOption, word, category, optionChoices(doc, question)};
+                error = {QueryProblem::HiddenOption, word, category, optionChoices(doc, question)};
                 return false;
             }
             if (number >= q.alternativeCount) {
-                error = {SpecProblem::UnknownOption, word, category, optionChoices(doc, question)};
+                error = {QueryProblem::UnknownOption, word, category, optionChoices(doc, question)};
                 return false;
             }
             out.options.push_back(number);
@@ -119,7 +119,7 @@ bool resolveOptions(const Document &doc, qint32 question, qint32 category, const
                 found.push_back(o);
         }
         if (found.size() != 1) {
-            error = {found.empty() ? SpecProblem::UnknownOption : SpecProblem::AmbiguousOption, word, category,
+            error = {found.empty() ? QueryProblem::UnknownOption : QueryProblem::AmbiguousOption, word, category,
                      optionChoices(doc, question)};
             return false;
         }
@@ -153,12 +153,12 @@ QStringList optionChoices(const Document &doc, qint32 question)
     return choices;
 }
 
-ParsedSelectionSpec parseSelectionSpec(const Document &doc, const QString &spec)
+ParsedSelectionQuery parseSelectionQuery(const Document &doc, const QString &spec)
 {
-    ParsedSelectionSpec parsed;
+    ParsedSelectionQuery parsed;
     QStringList parts;
     if (!splitEscaped(spec, QLatin1Char(';'), parts)) {
-        parsed.error = {SpecProblem::Syntax, spec, -1, {}};
+        parsed.error = {QueryProblem::Syntax, spec, -1, {}};
         return parsed;
     }
     for (const QString &part : parts) {
@@ -173,10 +173,10 @@ ParsedSelectionSpec parseSelectionSpec(const Document &doc, const QString &spec)
                 at = i;
         }
         if (at < 0) {
-            parsed.error = {SpecProblem::Syntax, part.trimmed(), -1, {}};
+            parsed.error = {QueryProblem::Syntax, part.trimmed(), -1, {}};
             return parsed;
         }
-        SpecCategory chosen;
+        QueryCategory chosen;
         chosen.category = resolveCategory(doc, unescaped(part.left(at)), parsed.error);
         if (chosen.category < 0)
             return parsed;
@@ -188,14 +188,14 @@ ParsedSelectionSpec parseSelectionSpec(const Document &doc, const QString &spec)
     return parsed;
 }
 
-bool applySelectionSpec(const Document &doc, SelectionModel &model, const QString &spec, SpecError &error)
+bool applySelectionQuery(const Document &doc, SelectionModel &model, const QString &spec, QueryError &error)
 {
-    const ParsedSelectionSpec parsed = parseSelectionSpec(doc, spec);
+    const ParsedSelectionQuery parsed = parseSelectionQuery(doc, spec);
     if (!parsed.ok()) {
         error = parsed.error;
         return false;
     }
-    for (const SpecCategory &part : parsed.categories) {
+    for (const QueryCategory &part : parsed.categories) {
         model.setCategoryChecked(part.category, false);
         for (const qint32 option : part.options)
             model.setOptionChecked(part.category, option, true);
@@ -203,10 +203,10 @@ bool applySelectionSpec(const Document &doc, SelectionModel &model, const QStrin
     return true;
 }
 
-ParsedSelectionSpec parseOptionList(const Document &doc, qint32 question, const QString &list)
+ParsedSelectionQuery parseOptionList(const Document &doc, qint32 question, const QString &list)
 {
-    ParsedSelectionSpec parsed;
-    SpecCategory chosen;
+    ParsedSelectionQuery parsed;
+    QueryCategory chosen;
     if (resolveOptions(doc, question, -1, list, chosen, parsed.error))
         parsed.categories.push_back(std::move(chosen));
     return parsed;
