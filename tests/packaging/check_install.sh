@@ -79,6 +79,12 @@ grep -q "<release version=\"$version\"" "$share/metainfo/$app_id.metainfo.xml" \
 update-mime-database "$share/mime" || fail "update-mime-database failed"
 update-desktop-database "$share/applications" || fail "update-desktop-database failed"
 export XDG_DATA_HOME=$tmp/home-data XDG_DATA_DIRS=$share
+# xdg-mime first guesses the desktop it runs on, from the environment and,
+# failing that, by asking the X server with xprop or the session bus. A
+# generic desktop skips the guessing, so the answers are the same on every
+# machine and no program outside the install list is started.
+export XDG_CURRENT_DESKTOP=X-Generic
+unset KDE_FULL_SESSION GNOME_DESKTOP_SESSION_ID MATE_DESKTOP_SESSION_ID DESKTOP_SESSION
 mkdir -p "$XDG_DATA_HOME" "$tmp/files"
 sample=$share/kelviewer/samples/employee-survey-en.kel
 cp "$sample" "$tmp/files/survey.kel"
