@@ -4,12 +4,16 @@
 #include <QDateTime>
 #include <QFileDialog>
 #include <QFileSystemModel>
+#include <QHeaderView>
+#include <QTreeView>
 #include <QIdentityProxyModel>
 #include <QLocale>
 
 namespace kel {
 
 namespace {
+
+constexpr int DateColumn = 3;
 
 // Sizes and types of files, which Qt words from the system's region and
 // MIME descriptions (in the desktop's language, often "unknown"): sizes in
@@ -25,7 +29,6 @@ public:
     {
         constexpr int SizeColumn = 1;
         constexpr int TypeColumn = 2;
-        constexpr int DateColumn = 3;
         if (role == Qt::DisplayRole && index.column() == DateColumn) {
             if (const auto *files = qobject_cast<const QFileSystemModel *>(sourceModel())) {
                 const QDateTime modified = files->lastModified(mapToSource(index));
@@ -56,6 +59,9 @@ void prepareFileDialog(QFileDialog &dialog, bool isSwedish)
         return;
     dialog.setOption(QFileDialog::DontUseNativeDialog);
     dialog.setProxyModel(new SwedishFileColumns(&dialog));
+    // Qt sizes the date column for its own, shorter text; ours would be cut.
+    for (QTreeView *details : dialog.findChildren<QTreeView *>())
+        details->header()->setSectionResizeMode(DateColumn, QHeaderView::ResizeToContents);
 }
 
 } // namespace kel
