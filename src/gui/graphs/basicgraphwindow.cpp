@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "gui/graphs/basicgraphwindow.h"
 
+#include "gui/common/popupkeys.h"
+
 #include "engine/settings/settingsstore.h"
 #include "gui/common/placement.h"
 #include "gui/common/waitcursor.h"
@@ -10,6 +12,7 @@
 #include "texts/statusline.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QHash>
@@ -310,6 +313,13 @@ void BasicGraphWindow::mouseReleaseEvent(QMouseEvent *event)
 
 void BasicGraphWindow::keyPressEvent(QKeyEvent *event)
 {
+    if (isPopupKey(*event)) {
+        // Without a pointer to open at, the popup opens in the window's middle.
+        if (!QApplication::activePopupWidget())
+            mPopup->popup(mapToGlobal(rect().center()));
+        event->accept();
+        return;
+    }
     if (!mScroll->isHidden() && event->modifiers() == Qt::NoModifier) {
         // The keyboard scrolls a graph taller than its window.
         const QHash<int, QAbstractSlider::SliderAction> keys{{Qt::Key_Up, QAbstractSlider::SliderSingleStepSub},

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "gui/graphs/chartwindow.h"
 
+#include "gui/common/popupkeys.h"
+
 #include "engine/settings/settingsstore.h"
 #include "gui/graphs/chartbuilder.h"
 #include "gui/graphs/chartpicture.h"
@@ -10,6 +12,7 @@
 
 #include <QLocale>
 #include <QChart>
+#include <QApplication>
 #include <QChartView>
 #include <QMenu>
 #include <QMouseEvent>
@@ -123,6 +126,18 @@ bool ChartWindow::saveGraph()
         return false;
     return saveGraphPicture(this, picture(), SaveKind::Chart, mIsSwedish, *mContext.settings, statusReporter(*mStatus),
                             mContext.chooseFile, mContext.reportError);
+}
+
+void ChartWindow::keyPressEvent(QKeyEvent *event)
+{
+    if (isPopupKey(*event)) {
+        // Without a pointer to open at, the popup opens in the window's middle.
+        if (!QApplication::activePopupWidget())
+            mPopup->popup(mapToGlobal(rect().center()));
+        event->accept();
+        return;
+    }
+    QWidget::keyPressEvent(event);
 }
 
 void ChartWindow::showEvent(QShowEvent *event)
