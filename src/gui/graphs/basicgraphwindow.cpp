@@ -12,7 +12,6 @@
 #include "texts/statusline.h"
 
 #include <QAction>
-#include <QApplication>
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QHash>
@@ -313,13 +312,8 @@ void BasicGraphWindow::mouseReleaseEvent(QMouseEvent *event)
 
 void BasicGraphWindow::keyPressEvent(QKeyEvent *event)
 {
-    if (isPopupKey(*event)) {
-        // Without a pointer to open at, the popup opens in the window's middle.
-        if (!QApplication::activePopupWidget())
-            mPopup->popup(mapToGlobal(rect().center()));
-        event->accept();
+    if (openPopupOnKey(*event, *mPopup, *this))
         return;
-    }
     if (!mScroll->isHidden() && event->modifiers() == Qt::NoModifier) {
         // The keyboard scrolls a graph taller than its window.
         const QHash<int, QAbstractSlider::SliderAction> keys{{Qt::Key_Up, QAbstractSlider::SliderSingleStepSub},

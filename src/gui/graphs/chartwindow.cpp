@@ -12,7 +12,6 @@
 
 #include <QLocale>
 #include <QChart>
-#include <QApplication>
 #include <QChartView>
 #include <QMenu>
 #include <QMouseEvent>
@@ -130,13 +129,8 @@ bool ChartWindow::saveGraph()
 
 void ChartWindow::keyPressEvent(QKeyEvent *event)
 {
-    if (isPopupKey(*event)) {
-        // Without a pointer to open at, the popup opens in the window's middle.
-        if (!QApplication::activePopupWidget())
-            mPopup->popup(mapToGlobal(rect().center()));
-        event->accept();
+    if (openPopupOnKey(*event, *mPopup, *this))
         return;
-    }
     QWidget::keyPressEvent(event);
 }
 
