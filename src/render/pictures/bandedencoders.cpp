@@ -332,11 +332,13 @@ public:
 
     bool write(PictureBands &bands, int filterType)
     {
-        const int threads =
-            std::clamp(mEncoding.threads > 0 ? mEncoding.threads : QThread::idealThreadCount(), 1, MaxThreads);
         // Two pieces per thread keep every thread busy while the next band
-        // is drawn, and bound what waits in memory.
-        for (int i = 0; i < 2 * threads; ++i)
+        // is drawn; on many processors, what waits in memory sets the limit.
+        int threads = std::max(1, mEncoding.threads > 0 ? mEncoding.threads : QThread::idealThreadCount());
+        const int pieces = int(std::clamp<qint64>(PiecesInMemoryBytes / std::max<qint64>(mEncoding.pieceBytes, 1), 2,
+                                                  2 * qint64(threads)));
+        threads = std::min(threads, pieces);
+        for (int i = 0; i < pieces; ++i)
             mPieces.push_back(std::make_unique<DeflatePiece>(mEncoding.level));
         mPool.setMaxThreadCount(threads);
 
@@ -394,7 +396,7 @@ public:
     QString error;
 
 private:
-    static constexpr int MaxThreads = 16;
+    static constexpr qint64 PiecesInMemoryBytes = qint64(8) * 1024 * 1024;
 
     bool put(const QByteArray &bytes)
     {

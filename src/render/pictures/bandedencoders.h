@@ -53,11 +53,12 @@ private:
 ///
 /// With one filter, zlib's level 6 costs most of the writing, so the rows
 /// are deflated in pieces of about `pieceBytes` on `threads` threads (0: one
-/// per processor), each piece primed with the 32 KB before it, into one zlib
-/// stream, while the next band is drawn. The pieces depend only on the
-/// picture, the band and `pieceBytes`: the file is the same on any number of
-/// threads. Several filters (a per-row search) go through libpng, on one
-/// thread, as do transparent pictures.
+/// per processor; no more than 8 MB of pieces wait at a time), each piece
+/// primed with the 32 KB before it, into one zlib stream, while the next
+/// band is drawn. The pieces depend only on the picture, the band and
+/// `pieceBytes`: the file is the same on any number of threads. Several
+/// filters (a per-row search) go through libpng, on one thread, as do
+/// transparent pictures.
 struct PngEncoding {
     static constexpr qint64 DefaultPieceBytes = qint64(2) * 1024 * 1024;
 
