@@ -182,6 +182,30 @@ TEST(BandedImages, PiecesOnAnyNumberOfThreadsMakeOneStreamOfThePixels)
     }
 }
 
+TEST(BandedImages, PiecesOfOverAMegabyteKeepTheStreamsChecksum)
+{
+    // Rows of white with a noisy one every 97: long runs of zeros after the
+    // Up filter, in one piece of 1.2 MB whose checksum zlib verifies.
+    constexpr int Width = 400, Height = 1000;
+    Picture picture;
+    picture.size = QSize(Width, Height);
+    picture.opaque = true;
+    picture.paint = [](QPainter &painter) {
+        painter.fillRect(0, 0, Width, Height, Qt::white);
+        for (int y = 0; y < Height; y += 97)
+            for (int x = 0; x < Width; ++x)
+                painter.fillRect(x, y, 1, 1, QColor::fromRgb(quint32(x) * 2654435761U ^ quint32(y)));
+    };
+    const QImage whole = renderPictureImage(picture, Qt::white).convertToFormat(QImage::Format_RGB32);
+    constexpr qint64 Filtered = Height * (3 * Width + 1);
+    ASSERT_GT(Filtered, 1 << 20);
+    PngEncoding encoding;
+    encoding.pieceBytes = Filtered;
+    const QByteArray png = writtenPng(picture, PictureBands::DefaultBandBytes, encoding);
+    EXPECT_EQ(inflatedRows(png, Filtered).size(), Filtered);
+    EXPECT_EQ(firstDifference(readBack(png), whole), "");
+}
+
 TEST(BandedImages, EveryRowFilterDecodesToThePixels)
 {
     // Each single filter is applied in pieces; several (a per-row search)
