@@ -154,6 +154,16 @@ QByteArray wholePictureFile(const kel::Picture &picture, kel::PictureFormat form
     return writer.write(image) ? out : QByteArray();
 }
 
+// The size of the banded PNG file written with `encoding`.
+qsizetype pngBytes(const kel::Picture &picture, const kel::PngEncoding &encoding)
+{
+    QByteArray out;
+    QBuffer buffer(&out);
+    buffer.open(QIODevice::WriteOnly);
+    kel::writePng(picture, buffer, nullptr, kel::PictureBands::DefaultBandBytes, encoding);
+    return out.size();
+}
+
 long peakKb()
 {
     QFile status(QStringLiteral("/proc/self/status"));
@@ -371,15 +381,7 @@ int main(int argc, char **argv)
             encoding.parallel = way.parallel;
             encoding.threads = way.threads;
             qsizetype size = 0;
-            const double ms = medianMs(
-                [&] {
-                    QByteArray out;
-                    QBuffer buffer(&out);
-                    buffer.open(QIODevice::WriteOnly);
-                    kel::writePng(copy, buffer, nullptr, kel::PictureBands::DefaultBandBytes, encoding);
-                    size = out.size();
-                },
-                5);
+            const double ms = medianMs([&] { size = pngBytes(copy, encoding); }, 5);
             if (!way.parallel)
                 oneStreamMs = ms;
             if (way.threads == (ideal == 2 ? 2 : 0))
@@ -406,15 +408,7 @@ int main(int argc, char **argv)
             if (filter.bits != PNG_FILTER_NONE && filter.bits != PNG_FILTER_UP && level != chosen.level)
                 continue;
             qsizetype size = 0;
-            const double ms = medianMs(
-                [&] {
-                    QByteArray out;
-                    QBuffer buffer(&out);
-                    buffer.open(QIODevice::WriteOnly);
-                    kel::writePng(copy, buffer, nullptr, kel::PictureBands::DefaultBandBytes, {level, filter.bits});
-                    size = out.size();
-                },
-                3);
+            const double ms = medianMs([&] { size = pngBytes(copy, {level, filter.bits}); }, 3);
             std::printf("  level %d %-15s %8.1f ms (cpu %7.1f ms) %10lld bytes%s\n", level, filter.name, ms, lastCpuMs,
                         static_cast<long long>(size),
                         level == chosen.level && filter.bits == chosen.filters ? "   <- the writers' choice" : "");
