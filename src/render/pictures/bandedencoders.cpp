@@ -171,8 +171,6 @@ int paethPredictor(int left, int above, int aboveLeft)
     return pb <= pc ? above : aboveLeft;
 }
 
-// One filtered row: the type byte, then each byte of `row` (RGB) less its
-// prediction from the bytes to the left and above (zeros above the first row).
 // Eight byte-wise differences a - b at once, no borrow crossing a byte.
 quint64 subtractBytes(quint64 a, quint64 b)
 {
@@ -180,6 +178,8 @@ quint64 subtractBytes(quint64 a, quint64 b)
     return ((a | High) - (b & ~High)) ^ ((a ^ ~b) & High);
 }
 
+// One filtered row: the type byte, then each byte of `row` (RGB) less its
+// prediction from the bytes to the left and above (zeros above the first row).
 void filterRow(int type, const uchar *row, const uchar *above, qsizetype bytes, uchar *out)
 {
     constexpr qsizetype Left = 3; // bytes per pixel
