@@ -40,7 +40,7 @@ ChartCommands::ChartCommands(MainWindow &window) : QObject(&window), mWindow(win
             const Document *doc = mWindow.document();
             const qint32 block = popupBlock();
             if (doc && block >= 0)
-                rankingGraph(overviewColumnsOf(block), doc->blocks[std::size_t(block)].name, sorted, true);
+                rankingGraph(overviewColumnsOf(block), mWindow.blocks().blocks[std::size_t(block)].name, sorted, true);
         });
         connect(m.mnuPSQ3SortedBy[std::size_t(i)], &QAction::triggered, this, [this, sorted] {
             const Document *doc = mWindow.document();
@@ -80,7 +80,7 @@ qint32 ChartCommands::popupBlock() const
 
 QuestionList ChartCommands::overviewColumnsOf(qint32 block) const
 {
-    const QuestionList members = blockMembers(*mWindow.document(), block);
+    const QuestionList members = blockMembers(*mWindow.document(), mWindow.blocks(), block);
     QuestionList columns;
     for (qint32 q : mWindow.sheetView()->input().columns)
         if (std::find(members.begin(), members.end(), q) != members.end())
@@ -130,33 +130,34 @@ void ChartCommands::totalIndexGraph()
     StatusLine &status = mWindow.statusLine();
     status.setStatus("Generating total index graph...", "Skapar totalindexgraf...", false);
     const Document &doc = *mWindow.document();
-    IndexGraphDialog dialog(doc, -1, mWindow.shownSheet().steps, mWindow.lastSettings(), mWindow.isSwedish(), &mWindow);
+    IndexGraphDialog dialog(doc, mWindow.blocks(), -1, mWindow.shownSheet().steps, mWindow.lastSettings(),
+                            mWindow.isSwedish(), &mWindow);
     if (runDialog(dialog) != QDialog::Accepted) {
         status.clearStatus();
         return;
     }
     dialog.storeSettings(mWindow.lastSettings());
     WaitCursor wait;
-    showChart(generateIndexGraph(doc, context(), dialog.request()));
+    showChart(generateIndexGraph(doc, mWindow.blocks(), mWindow.flexTotal(), context(), dialog.request()));
     status.setStatus("Total index graph generated!", "Totalindexgraf skapad!", true);
 }
 
 void ChartCommands::blockIndexGraph(qint32 block)
 {
     const Document *doc = mWindow.document();
-    if (!canGraph() || block < 0 || std::size_t(block) >= doc->blocks.size())
+    if (!canGraph() || !mWindow.blocks().blockAt(block))
         return;
     StatusLine &status = mWindow.statusLine();
     status.setStatus("Generating block index graph...", "Skapar blockindexgraf...", false);
-    IndexGraphDialog dialog(*doc, block, mWindow.shownSheet().steps, mWindow.lastSettings(), mWindow.isSwedish(),
-                            &mWindow);
+    IndexGraphDialog dialog(*doc, mWindow.blocks(), block, mWindow.shownSheet().steps, mWindow.lastSettings(),
+                            mWindow.isSwedish(), &mWindow);
     if (runDialog(dialog) != QDialog::Accepted) {
         status.clearStatus();
         return;
     }
     dialog.storeSettings(mWindow.lastSettings());
     WaitCursor wait;
-    showChart(generateIndexGraph(*doc, context(), dialog.request()));
+    showChart(generateIndexGraph(*doc, mWindow.blocks(), mWindow.flexTotal(), context(), dialog.request()));
     status.setStatus("Block index graph generated!", "Blockindexgraf skapad!", true);
 }
 
@@ -184,15 +185,16 @@ void ChartCommands::rankingGraph(const QuestionList &questions, const QString &t
 void ChartCommands::viewBlockRankingGraph(qint32 block)
 {
     const Document *doc = mWindow.document();
-    if (!canGraph() || block < 0 || std::size_t(block) >= doc->blocks.size())
+    const BlockCatalogue &blocks = mWindow.blocks();
+    if (!canGraph() || !blocks.blockAt(block))
         return;
-    const QuestionList questions = blockGraphQuestions(*doc, block);
+    const QuestionList questions = blockGraphQuestions(*doc, blocks, block);
     if (questions.empty()) {
         mWindow.statusLine().setStatus("The block did not contain any questions!", "Blocket innehöll inga frågor!",
                                        true);
         return;
     }
-    rankingGraph(questions, doc->blocks[std::size_t(block)].name, true, true);
+    rankingGraph(questions, blocks.blocks[std::size_t(block)].name, true, true);
 }
 
 void ChartCommands::distributionGraph()

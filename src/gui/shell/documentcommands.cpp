@@ -61,10 +61,11 @@ void MainWindow::connectDocumentCommands()
 
 void MainWindow::restoreStoredBlocks()
 {
-    Document *doc = mSession->editableDocument();
+    const Document *doc = document();
     if (!doc)
         return;
-    const UserBlockRestore restore = restoreUserBlocks(*doc, mSettings, !mSettings.policies().noSaveSettings);
+    const UserBlockRestore restore =
+        restoreUserBlocks(*doc, mSession->editableBlocks(), mSettings, !mSettings.policies().noSaveSettings);
     if (restore.problems.isEmpty())
         return;
     for (const QString &problem : restore.problems)
@@ -79,14 +80,16 @@ void MainWindow::restoreStoredBlocks()
 
 void MainWindow::editBlocks()
 {
-    Document *doc = mSession->editableDocument();
+    const Document *doc = document();
     if (!doc)
         return;
     mStatus->setStatus("Editing blocks...", "Redigerar block...", false);
-    BlockEditor editor(*doc, mFlexTotal.rows(), mSettings, mIsSwedish, this);
+    BlockEditor editor(*doc, mSession->editableBlocks(), mSettings, mIsSwedish, this);
     editor.exec();
-    if (editor.blocksChanged())
+    if (editor.blocksChanged()) {
+        mFlexTotal.updateUserBlockIndexes(*doc, blocks());
         rebuildBlockMenus();
+    }
     mStatus->clearStatus();
 }
 
@@ -102,7 +105,7 @@ void MainWindow::copyIndexes()
     bool done = false;
     SetupExportIndexes setup(*doc, mExportOptions, mIsSwedish, this);
     setup.setOnExport([&](const IndexExportOptions &options) {
-        ExportIndexes progress(*doc, selectionText, rows, options, QLocale(), mIsSwedish, &setup);
+        ExportIndexes progress(*doc, blocks(), selectionText, rows, options, QLocale(), mIsSwedish, &setup);
         progress.exec();
         done = progress.copied();
     });

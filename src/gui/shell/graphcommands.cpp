@@ -81,7 +81,8 @@ BasicGraphWindow *openBasicGraph(MainWindow &window, const BasicGraphRequest &re
     const Document *doc = window.document();
     if (!doc || !window.sheetView()->hasSheet() || !window.mayOutput(OutputCommand::Figures))
         return nullptr;
-    const BasicGraphResult result = generateBasicGraph(*doc, request, currentGraphSelection(window));
+    const BasicGraphResult result =
+        generateBasicGraph(*doc, window.blocks(), window.flexTotal(), request, currentGraphSelection(window));
     if (result.outcome != BasicGraphOutcome::Ok)
         return nullptr;
 
@@ -128,12 +129,12 @@ void showPopupBlockGraph(MainWindow &window, qint32 kind)
         const qint32 block = popupBlock(*doc, window.popupHit(), window.sheetView()->sheetGeometry().headerLines);
         if (block >= 0) {
             // The block's columns as the overview shows them.
-            const QuestionList members = blockMembers(*doc, block);
+            const QuestionList members = blockMembers(*doc, window.blocks(), block);
             for (qint32 column : window.sheetView()->input().columns) {
                 if (std::find(members.begin(), members.end(), column) != members.end())
                     request.questions.push_back(column);
             }
-            request.name = doc->blocks[std::size_t(block)].name;
+            request.name = window.blocks().blocks[std::size_t(block)].name;
             request.block = block;
             request.showTotalIndex = window.selectionSteps().differentFromUsedTotal;
         }
@@ -200,20 +201,21 @@ void showSplitGraphByCategory(MainWindow &window, qint32 kind, int category)
 void showViewBlockGraph(MainWindow &window, qint32 kind, int block)
 {
     const Document *doc = window.document();
-    if (!doc || block < 0 || std::size_t(block) >= doc->blocks.size())
+    const BlockCatalogue &blocks = window.blocks();
+    if (!doc || !blocks.blockAt(block))
         return;
     const BasicGraphCommand command =
         kind == HistogramGraph ? BasicGraphCommand::ViewBlockHistogram : BasicGraphCommand::ViewBlockFraction;
     WaitCursor wait;
     BasicGraphRequest request;
     request.kind = kind;
-    request.questions = blockGraphQuestions(*doc, block);
+    request.questions = blockGraphQuestions(*doc, blocks, block);
     if (request.questions.empty()) {
         window.showMessage(QMessageBox::Information, applicationTitle(),
                            blockWithoutQuestionsMessage(window.isSwedish()));
         return;
     }
-    request.name = doc->blocks[std::size_t(block)].name;
+    request.name = blocks.blocks[std::size_t(block)].name;
     request.block = block;
     request.showTotalIndex = window.selectionSteps().differentFromUsedTotal;
     runGraphCommand(window, command, request);
@@ -224,14 +226,14 @@ void rebuildUserBlockGraphMenu(MainWindow &window)
     QMenu *menu = window.menus().mnuVUserBlockGraphs;
     menu->clear(); // deletes the block submenus' actions, not the submenus
     qDeleteAll(menu->findChildren<QMenu *>(Qt::FindDirectChildrenOnly));
-    const Document *doc = window.document();
-    const qint32 first = doc ? documentBlockCount(*doc) : 0;
-    const qint32 count = doc ? qint32(doc->blocks.size()) : 0;
+    const BlockCatalogue &blocks = window.blocks();
+    const qint32 first = blocks.documentBlockCount();
+    const qint32 count = blocks.size();
     menu->menuAction()->setVisible(count > first);
     const bool sv = window.isSwedish();
     MainWindow *w = &window;
     for (qint32 block = first; block < count; ++block) {
-        const Block &b = doc->blocks[std::size_t(block)];
+        const Block &b = blocks.blocks[std::size_t(block)];
         QMenu *graphs = menu->addMenu(doubleAmpersands(b.name));
         graphs->setObjectName(QStringLiteral("mnuVUserBlock%1").arg(block));
         // The same graphs, in the same order and by the same flags, as the

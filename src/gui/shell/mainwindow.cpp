@@ -219,6 +219,11 @@ const Document *MainWindow::document() const
     return mSession->document();
 }
 
+const BlockCatalogue &MainWindow::blocks() const
+{
+    return mSession->blocks();
+}
+
 QLabel *MainWindow::statusPanel(int number) const
 {
     return (number >= 1 && number <= 3) ? mPanels[std::size_t(number - 1)] : nullptr;
@@ -440,7 +445,7 @@ void MainWindow::rebuildBlockMenus()
         items->clear();
         if (!doc)
             continue;
-        for (const Block &block : doc->blocks)
+        for (const Block &block : blocks().blocks)
             *items << menu->addAction(doubleAmpersands(block.name));
     }
     rebuildUserBlockGraphMenu(*this);
@@ -641,8 +646,7 @@ DetailWindow *MainWindow::detailWindow() const
 void MainWindow::createToolWindows(const Document &doc)
 {
     destroyToolWindows();
-    if (Document *editable = mSession->editableDocument())
-        mFlexTotal.reset(*editable);
+    mFlexTotal.reset(doc, blocks());
     const double pixelsPerTwip = logicalDpiY() / TwipsPerInch;
     auto pixels = [&](int twips) { return qRound(twips * pixelsPerTwip); };
 
@@ -693,16 +697,15 @@ void MainWindow::showFlexTotalIndex()
 {
     const Document *doc = document();
     if (mDetail && doc)
-        mDetail->setIndexValue(4, true,
-                               formatIndex(doc->properties.flexTotalIndex, doc->properties.indexDecimals, QLocale()));
+        mDetail->setIndexValue(4, true, formatIndex(mFlexTotal.totalIndex(), doc->properties.indexDecimals, QLocale()));
 }
 
 QString MainWindow::showNavigatorSelection(SelectionModel &model)
 {
-    Document *doc = mSession->editableDocument();
+    const Document *doc = document();
     if (!doc)
         return QString();
-    const SubSheet sheet = kel::showSelection(*doc, model, mFlexTotal, mOptions.overviewRowOrder, mRowRandom);
+    const SubSheet sheet = kel::showSelection(*doc, blocks(), model, mFlexTotal, mOptions.overviewRowOrder, mRowRandom);
     // The flex total changes with Show even when the selection is refused.
     showFlexTotalIndex();
     if (sheet.outcome != SubSheetOutcome::Ok)
@@ -713,10 +716,10 @@ QString MainWindow::showNavigatorSelection(SelectionModel &model)
 
 QString MainWindow::showSelection(const SelectionMatrix &selection)
 {
-    Document *doc = mSession->editableDocument();
+    const Document *doc = document();
     if (!doc)
         return QString();
-    const SubSheet sheet = createSubSheet(*doc, selection, mFlexTotal, mOptions.overviewRowOrder, mRowRandom);
+    const SubSheet sheet = createSubSheet(*doc, blocks(), selection, mFlexTotal, mOptions.overviewRowOrder, mRowRandom);
     // A flex total based on the current selection is rebuilt even when the
     // selection itself is refused.
     showFlexTotalIndex();
@@ -753,7 +756,7 @@ void MainWindow::showHoveredCell(const SheetHit &hit)
 {
     const Document *doc = document();
     if (mDetail && doc && mSheet->hasSheet())
-        mDetail->showCell(*doc, hit, mSheet->input().columns, mSheet->input().rows);
+        mDetail->showCell(*doc, blocks(), mFlexTotal, hit, mSheet->input().columns, mSheet->input().rows);
 }
 
 void MainWindow::preparePopup(const SheetHit &hit)
@@ -772,7 +775,7 @@ void MainWindow::preparePopup(const SheetHit &hit)
         context.questionGraphFlags = question.graphFlags;
         if (hit.place == SheetPlace::BlockLine) {
             if (const qint32 block = popupBlock(*doc, hit, mSheet->sheetGeometry().headerLines); block >= 0)
-                context.blockGraphFlags = doc->blocks[std::size_t(block)].graphFlags;
+                context.blockGraphFlags = blocks().blocks[std::size_t(block)].graphFlags;
         }
     }
     const PopupItems items = popupItemsFor(hit.place, context);

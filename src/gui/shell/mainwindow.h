@@ -69,6 +69,8 @@ public:
     void closeDocument();
 
     const Document *document() const;
+    /// The open document's blocks and the user's.
+    const BlockCatalogue &blocks() const;
     DocumentSession &session() { return *mSession; }
     StatusLine &statusLine() { return *mStatus; }
     const MainMenus &menus() const { return mMenus; }

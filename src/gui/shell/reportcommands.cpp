@@ -24,6 +24,7 @@ void MainWindow::createReport()
     context.document = doc;
     context.base.model = selectionModelFor(*doc, mShownSheet.selection);
     context.base.flex = mFlexTotal;
+    context.base.blocks = blocks();
     context.isSwedish = mIsSwedish;
     context.locale = QLocale();
     ReportDialog dialog(std::move(context), this);
