@@ -462,3 +462,101 @@ TEST(ChartLayout, DataLabelsNeverOverlap)
 }
 
 } // namespace
+
+namespace {
+
+// The rule for category labels at its edges: upright while the widest
+// label and its gap fit a category's share of the axis; a line and its gap
+// for each turned or stacked label, else every step-th. The figures are
+// worked by hand: 640 px hold 8 shares of 80 (a 74 px label and 6 px gap),
+// and 40 lines of 14 px and 2 px gap.
+TEST(CategoryLabels, UprightTurnedAndThinnedAtTheirEdges)
+{
+    struct Case {
+        qsizetype count;
+        qreal widest;
+        bool standing, turnedAsked;
+        kel::CategoryLabels expected;
+    };
+    static const Case Cases[] = {
+        {8, 74, true, false, {false, 1}},    // the last count whose widest label fits upright
+        {9, 74, true, false, {true, 1}},     // one more: turned
+        {8, 75, true, false, {true, 1}},     // one pixel wider: turned
+        {8, 74, true, true, {true, 1}},      // turned when asked, though it would fit
+        {40, 74, true, false, {true, 1}},    // the last count of turned lines that fits
+        {41, 74, true, false, {true, 2}},    // one more: every other
+        {80, 74, true, false, {true, 2}},    // every other still fits
+        {81, 74, true, false, {true, 3}},    // one more: every third
+        {40, 500, false, false, {false, 1}}, // lying bars: stacked lines, never turned
+        {41, 500, false, true, {false, 2}},  {1, 5000, true, false, {true, 1}}, // a lone label is never thinned
+        {0, 74, true, false, {false, 1}},                                       // nothing to lay out
+    };
+    for (const Case &c : Cases) {
+        SCOPED_TRACE(testing::Message() << c.count << " labels of " << c.widest << " px, standing " << c.standing
+                                        << ", asked " << c.turnedAsked);
+        EXPECT_EQ(kel::categoryLabels(c.count, 640, c.widest, 14, c.standing, c.turnedAsked), c.expected);
+    }
+}
+
+/// The category labels the chart shows, with their boxes on the scene.
+std::vector<std::pair<QString, QRectF>> shownCategoryLabels(QChart *chart)
+{
+    std::vector<std::pair<QString, QRectF>> out;
+    for (QGraphicsItem *item : chart->childItems())
+        if (auto *text = dynamic_cast<QGraphicsSimpleTextItem *>(item))
+            if (text->data(ChartTextRole).toString() == QLatin1String("categoryLabel") && text->isVisible())
+                out.emplace_back(text->text(), text->sceneBoundingRect());
+    return out;
+}
+
+// Many categories, laid out at a chart's default size, whichever way the
+// bars run: the labels shown never overlap, the first item's is among
+// them, and texts the axis would read as markup stay texts.
+TEST(ChartLayout, CrowdedCategoryLabelsNeverOverlap)
+{
+    for (const int count : {4, 44, 120}) {
+        for (const bool horizontal : {false, true}) {
+            SCOPED_TRACE(testing::Message() << count << " categories, lying " << horizontal);
+            kel::ChartDescription d;
+            d.title = QStringLiteral("Indexes");
+            d.horizontal = horizontal;
+            kel::ChartSeries series;
+            series.name = QStringLiteral("Index");
+            QStringList categories;
+            for (int p = 0; p < count; ++p) {
+                const QString label = p == 0 ? QStringLiteral("<5 years & more")
+                    : p == 1 ? QStringLiteral("A question text long enough to take a third of the chart and more")
+                             : QStringLiteral("Question %1").arg(p);
+                categories << label;
+                series.points.push_back({label, 0.3 + 0.01 * (p % 50)});
+            }
+            d.series = {series};
+            QGraphicsScene scene;
+            QChart *chart = kel::buildChart(d);
+            scene.addItem(chart);
+            chart->setGeometry(QRectF(0, 0, 800, 600));
+            for (int pass = 0; pass < 3; ++pass) {
+                chart->layout()->activate();
+                QCoreApplication::processEvents();
+            }
+            const auto shown = shownCategoryLabels(chart);
+            QStringList texts;
+            for (const auto &[text, box] : shown)
+                texts << text;
+            EXPECT_TRUE(texts.contains(categories[0])) << texts.join(QLatin1Char('|')).toStdString();
+            if (count == 4)
+                EXPECT_EQ(shown.size(), 4u);
+            else
+                EXPECT_GE(shown.size(), std::size_t(count / 4));
+            for (std::size_t i = 0; i < shown.size(); ++i)
+                for (std::size_t j = i + 1; j < shown.size(); ++j)
+                    EXPECT_FALSE(shown[i].second.intersects(shown[j].second))
+                        << shown[i].first.toStdString() << " and " << shown[j].first.toStdString();
+            // Shortened where long, to a third of the chart at most.
+            for (const auto &[text, box] : shown)
+                EXPECT_LE(std::max(box.width(), box.height()), 800 / 3 + 8) << text.toStdString();
+        }
+    }
+}
+
+} // namespace

@@ -398,6 +398,7 @@ TEST(MetafilesElsewhere, TextColoursSurviveClips)
 // draw what they hold before every text: else a title and a caption far
 // below it are laid out anew as one paragraph. The record between must
 // change nothing: any mapping mode set is the one the file starts in.
+// A text in a transparent colour is left out (metafile text has no alpha).
 TEST(Metafiles, EveryTextStandsOnItsOwnForReadersThatJoinTexts)
 {
     Picture p;
@@ -417,6 +418,9 @@ TEST(Metafiles, EveryTextStandsOnItsOwnForReadersThatJoinTexts)
             painter.drawText(QRect(0, 40 * i, 40, 20), Qt::AlignRight, Texts[i]);
         painter.drawLine(50, 40, 50, 200);
         painter.drawText(QPoint(60, 230), Texts[5]);
+        // A transparent text (a chart keeps room with one) shows nothing.
+        painter.setPen(Qt::transparent);
+        painter.drawText(QPoint(60, 250), QStringLiteral("unseen"));
     };
     for (const bool wmf : {false, true}) {
         SCOPED_TRACE(wmf ? "WMF" : "EMF");

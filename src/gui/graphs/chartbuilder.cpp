@@ -7,6 +7,8 @@
 #include <QBarSeries>
 #include <QBarSet>
 #include <QChart>
+#include <QCursor>
+#include <QFontMetricsF>
 #include <QGraphicsSimpleTextItem>
 #include <QHorizontalBarSeries>
 #include <QLegend>
@@ -16,8 +18,11 @@
 #include <QPieSeries>
 #include <QPieSlice>
 #include <QRadialGradient>
+#include <QSet>
+#include <QToolTip>
 #include <QValueAxis>
 
+#include <cmath>
 #include <memory>
 
 namespace kel {
@@ -168,7 +173,139 @@ ChartDescription withClippedTexts(ChartDescription d)
     return d;
 }
 
+// Longest a category label is drawn; a longer one ends in "…" and shows
+// in full in a tooltip (and the bars' tooltips name it in full).
+constexpr qreal LongestCategoryLabel = 260;
+// Between the plot's edge and a category label.
+constexpr qreal CategoryLabelPadding = 4;
+
+/// The category labels, drawn by the chart itself: Qt's own either shorten
+/// every label to the bar's width or leave them to overlap, and hide some by
+/// rules of their own (a label at the plot's edge, one whose neighbour it
+/// touches). Qt's labels stay, invisible, to keep the room below or beside
+/// the plot; these follow `categoryLabels` for the size the chart is laid
+/// out at. `labels` run along the axis from its origin (bottom-up beside
+/// lying bars, whose first item is on top: their step counts from the top).
+void drawCategoryLabels(QChart *chart, QBarCategoryAxis *axis, QAbstractBarSeries *bars, const QStringList &labels,
+                        bool standing, bool turnedAsked)
+{
+    const QFont font = axis->labelsFont();
+    const QFontMetricsF metrics(font);
+    auto items = std::make_shared<std::vector<QGraphicsSimpleTextItem *>>();
+    QStringList room;
+    QSet<QString> taken;
+    qreal widest = 0;
+    for (qsizetype i = 0; i < labels.size(); ++i) {
+        const QString shown = metrics.elidedText(labels[i], Qt::ElideRight, LongestCategoryLabel);
+        widest = std::max(widest, metrics.horizontalAdvance(shown));
+        auto *item = new QGraphicsSimpleTextItem(shown, chart);
+        item->setFont(font);
+        item->setBrush(axis->labelsBrush());
+        item->setData(ChartTextRole, QStringLiteral("categoryLabel"));
+        if (shown != labels[i])
+            item->setToolTip(labels[i]);
+        items->push_back(item);
+        // Qt reads its labels as rich text and wants them told apart;
+        // shortened ones may not be, an empty comment numbers them.
+        QString escaped = shown.toHtmlEscaped();
+        if (taken.contains(escaped))
+            escaped += QStringLiteral("<!--%1-->").arg(i);
+        taken.insert(escaped);
+        room << escaped;
+    }
+    axis->setCategories(room);
+    axis->setLabelsColor(Qt::transparent);
+    axis->setLabelsAngle(standing && turnedAsked ? -90 : 0);
+
+    auto laidOutAt = std::make_shared<QSizeF>();
+    auto layout = std::make_shared<CategoryLabels>(CategoryLabels{standing && turnedAsked, 1});
+    const qreal lineHeight = metrics.height();
+    const auto place = [=] {
+        const QRectF plot = chart->plotArea();
+        if (plot.isEmpty())
+            return;
+        // Turning Qt's labels lays the chart out again at the same size,
+        // which places the labels again but decides nothing anew.
+        if (chart->size() != *laidOutAt) {
+            *laidOutAt = chart->size();
+            *layout = categoryLabels(qsizetype(items->size()), standing ? plot.width() : plot.height(), widest,
+                                     lineHeight, standing, turnedAsked);
+            axis->setLabelsAngle(layout->turned ? -90 : 0);
+        }
+        const auto count = qsizetype(items->size());
+        for (qsizetype p = 0; p < count; ++p) {
+            QGraphicsSimpleTextItem *item = (*items)[std::size_t(p)];
+            const qsizetype reading = standing ? p : count - 1 - p;
+            item->setVisible(reading % layout->step == 0);
+            const QRectF box = item->boundingRect();
+            if (!standing) {
+                const qreal y = chart->mapToPosition(QPointF(0, qreal(p)), bars).y();
+                item->setPos(plot.left() - CategoryLabelPadding - box.width(), y - box.height() / 2);
+                continue;
+            }
+            const qreal x = chart->mapToPosition(QPointF(qreal(p), 0), bars).x();
+            const qreal top = plot.bottom() + CategoryLabelPadding;
+            // Turned, a label reads bottom-up and ends at the axis.
+            item->setRotation(layout->turned ? -90 : 0);
+            item->setPos(layout->turned ? QPointF(x - box.height() / 2, top + box.width())
+                                        : QPointF(x - box.width() / 2, top));
+        }
+    };
+    QObject::connect(chart, &QChart::plotAreaChanged, chart, place);
+    place();
+}
+
+/// A bar names its category in full, with its group and value, while the
+/// pointer rests on it: its label may be shortened or not shown.
+void showCategoryTips(QAbstractBarSeries *bars, const ChartDescription &d, const QStringList &categories,
+                      qsizetype reversedCount)
+{
+    QObject::connect(bars, &QAbstractBarSeries::hovered, bars,
+                     [d, categories, reversedCount, bars](bool inside, int index, QBarSet *set) {
+                         if (!inside || index < 0 || index >= categories.size()) {
+                             QToolTip::hideText();
+                             return;
+                         }
+                         const qsizetype s = bars->barSets().indexOf(set);
+                         const qsizetype point = reversedCount > 0 ? reversedCount - 1 - index : index;
+                         QString tip = categories[index];
+                         if (s >= 0 && s < qsizetype(d.series.size())) {
+                             const ChartSeries &series = d.series[std::size_t(s)];
+                             if (d.series.size() > 1)
+                                 tip += QStringLiteral("\n") + series.name;
+                             if (point < qsizetype(series.points.size())) {
+                                 const ChartPoint &p = series.points[std::size_t(point)];
+                                 tip += QStringLiteral("\n")
+                                     + (p.dataLabel.isEmpty() ? QString::number(p.value) : p.dataLabel);
+                             }
+                         }
+                         QToolTip::showText(QCursor::pos(), tip);
+                     });
+}
+
 } // namespace
+
+CategoryLabels categoryLabels(qsizetype count, qreal extent, qreal widest, qreal lineHeight, bool standingBars,
+                              bool turnedAsked)
+{
+    CategoryLabels layout{standingBars && turnedAsked, 1};
+    if (count <= 0 || extent <= 0)
+        return layout;
+    const qreal share = extent / qreal(count);
+    if (standingBars && !layout.turned && widest + CategoryLabelGap > share)
+        layout.turned = true;
+    if (standingBars && !layout.turned)
+        return layout;
+    // The smallest step whose labels, step shares apart, each have a line
+    // and the gap.
+    const qreal needed = (lineHeight + CategoryLineGap) / share;
+    const qreal rounded = std::round(needed);
+    // A share that holds the label exactly is enough (division may leave
+    // a trace above a whole number).
+    const qreal steps = std::abs(needed - rounded) < 1e-9 ? rounded : std::ceil(needed);
+    layout.step = int(std::clamp<qreal>(steps, 1, qreal(count)));
+    return layout;
+}
 
 Qt::Alignment legendAlignment(qint32 code)
 {
@@ -246,6 +383,7 @@ QChart *buildChart(const ChartDescription &description)
         bars->append(set);
     }
     chart->addSeries(bars);
+    showCategoryTips(bars, d, categories, d.horizontal ? pointCount : 0);
     if (d.threeD) {
         for (QBarSet *set : bars->barSets()) {
             const QColor base = set->color();
@@ -255,11 +393,8 @@ QChart *buildChart(const ChartDescription &description)
     }
 
     auto *categoryAxis = new QBarCategoryAxis;
-    categoryAxis->append(categories);
-    if (d.verticalLabels && !d.horizontal)
-        categoryAxis->setLabelsAngle(-90);
-    // Qt shortens rotated labels to the bar's width; the chart makes room
-    // for them below instead.
+    // Qt's labels only keep the room for the chart's own (see
+    // drawCategoryLabels): whole, for turned ones to get theirs below.
     categoryAxis->setTruncateLabels(false);
     auto *valueAxis = new QValueAxis;
     valueAxis->setLabelFormat(QStringLiteral("%g"));
@@ -296,6 +431,7 @@ QChart *buildChart(const ChartDescription &description)
     chart->addAxis(left, Qt::AlignLeft);
     bars->attachAxis(categoryAxis);
     bars->attachAxis(valueAxis);
+    drawCategoryLabels(chart, categoryAxis, bars, categories, !d.horizontal, d.verticalLabels);
 
     auto texts = std::make_shared<std::vector<PlacedText>>();
     const qsizetype setCount = qsizetype(d.series.size());
