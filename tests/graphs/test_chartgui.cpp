@@ -509,52 +509,78 @@ std::vector<std::pair<QString, QRectF>> shownCategoryLabels(QChart *chart)
     return out;
 }
 
-// Many categories, laid out at a chart's default size, whichever way the
-// bars run: the labels shown never overlap, the first item's is among
-// them, and texts the axis would read as markup stay texts.
+/// The box of a text Qt draws for the chart (an axis title), if shown.
+QRectF chartTextBox(QChart *chart, const QString &plain)
+{
+    const QList<QGraphicsItem *> top = chart->childItems();
+    std::vector<QGraphicsItem *> items(top.begin(), top.end());
+    while (!items.empty()) {
+        QGraphicsItem *item = items.back();
+        items.pop_back();
+        for (QGraphicsItem *child : item->childItems())
+            items.push_back(child);
+        if (auto *text = dynamic_cast<QGraphicsTextItem *>(item); text && text->isVisible())
+            if (text->toPlainText() == plain)
+                return text->sceneBoundingRect();
+    }
+    return QRectF();
+}
+
+// Many categories, laid out at a chart's default size and at a small
+// window's, whichever way the bars run: the labels shown never overlap each
+// other or the axis title, the first item's is among them, long ones are
+// shortened, and texts the axis would read as markup stay texts.
 TEST(ChartLayout, CrowdedCategoryLabelsNeverOverlap)
 {
-    for (const int count : {4, 44, 120}) {
-        for (const bool horizontal : {false, true}) {
-            SCOPED_TRACE(testing::Message() << count << " categories, lying " << horizontal);
-            kel::ChartDescription d;
-            d.title = QStringLiteral("Indexes");
-            d.horizontal = horizontal;
-            kel::ChartSeries series;
-            series.name = QStringLiteral("Index");
-            QStringList categories;
-            for (int p = 0; p < count; ++p) {
-                const QString label = p == 0 ? QStringLiteral("<5 years & more")
-                    : p == 1 ? QStringLiteral("A question text long enough to take a third of the chart and more")
-                             : QStringLiteral("Question %1").arg(p);
-                categories << label;
-                series.points.push_back({label, 0.3 + 0.01 * (p % 50)});
+    for (const QSizeF size : {QSizeF(800, 600), QSizeF(620, 460)}) {
+        for (const int count : {4, 44, 120}) {
+            for (const bool horizontal : {false, true}) {
+                SCOPED_TRACE(testing::Message() << count << " categories at " << size.width() << " x " << size.height()
+                                                << ", lying " << horizontal);
+                kel::ChartDescription d;
+                d.title = QStringLiteral("Indexes");
+                d.categoryAxisTitle = QStringLiteral("Everyone [600]");
+                d.verticalLabels = true;
+                d.horizontal = horizontal;
+                kel::ChartSeries series;
+                series.name = QStringLiteral("Index");
+                QStringList categories;
+                for (int p = 0; p < count; ++p) {
+                    const QString label = p == 0 ? QStringLiteral("<5 years & more")
+                        : p == 1 ? QStringLiteral("A question text long enough to take a third of the chart and more")
+                                 : QStringLiteral("Question %1").arg(p);
+                    categories << label;
+                    series.points.push_back({label, 0.3 + 0.01 * (p % 50)});
+                }
+                d.series = {series};
+                QGraphicsScene scene;
+                QChart *chart = kel::buildChart(d);
+                scene.addItem(chart);
+                chart->setGeometry(QRectF(QPointF(0, 0), size));
+                for (int pass = 0; pass < 3; ++pass) {
+                    chart->layout()->activate();
+                    QCoreApplication::processEvents();
+                }
+                auto shown = shownCategoryLabels(chart);
+                QStringList texts;
+                for (const auto &[text, box] : shown)
+                    texts << text;
+                EXPECT_TRUE(texts.contains(categories[0])) << texts.join(QLatin1Char('|')).toStdString();
+                if (count == 4)
+                    EXPECT_EQ(shown.size(), 4u);
+                else
+                    EXPECT_GE(shown.size(), std::size_t(count / 8)) << "thinned more than the room asks";
+                const QRectF title = chartTextBox(chart, d.categoryAxisTitle);
+                EXPECT_FALSE(title.isEmpty());
+                shown.emplace_back(d.categoryAxisTitle, title);
+                for (std::size_t i = 0; i < shown.size(); ++i)
+                    for (std::size_t j = i + 1; j < shown.size(); ++j)
+                        EXPECT_FALSE(shown[i].second.intersects(shown[j].second))
+                            << shown[i].first.toStdString() << " and " << shown[j].first.toStdString();
+                // Shortened where long, to a third of the chart at most.
+                for (const auto &[text, box] : shown)
+                    EXPECT_LE(std::max(box.width(), box.height()), size.width() / 3 + 8) << text.toStdString();
             }
-            d.series = {series};
-            QGraphicsScene scene;
-            QChart *chart = kel::buildChart(d);
-            scene.addItem(chart);
-            chart->setGeometry(QRectF(0, 0, 800, 600));
-            for (int pass = 0; pass < 3; ++pass) {
-                chart->layout()->activate();
-                QCoreApplication::processEvents();
-            }
-            const auto shown = shownCategoryLabels(chart);
-            QStringList texts;
-            for (const auto &[text, box] : shown)
-                texts << text;
-            EXPECT_TRUE(texts.contains(categories[0])) << texts.join(QLatin1Char('|')).toStdString();
-            if (count == 4)
-                EXPECT_EQ(shown.size(), 4u);
-            else
-                EXPECT_GE(shown.size(), std::size_t(count / 4));
-            for (std::size_t i = 0; i < shown.size(); ++i)
-                for (std::size_t j = i + 1; j < shown.size(); ++j)
-                    EXPECT_FALSE(shown[i].second.intersects(shown[j].second))
-                        << shown[i].first.toStdString() << " and " << shown[j].first.toStdString();
-            // Shortened where long, to a third of the chart at most.
-            for (const auto &[text, box] : shown)
-                EXPECT_LE(std::max(box.width(), box.height()), 800 / 3 + 8) << text.toStdString();
         }
     }
 }

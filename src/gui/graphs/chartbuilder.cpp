@@ -174,7 +174,9 @@ ChartDescription withClippedTexts(ChartDescription d)
 }
 
 // Longest a category label is drawn; a longer one ends in "…" and shows
-// in full in a tooltip (and the bars' tooltips name it in full).
+// in full in a tooltip (and the bars' tooltips name it in full). Turned
+// labels take at most a quarter of the chart's height, stacked ones a
+// third of its width, so that the plot keeps its room.
 constexpr qreal LongestCategoryLabel = 260;
 // Between the plot's edge and a category label.
 constexpr qreal CategoryLabelPadding = 4;
@@ -182,61 +184,83 @@ constexpr qreal CategoryLabelPadding = 4;
 /// The category labels, drawn by the chart itself: Qt's own either shorten
 /// every label to the bar's width or leave them to overlap, and hide some by
 /// rules of their own (a label at the plot's edge, one whose neighbour it
-/// touches). Qt's labels stay, invisible, to keep the room below or beside
-/// the plot; these follow `categoryLabels` for the size the chart is laid
-/// out at. `labels` run along the axis from its origin (bottom-up beside
-/// lying bars, whose first item is on top: their step counts from the top).
+/// touches). Qt's labels stay, invisible and shortened as these are, to keep
+/// the room below or beside the plot; these follow `categoryLabels` for the
+/// plot the chart is laid out with. `labels` run along the axis from its
+/// origin (bottom-up beside lying bars, whose first item is on top: their
+/// step counts from the top).
 void drawCategoryLabels(QChart *chart, QBarCategoryAxis *axis, QAbstractBarSeries *bars, const QStringList &labels,
                         bool standing, bool turnedAsked)
 {
     const QFont font = axis->labelsFont();
     const QFontMetricsF metrics(font);
     auto items = std::make_shared<std::vector<QGraphicsSimpleTextItem *>>();
-    QStringList room;
-    QSet<QString> taken;
     qreal widest = 0;
-    for (qsizetype i = 0; i < labels.size(); ++i) {
-        const QString shown = metrics.elidedText(labels[i], Qt::ElideRight, LongestCategoryLabel);
-        widest = std::max(widest, metrics.horizontalAdvance(shown));
-        auto *item = new QGraphicsSimpleTextItem(shown, chart);
+    for (const QString &label : labels) {
+        widest = std::max(widest,
+                          metrics.horizontalAdvance(metrics.elidedText(label, Qt::ElideRight, LongestCategoryLabel)));
+        auto *item = new QGraphicsSimpleTextItem(chart);
         item->setFont(font);
         item->setBrush(axis->labelsBrush());
         item->setData(ChartTextRole, QStringLiteral("categoryLabel"));
-        if (shown != labels[i])
-            item->setToolTip(labels[i]);
         items->push_back(item);
-        // Qt reads its labels as rich text and wants them told apart;
-        // shortened ones may not be, an empty comment numbers them.
-        QString escaped = shown.toHtmlEscaped();
-        if (taken.contains(escaped))
-            escaped += QStringLiteral("<!--%1-->").arg(i);
-        taken.insert(escaped);
-        room << escaped;
     }
-    axis->setCategories(room);
+    // Shortens every label to `longest` pixels, here and in Qt's copies.
+    const auto shorten = [=](qreal longest) {
+        QStringList room;
+        QSet<QString> taken;
+        for (qsizetype i = 0; i < labels.size(); ++i) {
+            const QString shown = metrics.elidedText(labels[i], Qt::ElideRight, longest);
+            QGraphicsSimpleTextItem *item = (*items)[std::size_t(i)];
+            item->setText(shown);
+            item->setToolTip(shown == labels[i] ? QString() : labels[i]);
+            // Qt reads its labels as rich text and wants them told apart;
+            // shortened ones may not be, an empty comment numbers them.
+            QString escaped = shown.toHtmlEscaped();
+            if (taken.contains(escaped))
+                escaped += QStringLiteral("<!--%1-->").arg(i);
+            taken.insert(escaped);
+            room << escaped;
+        }
+        if (room != axis->categories())
+            axis->setCategories(room);
+    };
+    shorten(LongestCategoryLabel);
     axis->setLabelsColor(Qt::transparent);
     axis->setLabelsAngle(standing && turnedAsked ? -90 : 0);
 
-    auto laidOutAt = std::make_shared<QSizeF>();
-    auto layout = std::make_shared<CategoryLabels>(CategoryLabels{standing && turnedAsked, 1});
+    struct State {
+        QSizeF size;
+        qreal extent = -1;
+        CategoryLabels layout;
+    };
+    auto state = std::make_shared<State>(State{{}, -1, CategoryLabels{standing && turnedAsked, 1}});
     const qreal lineHeight = metrics.height();
     const auto place = [=] {
         const QRectF plot = chart->plotArea();
         if (plot.isEmpty())
             return;
-        // Turning Qt's labels lays the chart out again at the same size,
-        // which places the labels again but decides nothing anew.
-        if (chart->size() != *laidOutAt) {
-            *laidOutAt = chart->size();
-            *layout = categoryLabels(qsizetype(items->size()), standing ? plot.width() : plot.height(), widest,
-                                     lineHeight, standing, turnedAsked);
-            axis->setLabelsAngle(layout->turned ? -90 : 0);
+        // Decided anew when the plot's length along the axis changes. Within
+        // one size of the chart labels once turned stay turned: turning them
+        // lays the chart out again, which must not turn them back.
+        const qreal extent = standing ? plot.width() : plot.height();
+        const bool newSize = chart->size() != state->size;
+        if (newSize || std::abs(extent - state->extent) >= 1) {
+            const bool wasTurned = state->layout.turned && !newSize;
+            state->size = chart->size();
+            state->extent = extent;
+            state->layout = categoryLabels(qsizetype(items->size()), extent, widest, lineHeight, standing,
+                                           turnedAsked || wasTurned);
+            shorten(!standing                  ? std::min(LongestCategoryLabel, state->size.width() / 3)
+                        : state->layout.turned ? std::min(LongestCategoryLabel, state->size.height() / 4)
+                                               : LongestCategoryLabel);
+            axis->setLabelsAngle(state->layout.turned ? -90 : 0);
         }
         const auto count = qsizetype(items->size());
         for (qsizetype p = 0; p < count; ++p) {
             QGraphicsSimpleTextItem *item = (*items)[std::size_t(p)];
             const qsizetype reading = standing ? p : count - 1 - p;
-            item->setVisible(reading % layout->step == 0);
+            item->setVisible(reading % state->layout.step == 0);
             const QRectF box = item->boundingRect();
             if (!standing) {
                 const qreal y = chart->mapToPosition(QPointF(0, qreal(p)), bars).y();
@@ -246,9 +270,9 @@ void drawCategoryLabels(QChart *chart, QBarCategoryAxis *axis, QAbstractBarSerie
             const qreal x = chart->mapToPosition(QPointF(qreal(p), 0), bars).x();
             const qreal top = plot.bottom() + CategoryLabelPadding;
             // Turned, a label reads bottom-up and ends at the axis.
-            item->setRotation(layout->turned ? -90 : 0);
-            item->setPos(layout->turned ? QPointF(x - box.height() / 2, top + box.width())
-                                        : QPointF(x - box.width() / 2, top));
+            item->setRotation(state->layout.turned ? -90 : 0);
+            item->setPos(state->layout.turned ? QPointF(x - box.height() / 2, top + box.width())
+                                              : QPointF(x - box.width() / 2, top));
         }
     };
     QObject::connect(chart, &QChart::plotAreaChanged, chart, place);
