@@ -585,4 +585,41 @@ TEST(ChartLayout, CrowdedCategoryLabelsNeverOverlap)
     }
 }
 
+// A legend under a pie of six groups at a small window's size: Qt shortens
+// every name to make one row fit; the legend takes a smaller size instead,
+// so whole names show, and keeps full names in tooltips.
+TEST(ChartLayout, LegendNamesShowWhole)
+{
+    kel::ChartDescription d{.chartType = kel::ChartType::Pie, .legendPosition = 6};
+    kel::ChartSeries series;
+    series.name = QStringLiteral("Avdelning");
+    for (const char *name :
+         {"Försäljning [110]", "Produktion [169]", "Ekonomi [44]", "IT [87]", "Personal [30]", "Kundtjänst [160]"})
+        series.points.push_back({QString::fromUtf8(name), 10});
+    d.series = {series};
+    QGraphicsScene scene;
+    QChart *chart = kel::buildChart(d);
+    scene.addItem(chart);
+    chart->setGeometry(QRectF(0, 0, 620, 460));
+    for (int pass = 0; pass < 3; ++pass) {
+        chart->layout()->activate();
+        QCoreApplication::processEvents();
+    }
+    EXPECT_TRUE(chart->legend()->showToolTips());
+    QStringList shown;
+    const QList<QGraphicsItem *> top = chart->legend()->childItems();
+    std::vector<QGraphicsItem *> items(top.begin(), top.end());
+    while (!items.empty()) {
+        QGraphicsItem *item = items.back();
+        items.pop_back();
+        for (QGraphicsItem *child : item->childItems())
+            items.push_back(child);
+        if (auto *text = dynamic_cast<QGraphicsTextItem *>(item); text && text->isVisible())
+            shown << text->toPlainText();
+    }
+    for (const kel::ChartPoint &p : series.points)
+        EXPECT_TRUE(shown.contains(p.label))
+            << p.label.toStdString() << " in " << shown.join(QLatin1Char('|')).toStdString();
+}
+
 } // namespace

@@ -180,6 +180,8 @@ ChartDescription withClippedTexts(ChartDescription d)
 constexpr qreal LongestCategoryLabel = 260;
 // Between the plot's edge and a category label.
 constexpr qreal CategoryLabelPadding = 4;
+// Around each legend item; and the smallest share of its size a legend takes.
+constexpr qreal LegendItemRoom = 20, SmallestLegendScale = 0.7;
 
 /// The category labels, drawn by the chart itself: Qt's own either shorten
 /// every label to the bar's width or leave them to overlap, and hide some by
@@ -307,6 +309,43 @@ void showCategoryTips(QAbstractBarSeries *bars, const ChartDescription &d, const
                      });
 }
 
+/// A legend above or below the chart lays its items out in one row and
+/// shortens every name to fit: it takes a smaller size first (down to a
+/// floor) so that whole names show, and names a shortened item in full in a
+/// tooltip.
+void fitLegend(QChart *chart)
+{
+    QLegend *legend = chart->legend();
+    legend->setShowToolTips(true);
+    if (!legend->isVisible() || !(legend->alignment() & (Qt::AlignTop | Qt::AlignBottom)))
+        return;
+    const QFont base = legend->font();
+    auto laidOutAt = std::make_shared<QSizeF>();
+    const auto fit = [=] {
+        if (chart->size().isEmpty() || chart->size() == *laidOutAt)
+            return;
+        *laidOutAt = chart->size();
+        const QFontMetricsF metrics(base);
+        // Each item: its marker (a line high), the name and the room Qt
+        // keeps around them.
+        qreal needed = 0;
+        for (QLegendMarker *marker : legend->markers())
+            if (marker->isVisible())
+                needed += metrics.horizontalAdvance(marker->label()) + metrics.height() + LegendItemRoom;
+        const qreal room = chart->size().width() - 2 * LegendItemRoom;
+        const qreal scale = needed > room ? std::max(SmallestLegendScale, room / needed) : 1.0;
+        QFont font = base;
+        if (base.pixelSize() > 0)
+            font.setPixelSize(std::max(1, int(base.pixelSize() * scale)));
+        else
+            font.setPointSizeF(base.pointSizeF() * scale);
+        if (font != legend->font())
+            legend->setFont(font);
+    };
+    QObject::connect(chart, &QChart::plotAreaChanged, chart, fit);
+    fit();
+}
+
 } // namespace
 
 CategoryLabels categoryLabels(qsizetype count, qreal extent, qreal widest, qreal lineHeight, bool standingBars,
@@ -371,6 +410,7 @@ QChart *buildChart(const ChartDescription &description)
         };
         QObject::connect(chart, &QChart::plotAreaChanged, chart, place);
         place();
+        fitLegend(chart);
         return chart;
     }
 
@@ -504,6 +544,7 @@ QChart *buildChart(const ChartDescription &description)
         }
     }
     followPlotArea(chart, texts, d.horizontal);
+    fitLegend(chart);
     return chart;
 }
 
