@@ -509,10 +509,12 @@ std::vector<std::pair<QString, QRectF>> shownCategoryLabels(QChart *chart)
     return out;
 }
 
-/// The box of a text Qt draws for the chart (an axis title), if shown.
-QRectF chartTextBox(QChart *chart, const QString &plain)
+/// The texts Qt draws under `root` (axis titles, legend names), shown,
+/// with their boxes on the scene.
+std::vector<std::pair<QString, QRectF>> qtTexts(QGraphicsItem *root)
 {
-    const QList<QGraphicsItem *> top = chart->childItems();
+    std::vector<std::pair<QString, QRectF>> out;
+    const QList<QGraphicsItem *> top = root->childItems();
     std::vector<QGraphicsItem *> items(top.begin(), top.end());
     while (!items.empty()) {
         QGraphicsItem *item = items.back();
@@ -520,10 +522,19 @@ QRectF chartTextBox(QChart *chart, const QString &plain)
         for (QGraphicsItem *child : item->childItems())
             items.push_back(child);
         if (auto *text = dynamic_cast<QGraphicsTextItem *>(item); text && text->isVisible())
-            if (text->toPlainText() == plain)
-                return text->sceneBoundingRect();
+            out.emplace_back(text->toPlainText(), text->sceneBoundingRect());
     }
-    return QRectF();
+    return out;
+}
+
+/// Lays `chart` out at `size` as a window would, labels chosen for it included.
+void layOut(QChart *chart, const QSizeF &size)
+{
+    chart->setGeometry(QRectF(QPointF(0, 0), size));
+    for (int pass = 0; pass < 3; ++pass) {
+        chart->layout()->activate();
+        QCoreApplication::processEvents();
+    }
 }
 
 // Many categories, laid out at a chart's default size and at a small
@@ -556,11 +567,7 @@ TEST(ChartLayout, CrowdedCategoryLabelsNeverOverlap)
                 QGraphicsScene scene;
                 QChart *chart = kel::buildChart(d);
                 scene.addItem(chart);
-                chart->setGeometry(QRectF(QPointF(0, 0), size));
-                for (int pass = 0; pass < 3; ++pass) {
-                    chart->layout()->activate();
-                    QCoreApplication::processEvents();
-                }
+                layOut(chart, size);
                 auto shown = shownCategoryLabels(chart);
                 QStringList texts;
                 for (const auto &[text, box] : shown)
@@ -570,7 +577,10 @@ TEST(ChartLayout, CrowdedCategoryLabelsNeverOverlap)
                     EXPECT_EQ(shown.size(), 4u);
                 else
                     EXPECT_GE(shown.size(), std::size_t(count / 8)) << "thinned more than the room asks";
-                const QRectF title = chartTextBox(chart, d.categoryAxisTitle);
+                QRectF title;
+                for (const auto &[text, box] : qtTexts(chart))
+                    if (text == d.categoryAxisTitle)
+                        title = box;
                 EXPECT_FALSE(title.isEmpty());
                 shown.emplace_back(d.categoryAxisTitle, title);
                 for (std::size_t i = 0; i < shown.size(); ++i)
@@ -600,23 +610,11 @@ TEST(ChartLayout, LegendNamesShowWhole)
     QGraphicsScene scene;
     QChart *chart = kel::buildChart(d);
     scene.addItem(chart);
-    chart->setGeometry(QRectF(0, 0, 620, 460));
-    for (int pass = 0; pass < 3; ++pass) {
-        chart->layout()->activate();
-        QCoreApplication::processEvents();
-    }
+    layOut(chart, QSizeF(620, 460));
     EXPECT_TRUE(chart->legend()->showToolTips());
     QStringList shown;
-    const QList<QGraphicsItem *> top = chart->legend()->childItems();
-    std::vector<QGraphicsItem *> items(top.begin(), top.end());
-    while (!items.empty()) {
-        QGraphicsItem *item = items.back();
-        items.pop_back();
-        for (QGraphicsItem *child : item->childItems())
-            items.push_back(child);
-        if (auto *text = dynamic_cast<QGraphicsTextItem *>(item); text && text->isVisible())
-            shown << text->toPlainText();
-    }
+    for (const auto &[text, box] : qtTexts(chart->legend()))
+        shown << text;
     for (const kel::ChartPoint &p : series.points)
         EXPECT_TRUE(shown.contains(p.label))
             << p.label.toStdString() << " in " << shown.join(QLatin1Char('|')).toStdString();
