@@ -43,6 +43,7 @@
 #include <QRadioButton>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QToolTip>
 #include <QValueAxis>
 
 #include <gtest/gtest.h>
@@ -618,6 +619,37 @@ TEST(ChartLayout, LegendNamesShowWhole)
     for (const kel::ChartPoint &p : series.points)
         EXPECT_TRUE(shown.contains(p.label))
             << p.label.toStdString() << " in " << shown.join(QLatin1Char('|')).toStdString();
+}
+
+// The pointer resting on a bar names its category in full (its label may
+// be shortened or not shown), its group and its value; leaving hides it.
+TEST(ChartLayout, BarsNameTheirCategoryInATooltip)
+{
+    kel::ChartDescription d;
+    const QString longName = QStringLiteral("A question text long enough to be shortened under its bar, and more");
+    d.series = {
+        {QStringLiteral("North [4]"), -1, {{longName, 4.5, QStringLiteral("4.50")}, {QStringLiteral("Q2"), 3, {}}}},
+        {QStringLiteral("South [4]"), -1, {{longName, 2.5, QStringLiteral("2.50")}, {QStringLiteral("Q2"), 1, {}}}}};
+    for (const bool horizontal : {false, true}) {
+        SCOPED_TRACE(horizontal);
+        d.horizontal = horizontal;
+        QChartView view(kel::buildChart(d));
+        view.resize(400, 300);
+        view.show();
+        QCoreApplication::processEvents();
+        auto *bars = qobject_cast<QAbstractBarSeries *>(view.chart()->series().value(0));
+        ASSERT_TRUE(bars);
+        // Lying bars hold their points last first: the first item is the top one.
+        const int first = horizontal ? 1 : 0;
+        Q_EMIT bars->hovered(true, first, bars->barSets().value(1));
+        EXPECT_EQ(QToolTip::text(), longName + QStringLiteral("\nSouth [4]\n2.50"));
+        Q_EMIT bars->hovered(true, 1 - first, bars->barSets().value(0));
+        EXPECT_EQ(QToolTip::text(), QStringLiteral("Q2\nNorth [4]\n3"));
+        EXPECT_TRUE(QToolTip::isVisible());
+        Q_EMIT bars->hovered(false, 1 - first, bars->barSets().value(0));
+        // A tooltip fades: it is gone within a moment.
+        EXPECT_TRUE(QTest::qWaitFor([] { return !QToolTip::isVisible(); }, 5000));
+    }
 }
 
 } // namespace
