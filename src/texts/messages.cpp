@@ -32,16 +32,15 @@ QString openResultMessage(OpenResult result, bool isSwedish)
     return QString();
 }
 
-QString showRefusalMessage(const Document &doc, SubSheetOutcome outcome, bool isSwedish)
+QString showRefusalMessage(const Document &doc, const Refusal &refusal, bool isSwedish)
 {
-    switch (outcome) {
-    case SubSheetOutcome::Ok: return QString();
-    case SubSheetOutcome::NoAnswers:
+    switch (refusal.code) {
+    case RefusalCode::NoAnswers:
         return pickText(isSwedish, "There are no answers matching the selection criterias!",
                         "Det finns inga svar som stämmer överens med det urval du gjort!");
-    case SubSheetOutcome::TooSmall: return doc.text(doc.properties.selectionTooSmallText);
-    case SubSheetOutcome::Blocked: return selectionBlockedMessage(isSwedish);
-    case SubSheetOutcome::FlexTotalBlocked: return flexTotalBlockedMessage(isSwedish);
+    case RefusalCode::TooSmall: return doc.text(doc.properties.selectionTooSmallText);
+    case RefusalCode::Blocked: return selectionBlockedMessage(isSwedish);
+    case RefusalCode::FlexTotalBlocked: return flexTotalBlockedMessage(isSwedish);
     }
     return QString();
 }

@@ -205,7 +205,7 @@ int makeGraph(const Document &doc, const QStringList &args, MadeGraph &graph, Co
                                  shown->sheet.steps.splitNotAllowed),
                  OutputCommand::Figures)) {
         output.err +=
-            showRefusalMessage(doc, SubSheetOutcome::TooSmall, parsed->selection.isSwedish) + QLatin1Char('\n');
+            showRefusalMessage(doc, Refusal{RefusalCode::TooSmall}, parsed->selection.isSwedish) + QLatin1Char('\n');
         return Refused;
     }
     return entry->run(GraphInput{doc, *parsed, *shown}, graph, output);

@@ -177,14 +177,13 @@ void addComments(std::vector<ReportItem> &items, const Document &doc, const Repo
     }
 }
 
-QString refusalWords(ReportRefusal refusal, const ReportWords &words)
+QString refusalWords(const Refusal &refusal, const ReportWords &words)
 {
-    switch (refusal) {
-    case ReportRefusal::Blocked: return words.blocked;
-    case ReportRefusal::FlexTotalBlocked: return words.flexTotalBlocked;
-    case ReportRefusal::NoAnswers: return words.noAnswers;
-    case ReportRefusal::TooSmall: return words.tooSmall;
-    case ReportRefusal::None: break;
+    switch (refusal.code) {
+    case RefusalCode::Blocked: return words.blocked;
+    case RefusalCode::FlexTotalBlocked: return words.flexTotalBlocked;
+    case RefusalCode::NoAnswers: return words.noAnswers;
+    case RefusalCode::TooSmall: return words.tooSmall;
     }
     return {};
 }
@@ -269,8 +268,8 @@ ReportUnit buildReportUnit(const Document &base, const ReportBase &start, const 
     ReportShown shown = showForReport(base, catalogue, plan.model, start.flex, options.seed);
     ReportUnit unit;
     unit.name = plan.name;
-    if (shown.refusal != ReportRefusal::None) {
-        unit.refusal = refusalWords(shown.refusal, words);
+    if (!shown.outcome.done()) {
+        unit.refusal = refusalWords(shown.outcome.refusal(), words);
         if (unit.name.isEmpty())
             unit.name = words.refused;
         return unit;

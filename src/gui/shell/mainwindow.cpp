@@ -654,7 +654,10 @@ void MainWindow::createToolWindows(const Document &doc)
     // window on the right.
     if (!doc.categories.empty()) {
         NavigatorActions actions;
-        actions.show = [this](SelectionModel &model) { return showNavigatorSelection(model); };
+        actions.show = [this](SelectionModel &model) {
+            const Outcome<> shown = showNavigatorSelection(model);
+            return shown.done() ? QString() : showRefusalMessage(*document(), shown.refusal(), mIsSwedish);
+        };
         actions.showRefusal = [this](const QString &text) {
             showMessage(QMessageBox::Critical, applicationTitle(), text);
         };
@@ -700,33 +703,33 @@ void MainWindow::showFlexTotalIndex()
         mDetail->setIndexValue(4, true, formatIndex(mFlexTotal.totalIndex(), doc->properties.indexDecimals, QLocale()));
 }
 
-QString MainWindow::showNavigatorSelection(SelectionModel &model)
+Outcome<> MainWindow::showNavigatorSelection(SelectionModel &model)
 {
     const Document *doc = document();
     if (!doc)
-        return QString();
+        return {};
     const SubSheet sheet = kel::showSelection(*doc, blocks(), model, mFlexTotal, mOptions.overviewRowOrder, mRowRandom);
     // The flex total changes with Show even when the selection is refused.
     showFlexTotalIndex();
-    if (sheet.outcome != SubSheetOutcome::Ok)
-        return showRefusalMessage(*doc, sheet.outcome, mIsSwedish); // the previous overview stays
+    if (!sheet.outcome.done())
+        return sheet.outcome; // the previous overview stays
     showSubSheet(*doc, sheet);
-    return QString();
+    return {};
 }
 
-QString MainWindow::showSelection(const SelectionMatrix &selection)
+Outcome<> MainWindow::showSelection(const SelectionMatrix &selection)
 {
     const Document *doc = document();
     if (!doc)
-        return QString();
+        return {};
     const SubSheet sheet = createSubSheet(*doc, blocks(), selection, mFlexTotal, mOptions.overviewRowOrder, mRowRandom);
     // A flex total based on the current selection is rebuilt even when the
     // selection itself is refused.
     showFlexTotalIndex();
-    if (sheet.outcome != SubSheetOutcome::Ok)
-        return showRefusalMessage(*doc, sheet.outcome, mIsSwedish); // the previous overview stays
+    if (!sheet.outcome.done())
+        return sheet.outcome; // the previous overview stays
     showSubSheet(*doc, sheet);
-    return QString();
+    return {};
 }
 
 void MainWindow::showSubSheet(const Document &doc, const SubSheet &sheet)

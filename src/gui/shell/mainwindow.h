@@ -113,13 +113,12 @@ public:
     NavigatorWindow *navigator() const;
     DetailWindow *detailWindow() const;
     const FlexTotal &flexTotal() const { return mFlexTotal; }
-    /// CreateSubSheet, after opening: returns
-    /// the refusal text, empty when the new overview was built and drawn. A
-    /// refusal leaves the previous sheet on screen.
-    QString showSelection(const SelectionMatrix &selection);
+    /// CreateSubSheet, after opening: done when the new overview was built
+    /// and drawn; a refusal leaves the previous sheet on screen.
+    Outcome<> showSelection(const SelectionMatrix &selection);
     /// The navigator's Show: the engine's Show on `model`, then the new
-    /// overview; returns the refusal, empty on success.
-    QString showNavigatorSelection(SelectionModel &model);
+    /// overview, or the refusal.
+    Outcome<> showNavigatorSelection(SelectionModel &model);
     /// Shows or hides the popup menu's place-dependent items for a right
     /// click on `hit` and enables them for its row and question.
     void preparePopup(const SheetHit &hit);
