@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "texts/messages.h"
 
+#include "texts/graphtexts.h"
+
 #include "texts/language.h"
 
 namespace kel {
@@ -41,6 +43,10 @@ QString showRefusalMessage(const Document &doc, const Refusal &refusal, bool isS
     case RefusalCode::TooSmall: return doc.text(doc.properties.selectionTooSmallText);
     case RefusalCode::Blocked: return selectionBlockedMessage(isSwedish);
     case RefusalCode::FlexTotalBlocked: return flexTotalBlockedMessage(isSwedish);
+    case RefusalCode::SplitNotAllowed: return splitNotAllowedMessage(isSwedish);
+    // The viewer offers only graphs the document has, and kel words this
+    // one as a usage error: it is never shown to a user as a refusal.
+    case RefusalCode::NoSuchGraph: break;
     }
     return QString();
 }

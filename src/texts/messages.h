@@ -17,8 +17,8 @@ namespace kel {
 /// The user-facing message for a result, "" for Ok.
 QString openResultMessage(OpenResult result, bool isSwedish);
 
-/// Why Show refused a selection. A selection below the document's minimum
-/// is refused with the document's own text.
+/// Why Show (or a graph) refused a selection. A selection below the
+/// document's minimum is refused with the document's own text.
 QString showRefusalMessage(const Document &doc, const Refusal &refusal, bool isSwedish);
 
 /// A selection that Show cannot apply because a category is blocked.

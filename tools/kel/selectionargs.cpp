@@ -145,6 +145,8 @@ QString refusalToken(RefusalCode code)
     case RefusalCode::FlexTotalBlocked: return QStringLiteral("blocked");
     case RefusalCode::NoAnswers: return QStringLiteral("none");
     case RefusalCode::TooSmall: return QStringLiteral("tooSmall");
+    case RefusalCode::SplitNotAllowed: return QStringLiteral("splitNotAllowed");
+    case RefusalCode::NoSuchGraph: return QStringLiteral("noSuchGraph");
     }
     return QString();
 }

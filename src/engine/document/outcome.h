@@ -19,6 +19,8 @@ enum class RefusalCode {
     FlexTotalBlocked, ///< the flex total leaves a too small group out
     NoAnswers,        ///< nobody matches
     TooSmall,         ///< fewer than the document's minimum graph selection
+    NoSuchGraph,      ///< a question, block or graph kind the document does not have
+    SplitNotAllowed,  ///< a split group would be smaller than the document allows
 };
 
 struct Refusal {

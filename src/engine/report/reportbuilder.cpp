@@ -108,13 +108,13 @@ void addBasicGraphs(std::vector<ReportItem> &items, const Document &doc, const B
             continue;
         }
         const BasicGraphResult result = generateBasicGraph(doc, catalogue, shown.flex, request, selection);
-        if (result.outcome != BasicGraphOutcome::Ok) {
+        if (!result.done()) {
             items.push_back(
                 item(ReportItem::Kind::Notice, request.name + QStringLiteral(": ") + words.splitNotAllowed));
             continue;
         }
         ReportItem graph = item(ReportItem::Kind::BasicGraph);
-        graph.basic = std::make_shared<BasicGraphDescription>(result.description);
+        graph.basic = std::make_shared<BasicGraphDescription>(result.value());
         items.push_back(std::move(graph));
     }
 }
@@ -184,6 +184,8 @@ QString refusalWords(const Refusal &refusal, const ReportWords &words)
     case RefusalCode::FlexTotalBlocked: return words.flexTotalBlocked;
     case RefusalCode::NoAnswers: return words.noAnswers;
     case RefusalCode::TooSmall: return words.tooSmall;
+    case RefusalCode::SplitNotAllowed: return words.splitNotAllowed;
+    case RefusalCode::NoSuchGraph: break; // a unit's Show never gives it
     }
     return {};
 }
