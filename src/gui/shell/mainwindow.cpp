@@ -274,9 +274,9 @@ bool MainWindow::openDocument(const QString &path, bool rememberFolder, const QS
 {
     WaitCursor wait;
     mStatus->setStatus("Opening data file...", "Öppnar datafil...", false);
-    const QString message = loadDocument(path, rememberFolder);
-    if (!message.isEmpty()) {
-        showMessage(QMessageBox::Critical, messageTitle, message);
+    const OpenResult result = loadDocument(path, rememberFolder);
+    if (result != OpenResult::Ok) {
+        showMessage(QMessageBox::Critical, messageTitle, openResultMessage(result, mIsSwedish));
         mStatus->clearStatus();
         return false;
     }
@@ -315,9 +315,9 @@ void MainWindow::fileOpen()
         mStatus->clearStatus();
         return;
     }
-    const QString message = loadDocument(path, true);
-    if (!message.isEmpty()) {
-        showMessage(QMessageBox::Critical, openDialogTitle(), message);
+    const OpenResult result = loadDocument(path, true);
+    if (result != OpenResult::Ok) {
+        showMessage(QMessageBox::Critical, openDialogTitle(), openResultMessage(result, mIsSwedish));
         mStatus->clearStatus();
         return;
     }
@@ -333,13 +333,13 @@ void MainWindow::openRecentFile(int index)
     openDocument(files.at(index), true, openDialogTitle());
 }
 
-QString MainWindow::loadDocument(const QString &path, bool rememberFolder)
+OpenResult MainWindow::loadDocument(const QString &path, bool rememberFolder)
 {
     // The session reads and checks the whole file before it closes the open
     // document; its signals run resetForNoDocument and installDocument.
     const OpenResult result = mSession->loadDocument(path, rememberFolder);
     if (result != OpenResult::Ok)
-        return openResultMessage(result, mIsSwedish);
+        return result;
     const Document *doc = document();
     if (doc->upgradeWarning) {
         const QString title = doc->currentFileTitle;
@@ -355,7 +355,7 @@ QString MainWindow::loadDocument(const QString &path, bool rememberFolder)
                 + app + QLatin1Char('!');
         showMessage(QMessageBox::Warning, pickText(mIsSwedish, "Time to upgrade", "Dags att uppgradera"), text);
     }
-    return QString();
+    return OpenResult::Ok;
 }
 
 void MainWindow::closeDocument()

@@ -6,6 +6,7 @@
 
 #include "gui/shell/mainmenus.h"
 #include "gui/shell/windowpool.h"
+#include "engine/document/openresult.h"
 #include "engine/settings/settingsstore.h"
 #include "engine/indexes/indexexport.h"
 #include "engine/overview/sheetlayout.h"
@@ -60,9 +61,10 @@ public:
     /// file named first on the command line (empty: none).
     void startUp(const QString &firstArgument);
 
-    /// Loads `path`; returns the message for the user, empty on success. A
-    /// failure leaves the open document and the menus as they were.
-    QString loadDocument(const QString &path, bool rememberFolder);
+    /// Loads `path`; returns the reader's code (Ok, or why not, for the
+    /// caller to word). A failure leaves the open document and the menus as
+    /// they were.
+    OpenResult loadDocument(const QString &path, bool rememberFolder);
     /// Loads `path` as a user command does: hourglass, status texts, and a
     /// critical message box titled `messageTitle` on failure.
     bool openDocument(const QString &path, bool rememberFolder, const QString &messageTitle);
