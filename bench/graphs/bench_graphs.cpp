@@ -137,7 +137,7 @@ int main(int argc, char **argv)
                               .kind = FractionGraph};
     BasicGraphDescription description;
     const Figures data = measure(50, [&] {
-        description = generateBasicGraph(doc, window.blocks(), window.flexTotal(), request, selection).description;
+        description = generateBasicGraph(doc, window.blocks(), window.flexTotal(), request, selection).value();
     });
     std::printf("%d questions x %zu respondents, %zu bars\n", Questions, selection.rows->size(),
                 description.bars.size());

@@ -83,7 +83,7 @@ BasicGraphWindow *openBasicGraph(MainWindow &window, const BasicGraphRequest &re
         return nullptr;
     const BasicGraphResult result =
         generateBasicGraph(*doc, window.blocks(), window.flexTotal(), request, currentGraphSelection(window));
-    if (result.outcome != BasicGraphOutcome::Ok)
+    if (!result.done())
         return nullptr;
 
     const bool isSwedish = window.isSwedish();
@@ -93,7 +93,7 @@ BasicGraphWindow *openBasicGraph(MainWindow &window, const BasicGraphRequest &re
     auto *graph = qobject_cast<BasicGraphWindow *>(pooled);
     if (!graph)
         return nullptr;
-    graph->setWindowTitle(result.description.caption);
+    graph->setWindowTitle(result.value().caption);
     graph->setDefaultSizeHandler([&window](const FractionGraphDefaultSize &size) {
         window.storeQuestionGraphDefaultSize(size.windowWidthTwips, size.barWidth);
     });
@@ -104,7 +104,7 @@ BasicGraphWindow *openBasicGraph(MainWindow &window, const BasicGraphRequest &re
     FractionGraphDefaultSize defaults;
     defaults.windowWidthTwips = window.lastSettings().questionGraphWindowWidth;
     defaults.barWidth = window.lastSettings().questionGraphBarWidth;
-    if (!graph->setUpGraph(result.description, permissions, defaults))
+    if (!graph->setUpGraph(result.value(), permissions, defaults))
         return nullptr;
     GraphPictureContext context;
     context.options = &window.options();

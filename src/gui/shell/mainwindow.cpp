@@ -274,9 +274,9 @@ bool MainWindow::openDocument(const QString &path, bool rememberFolder, const QS
 {
     WaitCursor wait;
     mStatus->setStatus("Opening data file...", "Öppnar datafil...", false);
-    const QString message = loadDocument(path, rememberFolder);
-    if (!message.isEmpty()) {
-        showMessage(QMessageBox::Critical, messageTitle, message);
+    const OpenResult result = loadDocument(path, rememberFolder);
+    if (result != OpenResult::Ok) {
+        showMessage(QMessageBox::Critical, messageTitle, openResultMessage(result, mIsSwedish));
         mStatus->clearStatus();
         return false;
     }
@@ -315,9 +315,9 @@ void MainWindow::fileOpen()
         mStatus->clearStatus();
         return;
     }
-    const QString message = loadDocument(path, true);
-    if (!message.isEmpty()) {
-        showMessage(QMessageBox::Critical, openDialogTitle(), message);
+    const OpenResult result = loadDocument(path, true);
+    if (result != OpenResult::Ok) {
+        showMessage(QMessageBox::Critical, openDialogTitle(), openResultMessage(result, mIsSwedish));
         mStatus->clearStatus();
         return;
     }
@@ -333,13 +333,13 @@ void MainWindow::openRecentFile(int index)
     openDocument(files.at(index), true, openDialogTitle());
 }
 
-QString MainWindow::loadDocument(const QString &path, bool rememberFolder)
+OpenResult MainWindow::loadDocument(const QString &path, bool rememberFolder)
 {
     // The session reads and checks the whole file before it closes the open
     // document; its signals run resetForNoDocument and installDocument.
     const OpenResult result = mSession->loadDocument(path, rememberFolder);
     if (result != OpenResult::Ok)
-        return openResultMessage(result, mIsSwedish);
+        return result;
     const Document *doc = document();
     if (doc->upgradeWarning) {
         const QString title = doc->currentFileTitle;
@@ -355,7 +355,7 @@ QString MainWindow::loadDocument(const QString &path, bool rememberFolder)
                 + app + QLatin1Char('!');
         showMessage(QMessageBox::Warning, pickText(mIsSwedish, "Time to upgrade", "Dags att uppgradera"), text);
     }
-    return QString();
+    return OpenResult::Ok;
 }
 
 void MainWindow::closeDocument()
@@ -654,7 +654,10 @@ void MainWindow::createToolWindows(const Document &doc)
     // window on the right.
     if (!doc.categories.empty()) {
         NavigatorActions actions;
-        actions.show = [this](SelectionModel &model) { return showNavigatorSelection(model); };
+        actions.show = [this](SelectionModel &model) {
+            const Outcome<> shown = showNavigatorSelection(model);
+            return shown.done() ? QString() : showRefusalMessage(*document(), shown.refusal(), mIsSwedish);
+        };
         actions.showRefusal = [this](const QString &text) {
             showMessage(QMessageBox::Critical, applicationTitle(), text);
         };
@@ -700,33 +703,33 @@ void MainWindow::showFlexTotalIndex()
         mDetail->setIndexValue(4, true, formatIndex(mFlexTotal.totalIndex(), doc->properties.indexDecimals, QLocale()));
 }
 
-QString MainWindow::showNavigatorSelection(SelectionModel &model)
+Outcome<> MainWindow::showNavigatorSelection(SelectionModel &model)
 {
     const Document *doc = document();
     if (!doc)
-        return QString();
+        return {};
     const SubSheet sheet = kel::showSelection(*doc, blocks(), model, mFlexTotal, mOptions.overviewRowOrder, mRowRandom);
     // The flex total changes with Show even when the selection is refused.
     showFlexTotalIndex();
-    if (sheet.outcome != SubSheetOutcome::Ok)
-        return showRefusalMessage(*doc, sheet.outcome, mIsSwedish); // the previous overview stays
+    if (!sheet.outcome.done())
+        return sheet.outcome; // the previous overview stays
     showSubSheet(*doc, sheet);
-    return QString();
+    return {};
 }
 
-QString MainWindow::showSelection(const SelectionMatrix &selection)
+Outcome<> MainWindow::showSelection(const SelectionMatrix &selection)
 {
     const Document *doc = document();
     if (!doc)
-        return QString();
+        return {};
     const SubSheet sheet = createSubSheet(*doc, blocks(), selection, mFlexTotal, mOptions.overviewRowOrder, mRowRandom);
     // A flex total based on the current selection is rebuilt even when the
     // selection itself is refused.
     showFlexTotalIndex();
-    if (sheet.outcome != SubSheetOutcome::Ok)
-        return showRefusalMessage(*doc, sheet.outcome, mIsSwedish); // the previous overview stays
+    if (!sheet.outcome.done())
+        return sheet.outcome; // the previous overview stays
     showSubSheet(*doc, sheet);
-    return QString();
+    return {};
 }
 
 void MainWindow::showSubSheet(const Document &doc, const SubSheet &sheet)

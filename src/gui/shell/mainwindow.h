@@ -6,6 +6,7 @@
 
 #include "gui/shell/mainmenus.h"
 #include "gui/shell/windowpool.h"
+#include "engine/document/openresult.h"
 #include "engine/settings/settingsstore.h"
 #include "engine/indexes/indexexport.h"
 #include "engine/overview/sheetlayout.h"
@@ -60,9 +61,10 @@ public:
     /// file named first on the command line (empty: none).
     void startUp(const QString &firstArgument);
 
-    /// Loads `path`; returns the message for the user, empty on success. A
-    /// failure leaves the open document and the menus as they were.
-    QString loadDocument(const QString &path, bool rememberFolder);
+    /// Loads `path`; returns the reader's code (Ok, or why not, for the
+    /// caller to word). A failure leaves the open document and the menus as
+    /// they were.
+    OpenResult loadDocument(const QString &path, bool rememberFolder);
     /// Loads `path` as a user command does: hourglass, status texts, and a
     /// critical message box titled `messageTitle` on failure.
     bool openDocument(const QString &path, bool rememberFolder, const QString &messageTitle);
@@ -113,13 +115,12 @@ public:
     NavigatorWindow *navigator() const;
     DetailWindow *detailWindow() const;
     const FlexTotal &flexTotal() const { return mFlexTotal; }
-    /// CreateSubSheet, after opening: returns
-    /// the refusal text, empty when the new overview was built and drawn. A
-    /// refusal leaves the previous sheet on screen.
-    QString showSelection(const SelectionMatrix &selection);
+    /// CreateSubSheet, after opening: done when the new overview was built
+    /// and drawn; a refusal leaves the previous sheet on screen.
+    Outcome<> showSelection(const SelectionMatrix &selection);
     /// The navigator's Show: the engine's Show on `model`, then the new
-    /// overview; returns the refusal, empty on success.
-    QString showNavigatorSelection(SelectionModel &model);
+    /// overview, or the refusal.
+    Outcome<> showNavigatorSelection(SelectionModel &model);
     /// Shows or hides the popup menu's place-dependent items for a right
     /// click on `hit` and enables them for its row and question.
     void preparePopup(const SheetHit &hit);
