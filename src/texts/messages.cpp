@@ -34,6 +34,45 @@ QString openResultMessage(OpenResult result, bool isSwedish)
     return QString();
 }
 
+QString writeFailureMessage(const WriteFailure &failure, bool isSwedish)
+{
+    switch (failure.code) {
+    case WriteFailureCode::NoPicture:
+        return pickText(isSwedish, "There is no picture to write.", "Det finns ingen bild att skriva.");
+    case WriteFailureCode::TooLargeForImage:
+        return pickText(isSwedish, "The picture is too large to be made as an image.",
+                        "Bilden är för stor för att göras som en rasterbild.");
+    case WriteFailureCode::TooLargeForBmp:
+        return pickText(isSwedish, "The picture is too large for a BMP file.", "Bilden är för stor för en BMP-fil.");
+    case WriteFailureCode::TooLargeForGif:
+        return pickText(isSwedish, "The picture is too large for a GIF file.", "Bilden är för stor för en GIF-fil.");
+    case WriteFailureCode::TooLargeForMetafile:
+        return pickText(isSwedish, "The picture is too large for a Windows metafile.",
+                        "Bilden är för stor för en Windows-metafil.");
+    case WriteFailureCode::NotEncoded:
+        return pickText(isSwedish, "The picture could not be encoded.", "Bilden kunde inte kodas.");
+    case WriteFailureCode::EncoderFailed:
+        // The library's words are all there is to say; without them the
+        // failure is worded as any encoder failure.
+        if (failure.reason.isEmpty())
+            return pickText(isSwedish, "The picture could not be encoded.", "Bilden kunde inte kodas.");
+        return isSwedish ? QStringLiteral("Bilden kunde inte kodas: %1").arg(failure.reason) : failure.reason;
+    case WriteFailureCode::PdfNotStarted:
+        return pickText(isSwedish, "The PDF file could not be started.", "PDF-filen kunde inte påbörjas.");
+    case WriteFailureCode::PngNotStarted:
+        return pickText(isSwedish, "The PNG file could not be started.", "PNG-filen kunde inte påbörjas.");
+    case WriteFailureCode::PngNotCompressed:
+        return pickText(isSwedish, "The PNG file could not be compressed.", "PNG-filen kunde inte komprimeras.");
+    case WriteFailureCode::NotWritten:
+        if (failure.reason.isEmpty())
+            return pickText(isSwedish, "The file could not be written.", "Filen kunde inte skrivas.");
+        return isSwedish ? QStringLiteral("Filen kunde inte skrivas: %1").arg(failure.reason) : failure.reason;
+    case WriteFailureCode::ReportNotDrawn:
+        return pickText(isSwedish, "the report could not be drawn", "rapporten kunde inte ritas");
+    }
+    return QString();
+}
+
 QString showRefusalMessage(const Document &doc, const Refusal &refusal, bool isSwedish)
 {
     switch (refusal.code) {

@@ -7,6 +7,7 @@
 
 #include "engine/document/document.h"
 #include "engine/document/openresult.h"
+#include "engine/document/writefailure.h"
 #include "engine/overview/subsheet.h"
 
 #include <QLocale>
@@ -16,6 +17,11 @@ namespace kel {
 
 /// The user-facing message for a result, "" for Ok.
 QString openResultMessage(OpenResult result, bool isSwedish);
+
+/// Why a picture or report file could not be made. Where the code carries
+/// the operating system's or library's reason, that reason is the English
+/// text as it always was, and the Swedish text quotes it.
+QString writeFailureMessage(const WriteFailure &failure, bool isSwedish);
 
 /// Why Show (or a graph) refused a selection. A selection below the
 /// document's minimum is refused with the document's own text.

@@ -120,6 +120,28 @@ TEST_F(KelRender, RefusalsWriteNothing)
     EXPECT_FALSE(QFile::exists(path));
 }
 
+TEST_F(KelRender, AFileThatCannotBeWrittenIsWordedInTheChosenLanguage)
+{
+    // A folder that does not exist: the overview, a basic graph and a chart
+    // each fail with exit 1, naming the file, in the language of --lang.
+    const QString path = out(QStringLiteral("missing/x.png"));
+    const QByteArray swedish = QStringLiteral("Filen kunde inte skrivas: ").toUtf8();
+    const struct {
+        const char *english, *swedish;
+    } rows[] = {{"overview", "overview --lang sv"},
+                {"graph fraction --block 0", "graph --lang sv fraction --block 0"},
+                {"graph distribution --category 0", "graph --lang sv distribution --category 0"}};
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.english);
+        EXPECT_EQ(render(row.swedish, path), 1) << mRun.err.toStdString();
+        EXPECT_TRUE(mRun.err.contains(path.toUtf8() + ": " + swedish)) << mRun.err.toStdString();
+        EXPECT_EQ(render(row.english, path), 1);
+        EXPECT_TRUE(mRun.err.contains(path.toUtf8() + ": ")) << mRun.err.toStdString();
+        EXPECT_FALSE(mRun.err.contains(swedish)) << mRun.err.toStdString();
+    }
+    EXPECT_FALSE(QFile::exists(path));
+}
+
 // A batch starts without the graphical application and makes it for its
 // first picture: counts before it and pictures after it both work.
 TEST_F(KelRender, BatchDrawsPicturesBetweenOtherLines)

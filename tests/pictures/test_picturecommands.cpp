@@ -13,6 +13,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
+#include <QDir>
 #include <QFile>
 #include <QFontMetrics>
 #include <QMimeData>
@@ -132,6 +133,32 @@ TEST(PictureCommands, ClipboardFormatsAndPrinting)
     QFile file(dir.filePath(QStringLiteral("print.pdf")));
     EXPECT_TRUE(file.open(QIODevice::ReadOnly) && file.read(5) == "%PDF-");
     EXPECT_FALSE(printPicture(printer, Picture{}, QString()));
+}
+
+TEST(PictureCommands, AGraphThatCannotBeSavedSaysWhyInTheInterfaceLanguage)
+{
+    // A folder that does not exist: the message names the file and the
+    // writer's reason, worded in the interface's language.
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("missing/graph.png"));
+    for (const bool swedish : {false, true}) {
+        SCOPED_TRACE(swedish);
+        LastSettings settings;
+        const auto chooser = [&](const QString &, const QString &, const QString &, const QStringList &filters, int) {
+            return std::pair{path, filters.front()};
+        };
+        QString shown;
+        const auto reportError = [&](const QString &, const QString &text) { shown = text; };
+        const StatusReporter status = [](const char *, const char *, bool) {};
+        EXPECT_FALSE(
+            saveGraphPicture(nullptr, boxes(), SaveKind::Chart, swedish, settings, status, chooser, reportError));
+        EXPECT_TRUE(shown.startsWith(swedish ? QStringLiteral("Grafen kunde inte sparas!")
+                                             : QStringLiteral("The graph could not be saved!")))
+            << shown.toStdString();
+        EXPECT_TRUE(shown.contains(QDir::toNativeSeparators(path))) << shown.toStdString();
+        EXPECT_EQ(shown.contains(QStringLiteral("Filen kunde inte skrivas: ")), swedish) << shown.toStdString();
+        EXPECT_FALSE(QFile::exists(path));
+    }
 }
 
 // --- The overview's commands in the main window ---

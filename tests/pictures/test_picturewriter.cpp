@@ -55,9 +55,9 @@ Picture samplePicture()
 
 QByteArray encoded(PictureFormat format)
 {
-    QString error;
-    const QByteArray bytes = encodePicture(samplePicture(), format, &error);
-    EXPECT_FALSE(bytes.isEmpty()) << error.toStdString();
+    WriteFailure failure;
+    const QByteArray bytes = encodePicture(samplePicture(), format, &failure);
+    EXPECT_FALSE(bytes.isEmpty()) << failure.reason.toStdString();
     return bytes;
 }
 
@@ -94,9 +94,9 @@ TEST(WmfFile, PlaceableHeaderAndRecords)
     // Beyond 16 bits is refused.
     Picture huge = samplePicture();
     huge.size = QSize(40000, 10);
-    QString error;
-    EXPECT_TRUE(encodePicture(huge, PictureFormat::Wmf, &error).isEmpty());
-    EXPECT_FALSE(error.isEmpty());
+    WriteFailure failure;
+    EXPECT_TRUE(encodePicture(huge, PictureFormat::Wmf, &failure).isEmpty());
+    EXPECT_EQ(failure.code, WriteFailureCode::TooLargeForMetafile);
 }
 
 TEST(EmfFile, HeaderAndRecordsCarryTheDrawing)
@@ -289,9 +289,10 @@ TEST(PictureFiles, OtherFormatsReadBackWithTheirColours)
 
     // A file that cannot be written fails cleanly.
     QTemporaryDir dir;
-    QString error;
-    EXPECT_FALSE(writePicture(samplePicture(), PictureFormat::Png, dir.filePath(QStringLiteral("no/p.png")), &error));
-    EXPECT_FALSE(error.isEmpty());
+    WriteFailure failure;
+    EXPECT_FALSE(writePicture(samplePicture(), PictureFormat::Png, dir.filePath(QStringLiteral("no/p.png")), &failure));
+    EXPECT_EQ(failure.code, WriteFailureCode::NotWritten);
+    EXPECT_FALSE(failure.reason.isEmpty());
 }
 
 // Other programs open our metafiles: emf2svg for EMF, libwmf for WMF.

@@ -86,9 +86,10 @@ TEST(ReportWriter, AFailedWriteSaysWhyAndLeavesNoFile)
     const Report report = unitReport();
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("missing/report.html"));
-    QString error;
-    EXPECT_EQ(writeReport(report, ReportFormat::Html, path, {}, {}, &error), ReportWriteResult::Failed);
-    EXPECT_FALSE(error.isEmpty());
+    WriteFailure failure;
+    EXPECT_EQ(writeReport(report, ReportFormat::Html, path, {}, {}, &failure), ReportWriteResult::Failed);
+    EXPECT_EQ(failure.code, WriteFailureCode::NotWritten);
+    EXPECT_FALSE(failure.reason.isEmpty());
     EXPECT_FALSE(QFile::exists(path));
 }
 

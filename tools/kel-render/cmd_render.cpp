@@ -13,6 +13,7 @@
 #include "render/pictures/picturewriter.h"
 #include "texts/graphtexts.h"
 #include "texts/language.h"
+#include "texts/messages.h"
 
 #include <QPainter>
 #include <QPicture>
@@ -99,16 +100,19 @@ int renderGraph(const Document &doc, const QStringList &graphArgs, const QString
     MadeGraph graph;
     if (const int status = makeGraph(doc, graphArgs, graph, output); status != 0)
         return status;
+    // makeGraph has checked the option; its messages and ours share the language.
+    const qsizetype lang = graphArgs.lastIndexOf(QStringLiteral("--lang"));
+    const bool isSwedish = lang >= 0 && lang + 1 < graphArgs.size() && graphArgs[lang + 1] == QLatin1String("sv");
     std::optional<Picture> picture =
         graph.chart ? chartPicture(*graph.chart, DefaultChartPictureSize) : basicGraphDefaultPicture(*graph.basic);
     if (!picture) {
-        output.err += QStringLiteral("kel render: %1\n").arg(graphTooBigMessage(false));
+        output.err += QStringLiteral("kel render: %1\n").arg(graphTooBigMessage(isSwedish));
         return 1;
     }
     picture->description = applicationTitle();
-    QString error;
-    if (!writePicture(*picture, *pictureFormatForFileName(outputPath), outputPath, &error)) {
-        output.err += QStringLiteral("kel render: %1: %2\n").arg(outputPath, error);
+    WriteFailure failure;
+    if (!writePicture(*picture, *pictureFormatForFileName(outputPath), outputPath, &failure)) {
+        output.err += QStringLiteral("kel render: %1: %2\n").arg(outputPath, writeFailureMessage(failure, isSwedish));
         return 1;
     }
     return 0;
@@ -161,8 +165,10 @@ int renderCommand(const Document &doc, const QStringList &args, CommandOutput &o
         return 1;
     }
     picture.description = applicationTitle();
-    if (!writePicture(picture, format, options.output, &error)) {
-        output.err += QStringLiteral("kel render: %1: %2\n").arg(options.output, error);
+    WriteFailure failure;
+    if (!writePicture(picture, format, options.output, &failure)) {
+        output.err += QStringLiteral("kel render: %1: %2\n")
+                          .arg(options.output, writeFailureMessage(failure, options.selection.isSwedish));
         return 1;
     }
     return 0;

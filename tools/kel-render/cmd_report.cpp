@@ -8,6 +8,7 @@
 #include "engine/report/reportbuilder.h"
 #include "gui/graphs/chartpicture.h"
 #include "render/report/reportwriter.h"
+#include "texts/messages.h"
 #include "texts/reporttexts.h"
 #include "texts/selectiontexts.h"
 
@@ -161,9 +162,11 @@ int reportCommand(const Document &doc, const QStringList &args, CommandOutput &o
     const ChartPictureMaker charts = [](const ChartDescription &chart) {
         return chartPicture(chart, DefaultChartPictureSize);
     };
-    const ReportWriteResult result = writeReport(report, *format, output_, charts, {}, &error);
+    WriteFailure failure;
+    const ReportWriteResult result = writeReport(report, *format, output_, charts, {}, &failure);
     if (result != ReportWriteResult::Written) {
-        output.err += QStringLiteral("kel report: %1: %2\n").arg(output_, error);
+        output.err +=
+            QStringLiteral("kel report: %1: %2\n").arg(output_, writeFailureMessage(failure, selection.isSwedish));
         return 1;
     }
     return 0;

@@ -5,6 +5,7 @@
 #include "render/pictures/picturewriter.h"
 #include "texts/graphtexts.h"
 #include "texts/language.h"
+#include "texts/messages.h"
 #include "texts/statusline.h"
 
 #include <QApplication>
@@ -429,12 +430,14 @@ bool saveGraphPicture(QWidget *parent, const Picture &picture, SaveKind kind, bo
         return false;
     }
     WaitCursor wait;
-    // The writer's own reason is for logs and the command line; the user
-    // gets the message in the interface's language and the file's name.
-    if (!writePicture(picture, *choice.format, choice.path)) {
+    // The file's name and the reason tell the user what to change: another
+    // folder, a smaller picture, another format.
+    WriteFailure failure;
+    if (!writePicture(picture, *choice.format, choice.path, &failure)) {
         status("The graph could not be saved!", "Grafen kunde inte sparas!", true);
         error(pickText(isSwedish, "The graph could not be saved!", "Grafen kunde inte sparas!") + QStringLiteral("\n\n")
-              + QDir::toNativeSeparators(choice.path));
+              + QDir::toNativeSeparators(choice.path) + QStringLiteral("\n\n")
+              + writeFailureMessage(failure, isSwedish));
         return false;
     }
     status("The graph has been saved!", "Grafen har sparats!", true);

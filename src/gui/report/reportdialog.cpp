@@ -4,6 +4,7 @@
 #include "gui/graphs/chartpicture.h"
 #include "render/report/reportwriter.h"
 #include "texts/language.h"
+#include "texts/messages.h"
 #include "texts/selectiontexts.h"
 
 #include <QCheckBox>
@@ -358,13 +359,14 @@ QString ReportDialog::writeTo(const QString &path)
         progress.reset();
         return report->units.empty() ? mTexts.failed.arg(path, QString()) : report->units.front().refusal;
     }
+    WriteFailure failure;
     const ReportWriteResult result = writeReport(
-        *report, *format, path, reportChartPicture, [&](int done) { return step(units + done, done); }, &error);
+        *report, *format, path, reportChartPicture, [&](int done) { return step(units + done, done); }, &failure);
     progress.reset();
     switch (result) {
     case ReportWriteResult::Written: return mTexts.written.arg(path);
     case ReportWriteResult::Cancelled: return QString();
-    case ReportWriteResult::Failed: return mTexts.failed.arg(path, error);
+    case ReportWriteResult::Failed: return mTexts.failed.arg(path, writeFailureMessage(failure, mContext.isSwedish));
     }
     return {};
 }

@@ -20,22 +20,22 @@
 #include <cstring>
 #include <future>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace kel {
 
 namespace {
 
-void setError(QString *error, const QString &text)
+WriteFailure writeFailure(const QIODevice &device)
 {
-    if (error)
-        *error = text;
+    return WriteFailure{WriteFailureCode::NotWritten, device.errorString()};
 }
 
-QString writeFailure(const QIODevice &device)
+void setFailure(WriteFailure *failure, const WriteFailure &what)
 {
-    const QString reason = device.errorString();
-    return reason.isEmpty() ? QStringLiteral("The file could not be written.") : reason;
+    if (failure)
+        *failure = what;
 }
 
 int dotsPerMeter()
@@ -84,14 +84,14 @@ namespace {
 
 struct PngContext {
     QIODevice *device = nullptr;
-    QString error;
+    std::optional<WriteFailure> failure;
 };
 
 void pngWrite(png_structp png, png_bytep data, size_t length)
 {
     auto *context = static_cast<PngContext *>(png_get_io_ptr(png));
     if (context->device->write(reinterpret_cast<const char *>(data), qint64(length)) != qint64(length)) {
-        context->error = writeFailure(*context->device);
+        context->failure = writeFailure(*context->device);
         png_error(png, "write");
     }
 }
@@ -103,8 +103,8 @@ void pngFlush(png_structp)
 void pngFailure(png_structp png, png_const_charp message)
 {
     auto *context = static_cast<PngContext *>(png_get_error_ptr(png));
-    if (context->error.isEmpty())
-        context->error = QString::fromUtf8(message);
+    if (!context->failure)
+        context->failure = WriteFailure{WriteFailureCode::EncoderFailed, QString::fromUtf8(message)};
     png_longjmp(png, 1);
 }
 
@@ -424,7 +424,7 @@ public:
         return put(pngChunk("IEND", QByteArray()));
     }
 
-    QString error;
+    WriteFailure failure;
 
 private:
     static constexpr qint64 PiecesInMemoryBytes = qint64(8) * 1024 * 1024;
@@ -433,7 +433,7 @@ private:
     {
         if (mDevice.write(bytes) == bytes.size())
             return true;
-        error = writeFailure(mDevice);
+        failure = writeFailure(mDevice);
         return false;
     }
 
@@ -444,7 +444,7 @@ private:
         piece.done.wait();
         ++mWritten;
         if (!piece.ok) {
-            error = QStringLiteral("The PNG file could not be compressed.");
+            failure = WriteFailure{WriteFailureCode::PngNotCompressed, {}};
             return false;
         }
         QByteArray data = mWritten == 1 ? zlibHeader(mEncoding.level) : QByteArray();
@@ -468,13 +468,14 @@ private:
 
 } // namespace
 
-bool writePng(const Picture &picture, QIODevice &device, QString *error, qint64 bandBytes, const PngEncoding &encoding)
+bool writePng(const Picture &picture, QIODevice &device, WriteFailure *failure, qint64 bandBytes,
+              const PngEncoding &encoding)
 {
     const bool opaque = picture.opaque;
     PictureBands bands(picture, opaque ? QImage::Format_RGB32 : QImage::Format_ARGB32_Premultiplied,
                        opaque ? QColor(Qt::white) : QColor(Qt::transparent), bandBytes);
     if (!bands.isValid()) {
-        setError(error, QStringLiteral("The picture is too large to be made as an image."));
+        setWriteFailure(failure, WriteFailureCode::TooLargeForImage);
         return false;
     }
     const int filterType = singleFilterType(encoding.filters);
@@ -482,7 +483,7 @@ bool writePng(const Picture &picture, QIODevice &device, QString *error, qint64 
         PiecewisePngWriter writer(device, encoding);
         if (writer.write(bands, filterType))
             return true;
-        setError(error, writer.error);
+        setFailure(failure, writer.failure);
         return false;
     }
     PngContext context;
@@ -491,31 +492,31 @@ bool writePng(const Picture &picture, QIODevice &device, QString *error, qint64 
     png_infop info = png ? png_create_info_struct(png) : nullptr;
     if (!info) {
         png_destroy_write_struct(&png, nullptr);
-        setError(error, QStringLiteral("The PNG file could not be started."));
+        setWriteFailure(failure, WriteFailureCode::PngNotStarted);
         return false;
     }
     png_set_write_fn(png, &context, pngWrite, pngFlush);
     const bool ok = writePngRows(png, info, bands, opaque, encoding);
     png_destroy_write_struct(&png, &info);
     if (!ok)
-        setError(error, context.error);
+        setFailure(failure, context.failure.value_or(WriteFailure{WriteFailureCode::NotEncoded, {}}));
     return ok;
 }
 
 // --- BMP -------------------------------------------------------------------
 
-bool writeBmp(const Picture &picture, QIODevice &device, QString *error, qint64 bandBytes)
+bool writeBmp(const Picture &picture, QIODevice &device, WriteFailure *failure, qint64 bandBytes)
 {
     PictureBands bands(picture, QImage::Format_RGB32, Qt::white, bandBytes);
     if (!bands.isValid()) {
-        setError(error, QStringLiteral("The picture is too large to be made as an image."));
+        setWriteFailure(failure, WriteFailureCode::TooLargeForImage);
         return false;
     }
     const qint64 rowBytes = (qint64(bands.width()) * 24 + 31) / 32 * 4;
     const qint64 imageBytes = rowBytes * bands.height();
     constexpr int HeaderBytes = 14 + 40;
     if (HeaderBytes + imageBytes > qint64(0xFFFFFFFF)) {
-        setError(error, QStringLiteral("The picture is too large for a BMP file."));
+        setWriteFailure(failure, WriteFailureCode::TooLargeForBmp);
         return false;
     }
     // BITMAPFILEHEADER and BITMAPINFOHEADER, little-endian.
@@ -536,7 +537,7 @@ bool writeBmp(const Picture &picture, QIODevice &device, QString *error, qint64 
     put32(38, quint32(dotsPerMeter()));
     put32(42, quint32(dotsPerMeter()));
     if (device.write(header) != header.size()) {
-        setError(error, writeFailure(device));
+        setFailure(failure, writeFailure(device));
         return false;
     }
     // The file starts with the bottom row: bands are drawn from the bottom.
@@ -547,7 +548,7 @@ bool writeBmp(const Picture &picture, QIODevice &device, QString *error, qint64 
         for (int y = image.height() - 1; y >= 0; --y) {
             std::memcpy(row.data(), image.constScanLine(y), std::size_t(image.width()) * 3);
             if (device.write(row) != row.size()) {
-                setError(error, writeFailure(device));
+                setFailure(failure, writeFailure(device));
                 return false;
             }
         }
@@ -604,15 +605,15 @@ std::vector<QRgb> collectColours(PictureBands &bands)
 
 } // namespace
 
-bool writeGif(const Picture &picture, QIODevice &device, QString *error, qint64 bandBytes)
+bool writeGif(const Picture &picture, QIODevice &device, WriteFailure *failure, qint64 bandBytes)
 {
     PictureBands bands(picture, QImage::Format_RGB32, Qt::white, bandBytes);
     if (!bands.isValid()) {
-        setError(error, QStringLiteral("The picture is too large to be made as an image."));
+        setWriteFailure(failure, WriteFailureCode::TooLargeForImage);
         return false;
     }
     if (bands.width() > 0xFFFF || bands.height() > 0xFFFF) {
-        setError(error, QStringLiteral("The picture is too large for a GIF file."));
+        setWriteFailure(failure, WriteFailureCode::TooLargeForGif);
         return false;
     }
     // Drawings have few colours: an exact palette when they fit in 256. A
@@ -642,7 +643,7 @@ bool writeGif(const Picture &picture, QIODevice &device, QString *error, qint64 
     int code = 0;
     GifFileType *gif = EGifOpen(&device, gifWrite, &code);
     if (!gif) {
-        setError(error, gifError(code));
+        setWriteFailure(failure, WriteFailureCode::EncoderFailed, gifError(code));
         return false;
     }
     ColorMapObject *map = GifMakeMapObject(size, palette.data());
@@ -676,7 +677,7 @@ bool writeGif(const Picture &picture, QIODevice &device, QString *error, qint64 
         code = closeCode;
     }
     if (!ok)
-        setError(error, gifError(code));
+        setWriteFailure(failure, WriteFailureCode::EncoderFailed, gifError(code));
     return ok;
 }
 

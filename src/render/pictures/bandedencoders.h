@@ -5,6 +5,7 @@
 // whole file (where the device is a file) is ever held in memory.
 #pragma once
 
+#include "engine/document/writefailure.h"
 #include "render/pictures/picture.h"
 
 #include <QColor>
@@ -71,18 +72,18 @@ struct PngEncoding {
 };
 
 /// Each writes `picture` to `device` (already open for writing) and returns
-/// false with `error` set on failure (the device then holds part of a file).
+/// false with `failure` set on failure (the device then holds part of a file).
 /// Opaque pictures are PNGs of RGB rows with `encoding`; others keep their
 /// transparency in RGBA rows with libpng's adaptive filters.
-bool writePng(const Picture &picture, QIODevice &device, QString *error,
+bool writePng(const Picture &picture, QIODevice &device, WriteFailure *failure,
               qint64 bandBytes = PictureBands::DefaultBandBytes, const PngEncoding &encoding = PngEncoding());
 /// A 24-bit BMP on white, rows from the bottom up as the format stores them.
-bool writeBmp(const Picture &picture, QIODevice &device, QString *error,
+bool writeBmp(const Picture &picture, QIODevice &device, WriteFailure *failure,
               qint64 bandBytes = PictureBands::DefaultBandBytes);
 /// A GIF on white: an exact palette when the picture has at most 256
 /// colours, else the 6 x 6 x 6 colour cube, each pixel to its nearest level.
 /// Drawn twice (colours first, then the pixels) when it has several bands.
-bool writeGif(const Picture &picture, QIODevice &device, QString *error,
+bool writeGif(const Picture &picture, QIODevice &device, WriteFailure *failure,
               qint64 bandBytes = PictureBands::DefaultBandBytes);
 
 } // namespace kel

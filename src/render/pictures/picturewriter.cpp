@@ -19,12 +19,6 @@ namespace {
 // Beyond this many pixels an image would take more than a gigabyte.
 constexpr qint64 MaxImagePixels = qint64(256) * 1024 * 1024;
 
-void setError(QString *error, const QString &text)
-{
-    if (error)
-        *error = text;
-}
-
 MetafileRecording recordPicture(const Picture &picture)
 {
     MetafilePaintDevice device(picture.size, picture.metafileFonts);
@@ -34,17 +28,17 @@ MetafileRecording recordPicture(const Picture &picture)
     return device.takeRecording();
 }
 
-bool writeJpg(const Picture &picture, QIODevice &device, QString *error)
+bool writeJpg(const Picture &picture, QIODevice &device, WriteFailure *failure)
 {
     const QImage image = renderPictureImage(picture, Qt::white);
     if (image.isNull()) {
-        setError(error, QStringLiteral("The picture is too large to be made as an image."));
+        setWriteFailure(failure, WriteFailureCode::TooLargeForImage);
         return false;
     }
     QImageWriter writer(&device, "jpg");
     writer.setQuality(90);
     if (!writer.write(image)) {
-        setError(error, writer.errorString());
+        setWriteFailure(failure, WriteFailureCode::EncoderFailed, writer.errorString());
         return false;
     }
     return true;
@@ -58,28 +52,28 @@ bool isImageFormat(PictureFormat format)
 
 // Image files go straight to their device: a large picture is neither held
 // whole nor held a second time as its file.
-bool writeImage(const Picture &picture, PictureFormat format, QIODevice &device, QString *error)
+bool writeImage(const Picture &picture, PictureFormat format, QIODevice &device, WriteFailure *failure)
 {
     switch (format) {
-    case PictureFormat::Png: return writePng(picture, device, error);
-    case PictureFormat::Bmp: return writeBmp(picture, device, error);
-    case PictureFormat::Gif: return writeGif(picture, device, error);
-    case PictureFormat::Jpg: return writeJpg(picture, device, error);
+    case PictureFormat::Png: return writePng(picture, device, failure);
+    case PictureFormat::Bmp: return writeBmp(picture, device, failure);
+    case PictureFormat::Gif: return writeGif(picture, device, failure);
+    case PictureFormat::Jpg: return writeJpg(picture, device, failure);
     default: return false;
     }
 }
 
-QByteArray encodeImage(const Picture &picture, PictureFormat format, QString *error)
+QByteArray encodeImage(const Picture &picture, PictureFormat format, WriteFailure *failure)
 {
     QByteArray out;
     QBuffer buffer(&out);
     buffer.open(QIODevice::WriteOnly);
-    if (!writeImage(picture, format, buffer, error))
+    if (!writeImage(picture, format, buffer, failure))
         return QByteArray();
     return out;
 }
 
-QByteArray encodePdf(const Picture &picture, QString *error)
+QByteArray encodePdf(const Picture &picture, WriteFailure *failure)
 {
     QByteArray out;
     QBuffer buffer(&out);
@@ -93,7 +87,7 @@ QByteArray encodePdf(const Picture &picture, QString *error)
     writer.setPageMargins(QMarginsF(0, 0, 0, 0));
     QPainter painter;
     if (!painter.begin(&writer)) {
-        setError(error, QStringLiteral("The PDF file could not be started."));
+        setWriteFailure(failure, WriteFailureCode::PdfNotStarted);
         return QByteArray();
     }
     picture.paint(painter);
@@ -119,10 +113,10 @@ QImage renderPictureImage(const Picture &picture, QColor background)
     return image;
 }
 
-QByteArray encodePicture(const Picture &picture, PictureFormat format, QString *error)
+QByteArray encodePicture(const Picture &picture, PictureFormat format, WriteFailure *failure)
 {
     if (!picture.isValid()) {
-        setError(error, QStringLiteral("There is no picture to write."));
+        setWriteFailure(failure, WriteFailureCode::NoPicture);
         return QByteArray();
     }
     QByteArray out;
@@ -131,50 +125,50 @@ QByteArray encodePicture(const Picture &picture, PictureFormat format, QString *
     case PictureFormat::Wmf:
         out = encodeWmf(recordPicture(picture));
         if (out.isEmpty()) {
-            setError(error, QStringLiteral("The picture is too large for a Windows metafile."));
+            setWriteFailure(failure, WriteFailureCode::TooLargeForMetafile);
             return out;
         }
         break;
     case PictureFormat::Png:
     case PictureFormat::Bmp:
     case PictureFormat::Jpg:
-    case PictureFormat::Gif: return encodeImage(picture, format, error);
+    case PictureFormat::Gif: return encodeImage(picture, format, failure);
     case PictureFormat::Svg: out = encodeSvg(recordPicture(picture), picture.description); break;
-    case PictureFormat::Pdf: return encodePdf(picture, error);
+    case PictureFormat::Pdf: return encodePdf(picture, failure);
     }
     if (out.isEmpty())
-        setError(error, QStringLiteral("The picture could not be encoded."));
+        setWriteFailure(failure, WriteFailureCode::NotEncoded);
     return out;
 }
 
-bool writePicture(const Picture &picture, PictureFormat format, const QString &path, QString *error)
+bool writePicture(const Picture &picture, PictureFormat format, const QString &path, WriteFailure *failure)
 {
     if (isImageFormat(format)) {
         if (!picture.isValid()) {
-            setError(error, QStringLiteral("There is no picture to write."));
+            setWriteFailure(failure, WriteFailureCode::NoPicture);
             return false;
         }
         QSaveFile file(path);
         if (!file.open(QIODevice::WriteOnly)) {
-            setError(error, file.errorString());
+            setWriteFailure(failure, WriteFailureCode::NotWritten, file.errorString());
             return false;
         }
-        if (!writeImage(picture, format, file, error)) {
+        if (!writeImage(picture, format, file, failure)) {
             file.cancelWriting();
             return false;
         }
         if (!file.commit()) {
-            setError(error, file.errorString());
+            setWriteFailure(failure, WriteFailureCode::NotWritten, file.errorString());
             return false;
         }
         return true;
     }
-    const QByteArray bytes = encodePicture(picture, format, error);
+    const QByteArray bytes = encodePicture(picture, format, failure);
     if (bytes.isEmpty())
         return false;
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
-        setError(error, file.errorString());
+        setWriteFailure(failure, WriteFailureCode::NotWritten, file.errorString());
         return false;
     }
     return true;

@@ -4,6 +4,7 @@
 // PDF stay vector drawings, only the image formats are rasterised.
 #pragma once
 
+#include "engine/document/writefailure.h"
 #include "render/pictures/picture.h"
 
 #include <QByteArray>
@@ -11,13 +12,13 @@
 
 namespace kel {
 
-/// The file's bytes; empty with `error` set when the picture could not be
+/// The file's bytes; empty with `failure` set when the picture could not be
 /// made (no size, too large for the format, an encoder failure).
-QByteArray encodePicture(const Picture &picture, PictureFormat format, QString *error = nullptr);
+QByteArray encodePicture(const Picture &picture, PictureFormat format, WriteFailure *failure = nullptr);
 
 /// Encodes and writes `path`, replacing an existing file only once the new
-/// one is complete. False with `error` set on failure.
-bool writePicture(const Picture &picture, PictureFormat format, const QString &path, QString *error = nullptr);
+/// one is complete. False with `failure` set on failure.
+bool writePicture(const Picture &picture, PictureFormat format, const QString &path, WriteFailure *failure = nullptr);
 
 /// The picture drawn into an image of its size, starting from `background`
 /// (transparent keeps the areas the routine leaves alone). Null when the

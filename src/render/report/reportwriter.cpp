@@ -544,7 +544,7 @@ QByteArray reportHtml(const Report &report, const ChartPictureMaker &charts, con
 }
 
 ReportWriteResult writeReport(const Report &report, ReportFormat format, const QString &path,
-                              const ChartPictureMaker &charts, const ReportProgress &progress, QString *error)
+                              const ChartPictureMaker &charts, const ReportProgress &progress, WriteFailure *failure)
 {
     bool cancelled = false;
     const ReportProgress watched = [&](int done) {
@@ -558,14 +558,12 @@ ReportWriteResult writeReport(const Report &report, ReportFormat format, const Q
         return ReportWriteResult::Cancelled;
     }
     if (bytes.isEmpty()) {
-        if (error)
-            *error = QStringLiteral("the report could not be drawn");
+        setWriteFailure(failure, WriteFailureCode::ReportNotDrawn);
         return ReportWriteResult::Failed;
     }
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
-        if (error)
-            *error = file.errorString();
+        setWriteFailure(failure, WriteFailureCode::NotWritten, file.errorString());
         return ReportWriteResult::Failed;
     }
     return ReportWriteResult::Written;

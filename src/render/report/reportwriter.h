@@ -4,6 +4,7 @@
 // SVG, HTML tables). The same report gives the same bytes every time.
 #pragma once
 
+#include "engine/document/writefailure.h"
 #include "engine/report/reportcontent.h"
 #include "render/pictures/picture.h"
 
@@ -40,8 +41,8 @@ enum class ReportWriteResult { Written, Cancelled, Failed };
 
 /// Writes `path` in `format`. The bytes go to a temporary file beside it that
 /// replaces `path` only once complete: a cancel or a failure leaves nothing
-/// behind and any earlier file untouched.
+/// behind and any earlier file untouched. `failure` says why on Failed.
 ReportWriteResult writeReport(const Report &report, ReportFormat format, const QString &path,
-                              const ChartPictureMaker &charts, const ReportProgress &progress, QString *error);
+                              const ChartPictureMaker &charts, const ReportProgress &progress, WriteFailure *failure);
 
 } // namespace kel
