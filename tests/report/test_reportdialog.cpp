@@ -105,6 +105,31 @@ TEST(ReportDialog, WritesTheReportOfItsControls)
     EXPECT_FALSE(QFile::exists(refused));
 }
 
+TEST(ReportDialog, AReportThatCannotBeWrittenSaysWhyInTheInterfaceLanguage)
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("missing/units.html"));
+    const struct {
+        bool swedish;
+        const char *start;
+    } rows[] = {{false, "%1 could not be written: "}, {true, "%1 kunde inte skrivas: Filen kunde inte skrivas: "}};
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.swedish);
+        Opened o = open({});
+        o.context.isSwedish = row.swedish;
+        ReportDialog dialog(o.context);
+        ReportRecipe recipe;
+        recipe.units = ReportUnits::ByCategory;
+        recipe.category = 0;
+        recipe.add(ReportSection::TitlePage);
+        dialog.setRecipe(recipe);
+        const QString message = dialog.writeTo(path);
+        EXPECT_TRUE(message.startsWith(QString::fromUtf8(row.start).arg(path))) << message.toStdString();
+        EXPECT_GT(message.size(), QString::fromUtf8(row.start).arg(path).size()) << "the reason is missing";
+        EXPECT_FALSE(QFile::exists(path));
+    }
+}
+
 TEST(ReportDialog, SelectionModelForKeepsTheAppliedTicks)
 {
     Opened o = open({});
