@@ -292,6 +292,21 @@ TEST_F(KelReport, ExitStatuses)
     EXPECT_TRUE(bad.err.contains("line 2")) << bad.err.toStdString();
 }
 
+TEST_F(KelReport, AReportThatCannotBeWrittenIsWordedInTheChosenLanguage)
+{
+    const QString file = survey();
+    const QString path = out(QStringLiteral("missing/r.html"));
+    const QByteArray swedish = QStringLiteral("Filen kunde inte skrivas: ").toUtf8();
+    const KelRun sv = report(file, "--by 0 --sections title --lang sv", path);
+    EXPECT_EQ(sv.exitCode, 1);
+    EXPECT_TRUE(sv.err.contains(path.toUtf8() + ": " + swedish)) << sv.err.toStdString();
+    const KelRun en = report(file, "--by 0 --sections title", path);
+    EXPECT_EQ(en.exitCode, 1);
+    EXPECT_TRUE(en.err.contains(path.toUtf8() + ": ")) << en.err.toStdString();
+    EXPECT_FALSE(en.err.contains(swedish)) << en.err.toStdString();
+    EXPECT_FALSE(QFile::exists(path));
+}
+
 TEST_F(KelReport, RecipeFileLanguageAndBatch)
 {
     const QString file = survey();
