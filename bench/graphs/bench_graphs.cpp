@@ -8,8 +8,9 @@
 #include "engine/graphs/basicgraph.h"
 #include "engine/indexes/blockindex.h"
 #include "gui/graphs/basicgraphwindow.h"
-#include "gui/shell/graphcommands.h"
+#include "gui/graphs/graphcommands.h"
 #include "gui/overview/sheetview.h"
+#include "gui/common/viewersession.h"
 #include "gui/shell/mainwindow.h"
 #include "kelwriter.h"
 #include "render/graphs/basicgraphrenderer.h"
@@ -130,7 +131,7 @@ int main(int argc, char **argv)
     const Document &doc = *window.document();
 
     // 1. The description alone, as the View menu's block item asks for it.
-    const BasicGraphSelection selection = currentGraphSelection(window);
+    const BasicGraphSelection selection = window.commands().graphs->currentGraphSelection();
     BasicGraphRequest request{
         .questions = blockMembers(doc, 0), .name = QStringLiteral("All questions"), .block = 0, .kind = FractionGraph};
     BasicGraphDescription description;
@@ -168,7 +169,7 @@ int main(int argc, char **argv)
     PaintCounter painted;
     const Figures open = measure(20, [&] {
         window.menus().mnuPShowBlockGraph2->trigger();
-        for (const WindowSlot &slot : window.windowSlots(SlotTable::BasicGraphs)) {
+        for (const WindowSlot &slot : window.session().windowSlots(SlotTable::BasicGraphs)) {
             if (slot.window && slot.window->isVisible())
                 slot.window->installEventFilter(&painted);
         }

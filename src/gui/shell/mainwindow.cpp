@@ -1,33 +1,30 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "gui/shell/mainwindow.h"
-#include "gui/common/placement.h"
-
-#include "gui/shell/overviewpicturecommands.h"
-
-#include "gui/shell/aboutbox.h"
-#include "gui/shell/chartcommands.h"
-#include "engine/document/documentsession.h"
-#include "gui/shell/helpwindow.h"
-#include "gui/shell/optionsdialog.h"
-#include "gui/common/elidinglabel.h"
-#include "gui/shell/overviewcommands.h"
-#include "texts/language.h"
-#include "engine/settings/recentfiles.h"
-#include "gui/shell/startup.h"
-#include "texts/messages.h"
-#include "texts/statusline.h"
-#include "gui/common/waitcursor.h"
 #include "engine/document/document.h"
 #include "engine/document/kelformat.h"
 #include "engine/indexes/columnindex.h"
 #include "engine/overview/popupblock.h"
-#include "engine/overview/sheetlayout.h"
+#include "engine/settings/recentfiles.h"
+#include "gui/common/elidinglabel.h"
 #include "gui/common/filedialogs.h"
+#include "gui/common/placement.h"
+#include "gui/common/viewersession.h"
+#include "gui/common/waitcursor.h"
+#include "gui/document/documentcommands.h"
+#include "gui/graphs/graphcommands.h"
+#include "gui/overview/overviewcommands.h"
 #include "gui/overview/sheetview.h"
-#include "engine/selection/counting.h"
+#include "gui/report/reportcommands.h"
 #include "gui/selection/detailwindow.h"
 #include "gui/selection/navigatorwindow.h"
-#include "gui/shell/graphcommands.h"
+#include "gui/shell/aboutbox.h"
+#include "gui/shell/helpwindow.h"
+#include "gui/shell/optionsdialog.h"
+#include "gui/shell/startup.h"
+#include "render/overview/sheetdrawer.h"
+#include "texts/language.h"
+#include "texts/messages.h"
+#include "texts/statusline.h"
 
 #include <QAction>
 #include <QApplication>
@@ -70,6 +67,24 @@ QString picturesFolder()
     return QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
 }
 
+/// Calls `onClick` when a watched status panel is double-clicked.
+class PanelClickFilter : public QObject
+{
+public:
+    PanelClickFilter(std::function<void()> onClick, QObject *parent) : QObject(parent), mOnClick(std::move(onClick)) { }
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (event->type() == QEvent::MouseButtonDblClick)
+            mOnClick();
+        return QObject::eventFilter(watched, event);
+    }
+
+private:
+    std::function<void()> mOnClick;
+};
+
 } // namespace
 
 MainWindowEnvironment MainWindowEnvironment::detect()
@@ -111,10 +126,13 @@ QString droppedDocument(const QList<QUrl> &urls)
 
 MainWindow::MainWindow(SettingsStore &settings, bool isSwedish, const MainWindowEnvironment &environment,
                        QWidget *parent)
-    : QMainWindow(parent), mSettings(settings), mIsSwedish(isSwedish), mEnvironment(environment),
+    : QMainWindow(parent), mEnvironment(environment), mViewerSettings{.store = settings,
+                                                                      .isSwedish = isSwedish,
+                                                                      .printerInstalled = environment.printerInstalled,
+                                                                      .options = {},
+                                                                      .last = {}},
       mStatus(new StatusLine(isSwedish, StatusLine::DefaultClearInterval, this)),
-      mSession(new DocumentSession(!settings.policies().noRecentDocsMenu, this)), mSheet(new SheetView(this)),
-      mRowRandom(quint32(QDateTime::currentMSecsSinceEpoch()))
+      mSession(new ViewerSession(!settings.policies().noRecentDocsMenu, this)), mSheet(new SheetView(this))
 {
     setObjectName(QStringLiteral("frmMain"));
     setWindowTitle(applicationTitle());
@@ -124,48 +142,29 @@ MainWindow::MainWindow(SettingsStore &settings, bool isSwedish, const MainWindow
     mSheet->setSwedish(isSwedish);
     connect(mSheet, &SheetView::popupRequested, this, &MainWindow::showSheetPopup);
     connect(mSheet, &SheetView::cellHovered, this, &MainWindow::showHoveredCell);
-
-    // Status bar: activity, rows of the selection, the selection.
-    const char *tipsEnglish[] = {"Current activity", "Items in current selection", "Current selection"};
-    const char *tipsSwedish[] = {"Aktuell aktivitet", "Antal i aktuellt urval", "Aktuellt urval"};
-    for (int i = 0; i < 3; ++i) {
-        // Eliding panels keep their widths whatever they show.
-        auto *panel = new ElidingLabel(this);
-        panel->setPreferredCharacters(i == 1 ? 8 : 0);
-        if (i == 1)
-            panel->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
-        mPanels[i] = panel;
-        mPanels[i]->setObjectName(QStringLiteral("stbMainPanel%1").arg(i + 1));
-        mPanels[i]->setToolTip(pickText(isSwedish, tipsEnglish[i], tipsSwedish[i]));
-        mPanels[i]->setFrameShape(QFrame::StyledPanel);
-        mPanels[i]->setFrameShadow(QFrame::Sunken);
-        statusBar()->addWidget(mPanels[i], i == 1 ? 0 : (i == 0 ? 3 : 2));
-    }
-    mPanels[1]->setVisible(false);
-    mPanels[2]->setVisible(false);
-    connect(mStatus, &StatusLine::textChanged, mPanels[0], &QLabel::setText);
+    createStatusPanels();
 
     mMenus = buildMainMenus(menuBar(), this, isSwedish);
     updateMenus();
+    createCommands();
     connectMenus();
-    connectDocumentCommands();
-    connectReportCommands();
-    connectBasicGraphCommands(*this);
-    mCharts = new ChartCommands(*this);
-    new OverviewCommands(*this);
 
-    mLastSettings = mSettings.readLastSettings();
-    resolveDefaultFolders(mLastSettings, documentsFolder(), picturesFolder());
-    mOptions = mSettings.readSettings();
-    mSession->setCurrentFolder(mLastSettings.dataOpenFolder);
-    connect(mSession, &DocumentSession::recentFilesChanged, this, &MainWindow::rebuildRecentFilesMenu);
-    connect(mSession, &DocumentSession::documentClosed, this, &MainWindow::resetForNoDocument);
-    connect(mSession, &DocumentSession::documentOpened, this, &MainWindow::installDocument);
+    mViewerSettings.last = settings.readLastSettings();
+    resolveDefaultFolders(mViewerSettings.last, documentsFolder(), picturesFolder());
+    mViewerSettings.options = settings.readSettings();
+    DocumentSession &documents = mSession->documents();
+    documents.setCurrentFolder(mViewerSettings.last.dataOpenFolder);
+    connect(&documents, &DocumentSession::recentFilesChanged, this, &MainWindow::rebuildRecentFilesMenu);
+    connect(&documents, &DocumentSession::documentClosed, this, &MainWindow::resetForNoDocument);
+    connect(&documents, &DocumentSession::documentOpened, this, &MainWindow::installDocument);
     // The navigator, the detail window and the sheet show the document: they
     // let go of it before it is deleted.
-    connect(mSession, &DocumentSession::documentClosing, this, &MainWindow::destroyToolWindows);
-    connect(mSession, &DocumentSession::documentClosing, mSheet, &SheetView::resetDocument);
-    mSession->setRecentFiles(mSettings.readRecentFiles());
+    connect(&documents, &DocumentSession::documentClosing, this, &MainWindow::destroyToolWindows);
+    connect(&documents, &DocumentSession::documentClosing, mSheet, &SheetView::resetDocument);
+    documents.setRecentFiles(settings.readRecentFiles());
+    connect(mSession, &ViewerSession::sheetChanged, this, &MainWindow::drawShownSheet);
+    connect(mSession, &ViewerSession::flexTotalChanged, this, &MainWindow::showFlexTotalIndex);
+    connect(mSession, &ViewerSession::blocksChanged, this, &MainWindow::rebuildBlockMenus);
 
     if (mEnvironment.mouseWheel)
         mMenus.mnuPMouseWheelScrollDirection[0]->setChecked(true);
@@ -180,10 +179,48 @@ MainWindow::MainWindow(SettingsStore &settings, bool isSwedish, const MainWindow
     if (const QScreen *screen = QGuiApplication::primaryScreen())
         defaultSize = defaultSize.boundedTo(screen->availableGeometry().size() * 0.9).expandedTo(QSize(640, 480));
     resize(defaultSize);
-    loadPlacement();
+    const double pixels = kel::pixelsPerTwip(*this);
+    restoreWindowPlacement(*this, settings, QStringLiteral("Main"),
+                           QSize(qRound(MinimumWidthTwips * pixels), qRound(MinimumHeightTwips * pixels)));
 }
 
 MainWindow::~MainWindow() = default;
+
+void MainWindow::createStatusPanels()
+{
+    // Activity, rows of the selection, the selection.
+    const char *tipsEnglish[] = {"Current activity", "Items in current selection", "Current selection"};
+    const char *tipsSwedish[] = {"Aktuell aktivitet", "Antal i aktuellt urval", "Aktuellt urval"};
+    for (int i = 0; i < 3; ++i) {
+        // Eliding panels keep their widths whatever they show.
+        auto *panel = new ElidingLabel(this);
+        panel->setPreferredCharacters(i == 1 ? 8 : 0);
+        if (i == 1)
+            panel->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+        mPanels[i] = panel;
+        mPanels[i]->setObjectName(QStringLiteral("stbMainPanel%1").arg(i + 1));
+        mPanels[i]->setToolTip(pickText(mViewerSettings.isSwedish, tipsEnglish[i], tipsSwedish[i]));
+        mPanels[i]->setFrameShape(QFrame::StyledPanel);
+        mPanels[i]->setFrameShadow(QFrame::Sunken);
+        statusBar()->addWidget(mPanels[i], i == 1 ? 0 : (i == 0 ? 3 : 2));
+    }
+    mPanels[1]->setVisible(false);
+    mPanels[2]->setVisible(false);
+    connect(mStatus, &StatusLine::textChanged, mPanels[0], &QLabel::setText);
+}
+
+void MainWindow::createCommands()
+{
+    const CommandContext context{*mSession, mViewerSettings, *this};
+    mCommands.overview = new OverviewCommands(context, *mSheet, this);
+    mCommands.graphs = new GraphCommands(context, this);
+    mCommands.documents = new DocumentCommands(context, this);
+    mCommands.reports = new ReportCommands(context, this);
+    // A double click on the status line copies the points behind the total index.
+    auto *filter = new PanelClickFilter([this] { mCommands.documents->copyTotalIndexPoints(); }, this);
+    for (QLabel *panel : mPanels)
+        panel->installEventFilter(filter);
+}
 
 void MainWindow::connectMenus()
 {
@@ -195,7 +232,6 @@ void MainWindow::connectMenus()
     connect(mMenus.mnuHHelpTopics, &QAction::triggered, this, &MainWindow::showHelpTopics);
     connect(mMenus.mnuHAbout, &QAction::triggered, this, &MainWindow::showAbout);
     connect(mMenus.mnuTOptions, &QAction::triggered, this, &MainWindow::showOptions);
-    connectOverviewCommands(*this);
     // A checked item shows its window, an unchecked one hides it.
     connect(mMenus.mnuVNavigator, &QAction::triggered, this, [this](bool checked) {
         if (mNavigator)
@@ -209,9 +245,7 @@ void MainWindow::connectMenus()
     for (std::size_t i = 0; i < mMenus.mnuPMouseWheelScrollDirection.size(); ++i)
         connect(mMenus.mnuPMouseWheelScrollDirection[i], &QAction::triggered, this,
                 [this, i] { mSheet->setWheelHorizontal(i == 1); });
-    // Save As, Print, Print Format, the Edit commands, the graph commands,
-    // Comments, Options and the popup menu's commands are connected by the
-    // windows that carry them out.
+    connectCommandMenus(mMenus, mCommands, this);
 }
 
 const Document *MainWindow::document() const
@@ -226,7 +260,7 @@ QLabel *MainWindow::statusPanel(int number) const
 
 QString MainWindow::openDialogTitle() const
 {
-    return pickText(mIsSwedish, "Open Data File", "Öppna datafil");
+    return pickText(mViewerSettings.isSwedish, "Open Data File", "Öppna datafil");
 }
 
 void MainWindow::showMessage(QMessageBox::Icon icon, const QString &title, const QString &text)
@@ -285,23 +319,23 @@ void MainWindow::fileOpen()
     WaitCursor wait;
     mStatus->setStatus("Opening data file, locating folder, please wait!",
                        "Öppnar datafil, söker efter mapp, var vänlig vänta!", false);
-    if (!QFileInfo(mSession->currentFolder()).isDir())
-        mSession->setCurrentFolder(documentsFolder());
+    if (!QFileInfo(mSession->documents().currentFolder()).isDir())
+        mSession->documents().setCurrentFolder(documentsFolder());
     mStatus->setStatus("Opening data file...", "Öppnar datafil...", false);
 
-    const QString kelFilter = pickText(mIsSwedish, "KEL files (*.kel)", "KEL-filer (*.kel)");
-    const QString allFilter = pickText(mIsSwedish, "All files (*.*)", "Alla filer (*.*)");
+    const QString kelFilter = pickText(mViewerSettings.isSwedish, "KEL files (*.kel)", "KEL-filer (*.kel)");
+    const QString allFilter = pickText(mViewerSettings.isSwedish, "All files (*.*)", "Alla filer (*.*)");
     const Document *doc = document();
     const bool kelFirst = doc == nullptr || doc->currentFileName.endsWith(QLatin1String(".kel"), Qt::CaseInsensitive);
     const QString selectedFilter = kelFirst ? kelFilter : allFilter;
-    const QString start =
-        doc ? QDir(mSession->currentFolder()).filePath(doc->currentFileTitle) : mSession->currentFolder();
+    const QString start = doc ? QDir(mSession->documents().currentFolder()).filePath(doc->currentFileTitle)
+                              : mSession->documents().currentFolder();
 
     QApplication::setOverrideCursor(Qt::ArrowCursor);
     QFileDialog dialog(this, openDialogTitle(), start, kelFilter + QStringLiteral(";;") + allFilter);
     dialog.setFileMode(QFileDialog::ExistingFile);
     dialog.selectNameFilter(selectedFilter);
-    prepareFileDialog(dialog, mIsSwedish);
+    prepareFileDialog(dialog, mViewerSettings.isSwedish);
     const QString path = dialog.exec() == QDialog::Accepted && !dialog.selectedFiles().isEmpty()
         ? dialog.selectedFiles().first()
         : QString();
@@ -322,7 +356,7 @@ void MainWindow::fileOpen()
 
 void MainWindow::openRecentFile(int index)
 {
-    const QStringList files = mSession->recentFiles();
+    const QStringList files = mSession->documents().recentFiles();
     if (index < 0 || index >= files.size())
         return;
     openDocument(files.at(index), true, openDialogTitle());
@@ -332,14 +366,14 @@ QString MainWindow::loadDocument(const QString &path, bool rememberFolder)
 {
     // The session reads and checks the whole file before it closes the open
     // document; its signals run resetForNoDocument and installDocument.
-    const OpenResult result = mSession->loadDocument(path, rememberFolder);
+    const OpenResult result = mSession->documents().loadDocument(path, rememberFolder);
     if (result != OpenResult::Ok)
-        return openResultMessage(result, mIsSwedish);
+        return openResultMessage(result, mViewerSettings.isSwedish);
     const Document *doc = document();
     if (doc->upgradeWarning) {
         const QString title = doc->currentFileTitle;
         const QString app = applicationTitle();
-        const QString text = mIsSwedish
+        const QString text = mViewerSettings.isSwedish
             ? title + QStringLiteral(" har ett nyare filformat än den här versionen av ") + app
                 + QStringLiteral(" är gjord för! Filen kan ändå visas, men om du vill vara säker på att få tillgång "
                                  "till all information i filen bör du uppgradera ")
@@ -348,14 +382,15 @@ QString MainWindow::loadDocument(const QString &path, bool rememberFolder)
                 + QStringLiteral(" was designed for! The file can still be opened, but to make sure you can access "
                                  "all the information in the file you should upgrade you copy of ")
                 + app + QLatin1Char('!');
-        showMessage(QMessageBox::Warning, pickText(mIsSwedish, "Time to upgrade", "Dags att uppgradera"), text);
+        showMessage(QMessageBox::Warning, pickText(mViewerSettings.isSwedish, "Time to upgrade", "Dags att uppgradera"),
+                    text);
     }
     return QString();
 }
 
 void MainWindow::closeDocument()
 {
-    mSession->closeDocument();
+    mSession->documents().closeDocument();
 }
 
 void MainWindow::installDocument()
@@ -378,8 +413,7 @@ void MainWindow::installDocument()
         setSplitByItem(mMenus, int(k), doc.questions[std::size_t(doc.categories[k])].heading);
 
     // The user's own blocks of this document follow its blocks.
-    restoreStoredBlocks();
-    mExportOptions.reset();
+    mCommands.documents->restoreStoredBlocks();
     rebuildBlockMenus();
 
     // The flex total starts as every respondent; the navigator (with the
@@ -390,7 +424,6 @@ void MainWindow::installDocument()
     // overview opens without a sheet; its panels stay empty.
     mSheet->resetDocument();
     mSheet->setHoverEnabled(p.pointsScale > 0);
-    setDataRowsAllowed(false);
     showSelection(fullSelection(doc));
     updateMenus();
     // The arrow and page keys scroll the sheet from the start.
@@ -401,24 +434,18 @@ void MainWindow::installDocument()
 
 void MainWindow::resetForNoDocument()
 {
-    // Every window of the three tables shows the old document.
-    closeSlotWindows();
-    mSteps = SelectionSteps();
-    mShownSheet = SubSheet();
-
+    // The session has closed the pooled windows and forgotten the sheet.
     mMenus.mnuVDetailInfo->setChecked(false);
     mMenus.mnuVNavigator->setChecked(false);
     removeExtraSplitByItems(mMenus);
-    mDataRowsAllowed = false;
 
     const char *tipsEnglish[] = {"Items in current selection", "Current selection"};
     const char *tipsSwedish[] = {"Antal i aktuellt urval", "Aktuellt urval"};
     for (int i = 1; i < 3; ++i) {
         mPanels[i]->setVisible(false);
         mPanels[i]->clear();
-        mPanels[i]->setToolTip(pickText(mIsSwedish, tipsEnglish[i - 1], tipsSwedish[i - 1]));
+        mPanels[i]->setToolTip(pickText(mViewerSettings.isSwedish, tipsEnglish[i - 1], tipsSwedish[i - 1]));
     }
-    mExportOptions.reset();
     rebuildBlockMenus();
     updateMenus();
     mSheet->resetDocument();
@@ -428,27 +455,12 @@ void MainWindow::resetForNoDocument()
 
 void MainWindow::rebuildBlockMenus()
 {
-    // The four View block submenus list the blocks; they stay hidden because
-    // block graphs are reached through the popup menu.
-    const std::array<std::pair<QMenu *, QList<QAction *> *>, 4> menus{{{mMenus.mnuVBlockGraph4, &mMenus.mnuVB4Item},
-                                                                       {mMenus.mnuVBlockGraph1, &mMenus.mnuVB1Item},
-                                                                       {mMenus.mnuVBlockGraph2, &mMenus.mnuVB2Item},
-                                                                       {mMenus.mnuVBlockGraph3, &mMenus.mnuVB3Item}}};
-    const Document *doc = document();
-    for (const auto &[menu, items] : menus) {
-        qDeleteAll(*items);
-        items->clear();
-        if (!doc)
-            continue;
-        for (const Block &block : doc->blocks)
-            *items << menu->addAction(doubleAmpersands(block.name));
-    }
-    rebuildUserBlockGraphMenu(*this);
+    kel::rebuildBlockMenus(mMenus, document(), *mCommands.graphs, mViewerSettings.isSwedish);
 }
 
 void MainWindow::rebuildRecentFilesMenu()
 {
-    const QStringList files = mSession->recentFiles();
+    const QStringList files = mSession->documents().recentFiles();
     mMenus.mnuFMRUBar->setVisible(!files.isEmpty());
     const QFontMetrics metrics(mMenus.mnuFile->font());
     const int width = qRound(RecentFileWidthTwips * logicalDpiX() / TwipsPerInch);
@@ -471,89 +483,30 @@ void MainWindow::rebuildRecentFilesMenu()
     }
 }
 
-const SheetHit &MainWindow::lastPopupHit() const
-{
-    return mPopupHit;
-}
-
-WindowSlotTable &MainWindow::windowSlots(SlotTable table)
-{
-    switch (table) {
-    case SlotTable::MiniOverviews: return mMiniOverviews;
-    case SlotTable::BasicGraphs: return mBasicGraphs;
-    case SlotTable::ChartGraphs: break;
-    }
-    return mChartGraphs;
-}
-
-void MainWindow::storeQuestionGraphDefaultSize(qint32 windowWidthTwips, qint32 barWidth)
-{
-    mLastSettings.questionGraphWindowWidth = windowWidthTwips;
-    mLastSettings.questionGraphBarWidth = barWidth;
-    mSettings.writeLastSettings(mLastSettings);
-}
-
 void MainWindow::closeAllGraphWindows()
 {
     WaitCursor wait;
     mStatus->setStatus("Closing all graph windows...", "Stänger alla diagramfönster...", false);
-    for (WindowSlotTable *table : {&mMiniOverviews, &mBasicGraphs, &mChartGraphs}) {
-        for (WindowSlot &slot : *table) {
-            if (slot.inUse && slot.window)
-                slot.window->close();
-            slot.inUse = false;
-        }
-    }
+    mSession->closeInUseWindows();
     mStatus->setStatus("All graph windows has been closed!", "Alla diagramfönster har stängts!", true);
-}
-
-void MainWindow::closeSlotWindows()
-{
-    for (WindowSlotTable *table : {&mMiniOverviews, &mBasicGraphs, &mChartGraphs})
-        closePooledWindows(*table);
-}
-
-ShowPermissions MainWindow::shownPermissions() const
-{
-    const Document *doc = document();
-    if (!doc || !mSheet->hasSheet())
-        return ShowPermissions();
-    return showPermissions(*doc, qint32(mShownSheet.rows.size()), mFlexTotal.rowCount(),
-                           mShownSheet.steps.splitNotAllowed);
-}
-
-bool MainWindow::mayOutput(OutputCommand command, qint32 splitCategory) const
-{
-    return permits(shownPermissions(), command, splitCategory);
-}
-
-void MainWindow::setDataRowsAllowed(bool allowed)
-{
-    mDataRowsAllowed = allowed;
-    updateMenus();
 }
 
 MenuState MainWindow::menuState() const
 {
-    return MenuState::of(document(), mEnvironment.printerInstalled, mEnvironment.mouseWheel, mDataRowsAllowed);
+    return MenuState::of(document(), mEnvironment.printerInstalled, mEnvironment.mouseWheel,
+                         mSession->dataRowsAllowed());
 }
 
 void MainWindow::updateMenus()
 {
-    applyMenuEnabling(mMenus, menuEnablingFor(menuState()), mSteps.splitNotAllowed);
-}
-
-void MainWindow::setSelectionPanels(qint32 rows, const QString &selectionText)
-{
-    mPanels[1]->setText(QStringLiteral(" %1").arg(rows));
-    mPanels[2]->setText(QLatin1Char(' ') + selectionText);
+    applyMenuEnabling(mMenus, menuEnablingFor(menuState()), mSession->selectionSteps().splitNotAllowed);
 }
 
 void MainWindow::showHelpTopics()
 {
     WaitCursor wait;
     if (!mHelp) {
-        mHelp = new HelpWindow(mIsSwedish, this);
+        mHelp = new HelpWindow(mViewerSettings.isSwedish, this);
         mHelp->setAttribute(Qt::WA_DeleteOnClose);
     }
     mHelp->show();
@@ -563,13 +516,13 @@ void MainWindow::showHelpTopics()
 
 void MainWindow::showAbout()
 {
-    AboutBox box(mIsSwedish, this);
+    AboutBox box(mViewerSettings.isSwedish, this);
     box.exec();
 }
 
 void MainWindow::showOptions()
 {
-    runOptionsDialog(this, mIsSwedish, mOptions, mSettings, document());
+    runOptionsDialog(this, mViewerSettings.isSwedish, mViewerSettings.options, mViewerSettings.store, document());
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent *event)
@@ -602,28 +555,17 @@ void MainWindow::closeEvent(QCloseEvent *event)
                            false);
     }
     mAutoOpenTimer.stop();
+    // Closing the document closes the pooled windows too.
     closeDocument();
-    mSettings.writeRecentFiles(mSession->recentFiles());
-    closeSlotWindows();
+    SettingsStore &store = mViewerSettings.store;
+    store.writeRecentFiles(mSession->documents().recentFiles());
     destroyToolWindows();
     if (mHelp)
         mHelp->close();
-    mLastSettings.dataOpenFolder = mSession->currentFolder();
-    mSettings.writeLastSettings(mLastSettings);
-    savePlacement();
+    mViewerSettings.last.dataOpenFolder = mSession->documents().currentFolder();
+    store.writeLastSettings(mViewerSettings.last);
+    saveWindowPlacement(*this, store, QStringLiteral("Main"), BorderStyle::Sizable);
     event->accept();
-}
-
-void MainWindow::loadPlacement()
-{
-    const double pixels = kel::pixelsPerTwip(*this);
-    restoreWindowPlacement(*this, mSettings, QStringLiteral("Main"),
-                           QSize(qRound(MinimumWidthTwips * pixels), qRound(MinimumHeightTwips * pixels)));
-}
-
-void MainWindow::savePlacement()
-{
-    saveWindowPlacement(*this, mSettings, QStringLiteral("Main"), BorderStyle::Sizable);
 }
 
 // --- Navigator and detail-information windows ---
@@ -641,10 +583,11 @@ DetailWindow *MainWindow::detailWindow() const
 void MainWindow::createToolWindows(const Document &doc)
 {
     destroyToolWindows();
-    if (Document *editable = mSession->editableDocument())
-        mFlexTotal.reset(*editable);
+    mSession->resetFlexTotal();
     const double pixelsPerTwip = logicalDpiY() / TwipsPerInch;
     auto pixels = [&](int twips) { return qRound(twips * pixelsPerTwip); };
+    const bool sv = mViewerSettings.isSwedish;
+    SettingsStore &store = mViewerSettings.store;
 
     // The navigator first, so that by default it stands above the detail
     // window on the right.
@@ -654,20 +597,20 @@ void MainWindow::createToolWindows(const Document &doc)
         actions.showRefusal = [this](const QString &text) {
             showMessage(QMessageBox::Critical, applicationTitle(), text);
         };
-        mNavigator = new NavigatorWindow(mIsSwedish, *mStatus, mOptions, std::move(actions), this);
+        mNavigator = new NavigatorWindow(sv, *mStatus, mViewerSettings.options, std::move(actions), this);
         connect(mNavigator, &ToolDock::hiddenByUser, this, [this] { mMenus.mnuVNavigator->setChecked(false); });
-        mNavigator->restorePlacement(*this, mSettings, Qt::RightDockWidgetArea, QSize(pixels(4900), pixels(5400)));
-        mNavigator->loadSettings(mSettings);
+        mNavigator->restorePlacement(*this, store, Qt::RightDockWidgetArea, QSize(pixels(4900), pixels(5400)));
+        mNavigator->loadSettings(store);
         mNavigator->setUp(doc);
         mNavigator->show();
         mMenus.mnuVNavigator->setChecked(true);
     }
 
-    mDetail = new DetailWindow(mIsSwedish, this);
+    mDetail = new DetailWindow(sv, this);
     connect(mDetail, &ToolDock::hiddenByUser, this, [this] { mMenus.mnuVDetailInfo->setChecked(false); });
     // Docked under the navigator it shares its width: the same default keeps
     // the navigator's option texts whole.
-    mDetail->restorePlacement(*this, mSettings, Qt::RightDockWidgetArea, QSize(pixels(4900), pixels(600)));
+    mDetail->restorePlacement(*this, store, Qt::RightDockWidgetArea, QSize(pixels(4900), pixels(600)));
     mDetail->setUpForDocument(doc);
     showFlexTotalIndex();
     mDetail->show();
@@ -678,12 +621,12 @@ void MainWindow::destroyToolWindows()
 {
     // Where the windows stood is kept for the next document and run.
     if (mNavigator) {
-        mNavigator->saveSettings(mSettings);
+        mNavigator->saveSettings(mViewerSettings.store);
         mNavigator->closeForGood();
         delete mNavigator;
     }
     if (mDetail) {
-        mDetail->savePlacement(mSettings);
+        mDetail->savePlacement(mViewerSettings.store);
         mDetail->closeForGood();
         delete mDetail;
     }
@@ -699,52 +642,46 @@ void MainWindow::showFlexTotalIndex()
 
 QString MainWindow::showNavigatorSelection(SelectionModel &model)
 {
-    Document *doc = mSession->editableDocument();
-    if (!doc)
-        return QString();
-    const SubSheet sheet = kel::showSelection(*doc, model, mFlexTotal, mOptions.overviewRowOrder, mRowRandom);
-    // The flex total changes with Show even when the selection is refused.
-    showFlexTotalIndex();
-    if (sheet.outcome != SubSheetOutcome::Ok)
-        return showRefusalMessage(*doc, sheet.outcome, mIsSwedish); // the previous overview stays
-    showSubSheet(*doc, sheet);
-    return QString();
+    return shownOrRefused(mSession->show(model, mViewerSettings.options.overviewRowOrder));
 }
 
 QString MainWindow::showSelection(const SelectionMatrix &selection)
 {
-    Document *doc = mSession->editableDocument();
-    if (!doc)
-        return QString();
-    const SubSheet sheet = createSubSheet(*doc, selection, mFlexTotal, mOptions.overviewRowOrder, mRowRandom);
-    // A flex total based on the current selection is rebuilt even when the
-    // selection itself is refused.
-    showFlexTotalIndex();
-    if (sheet.outcome != SubSheetOutcome::Ok)
-        return showRefusalMessage(*doc, sheet.outcome, mIsSwedish); // the previous overview stays
-    showSubSheet(*doc, sheet);
-    return QString();
+    return shownOrRefused(mSession->show(selection, mViewerSettings.options.overviewRowOrder));
 }
 
-void MainWindow::showSubSheet(const Document &doc, const SubSheet &sheet)
+QString MainWindow::shownOrRefused(SubSheetOutcome outcome)
 {
-    mShownSheet = sheet;
-    mSteps = sheet.steps;
-    setDataRowsAllowed(sheet.dataRowsAllowed);
-    setSelectionPanels(qint32(sheet.rows.size()), sheet.steps.selectionText);
+    const Document *doc = document();
+    if (!doc || outcome == SubSheetOutcome::Ok)
+        return QString();
+    return showRefusalMessage(*doc, outcome, mViewerSettings.isSwedish); // the previous overview stays
+}
+
+void MainWindow::drawShownSheet()
+{
+    const Document &doc = *document();
+    const SubSheet &sheet = mSession->shownSheet();
+    const bool sv = mViewerSettings.isSwedish;
+    const UserOptions &options = mViewerSettings.options;
+    updateMenus();
+    mPanels[1]->setText(QStringLiteral(" %1").arg(sheet.rows.size()));
+    mPanels[2]->setText(QLatin1Char(' ') + sheet.steps.selectionText);
 
     SheetInput input = sheetInputFor(doc, sheet);
-    input.overviewMaxRows = mOptions.overviewMaxRows;
-    input.groupLines = mOptions.overviewGroupLines;
+    input.overviewMaxRows = options.overviewMaxRows;
+    input.groupLines = options.overviewGroupLines;
     input.locale = QLocale();
-    if (!mSheet->setSheet(std::move(input)))
-        showMessage(QMessageBox::Critical, applicationTitle(),
-                    pickText(mIsSwedish, "The overview is too large to be drawn!",
-                             "Översikten är för stor för att kunna ritas!"));
+    const bool drawn = mSheet->setSheet(std::move(input));
+    mSession->setSheetOnScreen(drawn);
+    if (!drawn)
+        showMessage(
+            QMessageBox::Critical, applicationTitle(),
+            pickText(sv, "The overview is too large to be drawn!", "Översikten är för stor för att kunna ritas!"));
     // The status line keeps its usual words; the empty sheet says why it is empty.
     mSheet->setNotice(sheet.dataRowsAllowed
                           ? QString()
-                          : belowMinimumNotice(qint32(sheet.rows.size()), doc.properties.minimumSelection, mIsSwedish));
+                          : belowMinimumNotice(qint32(sheet.rows.size()), doc.properties.minimumSelection, sv));
     if (mDetail)
         mDetail->showNoCell(doc, sheet.totalIndex);
 }
@@ -758,57 +695,15 @@ void MainWindow::showHoveredCell(const SheetHit &hit)
 
 void MainWindow::preparePopup(const SheetHit &hit)
 {
-    const Document *doc = document();
-    if (!doc)
-        return;
-    const bool questionKnown = hit.question >= 0 && std::size_t(hit.question) < doc->questions.size();
-    PopupContext context;
-    context.randomPerColumn = mSheet->isRandomPerColumn();
-    context.hasRowComments = doc->properties.hasRowComments;
-    context.hasCellComments = doc->hasCellComments;
-    context.totalGraphVisible = mMenus.mnuPShowTotalGraph1->isVisible();
-    if (questionKnown) {
-        const Question &question = doc->questions[std::size_t(hit.question)];
-        context.questionGraphFlags = question.graphFlags;
-        if (hit.place == SheetPlace::BlockLine) {
-            if (const qint32 block = popupBlock(*doc, hit, mSheet->sheetGeometry().headerLines); block >= 0)
-                context.blockGraphFlags = doc->blocks[std::size_t(block)].graphFlags;
-        }
-    }
-    const PopupItems items = popupItemsFor(hit.place, context);
-    mMenus.mnuPShowRowsComments->setVisible(items.showRowsComments);
-    mMenus.mnuPShowColumnsComments->setVisible(items.showColumnsComments);
-    mMenus.mnuPCopyThisRowsAnswers->setVisible(items.copyThisRowsAnswers);
-    mMenus.mnuPBar1->setVisible(items.bar1);
-    const std::array<QAction *, 4> blockGraphs{mMenus.mnuPShowBlockGraph1, mMenus.mnuPShowBlockGraph2,
-                                               mMenus.mnuPShowBlockGraph3->menuAction(), mMenus.mnuPShowBlockGraph4};
-    for (std::size_t i = 0; i < blockGraphs.size(); ++i)
-        blockGraphs[i]->setVisible(items.showBlockGraph[i]);
-    const std::array<QAction *, 3> questionGraphs{mMenus.mnuPShowQuestionGraph1->menuAction(),
-                                                  mMenus.mnuPShowQuestionGraph2->menuAction(),
-                                                  mMenus.mnuPShowQuestionGraph3->menuAction()};
-    for (std::size_t i = 0; i < questionGraphs.size(); ++i)
-        questionGraphs[i]->setVisible(items.showQuestionGraph[i]);
-    mMenus.mnuPBar2->setVisible(items.bar2);
-
-    // A header line has no row: only the column's comments can apply there.
-    const PopupEnabling enabling =
-        popupEnablingFor(*doc, mSheet->input().rows, mSheet->input().columns, context.randomPerColumn,
-                         hit.place == SheetPlace::AnswerCell ? hit.row : -1, hit.question);
-    // Comments are individual answers: the engine's decision for the
-    // overview on screen comes first.
-    mMenus.mnuPShowRowsComments->setEnabled(enabling.showRowsComments && isCommandBuilt(MenuCommand::RowsComments)
-                                            && mayOutput(OutputCommand::RowsComments));
-    mMenus.mnuPShowColumnsComments->setEnabled(enabling.showColumnsComments
-                                               && isCommandBuilt(MenuCommand::ColumnsComments)
-                                               && mayOutput(OutputCommand::ColumnsComments));
+    preparePopupMenu(mMenus, *mSession, hit, {mSheet->isRandomPerColumn(), mSheet->sheetGeometry().headerLines});
 }
 
 void MainWindow::showSheetPopup(const SheetHit &hit, const QPoint &globalPos)
 {
-    if (hit.place == SheetPlace::Outside || !document())
+    const Document *doc = document();
+    if (hit.place == SheetPlace::Outside || !doc)
         return;
-    mPopupHit = hit;
+    mSession->setPopupPlace(hit, popupBlock(*doc, hit, mSheet->sheetGeometry().headerLines));
     preparePopup(hit);
     mMenus.mnuPopUp->popup(globalPos);
 }
