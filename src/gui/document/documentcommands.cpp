@@ -2,8 +2,10 @@
 #include "gui/document/documentcommands.h"
 
 #include "engine/blocks/userblocks.h"
+#include "engine/document/kelformat.h"
 #include "engine/indexes/blockindex.h"
 #include "gui/blocks/blockeditor.h"
+#include "gui/common/filedialogs.h"
 #include "gui/common/viewersession.h"
 #include "gui/common/waitcursor.h"
 #include "gui/document/propertiesview.h"
@@ -12,12 +14,42 @@
 #include "texts/messages.h"
 #include "texts/statusline.h"
 
+#include <QApplication>
+#include <QFile>
+#include <QUrl>
+#include <QtEndian>
 #include <QClipboard>
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QStandardPaths>
 #include <QGuiApplication>
 
 #include <optional>
 
 namespace kel {
+
+// The desktop recognises a renamed document by the two magic words it starts
+// with (its MIME type says so); the drop must take what the desktop offers.
+static bool startsLikeKelDocument(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    const QByteArray head = file.read(8);
+    return head.size() == 8 && qFromLittleEndian<quint32>(head.constData()) == format::Magic1
+        && qFromLittleEndian<quint32>(head.constData() + 4) == format::Magic2;
+}
+
+QString droppedDocument(const QList<QUrl> &urls)
+{
+    if (urls.size() != 1 || !urls.first().isLocalFile())
+        return QString();
+    const QString path = urls.first().toLocalFile();
+    if (path.endsWith(QLatin1String(".kel"), Qt::CaseInsensitive))
+        return path;
+    return startsLikeKelDocument(path) ? path : QString();
+}
 
 DocumentCommands::DocumentCommands(const CommandContext &context, QObject *parent) : QObject(parent), mContext(context)
 {
@@ -25,6 +57,111 @@ DocumentCommands::DocumentCommands(const CommandContext &context, QObject *paren
     DocumentSession &documents = context.session.documents();
     connect(&documents, &DocumentSession::documentOpened, this, [this] { mExportOptions.reset(); });
     connect(&documents, &DocumentSession::documentClosed, this, [this] { mExportOptions.reset(); });
+}
+
+QString DocumentCommands::openDialogTitle() const
+{
+    return pickText(mContext.settings.isSwedish, "Open Data File", "Öppna datafil");
+}
+
+void DocumentCommands::reportOpened()
+{
+    const QString title = mContext.session.document()->currentFileTitle;
+    mContext.host.statusLine().setStatus(title + QStringLiteral(" has been opened!"),
+                                         title + QStringLiteral(" har öppnats!"), true);
+}
+
+bool DocumentCommands::openDocument(const QString &path, bool rememberFolder, const QString &messageTitle)
+{
+    StatusLine &status = mContext.host.statusLine();
+    WaitCursor wait;
+    status.setStatus("Opening data file...", "Öppnar datafil...", false);
+    const QString message = loadDocument(path, rememberFolder);
+    if (!message.isEmpty()) {
+        mContext.host.showMessage(QMessageBox::Critical, messageTitle, message);
+        status.clearStatus();
+        return false;
+    }
+    reportOpened();
+    return true;
+}
+
+void DocumentCommands::fileOpen()
+{
+    StatusLine &status = mContext.host.statusLine();
+    WaitCursor wait;
+    DocumentSession &documents = mContext.session.documents();
+    status.setStatus("Opening data file, locating folder, please wait!",
+                     "Öppnar datafil, söker efter mapp, var vänlig vänta!", false);
+    if (!QFileInfo(documents.currentFolder()).isDir())
+        documents.setCurrentFolder(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
+    status.setStatus("Opening data file...", "Öppnar datafil...", false);
+
+    const QString kelFilter = pickText(mContext.settings.isSwedish, "KEL files (*.kel)", "KEL-filer (*.kel)");
+    const QString allFilter = pickText(mContext.settings.isSwedish, "All files (*.*)", "Alla filer (*.*)");
+    const Document *doc = mContext.session.document();
+    const bool kelFirst = doc == nullptr || doc->currentFileName.endsWith(QLatin1String(".kel"), Qt::CaseInsensitive);
+    const QString selectedFilter = kelFirst ? kelFilter : allFilter;
+    const QString start =
+        doc ? QDir(documents.currentFolder()).filePath(doc->currentFileTitle) : documents.currentFolder();
+
+    QApplication::setOverrideCursor(Qt::ArrowCursor);
+    QFileDialog dialog(mContext.host.dialogParent(), openDialogTitle(), start,
+                       kelFilter + QStringLiteral(";;") + allFilter);
+    dialog.setFileMode(QFileDialog::ExistingFile);
+    dialog.selectNameFilter(selectedFilter);
+    prepareFileDialog(dialog, mContext.settings.isSwedish);
+    const QString path = dialog.exec() == QDialog::Accepted && !dialog.selectedFiles().isEmpty()
+        ? dialog.selectedFiles().first()
+        : QString();
+    QApplication::restoreOverrideCursor();
+    if (path.isEmpty()) {
+        status.clearStatus();
+        return;
+    }
+    const QString message = loadDocument(path, true);
+    if (!message.isEmpty()) {
+        mContext.host.showMessage(QMessageBox::Critical, openDialogTitle(), message);
+        status.clearStatus();
+        return;
+    }
+    reportOpened();
+}
+
+void DocumentCommands::openRecentFile(int index)
+{
+    DocumentSession &documents = mContext.session.documents();
+    const QStringList files = documents.recentFiles();
+    if (index < 0 || index >= files.size())
+        return;
+    openDocument(files.at(index), true, openDialogTitle());
+}
+
+QString DocumentCommands::loadDocument(const QString &path, bool rememberFolder)
+{
+    // The session reads and checks the whole file before it closes the open
+    // document; its signals take the old one off the screen and show the new one.
+    const OpenResult result = mContext.session.documents().loadDocument(path, rememberFolder);
+    if (result != OpenResult::Ok)
+        return openResultMessage(result, mContext.settings.isSwedish);
+    const Document *doc = mContext.session.document();
+    if (doc->upgradeWarning) {
+        const QString title = doc->currentFileTitle;
+        const QString app = applicationTitle();
+        const QString text = mContext.settings.isSwedish
+            ? title + QStringLiteral(" har ett nyare filformat än den här versionen av ") + app
+                + QStringLiteral(" är gjord för! Filen kan ändå visas, men om du vill vara säker på att få tillgång "
+                                 "till all information i filen bör du uppgradera ")
+                + app + QLatin1Char('!')
+            : title + QStringLiteral(" is in a newer format then this version of ") + app
+                + QStringLiteral(" was designed for! The file can still be opened, but to make sure you can access "
+                                 "all the information in the file you should upgrade you copy of ")
+                + app + QLatin1Char('!');
+        mContext.host.showMessage(QMessageBox::Warning,
+                                  pickText(mContext.settings.isSwedish, "Time to upgrade", "Dags att uppgradera"),
+                                  text);
+    }
+    return QString();
 }
 
 void DocumentCommands::restoreStoredBlocks()

@@ -14,6 +14,8 @@
 #include "texts/language.h"
 
 #include <QAction>
+#include <QDir>
+#include <QFontMetrics>
 #include <QMenu>
 
 namespace kel {
@@ -42,6 +44,10 @@ void connectCommandMenus(const MainMenus &m, const ViewerCommands &c, QObject *o
                      [overview] { overview->showPopupComments(OverviewCommands::CommentsOf::Column); });
 
     DocumentCommands *documents = c.documents;
+    QObject::connect(m.mnuFOpen, &QAction::triggered, documents, &DocumentCommands::fileOpen);
+    for (std::size_t i = 0; i < m.mnuFMRU.size(); ++i)
+        QObject::connect(m.mnuFMRU[i], &QAction::triggered, documents,
+                         [documents, i] { documents->openRecentFile(int(i)); });
     QObject::connect(m.mnuTEditBlocks, &QAction::triggered, documents, &DocumentCommands::editBlocks);
     for (QAction *a : {m.mnuECopyIndexes, m.mnuPCopyIndexes})
         QObject::connect(a, &QAction::triggered, documents, &DocumentCommands::copyIndexes);
@@ -129,6 +135,29 @@ void rebuildBlockMenus(MainMenus &m, const Document *doc, GraphCommands &graphs,
         add(0x4, "Block &Ranking Graph", "Block&rankningsgraf",
             [](GraphCommands &gc, qint32 bl) { gc.viewBlockRankingGraph(bl); });
         submenu->setEnabled(!submenu->isEmpty());
+    }
+}
+
+void fillRecentFilesMenu(MainMenus &m, const QStringList &files, int widthPixels)
+{
+    m.mnuFMRUBar->setVisible(!files.isEmpty());
+    const QFontMetrics metrics(m.mnuFile->font());
+    for (std::size_t i = 0; i < m.mnuFMRU.size(); ++i) {
+        QAction *item = m.mnuFMRU[i];
+        if (qsizetype(i) >= files.size()) {
+            item->setVisible(false);
+            continue;
+        }
+        const PathParts parts = splitDocumentPath(files.at(qsizetype(i)));
+        const QString display = QDir::toNativeSeparators(
+            parts.folder.isEmpty() ? fileDisplayTitle(parts.name)
+                                   : QDir(parts.folder).filePath(fileDisplayTitle(parts.name)));
+        QString compact = metrics.elidedText(display, Qt::ElideMiddle, widthPixels);
+        if (compact.isEmpty())
+            compact = QStringLiteral("...") + QDir::separator() + parts.name;
+        item->setText(recentFileCaption(int(i), compact));
+        item->setToolTip(files.at(qsizetype(i)));
+        item->setVisible(true);
     }
 }
 

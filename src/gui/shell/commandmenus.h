@@ -7,6 +7,8 @@
 
 #include "gui/shell/mainmenus.h"
 
+#include <QStringList>
+
 class QObject;
 
 namespace kel {
@@ -37,6 +39,10 @@ void connectCommandMenus(const MainMenus &menus, const ViewerCommands &commands,
 /// one submenu per user block with the graphs its flags allow, as the popup
 /// offers them for a document block, and is hidden without user blocks.
 void rebuildBlockMenus(MainMenus &menus, const Document *doc, GraphCommands &graphs, bool isSwedish);
+
+/// Captions the recent-file items with `files` (most recent first), each
+/// path shortened in the middle to `widthPixels`; unused items are hidden.
+void fillRecentFilesMenu(MainMenus &menus, const QStringList &files, int widthPixels);
 
 /// The view facts the popup's items depend on besides the session.
 struct PopupView {

@@ -1,22 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "gui/shell/mainwindow.h"
 #include "engine/document/document.h"
-#include "engine/document/kelformat.h"
-#include "engine/indexes/columnindex.h"
 #include "engine/overview/popupblock.h"
 #include "engine/settings/recentfiles.h"
 #include "gui/common/elidinglabel.h"
-#include "gui/common/filedialogs.h"
 #include "gui/common/placement.h"
 #include "gui/common/viewersession.h"
 #include "gui/common/waitcursor.h"
-#include "gui/document/documentcommands.h"
 #include "gui/graphs/graphcommands.h"
 #include "gui/overview/overviewcommands.h"
 #include "gui/overview/sheetview.h"
 #include "gui/report/reportcommands.h"
 #include "gui/selection/detailwindow.h"
-#include "gui/selection/navigatorwindow.h"
+#include "gui/selection/selectiondocks.h"
 #include "gui/shell/aboutbox.h"
 #include "gui/shell/helpwindow.h"
 #include "gui/shell/optionsdialog.h"
@@ -27,13 +23,8 @@
 #include "texts/statusline.h"
 
 #include <QAction>
-#include <QApplication>
 #include <QCloseEvent>
-#include <QDir>
-#include <QFile>
-#include <QFileDialog>
 #include <QFileInfo>
-#include <QFontMetrics>
 #include <QInputDevice>
 #include <QLabel>
 #include <QMenu>
@@ -43,8 +34,6 @@
 #include <QScreen>
 #include <QStandardPaths>
 #include <QStatusBar>
-#include <QUrl>
-#include <QtEndian>
 
 #include <optional>
 
@@ -56,16 +45,6 @@ constexpr double TwipsPerInch = 1440.0;
 constexpr int RecentFileWidthTwips = 4500;
 constexpr int MinimumWidthTwips = 4800;
 constexpr int MinimumHeightTwips = 3600;
-
-QString documentsFolder()
-{
-    return QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
-}
-
-QString picturesFolder()
-{
-    return QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
-}
 
 /// Calls `onClick` when a watched status panel is double-clicked.
 class PanelClickFilter : public QObject
@@ -102,28 +81,6 @@ MainWindowEnvironment MainWindowEnvironment::detect()
     return e;
 }
 
-// The desktop recognises a renamed document by the two magic words it starts
-// with (its MIME type says so); the drop must take what the desktop offers.
-static bool startsLikeKelDocument(const QString &path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return false;
-    const QByteArray head = file.read(8);
-    return head.size() == 8 && qFromLittleEndian<quint32>(head.constData()) == format::Magic1
-        && qFromLittleEndian<quint32>(head.constData() + 4) == format::Magic2;
-}
-
-QString droppedDocument(const QList<QUrl> &urls)
-{
-    if (urls.size() != 1 || !urls.first().isLocalFile())
-        return QString();
-    const QString path = urls.first().toLocalFile();
-    if (path.endsWith(QLatin1String(".kel"), Qt::CaseInsensitive))
-        return path;
-    return startsLikeKelDocument(path) ? path : QString();
-}
-
 MainWindow::MainWindow(SettingsStore &settings, bool isSwedish, const MainWindowEnvironment &environment,
                        QWidget *parent)
     : QMainWindow(parent), mEnvironment(environment), mViewerSettings{.store = settings,
@@ -144,13 +101,22 @@ MainWindow::MainWindow(SettingsStore &settings, bool isSwedish, const MainWindow
     connect(mSheet, &SheetView::cellHovered, this, &MainWindow::showHoveredCell);
     createStatusPanels();
 
+    // The sheet is drawn before the docks hear of it.
+    connect(mSession, &ViewerSession::sheetChanged, this, &MainWindow::drawShownSheet);
+    connect(mSession, &ViewerSession::blocksChanged, this, &MainWindow::rebuildBlockMenus);
+    NavigatorActions actions;
+    actions.show = [this](SelectionModel &model) { return showNavigatorSelection(model); };
+    actions.showRefusal = [this](const QString &text) { showMessage(QMessageBox::Critical, applicationTitle(), text); };
+    mDocks = new SelectionDocks(*this, *mSession, mViewerSettings, *mStatus, std::move(actions));
+
     mMenus = buildMainMenus(menuBar(), this, isSwedish);
     updateMenus();
     createCommands();
     connectMenus();
 
     mViewerSettings.last = settings.readLastSettings();
-    resolveDefaultFolders(mViewerSettings.last, documentsFolder(), picturesFolder());
+    resolveDefaultFolders(mViewerSettings.last, QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation),
+                          QStandardPaths::writableLocation(QStandardPaths::PicturesLocation));
     mViewerSettings.options = settings.readSettings();
     DocumentSession &documents = mSession->documents();
     documents.setCurrentFolder(mViewerSettings.last.dataOpenFolder);
@@ -159,12 +125,9 @@ MainWindow::MainWindow(SettingsStore &settings, bool isSwedish, const MainWindow
     connect(&documents, &DocumentSession::documentOpened, this, &MainWindow::installDocument);
     // The navigator, the detail window and the sheet show the document: they
     // let go of it before it is deleted.
-    connect(&documents, &DocumentSession::documentClosing, this, &MainWindow::destroyToolWindows);
+    connect(&documents, &DocumentSession::documentClosing, mDocks, &SelectionDocks::destroy);
     connect(&documents, &DocumentSession::documentClosing, mSheet, &SheetView::resetDocument);
     documents.setRecentFiles(settings.readRecentFiles());
-    connect(mSession, &ViewerSession::sheetChanged, this, &MainWindow::drawShownSheet);
-    connect(mSession, &ViewerSession::flexTotalChanged, this, &MainWindow::showFlexTotalIndex);
-    connect(mSession, &ViewerSession::blocksChanged, this, &MainWindow::rebuildBlockMenus);
 
     if (mEnvironment.mouseWheel)
         mMenus.mnuPMouseWheelScrollDirection[0]->setChecked(true);
@@ -224,9 +187,6 @@ void MainWindow::createCommands()
 
 void MainWindow::connectMenus()
 {
-    connect(mMenus.mnuFOpen, &QAction::triggered, this, &MainWindow::fileOpen);
-    for (std::size_t i = 0; i < mMenus.mnuFMRU.size(); ++i)
-        connect(mMenus.mnuFMRU[i], &QAction::triggered, this, [this, i] { openRecentFile(int(i)); });
     connect(mMenus.mnuFExit, &QAction::triggered, this, &QWidget::close);
     connect(mMenus.mnuVCloseAllGraphWindows, &QAction::triggered, this, &MainWindow::closeAllGraphWindows);
     connect(mMenus.mnuHHelpTopics, &QAction::triggered, this, &MainWindow::showHelpTopics);
@@ -234,13 +194,15 @@ void MainWindow::connectMenus()
     connect(mMenus.mnuTOptions, &QAction::triggered, this, &MainWindow::showOptions);
     // A checked item shows its window, an unchecked one hides it.
     connect(mMenus.mnuVNavigator, &QAction::triggered, this, [this](bool checked) {
-        if (mNavigator)
-            mNavigator->setVisible(checked);
+        if (NavigatorWindow *navigator = mDocks->navigator())
+            navigator->setVisible(checked);
     });
     connect(mMenus.mnuVDetailInfo, &QAction::triggered, this, [this](bool checked) {
-        if (mDetail)
-            mDetail->setVisible(checked);
+        if (DetailWindow *detail = mDocks->detailWindow())
+            detail->setVisible(checked);
     });
+    connect(mDocks, &SelectionDocks::navigatorHidden, this, [this] { mMenus.mnuVNavigator->setChecked(false); });
+    connect(mDocks, &SelectionDocks::detailHidden, this, [this] { mMenus.mnuVDetailInfo->setChecked(false); });
     // The action group checks one wheel item and unchecks the other.
     for (std::size_t i = 0; i < mMenus.mnuPMouseWheelScrollDirection.size(); ++i)
         connect(mMenus.mnuPMouseWheelScrollDirection[i], &QAction::triggered, this,
@@ -256,11 +218,6 @@ const Document *MainWindow::document() const
 QLabel *MainWindow::statusPanel(int number) const
 {
     return (number >= 1 && number <= 3) ? mPanels[std::size_t(number - 1)] : nullptr;
-}
-
-QString MainWindow::openDialogTitle() const
-{
-    return pickText(mViewerSettings.isSwedish, "Open Data File", "Öppna datafil");
 }
 
 void MainWindow::showMessage(QMessageBox::Icon icon, const QString &title, const QString &text)
@@ -296,96 +253,17 @@ void MainWindow::autoOpenFile()
     mAutoOpenTimer.stop();
     const QString path = mPendingFile;
     mPendingFile.clear();
-    openDocument(path, false, applicationTitle());
-}
-
-bool MainWindow::openDocument(const QString &path, bool rememberFolder, const QString &messageTitle)
-{
-    WaitCursor wait;
-    mStatus->setStatus("Opening data file...", "Öppnar datafil...", false);
-    const QString message = loadDocument(path, rememberFolder);
-    if (!message.isEmpty()) {
-        showMessage(QMessageBox::Critical, messageTitle, message);
-        mStatus->clearStatus();
-        return false;
-    }
-    const QString title = document()->currentFileTitle;
-    mStatus->setStatus(title + QStringLiteral(" has been opened!"), title + QStringLiteral(" har öppnats!"), true);
-    return true;
-}
-
-void MainWindow::fileOpen()
-{
-    WaitCursor wait;
-    mStatus->setStatus("Opening data file, locating folder, please wait!",
-                       "Öppnar datafil, söker efter mapp, var vänlig vänta!", false);
-    if (!QFileInfo(mSession->documents().currentFolder()).isDir())
-        mSession->documents().setCurrentFolder(documentsFolder());
-    mStatus->setStatus("Opening data file...", "Öppnar datafil...", false);
-
-    const QString kelFilter = pickText(mViewerSettings.isSwedish, "KEL files (*.kel)", "KEL-filer (*.kel)");
-    const QString allFilter = pickText(mViewerSettings.isSwedish, "All files (*.*)", "Alla filer (*.*)");
-    const Document *doc = document();
-    const bool kelFirst = doc == nullptr || doc->currentFileName.endsWith(QLatin1String(".kel"), Qt::CaseInsensitive);
-    const QString selectedFilter = kelFirst ? kelFilter : allFilter;
-    const QString start = doc ? QDir(mSession->documents().currentFolder()).filePath(doc->currentFileTitle)
-                              : mSession->documents().currentFolder();
-
-    QApplication::setOverrideCursor(Qt::ArrowCursor);
-    QFileDialog dialog(this, openDialogTitle(), start, kelFilter + QStringLiteral(";;") + allFilter);
-    dialog.setFileMode(QFileDialog::ExistingFile);
-    dialog.selectNameFilter(selectedFilter);
-    prepareFileDialog(dialog, mViewerSettings.isSwedish);
-    const QString path = dialog.exec() == QDialog::Accepted && !dialog.selectedFiles().isEmpty()
-        ? dialog.selectedFiles().first()
-        : QString();
-    QApplication::restoreOverrideCursor();
-    if (path.isEmpty()) {
-        mStatus->clearStatus();
-        return;
-    }
-    const QString message = loadDocument(path, true);
-    if (!message.isEmpty()) {
-        showMessage(QMessageBox::Critical, openDialogTitle(), message);
-        mStatus->clearStatus();
-        return;
-    }
-    const QString title = document()->currentFileTitle;
-    mStatus->setStatus(title + QStringLiteral(" has been opened!"), title + QStringLiteral(" har öppnats!"), true);
-}
-
-void MainWindow::openRecentFile(int index)
-{
-    const QStringList files = mSession->documents().recentFiles();
-    if (index < 0 || index >= files.size())
-        return;
-    openDocument(files.at(index), true, openDialogTitle());
+    mCommands.documents->openDocument(path, false, applicationTitle());
 }
 
 QString MainWindow::loadDocument(const QString &path, bool rememberFolder)
 {
-    // The session reads and checks the whole file before it closes the open
-    // document; its signals run resetForNoDocument and installDocument.
-    const OpenResult result = mSession->documents().loadDocument(path, rememberFolder);
-    if (result != OpenResult::Ok)
-        return openResultMessage(result, mViewerSettings.isSwedish);
-    const Document *doc = document();
-    if (doc->upgradeWarning) {
-        const QString title = doc->currentFileTitle;
-        const QString app = applicationTitle();
-        const QString text = mViewerSettings.isSwedish
-            ? title + QStringLiteral(" har ett nyare filformat än den här versionen av ") + app
-                + QStringLiteral(" är gjord för! Filen kan ändå visas, men om du vill vara säker på att få tillgång "
-                                 "till all information i filen bör du uppgradera ")
-                + app + QLatin1Char('!')
-            : title + QStringLiteral(" is in a newer format then this version of ") + app
-                + QStringLiteral(" was designed for! The file can still be opened, but to make sure you can access "
-                                 "all the information in the file you should upgrade you copy of ")
-                + app + QLatin1Char('!');
-        showMessage(QMessageBox::Warning, pickText(mViewerSettings.isSwedish, "Time to upgrade", "Dags att uppgradera"),
-                    text);
-    }
-    return QString();
+    return mCommands.documents->loadDocument(path, rememberFolder);
+}
+
+bool MainWindow::openDocument(const QString &path, bool rememberFolder, const QString &messageTitle)
+{
+    return mCommands.documents->openDocument(path, rememberFolder, messageTitle);
 }
 
 void MainWindow::closeDocument()
@@ -416,9 +294,9 @@ void MainWindow::installDocument()
     mCommands.documents->restoreStoredBlocks();
     rebuildBlockMenus();
 
-    // The flex total starts as every respondent; the navigator (with the
-    // categories) and the detail window come up with the document.
-    createToolWindows(doc);
+    // The navigator (with the categories) and the detail window come up
+    // with the document.
+    createToolWindows();
 
     // The first overview shows everyone. A document too small for any
     // overview opens without a sheet; its panels stay empty.
@@ -460,27 +338,8 @@ void MainWindow::rebuildBlockMenus()
 
 void MainWindow::rebuildRecentFilesMenu()
 {
-    const QStringList files = mSession->documents().recentFiles();
-    mMenus.mnuFMRUBar->setVisible(!files.isEmpty());
-    const QFontMetrics metrics(mMenus.mnuFile->font());
-    const int width = qRound(RecentFileWidthTwips * logicalDpiX() / TwipsPerInch);
-    for (std::size_t i = 0; i < mMenus.mnuFMRU.size(); ++i) {
-        QAction *item = mMenus.mnuFMRU[i];
-        if (qsizetype(i) >= files.size()) {
-            item->setVisible(false);
-            continue;
-        }
-        const PathParts parts = splitDocumentPath(files.at(qsizetype(i)));
-        const QString display = QDir::toNativeSeparators(
-            parts.folder.isEmpty() ? fileDisplayTitle(parts.name)
-                                   : QDir(parts.folder).filePath(fileDisplayTitle(parts.name)));
-        QString compact = metrics.elidedText(display, Qt::ElideMiddle, width);
-        if (compact.isEmpty())
-            compact = QStringLiteral("...") + QDir::separator() + parts.name;
-        item->setText(recentFileCaption(int(i), compact));
-        item->setToolTip(files.at(qsizetype(i)));
-        item->setVisible(true);
-    }
+    fillRecentFilesMenu(mMenus, mSession->documents().recentFiles(),
+                        qRound(RecentFileWidthTwips * logicalDpiX() / TwipsPerInch));
 }
 
 void MainWindow::closeAllGraphWindows()
@@ -538,7 +397,7 @@ void MainWindow::dropEvent(QDropEvent *event)
         return;
     event->acceptProposedAction();
     // Let the drag source finish before a message box can come up.
-    QTimer::singleShot(0, this, [this, path] { openDocument(path, true, openDialogTitle()); });
+    QTimer::singleShot(0, this, [this, path] { mCommands.documents->openDropped(path); });
 }
 
 void MainWindow::closeEvent(QCloseEvent *event)
@@ -559,7 +418,7 @@ void MainWindow::closeEvent(QCloseEvent *event)
     closeDocument();
     SettingsStore &store = mViewerSettings.store;
     store.writeRecentFiles(mSession->documents().recentFiles());
-    destroyToolWindows();
+    mDocks->destroy();
     if (mHelp)
         mHelp->close();
     mViewerSettings.last.dataOpenFolder = mSession->documents().currentFolder();
@@ -568,76 +427,15 @@ void MainWindow::closeEvent(QCloseEvent *event)
     event->accept();
 }
 
-// --- Navigator and detail-information windows ---
-
-NavigatorWindow *MainWindow::navigator() const
+void MainWindow::createToolWindows()
 {
-    return mNavigator;
-}
-
-DetailWindow *MainWindow::detailWindow() const
-{
-    return mDetail;
-}
-
-void MainWindow::createToolWindows(const Document &doc)
-{
-    destroyToolWindows();
+    mDocks->destroy();
+    // The flex total starts as every respondent.
     mSession->resetFlexTotal();
-    const double pixelsPerTwip = logicalDpiY() / TwipsPerInch;
-    auto pixels = [&](int twips) { return qRound(twips * pixelsPerTwip); };
-    const bool sv = mViewerSettings.isSwedish;
-    SettingsStore &store = mViewerSettings.store;
-
-    // The navigator first, so that by default it stands above the detail
-    // window on the right.
-    if (!doc.categories.empty()) {
-        NavigatorActions actions;
-        actions.show = [this](SelectionModel &model) { return showNavigatorSelection(model); };
-        actions.showRefusal = [this](const QString &text) {
-            showMessage(QMessageBox::Critical, applicationTitle(), text);
-        };
-        mNavigator = new NavigatorWindow(sv, *mStatus, mViewerSettings.options, std::move(actions), this);
-        connect(mNavigator, &ToolDock::hiddenByUser, this, [this] { mMenus.mnuVNavigator->setChecked(false); });
-        mNavigator->restorePlacement(*this, store, Qt::RightDockWidgetArea, QSize(pixels(4900), pixels(5400)));
-        mNavigator->loadSettings(store);
-        mNavigator->setUp(doc);
-        mNavigator->show();
+    mDocks->create();
+    if (mDocks->navigator())
         mMenus.mnuVNavigator->setChecked(true);
-    }
-
-    mDetail = new DetailWindow(sv, this);
-    connect(mDetail, &ToolDock::hiddenByUser, this, [this] { mMenus.mnuVDetailInfo->setChecked(false); });
-    // Docked under the navigator it shares its width: the same default keeps
-    // the navigator's option texts whole.
-    mDetail->restorePlacement(*this, store, Qt::RightDockWidgetArea, QSize(pixels(4900), pixels(600)));
-    mDetail->setUpForDocument(doc);
-    showFlexTotalIndex();
-    mDetail->show();
     mMenus.mnuVDetailInfo->setChecked(true);
-}
-
-void MainWindow::destroyToolWindows()
-{
-    // Where the windows stood is kept for the next document and run.
-    if (mNavigator) {
-        mNavigator->saveSettings(mViewerSettings.store);
-        mNavigator->closeForGood();
-        delete mNavigator;
-    }
-    if (mDetail) {
-        mDetail->savePlacement(mViewerSettings.store);
-        mDetail->closeForGood();
-        delete mDetail;
-    }
-}
-
-void MainWindow::showFlexTotalIndex()
-{
-    const Document *doc = document();
-    if (mDetail && doc)
-        mDetail->setIndexValue(4, true,
-                               formatIndex(doc->properties.flexTotalIndex, doc->properties.indexDecimals, QLocale()));
 }
 
 QString MainWindow::showNavigatorSelection(SelectionModel &model)
@@ -682,15 +480,12 @@ void MainWindow::drawShownSheet()
     mSheet->setNotice(sheet.dataRowsAllowed
                           ? QString()
                           : belowMinimumNotice(qint32(sheet.rows.size()), doc.properties.minimumSelection, sv));
-    if (mDetail)
-        mDetail->showNoCell(doc, sheet.totalIndex);
 }
 
 void MainWindow::showHoveredCell(const SheetHit &hit)
 {
-    const Document *doc = document();
-    if (mDetail && doc && mSheet->hasSheet())
-        mDetail->showCell(*doc, hit, mSheet->input().columns, mSheet->input().rows);
+    if (mSheet->hasSheet())
+        mDocks->showHoveredCell(hit, mSheet->input());
 }
 
 void MainWindow::preparePopup(const SheetHit &hit)

@@ -6,6 +6,8 @@
 #pragma once
 
 #include "gui/common/commandcontext.h"
+#include "gui/document/documentcommands.h"
+#include "gui/selection/selectiondocks.h"
 #include "gui/shell/commandmenus.h"
 
 #include <QMainWindow>
@@ -21,11 +23,9 @@ namespace kel {
 
 class DetailWindow;
 class HelpWindow;
-class NavigatorWindow;
 class SheetView;
 class ViewerSession;
 class SelectionMatrix;
-class SelectionModel;
 struct SheetHit;
 enum class SubSheetOutcome;
 
@@ -50,11 +50,8 @@ public:
     /// file named first on the command line (empty: none).
     void startUp(const QString &firstArgument);
 
-    /// Loads `path`; returns the message for the user, empty on success. A
-    /// failure leaves the open document and the menus as they were.
+    /// Opening as the document commands do it (see there).
     QString loadDocument(const QString &path, bool rememberFolder);
-    /// Loads `path` as a user command does: hourglass, status texts, and a
-    /// critical message box titled `messageTitle` on failure.
     bool openDocument(const QString &path, bool rememberFolder, const QString &messageTitle);
     void closeDocument();
 
@@ -84,8 +81,8 @@ public:
 
     /// Both exist while a document is open (the navigator only when the
     /// document has categories); nullptr otherwise.
-    NavigatorWindow *navigator() const;
-    DetailWindow *detailWindow() const;
+    NavigatorWindow *navigator() const { return mDocks->navigator(); }
+    DetailWindow *detailWindow() const { return mDocks->detailWindow(); }
 
     // CommandHost
     using MessageHandler = std::function<void(QMessageBox::Icon, const QString &title, const QString &text)>;
@@ -99,8 +96,6 @@ public:
     bool isAutoOpenPending() const { return mAutoOpenTimer.isActive(); }
 
 public slots:
-    void fileOpen();
-    void openRecentFile(int index);
     void showHelpTopics();
     void showAbout();
     /// Tools > Options: the new options take effect at the next overview
@@ -122,10 +117,7 @@ private:
     void rebuildRecentFilesMenu();
     void rebuildBlockMenus();
     void updateMenus();
-    QString openDialogTitle() const;
-    void createToolWindows(const Document &doc);
-    void destroyToolWindows();
-    void showFlexTotalIndex();
+    void createToolWindows();
     QString shownOrRefused(SubSheetOutcome outcome);
     void drawShownSheet();
     void showSheetPopup(const SheetHit &hit, const QPoint &globalPos);
@@ -144,12 +136,7 @@ private:
     QPointer<HelpWindow> mHelp;
     MessageHandler mMessageHandler;
     bool mClosed = false;
-    QPointer<NavigatorWindow> mNavigator;
-    QPointer<DetailWindow> mDetail;
+    SelectionDocks *mDocks = nullptr;
 };
-
-/// The path of the one local file with the .kel extension (any case) in
-/// `urls`; empty when there is none or more than one file.
-QString droppedDocument(const QList<QUrl> &urls);
 
 } // namespace kel
