@@ -30,7 +30,7 @@ struct GraphPermissions {
 };
 
 /// Where the graph windows' copy, print and save find their settings (the
-/// main window owns them; options may change while a window is open).
+/// user's settings they point at may change while a window is open).
 struct GraphPictureContext {
     const UserOptions *options = nullptr; ///< opaque, white space, copy format
     LastSettings *settings = nullptr;     ///< printer, save folder and format
