@@ -54,13 +54,29 @@ void GraphCommands::showAutoShowWindow()
 
 void GraphCommands::totalIndexGraph()
 {
+    indexGraph(-1);
+}
+
+void GraphCommands::blockIndexGraph(qint32 block)
+{
+    const Document *doc = mContext.session.document();
+    if (doc && block >= 0 && std::size_t(block) < doc->blocks.size())
+        indexGraph(block);
+}
+
+void GraphCommands::indexGraph(qint32 block)
+{
     if (!canGraph())
         return;
+    const bool total = block < 0;
     StatusLine &status = mContext.host.statusLine();
-    status.setStatus("Generating total index graph...", "Skapar totalindexgraf...", false);
+    if (total)
+        status.setStatus("Generating total index graph...", "Skapar totalindexgraf...", false);
+    else
+        status.setStatus("Generating block index graph...", "Skapar blockindexgraf...", false);
     const Document &doc = *mContext.session.document();
     LastSettings &last = mContext.settings.last;
-    IndexGraphDialog dialog(doc, -1, mContext.session.selectionSteps(), last, mContext.settings.isSwedish,
+    IndexGraphDialog dialog(doc, block, mContext.session.selectionSteps(), last, mContext.settings.isSwedish,
                             mContext.host.dialogParent());
     if (runDialog(dialog) != QDialog::Accepted) {
         status.clearStatus();
@@ -69,27 +85,10 @@ void GraphCommands::totalIndexGraph()
     dialog.storeSettings(last);
     WaitCursor wait;
     showChart(generateIndexGraph(doc, chartContext(), dialog.request()));
-    status.setStatus("Total index graph generated!", "Totalindexgraf skapad!", true);
-}
-
-void GraphCommands::blockIndexGraph(qint32 block)
-{
-    const Document *doc = mContext.session.document();
-    if (!canGraph() || block < 0 || std::size_t(block) >= doc->blocks.size())
-        return;
-    StatusLine &status = mContext.host.statusLine();
-    status.setStatus("Generating block index graph...", "Skapar blockindexgraf...", false);
-    LastSettings &last = mContext.settings.last;
-    IndexGraphDialog dialog(*doc, block, mContext.session.selectionSteps(), last, mContext.settings.isSwedish,
-                            mContext.host.dialogParent());
-    if (runDialog(dialog) != QDialog::Accepted) {
-        status.clearStatus();
-        return;
-    }
-    dialog.storeSettings(last);
-    WaitCursor wait;
-    showChart(generateIndexGraph(*doc, chartContext(), dialog.request()));
-    status.setStatus("Block index graph generated!", "Blockindexgraf skapad!", true);
+    if (total)
+        status.setStatus("Total index graph generated!", "Totalindexgraf skapad!", true);
+    else
+        status.setStatus("Block index graph generated!", "Blockindexgraf skapad!", true);
 }
 
 void GraphCommands::rankingGraph(const QuestionList &questions, const QString &titleText, bool sorted, bool isBlock)

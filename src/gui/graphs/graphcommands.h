@@ -71,6 +71,8 @@ public:
     std::function<int(QDialog &dialog)> runDialog;
 
 private:
+    /// The index graph of `block`, or the total index graph for -1.
+    void indexGraph(qint32 block);
     void runBasicGraph(BasicGraphCommand command, const BasicGraphRequest &request);
     void setStatus(const TextPair &text, bool autoClear);
     ChartContext chartContext() const;
