@@ -171,7 +171,7 @@ void preparePopupMenu(MainMenus &m, const ViewerSession &session, const SheetHit
     context.randomPerColumn = view.randomPerColumn;
     context.hasRowComments = doc->properties.hasRowComments;
     context.hasCellComments = doc->hasCellComments;
-    context.totalGraphVisible = m.mnuPShowTotalGraph1->isVisible();
+    context.totalGraphVisible = view.totalGraphVisible;
     if (questionKnown) {
         const Question &question = doc->questions[std::size_t(hit.question)];
         context.questionGraphFlags = question.graphFlags;

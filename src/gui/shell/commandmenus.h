@@ -48,6 +48,8 @@ void fillRecentFilesMenu(MainMenus &menus, const QStringList &files, int widthPi
 struct PopupView {
     bool randomPerColumn = false;
     int headerLines = 0;
+    /// The engine's menu rule for the total index graph, as it stands now.
+    bool totalGraphVisible = false;
 };
 
 /// Shows or hides the popup menu's place-dependent items for a right click

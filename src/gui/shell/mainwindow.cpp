@@ -490,7 +490,9 @@ void MainWindow::showHoveredCell(const SheetHit &hit)
 
 void MainWindow::preparePopup(const SheetHit &hit)
 {
-    preparePopupMenu(mMenus, *mSession, hit, {mSheet->isRandomPerColumn(), mSheet->sheetGeometry().headerLines});
+    const bool totalGraph = menuEnablingFor(menuState())[std::size_t(MenuCommand::TotalIndexGraph)].visible;
+    preparePopupMenu(mMenus, *mSession, hit,
+                     {mSheet->isRandomPerColumn(), mSheet->sheetGeometry().headerLines, totalGraph});
 }
 
 void MainWindow::showSheetPopup(const SheetHit &hit, const QPoint &globalPos)
