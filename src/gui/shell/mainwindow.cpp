@@ -25,12 +25,10 @@
 #include <QAction>
 #include <QCloseEvent>
 #include <QFileInfo>
-#include <QInputDevice>
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMimeData>
-#include <QPrinterInfo>
 #include <QScreen>
 #include <QStandardPaths>
 #include <QStatusBar>
@@ -65,21 +63,6 @@ private:
 };
 
 } // namespace
-
-MainWindowEnvironment MainWindowEnvironment::detect()
-{
-    MainWindowEnvironment e;
-    e.printerInstalled =
-        !QPrinterInfo::defaultPrinterName().isEmpty() || !QPrinterInfo::availablePrinterNames().isEmpty();
-    for (const QInputDevice *device : QInputDevice::devices()) {
-        if (device->type() == QInputDevice::DeviceType::Mouse
-            || device->hasCapability(QInputDevice::Capability::Scroll)) {
-            e.mouseWheel = true;
-            break;
-        }
-    }
-    return e;
-}
 
 MainWindow::MainWindow(SettingsStore &settings, bool isSwedish, const MainWindowEnvironment &environment,
                        QWidget *parent)

@@ -8,6 +8,7 @@
 #include "gui/common/commandcontext.h"
 #include "gui/document/documentcommands.h"
 #include "gui/selection/selectiondocks.h"
+#include "gui/shell/startup.h"
 #include "gui/shell/commandmenus.h"
 
 #include <QMainWindow>
@@ -28,14 +29,6 @@ class ViewerSession;
 class SelectionMatrix;
 struct SheetHit;
 enum class SubSheetOutcome;
-
-/// What the window finds out about the machine when it is created; tests
-/// pass their own.
-struct MainWindowEnvironment {
-    bool printerInstalled = false;
-    bool mouseWheel = false;
-    static MainWindowEnvironment detect();
-};
 
 class MainWindow : public QMainWindow, public CommandHost
 {
