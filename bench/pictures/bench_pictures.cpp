@@ -6,6 +6,11 @@
 // writing). Then a fraction graph of 45 questions as EMF, and `kel render` of
 // a chart to PNG as a whole process. Prints median milliseconds.
 //
+// The PNG writer deflates pieces of the rows on several threads; the single
+// stream it replaced (libpng on one thread) is timed beside it in the same
+// run, in-process on 1, 2 and one-per-processor threads, and for `kel
+// render` as the whole process less the difference of the two in-process.
+//
 // The image writers (PNG, BMP, GIF) are measured both ways in the same run:
 // the whole-picture way they replaced (the picture drawn into one image,
 // then Qt's writers, or Qt's 256-colour conversion and giflib) against the
@@ -34,6 +39,9 @@
 #include <QPainter>
 #include <QProcess>
 #include <QTemporaryDir>
+#include <QThread>
+
+#include <sys/resource.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -98,20 +106,35 @@ double processCpuMs()
     return t.tv_sec * 1e3 + t.tv_nsec / 1e6;
 }
 
+// The same for the processes run and waited for (with theirs), as `kel`
+// runs `kel-render`.
+double lastChildCpuMs = 0.0;
+
+double childrenCpuMs()
+{
+    rusage usage{};
+    getrusage(RUSAGE_CHILDREN, &usage);
+    const auto ms = [](const timeval &t) { return t.tv_sec * 1e3 + t.tv_usec / 1e3; };
+    return ms(usage.ru_utime) + ms(usage.ru_stime);
+}
+
 double medianMs(const std::function<void()> &work, int runs = Runs)
 {
-    std::vector<double> times, cpu;
+    std::vector<double> times, cpu, childCpu;
     for (int i = 0; i < runs; ++i) {
         QElapsedTimer timer;
-        const double cpuStart = processCpuMs();
+        const double cpuStart = processCpuMs(), childStart = childrenCpuMs();
         timer.start();
         work();
         times.push_back(timer.nsecsElapsed() / 1e6);
         cpu.push_back(processCpuMs() - cpuStart);
+        childCpu.push_back(childrenCpuMs() - childStart);
     }
     std::sort(times.begin(), times.end());
     std::sort(cpu.begin(), cpu.end());
+    std::sort(childCpu.begin(), childCpu.end());
     lastCpuMs = cpu[cpu.size() / 2];
+    lastChildCpuMs = childCpu[childCpu.size() / 2];
     return times[times.size() / 2];
 }
 
@@ -129,6 +152,16 @@ QByteArray wholePictureFile(const kel::Picture &picture, kel::PictureFormat form
     buffer.open(QIODevice::WriteOnly);
     QImageWriter writer(&buffer, format == kel::PictureFormat::Png ? "png" : "bmp");
     return writer.write(image) ? out : QByteArray();
+}
+
+// The size of the banded PNG file written with `encoding`.
+qsizetype pngBytes(const kel::Picture &picture, const kel::PngEncoding &encoding)
+{
+    QByteArray out;
+    QBuffer buffer(&out);
+    buffer.open(QIODevice::WriteOnly);
+    kel::writePng(picture, buffer, nullptr, kel::PictureBands::DefaultBandBytes, encoding);
+    return out.size();
 }
 
 long peakKb()
@@ -242,9 +275,9 @@ int main(int argc, char **argv)
     const QStringList args = app.arguments();
     if (args.size() == 6 && args.at(1) == QLatin1String("--peak"))
         return childPeak(args.at(2).toInt(), args.at(3), args.at(4) == QLatin1String("whole"), args.at(5));
-    // bench_pictures [KEL] [--only EMF|WMF|SVG|PDF|PNG|LEVELS|IMAGES] (--only: for profiling one
-    // writer; LEVELS: the PNG level table alone; IMAGES: the image files both ways, `kel render`
-    // and the peaks)
+    // bench_pictures [KEL] [--only EMF|WMF|SVG|PDF|PNG|LEVELS|IMAGES|RENDER] (--only: for profiling
+    // one writer; LEVELS: the PNG level table alone; IMAGES: the image files both ways, `kel render`
+    // and the peaks; RENDER: the PNG writers and `kel render` alone)
     QString kelTool, only;
     for (qsizetype i = 1; i < args.size(); ++i) {
         if (args[i] == QLatin1String("--only") && i + 1 < args.size())
@@ -291,6 +324,9 @@ int main(int argc, char **argv)
                    {"SVG", kel::PictureFormat::Svg},
                    {"PDF", kel::PictureFormat::Pdf},
                    {"PNG", kel::PictureFormat::Png}};
+    const bool levelsOnly = only == QLatin1String("LEVELS");
+    const bool imagesOnly = only == QLatin1String("IMAGES");
+    const bool renderOnly = only == QLatin1String("RENDER");
     for (const auto &f : formats) {
         if (!only.isEmpty() && only != QLatin1String(f.name))
             continue;
@@ -304,15 +340,14 @@ int main(int argc, char **argv)
     // both ways.
     const kel::Picture copy =
         kel::overviewPicture(input, kel::SheetMode::CopyPicture, kel::OverviewPictureContent::Answers, true);
-    const bool levelsOnly = only == QLatin1String("LEVELS");
-    const bool imagesOnly = only == QLatin1String("IMAGES");
     std::printf("copy picture %d x %d pixels as image files (median of 5 runs):\n", copy.size.width(),
                 copy.size.height());
-    std::printf("  %-4s %14s %14s %14s %14s %14s %14s\n", "", "whole, ms", "bands, ms", "whole, cpu ms",
-                "bands, cpu ms", "whole, bytes", "bands, bytes");
+    if (!levelsOnly && !renderOnly)
+        std::printf("  %-4s %14s %14s %14s %14s %14s %14s\n", "", "whole, ms", "bands, ms", "whole, cpu ms",
+                    "bands, cpu ms", "whole, bytes", "bands, bytes");
     double wholePngMs = 0.0, bandsPngMs = 0.0;
     for (const auto &f : ImageFormats) {
-        if (levelsOnly)
+        if (levelsOnly || renderOnly)
             break;
         qsizetype wholeSize = 0, bandsSize = 0;
         const double wholeMs = medianMs([&] { wholeSize = wholePictureFile(copy, f.format).size(); }, 5);
@@ -326,9 +361,39 @@ int main(int argc, char **argv)
         std::printf("  %-4s %14.1f %14.1f %14.1f %14.1f %14lld %14lld\n", f.name, wholeMs, bandsMs, wholeCpu, bandsCpu,
                     static_cast<long long>(wholeSize), static_cast<long long>(bandsSize));
     }
+    // The banded PNG writer before (one stream) and now (pieces), alone.
+    double oneStreamMs = 0.0, piecesMs = 0.0;
+    if (!levelsOnly) {
+        std::printf("banded PNG of the copy picture: one stream (before) against pieces (median of 5 runs)\n");
+        const int ideal = QThread::idealThreadCount();
+        const struct {
+            const char *name;
+            bool parallel;
+            int threads;
+        } ways[] = {{"one stream (libpng)", false, 1},
+                    {"pieces, 1 thread", true, 1},
+                    {"pieces, 2 threads", true, 2},
+                    {"pieces, per processor", true, 0}};
+        for (const auto &way : ways) {
+            if (way.threads == 0 && ideal == 2)
+                continue; // the row above
+            kel::PngEncoding encoding;
+            encoding.parallel = way.parallel;
+            encoding.threads = way.threads;
+            qsizetype size = 0;
+            const double ms = medianMs([&] { size = pngBytes(copy, encoding); }, 5);
+            if (!way.parallel)
+                oneStreamMs = ms;
+            if (way.threads == (ideal == 2 ? 2 : 0))
+                piecesMs = ms;
+            std::printf("  %-24s %8.1f ms (cpu %7.1f ms) %10lld bytes\n", way.name, ms, lastCpuMs,
+                        static_cast<long long>(size));
+        }
+    }
     // The PNG choice: zlib levels without a filter and with the Up filter
     // (neither searches), then the other filters at the chosen level.
-    std::printf("PNG of the copy picture, RGB rows: zlib level / filter, ms, bytes (median of 3 runs)\n");
+    if (!imagesOnly && !renderOnly)
+        std::printf("PNG of the copy picture, RGB rows: zlib level / filter, ms, bytes (median of 3 runs)\n");
     const struct {
         const char *name;
         int bits;
@@ -338,20 +403,12 @@ int main(int argc, char **argv)
                    {"paeth", PNG_FILTER_PAETH},
                    {"all (adaptive)", PNG_ALL_FILTERS}};
     const kel::PngEncoding chosen;
-    for (int level = 1; level <= 9 && !imagesOnly; ++level) {
+    for (int level = 1; level <= 9 && !imagesOnly && !renderOnly; ++level) {
         for (const auto &filter : filters) {
             if (filter.bits != PNG_FILTER_NONE && filter.bits != PNG_FILTER_UP && level != chosen.level)
                 continue;
             qsizetype size = 0;
-            const double ms = medianMs(
-                [&] {
-                    QByteArray out;
-                    QBuffer buffer(&out);
-                    buffer.open(QIODevice::WriteOnly);
-                    kel::writePng(copy, buffer, nullptr, kel::PictureBands::DefaultBandBytes, {level, filter.bits});
-                    size = out.size();
-                },
-                3);
+            const double ms = medianMs([&] { size = pngBytes(copy, {level, filter.bits}); }, 3);
             std::printf("  level %d %-15s %8.1f ms (cpu %7.1f ms) %10lld bytes%s\n", level, filter.name, ms, lastCpuMs,
                         static_cast<long long>(size),
                         level == chosen.level && filter.bits == chosen.filters ? "   <- the writers' choice" : "");
@@ -360,7 +417,7 @@ int main(int argc, char **argv)
 
     // A fraction graph of 45 questions, saved as the graph window saves it
     // with its default size: twice the size, no margin.
-    {
+    if (!renderOnly) {
         kel::BasicGraphRequest request;
         request.kind = kel::FractionGraph;
         for (qint32 q = 0; q < 45; ++q)
@@ -409,12 +466,19 @@ int main(int argc, char **argv)
         process.waitForFinished(60000);
         exitCode = std::max(exitCode, process.exitCode());
     });
-    std::printf("kel render overview -o PNG, whole process: %.1f ms (target <= 900 ms)%s\n", ms,
-                exitCode ? "  -- kel failed" : "");
-    std::printf("  the same with the whole-picture PNG writer (this process minus the banded writer plus the "
-                "whole-picture one, measured above): %.1f ms\n",
-                ms - bandsPngMs + wholePngMs);
+    std::printf("kel render overview -o PNG, whole process: %.1f ms, cpu %.1f ms (target <= 900 ms)%s\n", ms,
+                lastChildCpuMs, exitCode ? "  -- kel failed" : "");
+    if (oneStreamMs > 0.0)
+        std::printf("  the same with the one-stream PNG writer (this process minus the pieces plus the one "
+                    "stream, measured above): %.1f ms\n",
+                    ms - piecesMs + oneStreamMs);
+    if (wholePngMs > 0.0)
+        std::printf("  the same with the whole-picture PNG writer (this process minus the banded writer plus the "
+                    "whole-picture one, measured above): %.1f ms\n",
+                    ms - bandsPngMs + wholePngMs);
     std::printf("  file: %lld bytes\n", static_cast<long long>(QFile(out).size()));
+    if (renderOnly)
+        return 0;
 
     // A chart: the total index and the 25 block indexes, drawn by Qt Charts.
     const QString chart = dir.filePath(QStringLiteral("chart.png"));

@@ -76,6 +76,12 @@ QString belowMinimumNotice(qint32 count, qint32 minimum, bool isSwedish)
         .arg(minimum);
 }
 
+QString detailWindowHint(bool isSwedish)
+{
+    return pickText(isSwedish, "Point at an answer in the overview to see its question and index values here.",
+                    "Peka på ett svar i översikten för att se dess fråga och indexvärden här.");
+}
+
 QString indexExportText(IndexExportText which, bool isSwedish)
 {
     switch (which) {

@@ -38,6 +38,9 @@ QString overviewBuiltText(bool isSwedish);
 /// below the document's `minimum`, shows only headers and totals.
 QString belowMinimumNotice(qint32 count, qint32 minimum, bool isSwedish);
 
+/// What the detail window says while no answer is pointed at.
+QString detailWindowHint(bool isSwedish);
+
 /// The texts of the index export's status line and progress window.
 enum class IndexExportText {
     Caption,     ///< both windows' caption

@@ -6,6 +6,7 @@
 
 #include <QStringList>
 
+#include <algorithm>
 #include <cmath>
 
 namespace kel {
@@ -98,7 +99,18 @@ PropertiesTexts propertiesTexts(const Document &doc, bool isSwedish, const QLoca
     x.fileGuidLabel = t("File GUID:", "Fil-GUID:");
     x.fileGuid = doc.guidText();
     x.fileCreatedLabel = t("File created:", "Filen skapad:");
+    // The date follows the regional settings; where those write words (month
+    // names, AM/PM) in another language than the interface's, it is written
+    // the interface language's way, so that no foreign word stands among the
+    // others. Digits alone are kept as the user set them.
     x.fileCreated = creationTimeText(p.created, locale);
+    const QString withoutZone = x.fileCreated.chopped(std::min<qsizetype>(4, x.fileCreated.size()));
+    const bool wordsInDate =
+        std::any_of(withoutZone.cbegin(), withoutZone.cend(), [](QChar c) { return c.isLetter(); });
+    if (wordsInDate && isSwedishLocale(locale) != isSwedish)
+        x.fileCreated = creationTimeText(p.created,
+                                         isSwedish ? QLocale(QLocale::Swedish, QLocale::Sweden)
+                                                   : QLocale(QLocale::English, QLocale::UnitedStates));
     x.projectNumberLabel = t("Project no:", "Projektnr:");
     x.projectNumber = doc.text(p.projectNumber);
     x.projectNameLabel = t("Project name:", "Projektnamn:");

@@ -1,15 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What keeps the main window steady while texts change: status panels of
 // constant width (their labels elide), and restored windows kept wholly on a
-// screen.
+// screen; Swedish file dialogs with Swedish columns.
 #include "gui/shell/mainwindow.h"
+#include "gui/common/filedialogs.h"
 #include "gui/common/placement.h"
 #include "gui/shell/aboutbox.h"
 #include "gui/document/propertiesview.h"
 #include "surveys.h"
 #include "texts/statusline.h"
 
+#include <QAbstractProxyModel>
 #include <QApplication>
+#include <QFileDialog>
+#include <QFileSystemModel>
 #include <QFile>
 #include <QScreen>
 #include <QScrollArea>
@@ -146,4 +150,39 @@ TEST(PropertiesWindow, FitsTheScreenWithLargeFonts)
     QApplication::processEvents();
     EXPECT_FALSE(view.findChild<QScrollArea *>()->verticalScrollBar()->isVisible())
         << "with usual fonts every row shows at once";
+}
+
+// A Swedish file dialog writes its columns the Swedish way whatever the
+// region's language: the date without a month name of another language, the
+// type by suffix.
+TEST(FileDialogColumns, SwedishWhateverTheRegion)
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("enkat.kel"));
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write("KEL") == 3 && file.flush());
+    ASSERT_TRUE(file.setFileTime(QDateTime(QDate(2026, 11, 24), QTime(19, 37)), QFileDevice::FileModificationTime));
+    file.close();
+
+    QFileDialog dialog;
+    dialog.setDirectory(dir.path());
+    prepareFileDialog(dialog, true);
+    QAbstractProxyModel *columns = dialog.proxyModel();
+    ASSERT_NE(columns, nullptr);
+    auto *files = qobject_cast<QFileSystemModel *>(columns->sourceModel());
+    ASSERT_NE(files, nullptr);
+    // The folder is read in the background.
+    QModelIndex row;
+    ASSERT_TRUE(QTest::qWaitFor([&] {
+        row = columns->mapFromSource(files->index(path));
+        return row.isValid() && files->lastModified(files->index(path)).isValid();
+    }));
+    auto cell = [&](int column) { return columns->index(row.row(), column, row.parent()).data().toString(); };
+    EXPECT_EQ(cell(3), QStringLiteral("2026-11-24 19:37"));
+    EXPECT_EQ(cell(2), QStringLiteral("KEL-fil"));
+
+    // In English the dialog is Qt's own, columns and all.
+    QFileDialog english;
+    prepareFileDialog(english, false);
+    EXPECT_EQ(english.proxyModel(), nullptr);
 }

@@ -72,6 +72,22 @@ TEST(PropertiesTexts, RevisionVersionAndIndexInBothLanguages)
     EXPECT_EQ(sv.rowOrder, QString::fromUtf8("Slumpmässig per kolumn vid urval mindre än 30"));
     EXPECT_EQ(sv.minimumSelection, QString::fromUtf8("12\u00a0345"));
     EXPECT_EQ(sv.fileCreated, QStringLiteral("2023-03-15 18:00:00 UTC"));
+    // The creation date never names its month in another language than the
+    // interface's; regional settings of the same language, or that write
+    // only digits, are kept.
+    const struct {
+        bool swedish;
+        QLocale locale;
+        const char *created;
+    } dates[] = {
+        {true, QLocale::c(), "2023-03-15 18:00:00 UTC"},
+        {true, QLocale(QLocale::German, QLocale::Germany), "15.03.23 18:00:00 UTC"},
+        {false, QLocale::c(), "15 Mar 2023 18:00:00 UTC"},
+        {false, QLocale(QLocale::Swedish, QLocale::Sweden), "2023-03-15 18:00:00 UTC"},
+    };
+    for (const auto &d : dates)
+        EXPECT_EQ(propertiesTexts(*doc, d.swedish, d.locale).fileCreated, QString::fromUtf8(d.created))
+            << d.swedish << ' ' << d.locale.name().toStdString();
 
     // The comment's words survive, its markup becomes tags of our own, and
     // what looked like a tag is text.

@@ -29,6 +29,7 @@
 #include <QGroupBox>
 #include <QLabel>
 #include <QMap>
+#include <QMenuBar>
 #include <QMenu>
 #include <QPushButton>
 #include <QTabBar>
@@ -367,6 +368,31 @@ TEST_P(DialogWalkTest, EveryDialogSpeaksTheLanguageWithWorkingAccessKeys)
             EXPECT_EQ(seen.count(QStringLiteral("QMessageBox")), 1) << seen.join(u' ').toStdString();
         }
     }
+}
+
+// The main window is a dialog of its own: its menu titles and the docked
+// navigator answer the same Alt presses, so a letter used twice there only
+// moves the focus between the two owners, and a button without one cannot
+// be reached from the sheet.
+TEST_P(DialogWalkTest, MainWindowsAccessKeysAreItsOwn)
+{
+    QStringList problems = pageProblems(window.get());
+    QMap<QChar, QString> menuKeys;
+    for (const QAction *menu : window->menuBar()->actions()) {
+        const QChar key = accessKey(menu->text());
+        EXPECT_FALSE(key.isNull()) << menu->text().toStdString();
+        EXPECT_FALSE(menuKeys.contains(key)) << menu->text().toStdString();
+        menuKeys[key] = menu->text();
+    }
+    EXPECT_EQ(menuKeys.size(), 5);
+    // Shown or not with this document: another document shows it.
+    for (const QAbstractButton *button : window->findChildren<QAbstractButton *>()) {
+        const QChar key = accessKey(button->text());
+        if (menuKeys.contains(key))
+            problems << QStringLiteral("Alt+%1 is both the menu \"%2\" and \"%3\"")
+                            .arg(key.toUpper(), menuKeys[key], button->text());
+    }
+    EXPECT_TRUE(problems.isEmpty()) << problems.join(QStringLiteral("\n  ")).toStdString();
 }
 
 INSTANTIATE_TEST_SUITE_P(Languages, DialogWalkTest, ::testing::Values(false, true),

@@ -201,6 +201,54 @@ TEST_F(KeyboardWalkTest, EveryPopupCommandOpensFromTheKeyboard)
     }
 }
 
+// A graph window's own popup (copy, print, save, close) opens from the
+// keyboard as the sheet's does, for both kinds of graph window.
+TEST_F(KeyboardWalkTest, GraphWindowsOpenTheirPopupFromTheKeyboard)
+{
+    const struct {
+        const char *key;
+        Qt::Key code;
+        Qt::KeyboardModifiers modifiers;
+    } keys[] = {{"Menu", Qt::Key_Menu, Qt::NoModifier}, {"Shift+F10", Qt::Key_F10, Qt::ShiftModifier}};
+
+    // "ht": the question histogram, a basic graph; "rr": the ranking graph, a chart.
+    for (const char *command : {"ht", "rr"}) {
+        goTo(Place::AnswerCell);
+        QTest::keyClick(sheet(), Qt::Key_Menu);
+        for (const char *k = command; *k; ++k)
+            QTest::keyClick(QApplication::activePopupWidget(), *k);
+        QWidget *graph = nullptr;
+        QMenu *popup = nullptr;
+        ASSERT_TRUE(QTest::qWaitFor(
+            [&] {
+                for (BasicGraphWindow *w : window->findChildren<BasicGraphWindow *>())
+                    if (w->isVisible())
+                        graph = w, popup = w->popupMenu();
+                for (ChartWindow *w : window->findChildren<ChartWindow *>())
+                    if (w->isVisible())
+                        graph = w, popup = w->popupMenu();
+                return graph != nullptr;
+            },
+            2000))
+            << command;
+        for (const auto &key : keys) {
+            SCOPED_TRACE(key.key);
+            QTest::keyClick(graph, key.code, key.modifiers);
+            EXPECT_EQ(QApplication::activePopupWidget(), popup);
+            // Pressed again while it is open: still the one popup.
+            QTest::keyClick(graph, key.code, key.modifiers);
+            EXPECT_EQ(QApplication::activePopupWidget(), popup);
+            popup->hide();
+        }
+        // A modified Menu key is not the popup key.
+        QTest::keyClick(graph, Qt::Key_Menu, Qt::ControlModifier);
+        EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
+        graph->close();
+        window->activateWindow();
+        sheet()->setFocus();
+    }
+}
+
 TEST_F(KeyboardWalkTest, DetailWindowFollowsTheCursor)
 {
     if (!window->detailWindow())

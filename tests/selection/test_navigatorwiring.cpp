@@ -62,6 +62,52 @@ TEST(DetailWindow, RowsFollowTheDocumentsLabels)
     EXPECT_EQ(shownRows(w), (std::vector<int>{0}));
 }
 
+// The lines kept for a hovered cell's headers say how to fill them while
+// they are blank, in the lines themselves: the window keeps its size and
+// nothing empty stands above the values.
+TEST(DetailWindow, BlankHeaderLinesCarryAHint)
+{
+    for (const bool subBlocks : {false, true}) {
+        SCOPED_TRACE(subBlocks ? "with sub-blocks" : "without sub-blocks");
+        DetailWindow w(true);
+        w.setUpForDocument(*test::navigatorSurvey({.subBlockLabel = subBlocks}));
+        w.show();
+        const auto *hint = w.findChild<QLabel *>(QStringLiteral("lblHint"));
+        ASSERT_NE(hint, nullptr);
+        EXPECT_TRUE(w.isHintShown());
+        EXPECT_TRUE(hint->text().startsWith(QStringLiteral("Peka på ett svar"))) << hint->text().toStdString();
+        const QSize blank = w.contentSize();
+        const QRect hintArea = hint->geometry();
+        const auto *columnHeader = w.findChild<QLabel *>(QStringLiteral("lblIndexHeader"));
+        EXPECT_LE(hintArea.bottom(), columnHeader->geometry().top()) << "the hint stays in the kept lines";
+        EXPECT_GE(hintArea.height(), 2 * hint->fontMetrics().height()) << "room for the hint to wrap";
+
+        // Each written line alone takes the hint away, and the size stays.
+        for (int line = 0; line <= DetailWindow::HeaderCount; ++line) {
+            if (line == 1 && !subBlocks)
+                continue; // no line is kept for a sub-block the survey lacks
+            SCOPED_TRACE(line);
+            const QString written = QStringLiteral("Ledarskap");
+            if (line < DetailWindow::HeaderCount)
+                w.setHeaderValue(line, written);
+            else
+                w.setTextValue(written);
+            w.updateLayout();
+            EXPECT_FALSE(w.isHintShown());
+            EXPECT_EQ(w.contentSize(), blank);
+            if (line < DetailWindow::HeaderCount)
+                w.setHeaderValue(line, QString());
+            else
+                w.setTextValue(QString());
+            w.updateLayout();
+            EXPECT_TRUE(w.isHintShown());
+        }
+        // No rows, nothing to point at: no hint.
+        w.setUpForDocument(*test::navigatorSurvey({.pointsScale = 0}));
+        EXPECT_FALSE(w.isHintShown());
+    }
+}
+
 class NavigatorWiringTest : public ::testing::Test
 {
 protected:

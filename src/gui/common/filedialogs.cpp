@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "gui/common/filedialogs.h"
 
+#include <QDateTime>
 #include <QFileDialog>
 #include <QFileSystemModel>
+#include <QHeaderView>
+#include <QTreeView>
 #include <QIdentityProxyModel>
 #include <QLocale>
 
@@ -10,10 +13,13 @@ namespace kel {
 
 namespace {
 
+constexpr int DateColumn = 3;
+
 // Sizes and types of files, which Qt words from the system's region and
 // MIME descriptions (in the desktop's language, often "unknown"): sizes in
 // Swedish units, types by suffix ("KEL-fil"). Folders keep Qt's texts,
-// which the catalogue translates.
+// which the catalogue translates. Dates, which Qt writes with the region's
+// month names ("24 Nov"), are written the Swedish way for files and folders.
 class SwedishFileColumns : public QIdentityProxyModel
 {
 public:
@@ -23,6 +29,13 @@ public:
     {
         constexpr int SizeColumn = 1;
         constexpr int TypeColumn = 2;
+        if (role == Qt::DisplayRole && index.column() == DateColumn) {
+            if (const auto *files = qobject_cast<const QFileSystemModel *>(sourceModel())) {
+                const QDateTime modified = files->lastModified(mapToSource(index));
+                if (modified.isValid())
+                    return QLocale(QLocale::Swedish, QLocale::Sweden).toString(modified, QLocale::ShortFormat);
+            }
+        }
         if (role == Qt::DisplayRole && (index.column() == SizeColumn || index.column() == TypeColumn)) {
             if (const auto *files = qobject_cast<const QFileSystemModel *>(sourceModel())) {
                 const QFileInfo info = files->fileInfo(mapToSource(index));
@@ -46,6 +59,9 @@ void prepareFileDialog(QFileDialog &dialog, bool isSwedish)
         return;
     dialog.setOption(QFileDialog::DontUseNativeDialog);
     dialog.setProxyModel(new SwedishFileColumns(&dialog));
+    // Qt sizes the date column for its own, shorter text; ours would be cut.
+    for (QTreeView *details : dialog.findChildren<QTreeView *>())
+        details->header()->setSectionResizeMode(DateColumn, QHeaderView::ResizeToContents);
 }
 
 } // namespace kel

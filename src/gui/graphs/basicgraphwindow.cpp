@@ -306,7 +306,7 @@ void BasicGraphWindow::keyPressEvent(QKeyEvent *event)
             return;
         }
     }
-    QWidget::keyPressEvent(event);
+    GraphWindow::keyPressEvent(event); // the popup's keys
 }
 
 void BasicGraphWindow::copyValues()

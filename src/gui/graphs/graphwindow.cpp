@@ -3,6 +3,7 @@
 
 #include "engine/settings/settingsstore.h"
 #include "gui/common/placement.h"
+#include "gui/common/popupkeys.h"
 #include "texts/language.h"
 #include "texts/statusline.h"
 
@@ -122,6 +123,13 @@ void GraphWindow::showEvent(QShowEvent *event)
 {
     QWidget::showEvent(event);
     moveWhollyOnScreen(*this);
+}
+
+void GraphWindow::keyPressEvent(QKeyEvent *event)
+{
+    if (openPopupOnKey(*event, *mPopup, *this))
+        return;
+    QWidget::keyPressEvent(event);
 }
 
 void moveWhollyOnScreen(QWidget &window)

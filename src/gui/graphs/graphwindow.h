@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What both kinds of graph window share: the popup's copy, print, print
 // preview, save and close items, enabled by the document's permissions and
-// the settings that shape and keep the picture, and the window kept wholly
-// on the screen. A window says what its picture is; the base copies,
+// the settings that shape and keep the picture, the popup's keys, and the
+// window kept wholly on the screen. A window says what its picture is; the base copies,
 // prints and saves it.
 #pragma once
 
@@ -102,6 +102,8 @@ protected:
     virtual std::optional<qint32> copyFormat() const { return std::nullopt; }
 
     void showEvent(QShowEvent *event) override;
+    /// The popup opens from the keyboard as from the right mouse button.
+    void keyPressEvent(QKeyEvent *event) override;
 
     bool mIsSwedish;
     StatusLine *mStatus;

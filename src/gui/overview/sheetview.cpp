@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "gui/overview/sheetview.h"
 
+#include "gui/common/popupkeys.h"
+
 #include "gui/overview/sheetaccessible.h"
 
 #include <QAccessible>
@@ -467,8 +469,7 @@ void SheetView::wheelEvent(QWheelEvent *event)
 
 void SheetView::keyPressEvent(QKeyEvent *event)
 {
-    const bool shiftF10 = event->key() == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier;
-    if (event->key() == Qt::Key_Menu || shiftF10) {
+    if (isPopupKey(*event)) {
         if (!QApplication::activePopupWidget())
             requestPopupAtCursor();
         event->accept();

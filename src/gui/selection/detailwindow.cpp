@@ -3,6 +3,7 @@
 
 #include "gui/common/elidinglabel.h"
 #include "texts/language.h"
+#include "texts/messages.h"
 #include "engine/document/document.h"
 #include "engine/indexes/columnindex.h"
 #include "engine/overview/celldetails.h"
@@ -47,6 +48,9 @@ DetailWindow::DetailWindow(bool isSwedish, QWidget *parent)
     // The headers and the answer text change with every hovered cell: they
     // are cut to the window's width (whole in their tooltips) and keep
     // their line when empty, so the window neither widens nor jumps.
+    auto *band = new QGridLayout;
+    band->setContentsMargins(0, 0, 0, 0);
+    band->setSpacing(2);
     for (int i = 0; i < HeaderCount; ++i) {
         auto *header = new ElidingLabel(mContent);
         header->setObjectName(QStringLiteral("lblHeader%1").arg(i));
@@ -55,13 +59,25 @@ DetailWindow::DetailWindow(bool isSwedish, QWidget *parent)
         header->setFont(bold);
         keepLineWhenEmpty(header);
         mHeaders[std::size_t(i)] = header;
-        outer->addWidget(header);
+        band->addWidget(header, i, 0);
     }
     mHeaders[0]->setText(pickText(isSwedish, "Question:", "Fråga:"));
     mText = new ElidingLabel(mContent);
     mText->setObjectName(QStringLiteral("txtText"));
     keepLineWhenEmpty(mText);
-    outer->addWidget(mText);
+    band->addWidget(mText, HeaderCount, 0);
+    // Lines kept for a cell that is not there read as a hole in the window:
+    // while they are blank they tell how to fill them. The hint asks for no
+    // room of its own, so showing it changes neither height nor width.
+    mHint = new QLabel(detailWindowHint(isSwedish), mContent);
+    mHint->setObjectName(QStringLiteral("lblHint"));
+    mHint->setWordWrap(true);
+    mHint->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    mHint->setForegroundRole(QPalette::PlaceholderText);
+    mHint->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
+    mHint->hide();
+    band->addWidget(mHint, 0, 0, HeaderCount + 1, 1);
+    outer->addLayout(band);
 
     mGrid->setHorizontalSpacing(twipsToPixels(MarginTwips));
     mGrid->setVerticalSpacing(0);
@@ -154,6 +170,11 @@ bool DetailWindow::isRowShown(int row) const
     return row >= 0 && row < RowCount && !mRows[std::size_t(row)].label->text().isEmpty();
 }
 
+bool DetailWindow::isHintShown() const
+{
+    return mHint->isVisibleTo(this);
+}
+
 QSize DetailWindow::contentSize() const
 {
     return mContent->sizeHint();
@@ -172,9 +193,13 @@ void DetailWindow::updateLayout()
     }
     mColumnHeader->setVisible(anyRow);
     mColumnHeaderTotal->setVisible(anyRow);
-    for (QLabel *header : mHeaders)
+    bool anyHeader = false;
+    for (QLabel *header : mHeaders) {
         header->setVisible(!header->text().isEmpty());
+        anyHeader = anyHeader || !header->text().trimmed().isEmpty();
+    }
     mText->setVisible(!mText->text().isEmpty());
+    mHint->setVisible(anyRow && !anyHeader && mText->text().trimmed().isEmpty());
 
     // The window follows its content: docked it keeps exactly the content's
     // height and at least its width; floating it is resized to it.

@@ -59,6 +59,9 @@ public:
     void clearAll();
 
     bool isRowShown(int row) const;
+    /// Whether the lines kept for a cell's headers are blank and say how to
+    /// fill them.
+    bool isHintShown() const;
     /// The size the content asks for, in pixels.
     QSize contentSize() const;
 
@@ -73,6 +76,7 @@ private:
     QGridLayout *mGrid;
     std::array<QLabel *, HeaderCount> mHeaders{};
     QLabel *mText;
+    QLabel *mHint;
     QLabel *mColumnHeader;
     QLabel *mColumnHeaderTotal;
     std::array<Row, RowCount> mRows;

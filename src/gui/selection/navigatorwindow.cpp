@@ -43,8 +43,9 @@ NavigatorWindow::NavigatorWindow(bool isSwedish, StatusLine &status, const UserO
       mContent(new QWidget(this)), mSplitter(new QSplitter(Qt::Vertical, mContent)),
       mTree(new NavigatorTree(mSplitter)), mFlexList(new QListWidget(mSplitter)),
       mFlexCheck(new QCheckBox(
-          pickText(isSwedish, "Base total on &current selection", "Basera totalen på &aktuellt urval"), mContent)),
-      mTotalLabel(new QLabel(mContent)), mShowButton(new QPushButton(pickText(isSwedish, "Show", "Visa"), mContent))
+          pickText(isSwedish, "Base total on &current selection", "Basera &totalen på aktuellt urval"), mContent)),
+      // Docked, these share the main window's Alt keys: none may be a menu's.
+      mTotalLabel(new QLabel(mContent)), mShowButton(new QPushButton(pickText(isSwedish, "&Show", "Vi&sa"), mContent))
 {
     mFlexList->setObjectName(QStringLiteral("lstFlexTotal"));
     mFlexList->setSelectionMode(QAbstractItemView::MultiSelection);

@@ -37,6 +37,9 @@ public:
 
 private:
     const Picture &mPicture;
+    // The last, shorter band is a view of the first rows of the full one:
+    // a copy would hold both at once.
+    QImage mStorage;
     QImage mBand;
     QColor mBackground;
     int mBandRows = 0;
@@ -47,9 +50,24 @@ private:
 /// which needs no search, turns the sheet's repeated pixel rows into zeros;
 /// level 6 is the lowest whose files are no larger than those of the
 /// adaptive filters Qt's writer used (level 5 is 10 % larger).
+///
+/// With one filter, zlib's level 6 costs most of the writing, so the rows
+/// are deflated in pieces of about `pieceBytes` on `threads` threads (0: one
+/// per processor; no more than 8 MB of pieces wait at a time), each piece
+/// primed with the 32 KB before it, into one zlib stream, while the next
+/// band is drawn. The pieces depend only on the picture, the band and
+/// `pieceBytes`: the file is the same on any number of threads. Several
+/// filters (a per-row search) go through libpng, on one thread, as do
+/// transparent pictures.
 struct PngEncoding {
+    static constexpr qint64 DefaultPieceBytes = qint64(2) * 1024 * 1024;
+
     int level = 6;
     int filters = 0x20; // PNG_FILTER_UP
+    int threads = 0;
+    qint64 pieceBytes = DefaultPieceBytes;
+    /// False: libpng's single stream on this thread, as before the pieces.
+    bool parallel = true;
 };
 
 /// Each writes `picture` to `device` (already open for writing) and returns
