@@ -71,8 +71,9 @@ inline int exerciseReader(const std::uint8_t *data, std::size_t size)
         for (const BlockItem &item : d.blockItems)
             named.insert(item.block);
         const RowList rows = allRows(d);
+        const BlockCatalogue blocks(d);
         for (qint32 b : named)
-            sum += qint64(calculateBlockIndex(d, b, rows));
+            sum += qint64(calculateBlockIndex(d, blocks, b, rows));
         sum += qint64(calculateTotalIndex(d, rows));
     }
     (void)d.guidText();

@@ -80,7 +80,10 @@ inline ChartDescription totalIndexGraphOfEveryone(const Document &doc)
     request.splitQuestion = 0;
     request.indexLines = TotalIndexForTotal | TotalIndexForSelection;
     request.title = totalIndexGraphTitle(doc, true, false, true, 0);
-    return generateIndexGraph(doc, context, request);
+    const BlockCatalogue blocks(doc);
+    FlexTotal flex;
+    flex.reset(doc, blocks);
+    return generateIndexGraph(doc, blocks, flex, context, request);
 }
 
 } // namespace kel::bench

@@ -151,10 +151,11 @@ IndexExportOptions exportOptions(const Document &doc)
 void BM_IndexExport(benchmark::State &state)
 {
     const Document &doc = exportDoc();
+    const BlockCatalogue blocks(doc);
     const IndexExportOptions options = exportOptions(doc);
     const RowList rows = allRows(doc);
     for (auto _ : state)
-        benchmark::DoNotOptimize(exportIndexes(doc, QStringLiteral("Total"), rows, options, QLocale::c()));
+        benchmark::DoNotOptimize(exportIndexes(doc, blocks, QStringLiteral("Total"), rows, options, QLocale::c()));
 }
 BENCHMARK(BM_IndexExport)->Unit(benchmark::kMillisecond);
 
@@ -162,17 +163,18 @@ BENCHMARK(BM_IndexExport)->Unit(benchmark::kMillisecond);
 void BM_IndexExportBaseline(benchmark::State &state)
 {
     const Document &doc = exportDoc();
+    const BlockCatalogue blocks(doc);
     const IndexExportOptions options = exportOptions(doc);
     const RowList rows = allRows(doc);
     for (auto _ : state) {
         const auto subs = buildSubSelections(doc, options, rows);
-        const auto items = buildIndexItems(doc, options);
+        const auto items = buildIndexItems(doc, blocks, options);
         std::vector<double> values;
         for (const SubSelection &s : subs)
             for (const IndexItem &item : items)
                 values.push_back(item.kind == IndexItem::Total ? calculateTotalIndex(doc, s.rows)
                                      : item.kind == IndexItem::Block
-                                     ? calculateBlockIndex(doc, item.number, s.rows)
+                                     ? calculateBlockIndex(doc, blocks, item.number, s.rows)
                                      : calculateColumnsIndex(doc, {item.number}, s.rows));
         benchmark::DoNotOptimize(
             formatIndexTable(doc, QStringLiteral("Total"), options, subs, items, values, QLocale::c()));
@@ -189,13 +191,14 @@ Document &sheetDoc()
 
 void BM_CreateSubSheetRandom(benchmark::State &state)
 {
-    Document &doc = sheetDoc();
+    const Document &doc = sheetDoc();
+    const BlockCatalogue blocks(doc);
     FlexTotal flex;
-    flex.reset(doc);
+    flex.reset(doc, blocks);
     const SelectionMatrix selection = someUnticked(doc);
     RowRandom random(17);
     for (auto _ : state)
-        benchmark::DoNotOptimize(createSubSheet(doc, selection, flex, RowOrderRandom, random));
+        benchmark::DoNotOptimize(createSubSheet(doc, blocks, selection, flex, RowOrderRandom, random));
 }
 BENCHMARK(BM_CreateSubSheetRandom)->Unit(benchmark::kMillisecond);
 

@@ -32,7 +32,8 @@ constexpr qint32 Rows = 20000;
 constexpr qint32 Questions = 49; // and the category: 50 columns, the most a document may have at 20,000 rows
 constexpr qint32 Options = 19;
 
-std::unique_ptr<Document> benchDocument()
+// The document, and in `catalogue` its blocks with five user blocks added.
+std::unique_ptr<Document> benchDocument(BlockCatalogue &catalogue)
 {
     SurveyBuilder b(Rows);
     b.header().pointsScale = 100;
@@ -75,7 +76,8 @@ std::unique_ptr<Document> benchDocument()
     }
     // Five user blocks across the document's blocks, everything included.
     std::unique_ptr<Document> doc = std::move(read.document);
-    BlockEditModel model(*doc);
+    catalogue = BlockCatalogue(*doc);
+    BlockEditModel model(*doc, catalogue);
     for (qint32 u = 0; u < 5; ++u) {
         qint32 index = -1;
         model.add(QStringLiteral("Theme %1").arg(u), &index);
@@ -85,7 +87,7 @@ std::unique_ptr<Document> benchDocument()
     }
     for (qint32 i = 0; i < model.size(); ++i)
         model.setIncludeInCopy(i, true);
-    model.apply(*doc, allRows(*doc));
+    model.apply(catalogue);
     return doc;
 }
 
@@ -94,7 +96,8 @@ std::unique_ptr<Document> benchDocument()
 int main(int argc, char **argv)
 {
     QApplication app(argc, argv);
-    std::unique_ptr<Document> doc = benchDocument();
+    BlockCatalogue blocks;
+    std::unique_ptr<Document> doc = benchDocument(blocks);
     if (!doc) {
         std::fprintf(stderr, "bench_export: the test document could not be read\n");
         return 1;
@@ -123,8 +126,9 @@ int main(int argc, char **argv)
         std::size_t items = 0;
         SetupExportIndexes setup(*doc, remembered, false);
         setup.setOnExport([&](const IndexExportOptions &options) {
-            ExportIndexes progress(*doc, QStringLiteral("Everyone"), rows, options, QLocale::c(), false, &setup);
-            items = buildIndexItems(*doc, options).size();
+            ExportIndexes progress(*doc, blocks, QStringLiteral("Everyone"), rows, options, QLocale::c(), false,
+                                   &setup);
+            items = buildIndexItems(*doc, blocks, options).size();
             probe.start();
             tick.start();
             clock.start();

@@ -132,10 +132,16 @@ int main(int argc, char **argv)
 
     // 1. The description alone, as the View menu's block item asks for it.
     const BasicGraphSelection selection = window.commands().graphs->currentGraphSelection();
-    BasicGraphRequest request{
-        .questions = blockMembers(doc, 0), .name = QStringLiteral("All questions"), .block = 0, .kind = FractionGraph};
+    BasicGraphRequest request{.questions = blockMembers(doc, window.session().blocks(), 0),
+                              .name = QStringLiteral("All questions"),
+                              .block = 0,
+                              .kind = FractionGraph};
     BasicGraphDescription description;
-    const Figures data = measure(50, [&] { description = generateBasicGraph(doc, request, selection).description; });
+    const Figures data = measure(50, [&] {
+        description =
+            generateBasicGraph(doc, window.session().blocks(), window.session().flexTotal(), request, selection)
+                .description;
+    });
     std::printf("%d questions x %zu respondents, %zu bars\n", Questions, selection.rows->size(),
                 description.bars.size());
     print("block fraction graph description", data, 2);

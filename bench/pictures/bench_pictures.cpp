@@ -179,6 +179,7 @@ struct Overview {
     std::unique_ptr<kel::Document> document;
     kel::SubSheet sheet;
     kel::FlexTotal flex;
+    kel::BlockCatalogue blocks;
 
     bool make(const kel::writer::SurveyBuilder &builder)
     {
@@ -187,8 +188,9 @@ struct Overview {
             return false;
         document = std::move(read.document);
         kel::RowRandom random(1);
-        sheet =
-            kel::createSubSheet(*document, kel::SelectionMatrix(1, document->maxCategoryAlternatives), flex, 0, random);
+        blocks = kel::BlockCatalogue(*document);
+        sheet = kel::createSubSheet(*document, blocks, kel::SelectionMatrix(1, document->maxCategoryAlternatives), flex,
+                                    0, random);
         return true;
     }
 
@@ -293,11 +295,12 @@ int main(int argc, char **argv)
         std::fprintf(stderr, "document not readable: %s\n", qPrintable(read.detail));
         return 1;
     }
-    kel::Document &doc = *read.document;
+    const kel::Document &doc = *read.document;
+    const kel::BlockCatalogue blocks(doc);
     kel::FlexTotal flex;
     kel::RowRandom random(1);
     const kel::SubSheet sheet =
-        kel::createSubSheet(doc, kel::SelectionMatrix(1, doc.maxCategoryAlternatives), flex, 0, random);
+        kel::createSubSheet(doc, blocks, kel::SelectionMatrix(1, doc.maxCategoryAlternatives), flex, 0, random);
     kel::SheetInput input;
     input.document = &doc;
     input.rows = sheet.rows;
@@ -429,7 +432,7 @@ int main(int argc, char **argv)
         selection.selectionText = sheet.steps.selectionText;
         selection.usedTotalText = flex.text();
         selection.usedTotalSize = flex.rowCount();
-        const kel::BasicGraphResult graph = kel::generateBasicGraph(doc, request, selection);
+        const kel::BasicGraphResult graph = kel::generateBasicGraph(doc, blocks, flex, request, selection);
         if (graph.outcome != kel::BasicGraphOutcome::Ok) {
             std::fprintf(stderr, "the fraction graph could not be made\n");
             return 1;

@@ -76,8 +76,8 @@ TEST_F(BlockWindows, EditorAddsTicksDeletesAndStoresOnOkOnly)
 {
     std::unique_ptr<Document> doc = survey();
     auto settings = store();
-    const RowList flex = allRows(*doc);
-    BlockEditor editor(*doc, flex, *settings, true);
+    BlockCatalogue blocks(*doc);
+    BlockEditor editor(*doc, blocks, *settings, true);
     editor.setPrompts(prompts());
     names = {QStringLiteral("Mine"), QStringLiteral("Temp")};
     editor.addBlock(); // the new block is selected; ticks make members
@@ -88,9 +88,10 @@ TEST_F(BlockWindows, EditorAddsTicksDeletesAndStoresOnOkOnly)
     EXPECT_EQ(editor.questionList()->item(0)->checkState(), Qt::Unchecked) << "Temp starts without Mine's ticks";
     editor.deleteBlock();
     editor.accept();
-    ASSERT_TRUE(editor.blocksChanged() && doc->blocks.size() == 2u);
-    EXPECT_TRUE(doc->blocks[1].name == QStringLiteral("Mine") && doc->blocks[1].includeInCopy);
-    EXPECT_EQ(blockMembers(*doc, 1), (QuestionList{1, 3}));
+    ASSERT_TRUE(editor.blocksChanged() && blocks.size() == 2);
+    EXPECT_TRUE(blocks.blocks[1].name == QStringLiteral("Mine") && blocks.blocks[1].includeInCopy);
+    EXPECT_EQ(blockMembers(*doc, blocks, 1), (QuestionList{1, 3}));
+    EXPECT_EQ(doc->blocks.size(), 1u) << "the document keeps its own blocks only";
     EXPECT_EQ(settings->readString(SettingsStore::documentKey(doc->guidText()) + QStringLiteral("\\Block 001"),
                                    QStringLiteral("Included Data Headers")),
               QStringLiteral("1|3"));
@@ -99,6 +100,7 @@ TEST_F(BlockWindows, EditorAddsTicksDeletesAndStoresOnOkOnly)
 TEST_F(BlockWindows, ProgressWindowCopiesTheTableOrNothing)
 {
     std::unique_ptr<Document> doc = survey(30);
+    const BlockCatalogue blocks(*doc);
     const RowList rows = allRows(*doc);
     IndexExportOptions options;
     options.subSelCategories = {0};
@@ -107,7 +109,7 @@ TEST_F(BlockWindows, ProgressWindowCopiesTheTableOrNothing)
     clipboard->setText(QStringLiteral("before"));
     {
         // Cancel after the second item: nothing reaches the clipboard.
-        ExportIndexes progress(*doc, QStringLiteral("All"), rows, options, QLocale::c(), false);
+        ExportIndexes progress(*doc, blocks, QStringLiteral("All"), rows, options, QLocale::c(), false);
         progress.setItemObserver([&](qint32 done) { done == 2 ? progress.requestCancel() : void(); });
         progress.exec();
         EXPECT_FALSE(progress.copied());
@@ -115,10 +117,10 @@ TEST_F(BlockWindows, ProgressWindowCopiesTheTableOrNothing)
     EXPECT_EQ(clipboard->text(), QStringLiteral("before"));
 
     // A full run puts exactly the engine's table there.
-    ExportIndexes progress(*doc, QStringLiteral("All"), rows, options, QLocale::c(), false);
+    ExportIndexes progress(*doc, blocks, QStringLiteral("All"), rows, options, QLocale::c(), false);
     progress.exec();
     EXPECT_EQ(progress.progress()->value(), 32); // the total, one block, 30 questions
-    EXPECT_EQ(clipboard->text(), exportIndexes(*doc, QStringLiteral("All"), rows, options, QLocale::c()));
+    EXPECT_EQ(clipboard->text(), exportIndexes(*doc, blocks, QStringLiteral("All"), rows, options, QLocale::c()));
 }
 
 TEST_F(BlockWindows, MainWindowRestoresBlocksAndCopiesThePointsList)

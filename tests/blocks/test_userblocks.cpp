@@ -73,10 +73,10 @@ protected:
                        QString::fromUtf8(value));
     }
 
-    static std::vector<std::pair<qint32, qint32>> items(const Document &doc)
+    static std::vector<std::pair<qint32, qint32>> items(const BlockCatalogue &catalogue)
     {
         std::vector<std::pair<qint32, qint32>> out;
-        for (const BlockItem &i : doc.blockItems)
+        for (const BlockItem &i : catalogue.items)
             out.emplace_back(i.block, i.question);
         return out;
     }
@@ -89,17 +89,18 @@ protected:
 TEST_F(UserBlocks, StoredLayoutIsWrittenExactlyAndReadBack)
 {
     std::unique_ptr<Document> doc = surveyDocument();
-    BlockEditModel model(*doc);
+    BlockCatalogue blocks(*doc);
+    BlockEditModel model(*doc, blocks);
     model.add(QStringLiteral("Theme"));
     for (qint32 q : {3, 1, 4}) // 4 is not in the overview: still a member
         model.setMember(3, q, true);
     model.setIncludeInCopy(3, true);
     model.add(QStringLiteral("Empty"));
     model.setIncludeInCopy(1, true); // the sub-block "Tasks"
-    model.apply(*doc, allRows(*doc));
+    model.apply(blocks);
 
     auto store = openStore();
-    ASSERT_TRUE(storeUserBlocks(*doc, *store));
+    ASSERT_TRUE(storeUserBlocks(*doc, blocks, *store));
     store.reset();
     const QByteArray expected =
         "[Documents]\n"
@@ -117,23 +118,27 @@ TEST_F(UserBlocks, StoredLayoutIsWrittenExactlyAndReadBack)
 
     // Opened again: the same blocks, and reading leaves the file as it was.
     std::unique_ptr<Document> again = surveyDocument();
-    const UserBlockRestore restore = restoreUserBlocks(*again, *openStore(), true);
+    BlockCatalogue restored(*again);
+    const UserBlockRestore restore = restoreUserBlocks(*again, restored, *openStore(), true);
     EXPECT_TRUE(restore.found && restore.problems.isEmpty() && restore.added == 2);
-    ASSERT_EQ(again->blocks.size(), 5u);
+    ASSERT_EQ(restored.size(), 5);
     for (std::size_t i = 0; i < 5; ++i)
-        EXPECT_EQ(again->blocks[i].includeInCopy, doc->blocks[i].includeInCopy) << i;
-    EXPECT_EQ(items(*again), items(*doc));
+        EXPECT_EQ(restored.blocks[i].includeInCopy, blocks.blocks[i].includeInCopy) << i;
+    EXPECT_EQ(items(restored), items(blocks));
     EXPECT_EQ(iniBytes(), expected);
+    EXPECT_EQ(again->blocks.size(), 3u) << "the document keeps its own blocks only";
+    EXPECT_TRUE(!again->blocks[1].includeInCopy && restored.blocks[1].includeInCopy)
+        << "a stored flag goes to the catalogue, never into the document";
 
-    EXPECT_DOUBLE_EQ(again->blocks[3].totalIndex, calculateColumnsIndex(*again, {1, 3, 4}, allRows(*again)));
-    EXPECT_EQ(again->blocks[4].totalIndex, -1.0) << "an empty block has no index";
+    EXPECT_DOUBLE_EQ(restored.blocks[3].totalIndex, calculateColumnsIndex(*again, {1, 3, 4}, allRows(*again)));
+    EXPECT_EQ(restored.blocks[4].totalIndex, -1.0) << "an empty block has no index";
 
     // Deleting renumbers the later keys and drops the last one.
-    BlockEditModel edit(*again);
+    BlockEditModel edit(*again, restored);
     ASSERT_TRUE(edit.remove(3));
-    edit.apply(*again, allRows(*again));
+    edit.apply(restored);
     store = openStore();
-    ASSERT_TRUE(storeUserBlocks(*again, *store));
+    ASSERT_TRUE(storeUserBlocks(*again, restored, *store));
     const QString key = SettingsStore::documentKey(again->guidText());
     EXPECT_EQ(store->readString(blockKey(key, 3), QStringLiteral("Name")), QStringLiteral("Empty"));
     EXPECT_FALSE(store->keyExists(blockKey(key, 4)));
@@ -152,17 +157,19 @@ TEST_F(UserBlocks, DamagedStoreIsRepairedAndAPolicyKeepsItUntouched)
               {"Block 006/Name", "kept"},
               {"Block 007/Name", "Last"}});
     std::unique_ptr<Document> doc = surveyDocument();
+    BlockCatalogue blocks(*doc);
     auto store = openStore();
-    const UserBlockRestore restore = restoreUserBlocks(*doc, *store, true);
+    const UserBlockRestore restore = restoreUserBlocks(*doc, blocks, *store, true);
     EXPECT_TRUE(restore.found && restore.repaired && !restore.problems.isEmpty());
-    ASSERT_EQ(doc->blocks.size(), 5u);
-    EXPECT_TRUE(doc->blocks[0].includeInCopy) << "a bad flag leaves the default";
-    EXPECT_TRUE(doc->blocks[3].name == QStringLiteral("Kept") && !doc->blocks[3].includeInCopy);
-    EXPECT_TRUE(doc->blocks[4].name == QStringLiteral("Last") && doc->blocks[4].includeInCopy);
-    EXPECT_EQ(items(*doc), (std::vector<std::pair<qint32, qint32>>{{3, 1}, {3, 2}, {3, 3}}));
+    ASSERT_EQ(blocks.size(), 5);
+    EXPECT_TRUE(blocks.blocks[0].includeInCopy) << "a bad flag leaves the default";
+    EXPECT_TRUE(blocks.blocks[3].name == QStringLiteral("Kept") && !blocks.blocks[3].includeInCopy);
+    EXPECT_TRUE(blocks.blocks[4].name == QStringLiteral("Last") && blocks.blocks[4].includeInCopy);
+    EXPECT_EQ(items(blocks), (std::vector<std::pair<qint32, qint32>>{{3, 1}, {3, 2}, {3, 3}}));
     std::unique_ptr<Document> again = surveyDocument();
-    EXPECT_TRUE(restoreUserBlocks(*again, *openStore(), true).problems.isEmpty()) << "the repair holds";
-    EXPECT_EQ(items(*again), items(*doc));
+    BlockCatalogue repaired(*again);
+    EXPECT_TRUE(restoreUserBlocks(*again, repaired, *openStore(), true).problems.isEmpty()) << "the repair holds";
+    EXPECT_EQ(items(repaired), items(blocks));
 
     // An absurd count is not walked; with saving forbidden nothing is written.
     writeRaw({{"Block Items", "dword:7fffffff"}});
@@ -170,10 +177,11 @@ TEST_F(UserBlocks, DamagedStoreIsRepairedAndAPolicyKeepsItUntouched)
     QSettings(policyFile(), QSettings::IniFormat).setValue(QStringLiteral("Explorer/NoSaveSettings"), 1);
     const QByteArray before = iniBytes();
     std::unique_ptr<Document> third = surveyDocument();
+    BlockCatalogue bounds(*third);
     store = openStore();
-    const UserBlockRestore bounded = restoreUserBlocks(*third, *store, true);
+    const UserBlockRestore bounded = restoreUserBlocks(*third, bounds, *store, true);
     EXPECT_TRUE(bounded.added == 2 && !bounded.repaired);
-    EXPECT_FALSE(storeUserBlocks(*third, *store));
+    EXPECT_FALSE(storeUserBlocks(*third, bounds, *store));
     store.reset();
     EXPECT_EQ(iniBytes(), before);
 }
@@ -181,14 +189,16 @@ TEST_F(UserBlocks, DamagedStoreIsRepairedAndAPolicyKeepsItUntouched)
 TEST(BlockEditor, NamesAreCheckedAgainstTheWorkingCopy)
 {
     std::unique_ptr<Document> doc = surveyDocument();
-    BlockEditModel model(*doc);
+    BlockCatalogue blocks(*doc);
+    BlockEditModel model(*doc, blocks);
     using enum BlockEditModel::NameCheck;
     EXPECT_EQ(model.add(QStringLiteral("WORK")), Duplicate);
     model.add(QStringLiteral("Service"));
     EXPECT_EQ(model.rename(3, QStringLiteral("  service ")), Ok) << "its own name in another case";
-    EXPECT_EQ(doc->blocks.size(), 3u) << "nothing reaches the document before OK";
-    model.apply(*doc, {});
-    BlockEditModel second(*doc);
+    EXPECT_EQ(blocks.size(), 3) << "nothing reaches the catalogue before OK";
+    model.apply(blocks);
+    EXPECT_EQ(blocks.size(), 4);
+    BlockEditModel second(*doc, blocks);
     ASSERT_TRUE(second.remove(3));
     EXPECT_EQ(second.add(QStringLiteral("SERVICE")), Duplicate) << "a deleted block's name is free only after OK";
 }

@@ -166,14 +166,14 @@ inline QString describe(const Document &d)
     for (const Question &q : d.questions)
         s << "q " << q.code << '|' << q.heading << '|' << q.text << '|' << q.selectionLabel << ' ' << b(q.isCategory)
           << b(q.inOverview) << b(q.isFlexCategory) << b(q.inTotalIndex) << ' ' << q.sheetColour << ' ' << q.kept20
-          << ' ' << q.block << ' ' << q.subBlock << ' ' << q.totalIndex << ' ' << q.flexTotalIndex << ' '
-          << q.graphFlags << ' ' << q.rankingWeight << ' ' << q.firstAlternative << '+' << q.alternativeCount << '\n';
+          << ' ' << q.block << ' ' << q.subBlock << ' ' << q.totalIndex << ' ' << q.graphFlags << ' ' << q.rankingWeight
+          << ' ' << q.firstAlternative << '+' << q.alternativeCount << '\n';
     for (const RowComment &c : d.rowComments)
         s << "rc " << c.comment << ' ' << c.kept4 << '\n';
     for (const Block &k : d.blocks)
         s << "b " << k.code << '|' << k.name << '|' << k.text << ' ' << k.kept12 << ' ' << k.kept16 << ' ' << k.kept20
-          << ' ' << b(k.memberRule) << ' ' << k.linkedBlock << ' ' << k.totalIndex << ' ' << k.flexTotalIndex << ' '
-          << k.graphFlags << ' ' << b(k.fromDocument) << b(k.includeInCopy) << '\n';
+          << ' ' << b(k.memberRule) << ' ' << k.linkedBlock << ' ' << k.totalIndex << ' ' << k.graphFlags << ' '
+          << b(k.fromDocument) << b(k.includeInCopy) << '\n';
     for (const BlockItem &i : d.blockItems)
         s << "bi " << i.block << ' ' << i.question << '\n';
     s << "cc " << b(d.hasCellComments);
@@ -195,10 +195,10 @@ inline QString describe(const Document &d)
       << p.pointsScale << ' ' << p.maxPoints << ' ' << p.indexDecimals << ' ' << p.indexName << ' '
       << p.indexLineTexts[0] << ',' << p.indexLineTexts[1] << ',' << p.indexLineTexts[2] << ',' << p.indexLineTexts[3]
       << ',' << p.indexLineTexts[4] << ' ' << p.statusPanel2Tip << ' ' << p.statusPanel3Tip << ' ' << p.totalText << ' '
-      << p.selectionTooSmallText << ' ' << p.totalIndex << ' ' << p.flexTotalIndex << ' ' << p.indexFlags << ' '
-      << p.minimumSelection << ' ' << p.minimumComplementSelection << ' ' << p.minimumGraphSelection << ' '
-      << b(p.hasRowComments) << b(p.firstAlternativeIsNoAnswer) << ' ' << p.sheetColourA << ' ' << p.sheetColourB << ' '
-      << p.sheetColours[0] << ',' << p.sheetColours[1] << ',' << p.sheetColours[2] << ',' << p.sheetColours[3] << '\n';
+      << p.selectionTooSmallText << ' ' << p.totalIndex << ' ' << p.indexFlags << ' ' << p.minimumSelection << ' '
+      << p.minimumComplementSelection << ' ' << p.minimumGraphSelection << ' ' << b(p.hasRowComments)
+      << b(p.firstAlternativeIsNoAnswer) << ' ' << p.sheetColourA << ' ' << p.sheetColourB << ' ' << p.sheetColours[0]
+      << ',' << p.sheetColours[1] << ',' << p.sheetColours[2] << ',' << p.sheetColours[3] << '\n';
     return out;
 }
 

@@ -7,6 +7,7 @@
 #include "engine/indexes/blockindex.h"
 #include "engine/indexes/indexexport.h"
 #include "engine/overview/sheetlayout.h"
+#include "engine/selection/flextotal.h"
 
 #include "readerfixture.h"
 
@@ -49,14 +50,17 @@ TEST(BlockReferences, DanglingNumbersOpenAsBlocksWithoutMembers)
         EXPECT_EQ(d.blockAt(9), nullptr);
         EXPECT_EQ(d.blockAt(3), &d.blocks[3]);
         const RowList rows = allRows(d);
+        const BlockCatalogue blocks(d);
+        EXPECT_EQ(blocks.blockAt(9), nullptr);
+        EXPECT_EQ(blocks.blockAt(3), &blocks.blocks[3]);
         for (qint32 b : {9, 99, -2, 4, 12, -1}) {
-            EXPECT_TRUE(blockMembers(d, b).empty()) << b;
-            EXPECT_EQ(calculateBlockIndex(d, b, rows), -1.0) << b;
-            EXPECT_EQ(calculateBlockFlexTotalIndex(d, b, rows), -1.0) << b;
+            EXPECT_TRUE(blockMembers(d, blocks, b).empty()) << b;
+            EXPECT_EQ(calculateBlockIndex(d, blocks, b, rows), -1.0) << b;
+            EXPECT_EQ(calculateBlockFlexTotalIndex(d, blocks, b, rows), -1.0) << b;
         }
         // Main keeps One (and Three, still naming it); Items keeps only Four.
-        EXPECT_EQ(blockMembers(d, 0), (QuestionList{2, 4}));
-        EXPECT_EQ(blockMembers(d, 3), (QuestionList{5}));
+        EXPECT_EQ(blockMembers(d, blocks, 0), (QuestionList{2, 4}));
+        EXPECT_EQ(blockMembers(d, blocks, 3), (QuestionList{5}));
         // Header runs: a dangling block is a run of its own without a text.
         std::vector<qint32> numbers;
         for (bool sub : {false, true}) {
@@ -70,9 +74,9 @@ TEST(BlockReferences, DanglingNumbersOpenAsBlocksWithoutMembers)
         // The index table lists existing blocks only.
         IndexExportOptions options;
         options.subSelTotal = true, options.indexFor.fill(true);
-        for (const IndexItem &item : buildIndexItems(d, options))
+        for (const IndexItem &item : buildIndexItems(d, blocks, options))
             EXPECT_TRUE(item.kind != IndexItem::Block || d.blockAt(item.number)) << item.number;
-        const QString table = exportIndexes(d, QStringLiteral("All"), allRows(d), options, QLocale::c());
+        const QString table = exportIndexes(d, blocks, QStringLiteral("All"), allRows(d), options, QLocale::c());
         EXPECT_TRUE(table.startsWith(QStringLiteral("All\t"))) << table.toStdString();
     }
 }
@@ -97,7 +101,9 @@ TEST(BlockReferences, MissingTotalIndexComputedOnceAndGuarded)
     ASSERT_EQ(r.code, OpenResult::Ok) << r.detail.toStdString();
     // (10 + 3 x 40) / 4 / 10
     EXPECT_DOUBLE_EQ(r.document->properties.totalIndex, 3.25);
-    EXPECT_DOUBLE_EQ(r.document->properties.flexTotalIndex, 3.25);
+    FlexTotal flex;
+    flex.reset(*r.document, BlockCatalogue(*r.document));
+    EXPECT_DOUBLE_EQ(flex.totalIndex(), 3.25) << "the flex total starts from the pooled index";
     // Revision 5 stores it: the stored value stands.
     f.options.revision = 5;
     f.header.totalIndex = 7.0;

@@ -91,7 +91,7 @@ void applyReplacements(Document &d, int revision, double pooledTotal)
     if (revision < 5) {
         p.rowOrder = -1;
         p.minimumComplementSelection = p.minimumSelection;
-        p.totalIndex = p.flexTotalIndex = pooledTotal;
+        p.totalIndex = pooledTotal;
     }
     if (revision < 9) {
         p.indexFlags = p.pointsScale > 0 ? 0x100 : 0;

@@ -58,8 +58,9 @@ TEST_P(Sample, OpensAndIsConsistent)
     EXPECT_DOUBLE_EQ(p.totalIndex, calculateColumnsIndex(d, total, all));
     // Blocks: the engine's members, the writer's stored index.
     int subBlocks = 0;
+    const BlockCatalogue blocks(d);
     for (qint32 b = 0; b < qint32(d.blocks.size()); ++b) {
-        const QuestionList members = blockMembers(d, b);
+        const QuestionList members = blockMembers(d, blocks, b);
         ASSERT_FALSE(members.empty()) << b;
         EXPECT_DOUBLE_EQ(d.blocks[std::size_t(b)].totalIndex, calculateColumnsIndex(d, members, all)) << b;
         subBlocks += d.blocks[std::size_t(b)].linkedBlock >= 0;

@@ -25,6 +25,16 @@ std::unique_ptr<Document> readBack(const SurveyBuilder &b)
     return readDocumentBytes(b.toBytes()).document;
 }
 
+// With the document's own blocks, compared with a flex total of everyone
+// (whose indexes are the document's total indexes).
+BasicGraphResult graphOf(const Document &doc, const BasicGraphRequest &request, const BasicGraphSelection &selection)
+{
+    const BlockCatalogue blocks(doc);
+    FlexTotal flex;
+    flex.reset(doc, blocks);
+    return generateBasicGraph(doc, blocks, flex, request, selection);
+}
+
 BasicGraphSelection selectionOf(const std::vector<qint32> &rows)
 {
     return {.rows = &rows,
@@ -83,8 +93,7 @@ TEST(BasicGraphData, HiddenFirstAlternativeCountsButIsNeverDrawn)
     b.setAnswers(q, {0, 0, 0, 0, 0, 0, 1, 2}); // six hidden, one yes, one no
     auto doc = readBack(b);
     const auto rows = allRows(*doc);
-    const BasicGraphResult r =
-        generateBasicGraph(*doc, {.questions = {q}, .name = QStringLiteral("Pay")}, selectionOf(rows));
+    const BasicGraphResult r = graphOf(*doc, {.questions = {q}, .name = QStringLiteral("Pay")}, selectionOf(rows));
     ASSERT_EQ(r.outcome, BasicGraphOutcome::Ok);
     const BasicGraphDescription &d = r.description;
     ASSERT_EQ(d.bars.size(), 2u);
@@ -121,10 +130,11 @@ protected:
         b.setAnswers(q2, {1, 1, 1, 1, 1, 1});
         b.setAnswers(q3, {0, 1, 2, 2, 2, 2});
         doc = readBack(b);
-        // What the flex total's indexes would read.
-        doc->questions[std::size_t(q1)].flexTotalIndex = 0.25;
-        doc->questions[std::size_t(q2)].flexTotalIndex = -1.0;
-        doc->blocks[std::size_t(block)].flexTotalIndex = 0.75;
+        // Total indexes unlike the rows' own, so that the flex total's
+        // figures (everyone: the total indexes) stand out in the labels.
+        doc->questions[std::size_t(q1)].totalIndex = 0.25;
+        doc->questions[std::size_t(q2)].totalIndex = -1.0;
+        doc->blocks[std::size_t(block)].totalIndex = 0.75;
         rows = allRows(*doc);
     }
 
@@ -137,7 +147,7 @@ protected:
                                   .block = block,
                                   .showTotalIndex = showTotalIndex,
                                   .kind = FractionGraph};
-        BasicGraphResult r = generateBasicGraph(*doc, request, selectionOf(rows));
+        BasicGraphResult r = graphOf(*doc, request, selectionOf(rows));
         EXPECT_EQ(r.outcome, BasicGraphOutcome::Ok);
         return r.description;
     }
@@ -184,9 +194,9 @@ TEST_F(BlockGraph, GroupsWithoutShownAnswersAreLeftOut)
     // q4's one alternative is shown and chosen by everyone: it stays. Without
     // rows every group goes and the graph is empty.
     BasicGraphRequest request{.questions = {q4, q1}, .name = QStringLiteral("n")};
-    EXPECT_EQ(generateBasicGraph(*doc, request, selectionOf(rows)).description.groups.size(), 2u);
+    EXPECT_EQ(graphOf(*doc, request, selectionOf(rows)).description.groups.size(), 2u);
     const std::vector<qint32> none;
-    const BasicGraphResult empty = generateBasicGraph(*doc, request, selectionOf(none));
+    const BasicGraphResult empty = graphOf(*doc, request, selectionOf(none));
     EXPECT_TRUE(empty.description.groups.empty() && empty.description.bars.empty());
     EXPECT_EQ(empty.description.legends.size(), 3u);
 }
@@ -202,7 +212,7 @@ TEST(BasicGraphData, ReversedOrderFlipsOnlyNonNegativeSortValues)
     const auto rows = allRows(*doc);
     BasicGraphSelection selection = selectionOf(rows);
     auto order = [&] {
-        const BasicGraphResult r = generateBasicGraph(*doc, {.questions = {q}, .name = QStringLiteral("Q")}, selection);
+        const BasicGraphResult r = graphOf(*doc, {.questions = {q}, .name = QStringLiteral("Q")}, selection);
         return legendTexts(r.description);
     };
     EXPECT_EQ(order(), QStringLiteral("c|a|f|d|b|e"));
@@ -243,7 +253,7 @@ protected:
     BasicGraphResult generate(const BasicGraphSelection &selection)
     {
         BasicGraphRequest request{.questions = {q}, .splitQuestion = unit, .name = splitGraphName(*doc, q, unit)};
-        return generateBasicGraph(*doc, request, selection);
+        return graphOf(*doc, request, selection);
     }
 
     qint32 unit = -1, q = -1;
@@ -304,14 +314,14 @@ TEST(BasicGraphData, BadRequestsFailWithoutTouchingAnything)
     auto doc = readBack(b);
     const auto rows = allRows(*doc);
     const BasicGraphSelection s = selectionOf(rows);
-    EXPECT_EQ(generateBasicGraph(*doc, {.questions = {}}, s).outcome, BasicGraphOutcome::Failed);
-    EXPECT_EQ(generateBasicGraph(*doc, {.questions = {q + 1}}, s).outcome, BasicGraphOutcome::Failed);
-    EXPECT_EQ(generateBasicGraph(*doc, {.questions = {q}, .kind = 3}, s).outcome, BasicGraphOutcome::Failed);
-    EXPECT_EQ(generateBasicGraph(*doc, {.questions = {q}, .block = 4}, s).outcome, BasicGraphOutcome::Failed);
-    EXPECT_EQ(generateBasicGraph(*doc, {.questions = {q}, .splitQuestion = -7}, s).outcome, BasicGraphOutcome::Failed);
+    EXPECT_EQ(graphOf(*doc, {.questions = {}}, s).outcome, BasicGraphOutcome::Failed);
+    EXPECT_EQ(graphOf(*doc, {.questions = {q + 1}}, s).outcome, BasicGraphOutcome::Failed);
+    EXPECT_EQ(graphOf(*doc, {.questions = {q}, .kind = 3}, s).outcome, BasicGraphOutcome::Failed);
+    EXPECT_EQ(graphOf(*doc, {.questions = {q}, .block = 4}, s).outcome, BasicGraphOutcome::Failed);
+    EXPECT_EQ(graphOf(*doc, {.questions = {q}, .splitQuestion = -7}, s).outcome, BasicGraphOutcome::Failed);
     // Rows outside the document are skipped, not read.
     const std::vector<qint32> wild{-5, 0, 1, 2, 1000000};
-    const BasicGraphResult r = generateBasicGraph(*doc, {.questions = {q}}, selectionOf(wild));
+    const BasicGraphResult r = graphOf(*doc, {.questions = {q}}, selectionOf(wild));
     ASSERT_EQ(r.outcome, BasicGraphOutcome::Ok);
     EXPECT_EQ(counts(r.description), (std::vector<qint32>{2}));
 }

@@ -44,6 +44,16 @@ protected:
         context.selectionText = QStringLiteral("Everyone");
         context.shortCategoryNames = false;
     }
+    // The index graph with the document's own blocks, compared with a flex
+    // total of everyone (whose indexes are the document's total indexes).
+    ChartDescription indexGraph(const ChartContext &c, const IndexGraphRequest &request) const
+    {
+        const BlockCatalogue blocks(*doc);
+        FlexTotal flex;
+        flex.reset(*doc, blocks);
+        return generateIndexGraph(*doc, blocks, flex, c, request);
+    }
+
     ChartContext contextFor(const RowList &rows) const
     {
         ChartContext c = context;
@@ -159,7 +169,7 @@ TEST_F(ChartGenerators, GroupedDistributionShowsOnlySelectedGroupsOverAllRows)
 TEST_F(ChartGenerators, OneIndexSplitIntoGroupsBecomesOneSeries)
 {
     IndexGraphRequest request{.splitQuestion = UnitQ};
-    const ChartDescription chart = generateIndexGraph(*doc, context, request);
+    const ChartDescription chart = indexGraph(context, request);
     ASSERT_EQ(chart.series.size(), 1u);
     // West has no respondents and is dropped.
     EXPECT_EQ(labels(chart.series[0]), QStringLiteral("North [4]|South [4]"));
@@ -169,7 +179,7 @@ TEST_F(ChartGenerators, OneIndexSplitIntoGroupsBecomesOneSeries)
     request.includeEmptySplits = true;
     ChartContext shortNames = context;
     shortNames.shortCategoryNames = true;
-    const ChartDescription withEmpty = generateIndexGraph(*doc, shortNames, request);
+    const ChartDescription withEmpty = indexGraph(shortNames, request);
     ASSERT_EQ(withEmpty.series[0].points.size(), 3u);
     const ChartPoint &west = withEmpty.series[0].points[2];
     EXPECT_TRUE(west.label == QStringLiteral("W [0]") && west.value == 0 && west.dataLabel.isEmpty());
@@ -182,7 +192,7 @@ TEST_F(ChartGenerators, SeveralIndexesSplitIntoGroupsAreOneSeriesPerGroup)
                               .splitQuestion = RoleQ,
                               .horizontalBars = true,
                               .dataLabels = false};
-    const ChartDescription chart = generateIndexGraph(*doc, context, request);
+    const ChartDescription chart = indexGraph(context, request);
     ASSERT_EQ(chart.series.size(), 2u);
     EXPECT_EQ(chart.series[0].name, QStringLiteral("A [4]"));
     EXPECT_EQ(labels(chart.series[0]), QStringLiteral("Block index|Q1|Q2"));
@@ -191,7 +201,7 @@ TEST_F(ChartGenerators, SeveralIndexesSplitIntoGroupsAreOneSeriesPerGroup)
     EXPECT_TRUE(chart.series[0].points[0].dataLabel.isEmpty());
 
     request.splitQuestion = -1;
-    EXPECT_FALSE(generateIndexGraph(*doc, context, request).legendPosition) << "one group, no legend";
+    EXPECT_FALSE(indexGraph(context, request).legendPosition) << "one group, no legend";
 }
 
 TEST_F(ChartGenerators, IndexLinesComeInBitOrderAtMostTwoHighestFirst)
@@ -199,7 +209,7 @@ TEST_F(ChartGenerators, IndexLinesComeInBitOrderAtMostTwoHighestFirst)
     const RowList north{0, 1, 2, 3};
     IndexGraphRequest request{.block = WorkBlock, .indexLinesShowExplanation = true};
     request.indexLines = TotalIndexForTotal | TotalIndexForSelection | BlockIndexForTotal | BlockIndexForSelection;
-    const ChartDescription chart = generateIndexGraph(*doc, contextFor(north), request);
+    const ChartDescription chart = indexGraph(contextFor(north), request);
     ASSERT_EQ(chart.indexLines.size(), 2u);
     // The total (5.0) and the selection (7.5): the higher one goes first.
     EXPECT_DOUBLE_EQ(chart.indexLines[0].value, 7.5);
@@ -207,22 +217,22 @@ TEST_F(ChartGenerators, IndexLinesComeInBitOrderAtMostTwoHighestFirst)
     EXPECT_EQ(chart.indexLines[1].text, QStringLiteral("Total index, total (5.0)"));
 
     // A line without a value is skipped and the next one takes its place.
-    doc->properties.flexTotalIndex = -1;
+    doc->properties.totalIndex = -1;
     request.indexLines = TotalIndexForTotal | BlockIndexForTotal | BlockIndexForSelection;
-    const ChartDescription skipped = generateIndexGraph(*doc, contextFor(north), request);
+    const ChartDescription skipped = indexGraph(contextFor(north), request);
     ASSERT_EQ(skipped.indexLines.size(), 2u);
     EXPECT_EQ(skipped.indexLines[1].text, QStringLiteral("Block index, total (5.0)"));
 
     // Block bits mean nothing to a total graph; no explanation, no text.
     const IndexGraphRequest total{.indexLines = BlockIndexForTotal | TotalIndexForSelection};
-    const std::vector<ChartIndexLine> lines = generateIndexGraph(*doc, contextFor(north), total).indexLines;
+    const std::vector<ChartIndexLine> lines = indexGraph(contextFor(north), total).indexLines;
     ASSERT_EQ(lines.size(), 1u);
     EXPECT_TRUE(lines[0].value == 7.5 && lines[0].text.isEmpty());
 }
 
 TEST_F(ChartGenerators, IndexGraphTitlesFollowTheDialogsAndTheLanguage)
 {
-    EXPECT_EQ(blockIndexGraphTitle(*doc, WorkBlock, false, true, SiteQ),
+    EXPECT_EQ(blockIndexGraphTitle(*doc, BlockCatalogue(*doc), WorkBlock, false, true, SiteQ),
               QStringLiteral("Question indexes for Work split by Site"));
     doc->properties.languageCode = QStringLiteral("sv");
     EXPECT_EQ(totalIndexGraphTitle(*doc, true, false, true, UnitQ),
@@ -231,9 +241,9 @@ TEST_F(ChartGenerators, IndexGraphTitlesFollowTheDialogsAndTheLanguage)
     // Every block with an index for the used total is an item; the total
     // graph's question items are the index columns.
     IndexGraphRequest blocks{.includeMainIndex = false, .includeSubIndexes = true};
-    EXPECT_EQ(labels(generateIndexGraph(*doc, context, blocks).series[0]), QStringLiteral("Work"));
+    EXPECT_EQ(labels(indexGraph(context, blocks).series[0]), QStringLiteral("Work"));
     blocks.useQuestionsInsteadOfBlocks = true;
-    EXPECT_EQ(labels(generateIndexGraph(*doc, context, blocks).series[0]), QStringLiteral("Q1|Q2"));
+    EXPECT_EQ(labels(indexGraph(context, blocks).series[0]), QStringLiteral("Q1|Q2"));
 }
 
 } // namespace

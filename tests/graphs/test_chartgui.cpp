@@ -215,10 +215,12 @@ protected:
     void SetUp() override
     {
         doc = readChartSurvey();
+        blocks = BlockCatalogue(*doc);
         steps.splitNotAllowed = {false, true, false}; // Role may not split
         steps.differentFromUsedTotal = false;
     }
     std::unique_ptr<Document> doc;
+    BlockCatalogue blocks;
     SelectionSteps steps;
     LastSettings settings;
 };
@@ -227,18 +229,18 @@ TEST_F(LaunchDialogs, IndexDialogsPassOnlyEnabledLinesAndHonourPrivacy)
 {
     // The selection is the total: its lines are disabled, yet their stored bits stay.
     settings.blockIndexGraphIndexLines = 2 | 8 | 4;
-    IndexGraphDialog dialog(*doc, WorkBlock, steps, settings, false);
+    IndexGraphDialog dialog(*doc, blocks, WorkBlock, steps, settings, false);
     EXPECT_TRUE(!dialog.chkIndexLines[1]->isEnabled() && dialog.chkIndexLines[1]->isChecked());
     EXPECT_EQ(dialog.request().indexLines, 4) << "only enabled boxes are passed on";
     LastSettings stored;
     dialog.storeSettings(stored);
     EXPECT_EQ(stored.blockIndexGraphIndexLines, 2 | 8 | 4);
     steps.differentFromUsedTotal = true;
-    EXPECT_EQ(IndexGraphDialog(*doc, WorkBlock, steps, settings, false).request().indexLines, 2 | 4 | 8);
+    EXPECT_EQ(IndexGraphDialog(*doc, blocks, WorkBlock, steps, settings, false).request().indexLines, 2 | 4 | 8);
 
     // The total dialog: "(Inget)" and the categories that may split (not Role);
     // block and question indexes exclude each other; nothing to show, no OK.
-    IndexGraphDialog total(*doc, -1, steps, settings, true);
+    IndexGraphDialog total(*doc, blocks, -1, steps, settings, true);
     ASSERT_EQ(total.lstSplitBy->count(), 3);
     EXPECT_EQ(total.lstSplitBy->itemData(2).toInt(), SiteQ);
     total.chkShowBlockIndexes->setChecked(true);

@@ -215,10 +215,11 @@ TEST_F(Hostile, StoredBlockCountsAndKeyNumbersAreBoundedByTheKeysPresent)
         // Opening runs as the viewer runs it: the store is repaired.
         const int status = runLimited(512 * MiB, 20, [&] {
             std::unique_ptr<Document> doc = surveyDocument();
-            const UserBlockRestore restore = restoreUserBlocks(*doc, *openStore(), true);
+            BlockCatalogue blocks(*doc);
+            const UserBlockRestore restore = restoreUserBlocks(*doc, blocks, *openStore(), true);
             QStringList names;
-            for (std::size_t b = 1; b < doc->blocks.size(); ++b)
-                names << doc->blocks[b].name;
+            for (std::size_t b = 1; b < blocks.blocks.size(); ++b)
+                names << blocks.blocks[b].name;
             QFile out(resultFile);
             if (!out.open(QIODevice::WriteOnly))
                 return 2;
@@ -236,8 +237,9 @@ TEST_F(Hostile, StoredBlockCountsAndKeyNumbersAreBoundedByTheKeysPresent)
             EXPECT_LT(sub.mid(6).toLongLong(), c.countAfter) << sub.toStdString() << " is left behind";
         // The repaired store opens without complaint.
         std::unique_ptr<Document> again = surveyDocument();
-        EXPECT_TRUE(restoreUserBlocks(*again, *store, true).problems.isEmpty());
-        EXPECT_EQ(qsizetype(again->blocks.size()) - 1, c.added.size());
+        BlockCatalogue restored(*again);
+        EXPECT_TRUE(restoreUserBlocks(*again, restored, *store, true).problems.isEmpty());
+        EXPECT_EQ(qsizetype(restored.blocks.size()) - 1, c.added.size());
     }
 }
 
@@ -309,8 +311,9 @@ TEST_F(Hostile, SettingsFilesThatAreNotUnderstoodAreNeverRewritten)
             if (c.understood)
                 continue;
             std::unique_ptr<Document> doc = surveyDocument();
-            restoreUserBlocks(*doc, *store, true);
-            EXPECT_FALSE(storeUserBlocks(*doc, *store));
+            BlockCatalogue blocks(*doc);
+            restoreUserBlocks(*doc, blocks, *store, true);
+            EXPECT_FALSE(storeUserBlocks(*doc, blocks, *store));
             EXPECT_FALSE(store->writeRecentFiles({QStringLiteral("/tmp/a.kel")}));
             EXPECT_FALSE(store->writeWindowPlacement(QStringLiteral("Main"), BorderStyle::Sizable,
                                                      WindowPlacement{.left = 1, .top = 2, .width = 3, .height = 4}));

@@ -72,25 +72,27 @@ Document blockDocument()
 TEST(BlockIndex, MembershipByRuleAndByItems)
 {
     const Document doc = blockDocument();
+    const BlockCatalogue blocks(doc);
     // Blocks and sub-blocks by the questions' numbers; the user block in item
     // order, the non-overview question included; unknown blocks are empty.
     const std::pair<qint32, QuestionList> cases[] = {{0, {0, 1, 2}}, {1, {0, 1}}, {2, {2}}, {3, {3, 4}},
                                                      {4, {5, 0}},    {5, {}},     {-1, {}}};
     for (const auto &[block, members] : cases)
-        EXPECT_EQ(blockMembers(doc, block), members) << block;
+        EXPECT_EQ(blockMembers(doc, blocks, block), members) << block;
     EXPECT_EQ(totalMembers(doc), (QuestionList{0, 1, 2, 3}));
 }
 
 TEST(BlockIndex, IndexesPoolTheirMembers)
 {
     const Document doc = blockDocument();
+    const BlockCatalogue blocks(doc);
     const RowList rows = allRows(doc);
-    EXPECT_DOUBLE_EQ(calculateBlockIndex(doc, 0, rows), (4 + 0 + 1) / 3.0);
-    EXPECT_DOUBLE_EQ(calculateBlockIndex(doc, 1, rows), 2.0);
-    EXPECT_DOUBLE_EQ(calculateBlockIndex(doc, 3, rows), (2 * 4 + 12) / 8.0);
-    EXPECT_DOUBLE_EQ(calculateBlockIndex(doc, 4, RowList{0, 1}), 3.5);
-    EXPECT_EQ(calculateBlockFlexTotalIndex(doc, 0, {}), -1.0);
-    EXPECT_DOUBLE_EQ(calculateBlockTotalIndex(doc, 2), 1.0);
+    EXPECT_DOUBLE_EQ(calculateBlockIndex(doc, blocks, 0, rows), (4 + 0 + 1) / 3.0);
+    EXPECT_DOUBLE_EQ(calculateBlockIndex(doc, blocks, 1, rows), 2.0);
+    EXPECT_DOUBLE_EQ(calculateBlockIndex(doc, blocks, 3, rows), (2 * 4 + 12) / 8.0);
+    EXPECT_DOUBLE_EQ(calculateBlockIndex(doc, blocks, 4, RowList{0, 1}), 3.5);
+    EXPECT_EQ(calculateBlockFlexTotalIndex(doc, blocks, 0, {}), -1.0);
+    EXPECT_DOUBLE_EQ(calculateBlockTotalIndex(doc, blocks, 2), 1.0);
     EXPECT_DOUBLE_EQ(calculateTotalIndex(doc, rows), (4 + 0 + 1 + 2) / 4.0); // q4 left out
     QString distribution;
     calculateTotalIndexSpec(doc, {0}, distribution);

@@ -46,7 +46,7 @@ TEST(IndexExport, BothOrientationsMaskSmallAndBlankEmptyGroups)
     options.showFullQuestionText = true;
     const auto text = [&](bool columns) {
         options.subSelectionsInColumns = columns;
-        return exportIndexes(doc, QStringLiteral("Sel"), RowList{0, 1, 2}, options, QLocale::c());
+        return exportIndexes(doc, BlockCatalogue(doc), QStringLiteral("Sel"), RowList{0, 1, 2}, options, QLocale::c());
     };
     EXPECT_EQ(text(true),
               QStringLiteral("Sel\tUnit: North\tUnit: South\r\nAnswers\t3\t0\r\nTotal\t---\t\r\n"
@@ -84,7 +84,7 @@ TEST(IndexExport, BlockRunsSubBlocksAndUserBlocks)
     IndexExportOptions options;
     options.indexFor = {true, true, true, true, true};
     QStringList names;
-    for (const IndexItem &item : buildIndexItems(doc, options))
+    for (const IndexItem &item : buildIndexItems(doc, BlockCatalogue(doc), options))
         names << item.name;
     // A is listed once per run of its questions; blocks not for copies or
     // without a stored index are left out, user blocks never.
@@ -119,15 +119,16 @@ TEST(IndexExport, ValuesMatchTheIndexRoutinesOnRandomDocuments)
         for (qint32 r = 0; r < 200; r += 1 + qint32(gen() % 3))
             current.push_back(r);
         const auto subs = buildSubSelections(doc, options, current);
-        auto items = buildIndexItems(doc, options);
+        auto items = buildIndexItems(doc, BlockCatalogue(doc), options);
         items.push_back({IndexItem::Block, 2, QStringLiteral("items")});
-        const auto values = calculateIndexValues(doc, subs, items);
+        const auto values = calculateIndexValues(doc, BlockCatalogue(doc), subs, items);
         ASSERT_EQ(values.size(), subs.size() * items.size());
         for (std::size_t s = 0; s < subs.size(); ++s)
             for (std::size_t i = 0; i < items.size(); ++i) {
                 double expected = items[i].kind == IndexItem::Total ? calculateTotalIndex(doc, subs[s].rows)
-                    : items[i].kind == IndexItem::Block ? calculateBlockIndex(doc, items[i].number, subs[s].rows)
-                                                        : calculateColumnsIndex(doc, {items[i].number}, subs[s].rows);
+                    : items[i].kind == IndexItem::Block
+                    ? calculateBlockIndex(doc, BlockCatalogue(doc), items[i].number, subs[s].rows)
+                    : calculateColumnsIndex(doc, {items[i].number}, subs[s].rows);
                 if (subs[s].rows.empty())
                     expected = NoIndexValue;
                 else if (qint32(subs[s].rows.size()) < 3)
@@ -144,10 +145,11 @@ TEST(IndexExport, CancelLeavesNothing)
     options.subSelTotal = true;
     options.indexFor[IndexExportOptions::ForQuestions] = true;
     qint32 calls = 0;
-    const QString text = exportIndexes(doc, QStringLiteral("s"), allRows(doc), options, QLocale::c(), [&](qint32 done) {
-        ++calls;
-        return done < 2;
-    });
+    const QString text = exportIndexes(doc, BlockCatalogue(doc), QStringLiteral("s"), allRows(doc), options,
+                                       QLocale::c(), [&](qint32 done) {
+                                           ++calls;
+                                           return done < 2;
+                                       });
     EXPECT_TRUE(text.isEmpty());
     EXPECT_EQ(calls, 2);
 }
@@ -184,6 +186,6 @@ TEST(IndexExport, MaskedGroupsCannotBeRecoveredFromTheTotal)
     options.indexFor[IndexExportOptions::ForTotal] = true;
     RowList everyone(57);
     std::iota(everyone.begin(), everyone.end(), 0);
-    EXPECT_EQ(exportIndexes(doc, QStringLiteral("Sel"), everyone, options, QLocale::c()),
+    EXPECT_EQ(exportIndexes(doc, BlockCatalogue(doc), QStringLiteral("Sel"), everyone, options, QLocale::c()),
               QStringLiteral("Sel\tAnswers\tTotal\r\nTotal\t57\t3.0\r\nUnit: North\t52\t---\r\nUnit: South\t5\t---"));
 }

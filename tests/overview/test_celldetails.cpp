@@ -15,6 +15,9 @@ TEST(CellDetails, AnswerCellHeaderLineAndOutside)
     // list is the share of Good answers in it.
     auto doc = test::navigatorSurvey({.pointsScale = 100});
     ASSERT_TRUE(doc);
+    const BlockCatalogue blocks(*doc);
+    FlexTotal flex;
+    flex.reset(*doc, blocks);
     const qint32 mood = doc->overviewColumns.at(0);
     const RowList rows{0, 1, 2, 3}; // two Good of four
 
@@ -22,7 +25,7 @@ TEST(CellDetails, AnswerCellHeaderLineAndOutside)
     cell.place = SheetPlace::AnswerCell;
     cell.question = mood;
     cell.row = 3;
-    CellDetails d = cellDetails(*doc, cell, doc->overviewColumns, rows);
+    CellDetails d = cellDetails(*doc, blocks, flex, cell, doc->overviewColumns, rows);
     EXPECT_TRUE(d.onQuestion && d.answerText == QStringLiteral("Good"));
     EXPECT_DOUBLE_EQ(d.respondentIndex, 1.0) << "respondent 3 answered Good";
     EXPECT_DOUBLE_EQ(d.questionIndex, 0.5);
@@ -33,21 +36,23 @@ TEST(CellDetails, AnswerCellHeaderLineAndOutside)
     SheetHit header = cell;
     header.place = SheetPlace::CodeLine;
     header.row = -1;
-    d = cellDetails(*doc, header, doc->overviewColumns, rows);
+    d = cellDetails(*doc, blocks, flex, header, doc->overviewColumns, rows);
     EXPECT_TRUE(d.answerText.isEmpty() && d.respondentIndex == -1.0);
     EXPECT_DOUBLE_EQ(d.questionIndex, 0.5);
 
     SheetHit beyond = cell;
     beyond.question = 99;
-    EXPECT_FALSE(cellDetails(*doc, beyond, doc->overviewColumns, rows).onQuestion);
+    EXPECT_FALSE(cellDetails(*doc, blocks, flex, beyond, doc->overviewColumns, rows).onQuestion);
     beyond = cell;
     beyond.row = 20; // past the last row: no answer, no respondent
-    d = cellDetails(*doc, beyond, doc->overviewColumns, rows);
+    d = cellDetails(*doc, blocks, flex, beyond, doc->overviewColumns, rows);
     EXPECT_TRUE(d.answerText.isEmpty());
     EXPECT_EQ(d.respondentIndex, -1.0);
 
     auto noIndexes = test::navigatorSurvey({.pointsScale = 0});
-    EXPECT_FALSE(cellDetails(*noIndexes, cell, noIndexes->overviewColumns, rows).onQuestion);
+    EXPECT_FALSE(
+        cellDetails(*noIndexes, BlockCatalogue(*noIndexes), FlexTotal(), cell, noIndexes->overviewColumns, rows)
+            .onQuestion);
 }
 
 TEST(CellDetails, IndexLineAndRunsSkipColumnsWithoutValues)

@@ -46,21 +46,21 @@ TEST(SubSheet, RefusalsAndThresholds)
 {
     Document doc = sheetDocument();
     FlexTotal flex;
-    flex.reset(doc);
+    flex.reset(doc, BlockCatalogue(doc));
     RowRandom random(1);
     SelectionMatrix selection = fullSelection(doc);
 
     selection.set(0, 0, false);
     selection.set(0, 1, false);
     selection.set(0, 2, false);
-    SubSheet sheet = createSubSheet(doc, selection, flex, 0, random);
+    SubSheet sheet = createSubSheet(doc, BlockCatalogue(doc), selection, flex, 0, random);
     EXPECT_EQ(sheet.outcome, SubSheetOutcome::NoAnswers);
     EXPECT_EQ(showRefusalMessage(doc, sheet.outcome, false),
               QStringLiteral("There are no answers matching the selection criterias!"));
     EXPECT_TRUE(sheet.rows.empty());
 
     selection.set(0, 2, true); // West: 2 respondents, below the graph minimum of 3
-    sheet = createSubSheet(doc, selection, flex, 0, random);
+    sheet = createSubSheet(doc, BlockCatalogue(doc), selection, flex, 0, random);
     EXPECT_EQ(sheet.outcome, SubSheetOutcome::TooSmall);
     EXPECT_EQ(showRefusalMessage(doc, sheet.outcome, true), QStringLiteral("Too few!")); // the document's words
     // West has privacy-counted options below the minimum in the other
@@ -68,14 +68,14 @@ TEST(SubSheet, RefusalsAndThresholds)
     EXPECT_EQ(sheet.steps.splitNotAllowed, (std::vector<bool>{true, false}));
 
     doc.properties.minimumGraphSelection = 2; // exactly the minimum is shown
-    sheet = createSubSheet(doc, selection, flex, 0, random);
+    sheet = createSubSheet(doc, BlockCatalogue(doc), selection, flex, 0, random);
     EXPECT_EQ(sheet.outcome, SubSheetOutcome::Ok);
     EXPECT_EQ(sheet.rows, (RowList{0, 1}));
     EXPECT_FALSE(sheet.dataRowsAllowed); // 2 < minimum selection 5
     EXPECT_EQ(sheet.displayedLines(300), 0);
 
     selection.fill(true);
-    sheet = createSubSheet(doc, selection, flex, 0, random);
+    sheet = createSubSheet(doc, BlockCatalogue(doc), selection, flex, 0, random);
     EXPECT_EQ(sheet.displayedLines(7), 7);
     // The sheet's own total index over all 20 rows, scale 1.
     EXPECT_DOUBLE_EQ(sheet.totalIndex, (4 * 10 + 10) / 40.0); // Score and Other pooled
@@ -85,7 +85,7 @@ TEST(SubSheet, SelectionTextAndDifferenceFromTheFlexTotal)
 {
     Document doc = sheetDocument();
     FlexTotal flex;
-    flex.reset(doc);
+    flex.reset(doc, BlockCatalogue(doc));
     SelectionMatrix selection = fullSelection(doc);
     SelectionSteps steps = selectionSteps(doc, selection, flex);
     EXPECT_EQ(steps.selectionText, QStringLiteral("Total"));
@@ -99,7 +99,7 @@ TEST(SubSheet, SelectionTextAndDifferenceFromTheFlexTotal)
     EXPECT_TRUE(steps.differentFromUsedTotal); // Age restricted
 
     // Unit ticked exactly as the flex options: no difference; Age restricted: a difference.
-    flex.setFlexTotal(doc, {true, false, true}, false);
+    flex.setFlexTotal(doc, BlockCatalogue(doc), {true, false, true}, false);
     selection.fill(true);
     selection.set(0, 1, false);
     EXPECT_FALSE(selectionSteps(doc, selection, flex).differentFromUsedTotal);

@@ -19,7 +19,7 @@ SheetInput sheetFor(Document &doc, const SelectionMatrix &selection, qint32 orde
 {
     FlexTotal flex;
     RowRandom random(7);
-    const SubSheet sheet = createSubSheet(doc, selection, flex, order, random);
+    const SubSheet sheet = createSubSheet(doc, BlockCatalogue(doc), selection, flex, order, random);
     EXPECT_EQ(sheet.outcome, SubSheetOutcome::Ok);
     SheetInput input;
     input.document = &doc;

@@ -29,7 +29,8 @@ Opened open(const UnitSurveyPermissions &p)
     o.doc = std::move(read.document);
     o.context.document = o.doc.get();
     o.context.base.model.setUpDimensions(*o.doc);
-    o.context.base.flex.reset(*o.doc);
+    o.context.base.blocks = BlockCatalogue(*o.doc);
+    o.context.base.flex.reset(*o.doc, o.context.base.blocks);
     return o;
 }
 

@@ -39,7 +39,8 @@ ReportBase baseOf(Document &doc)
 {
     ReportBase base;
     base.model.setUpDimensions(doc);
-    base.flex.reset(doc);
+    base.blocks = BlockCatalogue(doc);
+    base.flex.reset(doc, base.blocks);
     return base;
 }
 

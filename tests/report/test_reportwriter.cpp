@@ -23,7 +23,8 @@ Report unitReport()
     Document &doc = *read.document;
     ReportBase base;
     base.model.setUpDimensions(doc);
-    base.flex.reset(doc);
+    base.blocks = BlockCatalogue(doc);
+    base.flex.reset(doc, base.blocks);
     ReportRecipe recipe;
     recipe.units = ReportUnits::ByCategory;
     recipe.category = 0;

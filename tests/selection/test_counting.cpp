@@ -162,31 +162,33 @@ TEST(FlexTotal, TextsRowsAndIndexes)
     Document doc = navigatorDocument(false);
     doc.properties.minimumGraphSelection = 1;
     doc.questions[2].totalIndex = 0.25;
+    const BlockCatalogue blocks(doc);
     FlexTotal flex;
-    flex.reset(doc);
+    flex.reset(doc, blocks);
     // Role 0 and 2: rows answering them, named in option order.
-    flex.setFlexTotal(doc, {true, false, true}, false);
+    flex.setFlexTotal(doc, blocks, {true, false, true}, false);
     EXPECT_EQ(flex.text(), QStringLiteral("Role s0 & s2"));
     EXPECT_EQ(flex.rows(), (RowList{0, 2, 3, 5, 6, 8, 9, 11}));
-    EXPECT_DOUBLE_EQ(doc.questions[2].flexTotalIndex, (4 + 0 + 0 + 1 + 2 + 3 + 3 + 4) / 8.0);
-    EXPECT_DOUBLE_EQ(doc.properties.flexTotalIndex, doc.questions[2].flexTotalIndex);
+    EXPECT_DOUBLE_EQ(flex.questionIndex(2), (4 + 0 + 0 + 1 + 2 + 3 + 3 + 4) / 8.0);
+    EXPECT_DOUBLE_EQ(flex.totalIndex(), flex.questionIndex(2));
+    EXPECT_EQ(doc.questions[2].totalIndex, 0.25) << "the document keeps its own";
     // Back to every option: the stored total indexes, no recomputation.
-    flex.setFlexTotal(doc, {true, true, true}, true);
+    flex.setFlexTotal(doc, blocks, {true, true, true}, true);
     EXPECT_EQ(flex.text(), QStringLiteral("Total"));
-    EXPECT_EQ(doc.questions[2].flexTotalIndex, 0.25);
+    EXPECT_EQ(flex.questionIndex(2), 0.25);
 
     // Based on the current selection: named at once, rows at the next build.
-    flex.setFlexTotal(doc, {false, true, true}, true);
+    flex.setFlexTotal(doc, blocks, {false, true, true}, true);
     EXPECT_EQ(flex.text(), QStringLiteral("Current selection but Role s1 & s2"));
     SelectionMatrix selection = fullSelection(doc);
     selection.set(0, 3, false); // Unit without option 3
     selection.set(1, 1, false); // Role ticks in the selection give way to the flex options
-    flex.buildFlexTotalFromSelection(doc, selection);
+    flex.buildFlexTotalFromSelection(doc, blocks, selection);
     EXPECT_EQ(flex.rows(), (RowList{1, 2, 4, 5, 7}));
 
     // A flex total below the graph minimum hides every flex-total index.
     doc.properties.minimumGraphSelection = 6;
-    flex.buildFlexTotalFromSelection(doc, selection); // 5 rows
-    EXPECT_EQ(doc.properties.flexTotalIndex, -1.0);
-    EXPECT_EQ(doc.questions[2].flexTotalIndex, -1.0);
+    flex.buildFlexTotalFromSelection(doc, blocks, selection); // 5 rows
+    EXPECT_EQ(flex.totalIndex(), -1.0);
+    EXPECT_EQ(flex.questionIndex(2), -1.0);
 }

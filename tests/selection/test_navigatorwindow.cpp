@@ -35,11 +35,11 @@ protected:
     {
         mDoc = test::navigatorSurvey(o);
         ASSERT_TRUE(mDoc);
-        mFlex.reset(*mDoc);
+        mFlex.reset(*mDoc, BlockCatalogue(*mDoc));
         NavigatorActions actions;
         // The main window's Show: the engine's, on the navigator's edits.
         actions.show = [this](SelectionModel &model) {
-            const SubSheet sheet = showSelection(*mDoc, model, mFlex, RowOrderOriginal, mRandom);
+            const SubSheet sheet = showSelection(*mDoc, BlockCatalogue(*mDoc), model, mFlex, RowOrderOriginal, mRandom);
             return showRefusalMessage(*mDoc, sheet.outcome, false);
         };
         actions.showRefusal = [this](const QString &message) { mRefusals << message; };

@@ -183,13 +183,12 @@ TEST_F(NavigatorWiringTest, ShowBuildsOrRefusesThroughTheMainWindow)
 {
     open({.pointsScale = 100}); // two decimals
     NavigatorWindow *nav = mWindow->navigator();
-    const Document *doc = mWindow->document();
     // Boss out of the flex total: the detail window shows the narrowed total.
     nav->flexList()->item(1)->setSelected(false);
     nav->applySelection();
     EXPECT_EQ(mWindow->session().flexTotal().rowCount(), 10);
     // Staff are the even rows; every third of them answered Good: 4 of 10.
-    EXPECT_NEAR(doc->properties.flexTotalIndex, 0.4, 1e-9);
+    EXPECT_NEAR(mWindow->session().flexTotal().totalIndex(), 0.4, 1e-9);
     EXPECT_EQ(mWindow->detailWindow()->indexValue(4, true), QLocale().toString(0.4, 'f', 2));
 
     tick("A1-1"); // Boss only

@@ -32,12 +32,12 @@ Shown show(Document &doc, const std::function<void(SelectionModel &)> &edit)
     SelectionModel model;
     model.setUpDimensions(doc);
     FlexTotal flex;
-    flex.reset(doc);
+    flex.reset(doc, BlockCatalogue(doc));
     edit(model);
     Shown shown;
     shown.recount = model.recount(doc);
     RowRandom random(7);
-    shown.sheet = showSelection(doc, model, flex, RowOrderOriginal, random);
+    shown.sheet = showSelection(doc, BlockCatalogue(doc), model, flex, RowOrderOriginal, random);
     shown.flexRows = flex.rowCount();
     return shown;
 }
@@ -154,9 +154,10 @@ TEST(ShowDecision, RefusalsNameTheirReasonAndCarryNothing)
     SelectionMatrix selection = fullSelection(*doc);
     selection.set(Unit, Small, false);
     FlexTotal flex;
-    flex.reset(*doc);
+    flex.reset(*doc, BlockCatalogue(*doc));
     RowRandom random(3);
-    EXPECT_EQ(createSubSheet(*doc, selection, flex, RowOrderOriginal, random).outcome, SubSheetOutcome::Blocked);
+    EXPECT_EQ(createSubSheet(*doc, BlockCatalogue(*doc), selection, flex, RowOrderOriginal, random).outcome,
+              SubSheetOutcome::Blocked);
 }
 
 // A blocked flex total leaves the flex total as it was: the figures the
@@ -167,13 +168,14 @@ TEST(ShowDecision, ARefusedFlexTotalIsNotApplied)
     SelectionModel model;
     model.setUpDimensions(*doc);
     FlexTotal flex;
-    flex.reset(*doc);
-    const double everyone = doc->properties.flexTotalIndex;
+    flex.reset(*doc, BlockCatalogue(*doc));
+    const double everyone = flex.totalIndex();
     flexUnits(model, {Alpha, Beta});
     RowRandom random(1);
-    EXPECT_EQ(showSelection(*doc, model, flex, RowOrderOriginal, random).outcome, SubSheetOutcome::FlexTotalBlocked);
+    EXPECT_EQ(showSelection(*doc, BlockCatalogue(*doc), model, flex, RowOrderOriginal, random).outcome,
+              SubSheetOutcome::FlexTotalBlocked);
     EXPECT_EQ(flex.rowCount(), doc->rowCount());
-    EXPECT_EQ(doc->properties.flexTotalIndex, everyone);
+    EXPECT_EQ(flex.totalIndex(), everyone);
 
     // Based on the current selection the left-out group is counted within
     // it: Young (20 of Alpha) with the flex total Alpha & Beta leaves nobody
@@ -182,7 +184,8 @@ TEST(ShowDecision, ARefusedFlexTotalIsNotApplied)
     model.setOptionChecked(1, 0, true);
     model.setFlexBasedOnCurrentSelection(true);
     EXPECT_FALSE(model.recount(*doc).flexShaded);
-    EXPECT_EQ(showSelection(*doc, model, flex, RowOrderOriginal, random).outcome, SubSheetOutcome::Ok);
+    EXPECT_EQ(showSelection(*doc, BlockCatalogue(*doc), model, flex, RowOrderOriginal, random).outcome,
+              SubSheetOutcome::Ok);
     EXPECT_EQ(flex.rowCount(), 20);
 }
 

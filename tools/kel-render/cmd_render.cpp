@@ -86,7 +86,7 @@ bool splitGraphCommandLine(const QStringList &args, QStringList &graphArgs, QStr
     return graph;
 }
 
-int renderGraph(const Document &base, const QStringList &graphArgs, const QString &outputPath, CommandOutput &output)
+int renderGraph(const Document &doc, const QStringList &graphArgs, const QString &outputPath, CommandOutput &output)
 {
     if (outputPath.isEmpty() || !pictureFormatForFileName(outputPath)) {
         output.err +=
@@ -97,7 +97,7 @@ int renderGraph(const Document &base, const QStringList &graphArgs, const QStrin
         return UsageError;
     }
     MadeGraph graph;
-    if (const int status = makeGraph(base, graphArgs, graph, output); status != 0)
+    if (const int status = makeGraph(doc, graphArgs, graph, output); status != 0)
         return status;
     std::optional<Picture> picture =
         graph.chart ? chartPicture(*graph.chart, DefaultChartPictureSize) : basicGraphDefaultPicture(*graph.basic);
@@ -125,19 +125,18 @@ SheetMode modeFor(int mode, PictureFormat format)
 
 } // namespace
 
-int renderCommand(const Document &base, const QStringList &args, CommandOutput &output)
+int renderCommand(const Document &doc, const QStringList &args, CommandOutput &output)
 {
     QStringList graphArgs;
     QString graphOutput;
     if (splitGraphCommandLine(args, graphArgs, graphOutput))
-        return renderGraph(base, graphArgs, graphOutput, output);
+        return renderGraph(doc, graphArgs, graphOutput, output);
     RenderArgs options;
     QString error = parse(args, options);
     if (!error.isEmpty()) {
         output.err += QStringLiteral("kel render: %1\n").arg(error) + usageOf(QStringLiteral("render"));
         return UsageError;
     }
-    Document doc = base;
     const std::optional<ShownSelection> shown = showFromArgs(doc, options.selection, error);
     if (!shown) {
         output.err += QStringLiteral("kel render: %1\n").arg(error);

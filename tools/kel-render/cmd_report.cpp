@@ -40,7 +40,7 @@ bool numberList(const QString &text, std::vector<qint32> &out)
 
 } // namespace
 
-int reportCommand(const Document &base, const QStringList &args, CommandOutput &output)
+int reportCommand(const Document &doc, const QStringList &args, CommandOutput &output)
 {
     SelectionArgs selection;
     QString recipeFile, output_, sections, blocks, date;
@@ -117,23 +117,22 @@ int reportCommand(const Document &base, const QStringList &args, CommandOutput &
         recipe.date = date;
     if (recipe.sections.empty())
         return usageError(output, QStringLiteral("no sections: give --sections or a recipe with them"));
-    if (recipe.split >= 0 && std::size_t(recipe.split) >= base.questions.size())
+    if (recipe.split >= 0 && std::size_t(recipe.split) >= doc.questions.size())
         return usageError(output, QStringLiteral("the document has no question %1").arg(recipe.split));
 
-    if (reportEntirelyForbidden(base.properties, recipe)) {
+    if (reportEntirelyForbidden(doc.properties, recipe)) {
         output.err += QStringLiteral("kel report: %1\n").arg(reportForbiddenMessage(selection.isSwedish));
         return Refused;
     }
-    Document doc = base;
     std::optional<ShownSelection> shown = showFromArgs(doc, selection, error);
     if (!shown)
         return usageError(output, error);
     for (const QString &problem : shown->blockProblems)
         output.err += QStringLiteral("kel report: settings: %1 (left out)\n").arg(problem);
     for (qint32 b : recipe.blocks)
-        if (std::size_t(b) >= doc.blocks.size())
+        if (!shown->blocks.blockAt(b))
             return usageError(output, QStringLiteral("the document has no block %1").arg(b));
-    const ReportBase start{shown->model, shown->flex};
+    const ReportBase start{shown->model, shown->flex, shown->blocks};
     ReportPlanError planError;
     const std::optional<std::vector<ReportUnitPlan>> plans = planReportUnits(doc, start, recipe, planError);
     if (!plans)

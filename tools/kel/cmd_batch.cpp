@@ -48,9 +48,8 @@ std::string runLine(const Document &doc, const QString &documentPath, const QStr
             + usageOf(QStringLiteral("batch"));
         return batchAnswer(line, status, QString(), error);
     }
-    // Every command gets the document as read: the commands that change
-    // their document (Show stores the flex total's indexes in it) do so on
-    // their own copy, which shares the answer matrix's buffer.
+    // Every command reads the one document as read; what a Show changes
+    // (blocks, flex total) lives in the command's own objects.
     CommandOutput output;
     status = command(doc, words, output);
     return batchAnswer(line, status, output.out, output.err);

@@ -95,8 +95,9 @@ int basicGraphKind(const GraphInput &in, qint32 kind, MadeGraph &graph, CommandO
     if (error.isEmpty() && hasSplit && !hasQuestion)
         error = QStringLiteral("--split goes with --question");
     const Document &doc = in.doc;
-    if (error.isEmpty() && hasBlock && (block < 0 || std::size_t(block) >= doc.blocks.size()))
-        error = QStringLiteral("the document has no block %1 (it has %2)").arg(block).arg(doc.blocks.size());
+    const BlockCatalogue &blocks = in.shown.blocks;
+    if (error.isEmpty() && hasBlock && !blocks.blockAt(block))
+        error = QStringLiteral("the document has no block %1 (it has %2)").arg(block).arg(blocks.size());
     for (qint32 q : {question, split}) {
         if (error.isEmpty() && q != -1 && (q < 0 || std::size_t(q) >= doc.questions.size()))
             error = QStringLiteral("the document has no question %1 (it has %2)").arg(q).arg(doc.questions.size());
@@ -111,8 +112,8 @@ int basicGraphKind(const GraphInput &in, qint32 kind, MadeGraph &graph, CommandO
     BasicGraphRequest request;
     request.kind = kind;
     if (hasBlock) {
-        request.questions = blockGraphQuestions(doc, block);
-        request.name = doc.blocks[std::size_t(block)].name;
+        request.questions = blockGraphQuestions(doc, blocks, block);
+        request.name = blocks.blocks[std::size_t(block)].name;
         request.block = block;
         request.showTotalIndex = differs;
         if (request.questions.empty()) {
@@ -138,7 +139,7 @@ int basicGraphKind(const GraphInput &in, qint32 kind, MadeGraph &graph, CommandO
     selection.valueOrderReversed = in.args.reversed;
     selection.shortCategoryNames = in.args.shortNames;
     selection.locale = in.args.selection.locale;
-    const BasicGraphResult result = generateBasicGraph(doc, request, selection);
+    const BasicGraphResult result = generateBasicGraph(doc, blocks, in.shown.flex, request, selection);
     switch (result.outcome) {
     case BasicGraphOutcome::Ok: break;
     case BasicGraphOutcome::SplitNotAllowed:
@@ -182,7 +183,7 @@ const GraphKindEntry GraphKinds[] = {
 
 } // namespace
 
-int makeGraph(const Document &base, const QStringList &args, MadeGraph &graph, CommandOutput &output)
+int makeGraph(const Document &doc, const QStringList &args, MadeGraph &graph, CommandOutput &output)
 {
     QString error;
     const std::optional<GraphArgs> parsed = parseGraphArgs(args, error);
@@ -196,7 +197,6 @@ int makeGraph(const Document &base, const QStringList &args, MadeGraph &graph, C
     if (!entry)
         return usageError(output, QStringLiteral("unknown graph kind '%1'").arg(parsed->kind));
 
-    Document doc = base;
     std::optional<ShownSelection> shown;
     if (const int status = showForGraph(doc, *parsed, shown, output); status != 0)
         return status;

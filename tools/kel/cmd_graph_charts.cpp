@@ -114,7 +114,7 @@ int makeChartGraph(const Document &doc, const ShownSelection &shown, const QStri
     context.graphLegends = 6;
 
     const qint32 questions = qint32(doc.questions.size());
-    const qint32 blocks = qint32(doc.blocks.size());
+    const qint32 blocks = shown.blocks.size();
     const qint32 categories = qint32(doc.categories.size());
     QString error;
     const auto fail = [&](const QString &message) {
@@ -141,8 +141,8 @@ int makeChartGraph(const Document &doc, const ShownSelection &shown, const QStri
         if (!error.isEmpty())
             return fail(error);
         if (block >= 0) {
-            request.questions = blockGraphQuestions(doc, block);
-            request.titleText = doc.blocks[std::size_t(block)].name;
+            request.questions = blockGraphQuestions(doc, shown.blocks, block);
+            request.titleText = shown.blocks.blocks[std::size_t(block)].name;
             if (request.questions.empty()) {
                 output.err += QStringLiteral("The block did not contain any questions!\n");
                 return Refused;
@@ -247,9 +247,9 @@ int makeChartGraph(const Document &doc, const ShownSelection &shown, const QStri
         request.useQuestionsInsteadOfBlocks = total && questionsWanted;
         request.title = total
             ? totalIndexGraphTitle(doc, request.includeMainIndex, blocksWanted, questionsWanted, request.splitQuestion)
-            : blockIndexGraphTitle(doc, request.block, request.includeMainIndex, questionsWanted,
+            : blockIndexGraphTitle(doc, shown.blocks, request.block, request.includeMainIndex, questionsWanted,
                                    request.splitQuestion);
-        chart = generateIndexGraph(doc, context, request);
+        chart = generateIndexGraph(doc, shown.blocks, shown.flex, context, request);
         return 0;
     }
     return fail(QStringLiteral("unknown kind '%1'").arg(kind));

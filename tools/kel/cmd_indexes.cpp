@@ -34,7 +34,7 @@ bool parseItems(const QString &list, IndexExportOptions &options, QString &error
 
 } // namespace
 
-int indexesCommand(const Document &base, const QStringList &args, CommandOutput &output)
+int indexesCommand(const Document &doc, const QStringList &args, CommandOutput &output)
 {
     SelectionArgs selection;
     IndexExportOptions options;
@@ -70,7 +70,6 @@ int indexesCommand(const Document &base, const QStringList &args, CommandOutput 
         return UsageError;
     }
 
-    Document doc = base;
     for (qint32 q : options.subSelCategories) {
         if (q < 0 || q >= qint32(doc.questions.size()) || !doc.questions[std::size_t(q)].isCategory) {
             output.err += (QStringLiteral("kel indexes: question %1 is not a category question\n").arg(q));
@@ -101,7 +100,8 @@ int indexesCommand(const Document &base, const QStringList &args, CommandOutput 
                           .arg(showRefusalMessage(doc, SubSheetOutcome::TooSmall, selection.isSwedish));
         return Refused;
     }
-    output.out += (exportIndexes(doc, shown->sheet.steps.selectionText, shown->sheet.rows, options, selection.locale));
+    output.out += (exportIndexes(doc, shown->blocks, shown->sheet.steps.selectionText, shown->sheet.rows, options,
+                                 selection.locale));
     return 0;
 }
 

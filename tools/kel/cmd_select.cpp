@@ -30,7 +30,7 @@ void writeArray(JsonWriter &json, const char *name, const Container &values)
 
 } // namespace
 
-int selectCommand(const Document &base, const QStringList &args, CommandOutput &output)
+int selectCommand(const Document &doc, const QStringList &args, CommandOutput &output)
 {
     SelectionArgs options;
     qint32 maxRows = 300;
@@ -52,7 +52,6 @@ int selectCommand(const Document &base, const QStringList &args, CommandOutput &
         return UsageError;
     }
 
-    Document doc = base;
     std::optional<ShownSelection> shown = showFromArgs(doc, options, error);
     if (!shown) {
         output.err += (QStringLiteral("kel select: %1\n").arg(error));
@@ -116,7 +115,7 @@ int selectCommand(const Document &base, const QStringList &args, CommandOutput &
     json.member("flexRowsShown", flexRowsShown);
     writeArray(json, "flexRows", flexRowsShown ? shown->flex.rows() : RowList());
     json.member("flexText", shown->flex.text());
-    json.member("flexTotalIndex", doc.properties.flexTotalIndex);
+    json.member("flexTotalIndex", shown->flex.totalIndex());
     json.member("totalIndex", sheet.totalIndex);
     json.key("cells");
     json.beginArray();

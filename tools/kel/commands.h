@@ -45,8 +45,7 @@ struct CommandOutput {
 
 /// A command that works on a document already read and checked. `args` are
 /// the command's arguments without FILE; the return value is the exit status.
-/// Commands that change the document (Show stores the flex total's index in
-/// it) work on their own copy, so one read serves any number of commands.
+/// The document is never changed, so one read serves any number of commands.
 using DocumentCommand = int (*)(const Document &doc, const QStringList &args, CommandOutput &output);
 
 /// Runs a document command from the process's command line: FILE is the

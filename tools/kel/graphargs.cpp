@@ -32,7 +32,8 @@ std::optional<GraphArgs> parseGraphArgs(const QStringList &args, QString &error)
     return std::nullopt;
 }
 
-int showForGraph(Document &doc, const GraphArgs &args, std::optional<ShownSelection> &shown, CommandOutput &output)
+int showForGraph(const Document &doc, const GraphArgs &args, std::optional<ShownSelection> &shown,
+                 CommandOutput &output)
 {
     QString error;
     shown = showFromArgs(doc, args.selection, error);

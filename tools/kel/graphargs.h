@@ -32,7 +32,7 @@ std::optional<GraphArgs> parseGraphArgs(const QStringList &args, QString &error)
 
 /// The selection after Show, for a graph kind to compute from.
 struct GraphInput {
-    Document &doc; ///< a copy the Show may change (flex-total indexes)
+    const Document &doc;
     const GraphArgs &args;
     const ShownSelection &shown;
 };
@@ -40,7 +40,8 @@ struct GraphInput {
 /// Runs Show for the common options. A refusal is written to `output.err`
 /// and returns Refused; a bad option returns UsageError; on
 /// success returns 0 and fills `shown`.
-int showForGraph(Document &doc, const GraphArgs &args, std::optional<ShownSelection> &shown, CommandOutput &output);
+int showForGraph(const Document &doc, const GraphArgs &args, std::optional<ShownSelection> &shown,
+                 CommandOutput &output);
 
 /// A graph as its window would be handed it: one of the two.
 struct MadeGraph {
@@ -52,7 +53,7 @@ struct MadeGraph {
 /// on the selection options, then KIND with its options. 0 and `graph`
 /// filled, or the exit status (Refused, UsageError) with the message in
 /// `output.err`.
-int makeGraph(const Document &base, const QStringList &args, MadeGraph &graph, CommandOutput &output);
+int makeGraph(const Document &doc, const QStringList &args, MadeGraph &graph, CommandOutput &output);
 
 /// Reads a number option's value at args[i + 1]; false (and `error`) when
 /// it is missing or not a number.

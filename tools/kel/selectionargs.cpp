@@ -138,7 +138,12 @@ bool takeSelectionOption(const QStringList &args, qsizetype &i, SelectionArgs &o
     return true;
 }
 
-bool applyStoredBlocks(Document &doc, const QString &settingsFile, QStringList &problems, QString &error)
+namespace {
+
+// Appends the user blocks that `settingsFile` keeps for `doc`, as the viewer
+// does when it opens the document; the file is only read.
+bool applyStoredBlocks(const Document &doc, BlockCatalogue &catalogue, const QString &settingsFile,
+                       QStringList &problems, QString &error)
 {
     if (!QFileInfo(settingsFile).isFile()) {
         error = QStringLiteral("--settings: no such file '%1'").arg(settingsFile);
@@ -147,17 +152,21 @@ bool applyStoredBlocks(Document &doc, const QString &settingsFile, QStringList &
     SettingsLocation location;
     location.file = settingsFile;
     SettingsStore store(location);
-    problems = restoreUserBlocks(doc, store, false).problems;
+    problems = restoreUserBlocks(doc, catalogue, store, false).problems;
     return true;
 }
 
-std::optional<ShownSelection> showFromArgs(Document &doc, const SelectionArgs &args, QString &error)
+} // namespace
+
+std::optional<ShownSelection> showFromArgs(const Document &doc, const SelectionArgs &args, QString &error)
 {
     ShownSelection shown;
-    if (!args.settingsFile.isEmpty() && !applyStoredBlocks(doc, args.settingsFile, shown.blockProblems, error))
+    shown.blocks = BlockCatalogue(doc);
+    if (!args.settingsFile.isEmpty()
+        && !applyStoredBlocks(doc, shown.blocks, args.settingsFile, shown.blockProblems, error))
         return std::nullopt;
     shown.model.setUpDimensions(doc);
-    shown.flex.reset(doc);
+    shown.flex.reset(doc, shown.blocks);
     if (args.hasSelect && !applySelectSpec(doc, shown.model, args.selectSpec, args.isSwedish, error))
         return std::nullopt;
     if (args.hasFlex && !applyFlexSpec(doc, shown.model, args.flexSpec, args.isSwedish, error))
@@ -172,7 +181,7 @@ std::optional<ShownSelection> showFromArgs(Document &doc, const SelectionArgs &a
     // never drawn from a seed given on the command line.
     const bool forced = documentForcesRandomOrder(doc.properties, shown.recount.count);
     RowRandom random(args.seed && !forced ? *args.seed : quint64(QDateTime::currentMSecsSinceEpoch()));
-    shown.sheet = kel::showSelection(doc, shown.model, shown.flex, args.order, random);
+    shown.sheet = kel::showSelection(doc, shown.blocks, shown.model, shown.flex, args.order, random);
     const QString message = showRefusalMessage(doc, shown.sheet.outcome, args.isSwedish);
     switch (shown.sheet.outcome) {
     case SubSheetOutcome::Ok: break;

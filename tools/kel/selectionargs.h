@@ -3,6 +3,7 @@
 // Show sequence they both run: tick, set the flex total, build the overview.
 #pragma once
 
+#include "engine/document/blockcatalogue.h"
 #include "engine/document/document.h"
 #include "engine/overview/subsheet.h"
 #include "engine/selection/flextotal.h"
@@ -53,19 +54,16 @@ struct Refusal {
     QString message;
 };
 
-/// The navigator, the flex total and the overview after one Show.
+/// The navigator, the blocks, the flex total and the overview after one Show.
 struct ShownSelection {
     SelectionModel model;
     RecountResult recount;
+    /// The document's blocks and the user blocks of --settings.
+    BlockCatalogue blocks;
     FlexTotal flex;
     SubSheet sheet;
     /// Damaged values of the settings file's user blocks, left out.
     QStringList blockProblems;
-
-    /// Appends the user blocks that `settingsFile` keeps for `doc`, as the
-    /// viewer does when it opens the document; the file is only read. False
-    /// with `error` set when the file does not exist.
-    bool applyStoredBlocks(Document &doc, const QString &settingsFile, QStringList &problems, QString &error);
 
     /// Set when Show would be disabled or the overview build refuses; then
     /// nothing of the selection (counts, rows, indexes) may be printed.
@@ -78,6 +76,6 @@ struct ShownSelection {
 /// refusal is set; otherwise Show runs and builds the overview, whose own
 /// refusal is taken over. On a bad --select or --flex value returns
 /// nothing and sets `error`.
-std::optional<ShownSelection> showFromArgs(Document &doc, const SelectionArgs &args, QString &error);
+std::optional<ShownSelection> showFromArgs(const Document &doc, const SelectionArgs &args, QString &error);
 
 } // namespace kel::cli

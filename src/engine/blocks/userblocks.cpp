@@ -29,10 +29,10 @@ qint32 blockNumberOf(const QString &keyName)
 
 /// The member questions of block `block` listed as block items, in question
 /// order, each once.
-QuestionList listedMembers(const Document &doc, qint32 block)
+QuestionList listedMembers(const BlockCatalogue &catalogue, qint32 block)
 {
     QuestionList members;
-    for (const BlockItem &item : doc.blockItems)
+    for (const BlockItem &item : catalogue.items)
         if (item.block == block)
             members.push_back(item.question);
     std::sort(members.begin(), members.end());
@@ -64,19 +64,10 @@ Block makeUserBlock(const QString &name, bool includeInCopy)
     block.memberRule = false;
     block.linkedBlock = -1;
     block.totalIndex = -1.0;
-    block.flexTotalIndex = -1.0;
     block.graphFlags = 3;
     block.fromDocument = false;
     block.includeInCopy = includeInCopy;
     return block;
-}
-
-qint32 documentBlockCount(const Document &doc)
-{
-    qint32 n = 0;
-    while (std::size_t(n) < doc.blocks.size() && doc.blocks[std::size_t(n)].fromDocument)
-        ++n;
-    return n;
 }
 
 QString joinMembers(const QuestionList &members)
@@ -88,7 +79,7 @@ QString joinMembers(const QuestionList &members)
     return parts.join(QLatin1Char('|'));
 }
 
-UserBlockRestore restoreUserBlocks(Document &doc, SettingsStore &store, bool mayWrite)
+UserBlockRestore restoreUserBlocks(const Document &doc, BlockCatalogue &catalogue, SettingsStore &store, bool mayWrite)
 {
     UserBlockRestore result;
     const QString key = SettingsStore::documentKey(doc.guidText());
@@ -107,7 +98,7 @@ UserBlockRestore restoreUserBlocks(Document &doc, SettingsStore &store, bool may
     present.erase(std::unique(present.begin(), present.end()), present.end());
     const qint32 highestKey = present.empty() ? -1 : present.back();
 
-    const qint32 documentBlocks = qint32(doc.blocks.size());
+    const qint32 documentBlocks = catalogue.size();
     const std::optional<qint32> stored = store.readDword(key, str(blockstore::BlockItems));
     qint32 count = highestKey + 1;
     if (!stored || *stored < 0)
@@ -136,7 +127,7 @@ UserBlockRestore restoreUserBlocks(Document &doc, SettingsStore &store, bool may
         if (b < documentBlocks) {
             // The store may know fewer blocks than the document has.
             if (const std::optional<bool> include = store.readBoolean(k, str(blockstore::IncludeInCopy)))
-                doc.blocks[std::size_t(b)].includeInCopy = *include;
+                catalogue.blocks[std::size_t(b)].includeInCopy = *include;
             else
                 result.problems << QStringLiteral("%1: \"%2\" is not a yes/no value")
                                        .arg(blockKeyName(b), str(blockstore::IncludeInCopy));
@@ -149,7 +140,7 @@ UserBlockRestore restoreUserBlocks(Document &doc, SettingsStore &store, bool may
             result.problems << QStringLiteral("%1 has no name").arg(blockKeyName(b));
             continue;
         }
-        const bool taken = std::any_of(doc.blocks.begin(), doc.blocks.end(),
+        const bool taken = std::any_of(catalogue.blocks.begin(), catalogue.blocks.end(),
                                        [&](const Block &other) { return sameName(other.name, name); });
         if (taken) {
             result.problems << QStringLiteral("%1: the name \"%2\" is used twice").arg(blockKeyName(b), name);
@@ -184,40 +175,37 @@ UserBlockRestore restoreUserBlocks(Document &doc, SettingsStore &store, bool may
         for (qint32 q : members)
             flags |= doc.questions[std::size_t(q)].graphFlags;
         block.graphFlags = flags;
-        const qint32 number = qint32(doc.blocks.size());
-        doc.blocks.push_back(block);
+        const qint32 number = catalogue.size();
+        catalogue.blocks.push_back(block);
         for (qint32 q : members)
-            doc.blockItems.push_back({number, q});
+            catalogue.items.push_back({number, q});
         ++result.added;
     }
     reportMissing(expected, count - 1);
 
-    if (doc.properties.pointsScale > 0) {
-        for (std::size_t b = std::size_t(documentBlocks); b < doc.blocks.size(); ++b) {
-            Block &block = doc.blocks[b];
-            block.totalIndex = calculateBlockTotalIndex(doc, qint32(b));
-            block.flexTotalIndex = block.totalIndex;
-        }
-    }
+    if (doc.properties.pointsScale > 0)
+        for (qint32 b = documentBlocks; b < catalogue.size(); ++b)
+            catalogue.blocks[std::size_t(b)].totalIndex = calculateBlockTotalIndex(doc, catalogue, b);
     if (!result.problems.isEmpty() && mayWrite)
-        result.repaired = storeUserBlocks(doc, store);
+        result.repaired = storeUserBlocks(doc, catalogue, store);
     return result;
 }
 
-bool storeUserBlocks(const Document &doc, SettingsStore &store)
+bool storeUserBlocks(const Document &doc, const BlockCatalogue &catalogue, SettingsStore &store)
 {
     if (store.policies().noSaveSettings || !store.isWritable())
         return false;
     const QString key = SettingsStore::documentKey(doc.guidText());
-    const qint32 count = qint32(doc.blocks.size());
+    const qint32 count = catalogue.size();
 
     for (qint32 b = 0; b < count; ++b) {
-        const Block &block = doc.blocks[std::size_t(b)];
+        const Block &block = catalogue.blocks[std::size_t(b)];
         const QString k = blockKey(key, b);
         bool ok = store.writeBoolean(k, str(blockstore::IncludeInCopy), block.includeInCopy);
         if (!block.fromDocument) {
             ok = ok && store.writeString(k, str(blockstore::Name), block.name);
-            ok = ok && store.writeString(k, str(blockstore::IncludedDataHeaders), joinMembers(listedMembers(doc, b)));
+            ok = ok
+                && store.writeString(k, str(blockstore::IncludedDataHeaders), joinMembers(listedMembers(catalogue, b)));
         }
         if (!ok)
             return false;
@@ -242,12 +230,12 @@ bool storeUserBlocks(const Document &doc, SettingsStore &store)
 
 // --- Editor working copy ---
 
-BlockEditModel::BlockEditModel(const Document &doc) : mDoc(doc)
+BlockEditModel::BlockEditModel(const Document &doc, const BlockCatalogue &catalogue) : mDoc(doc), mCatalogue(catalogue)
 {
     const std::size_t questions = doc.questions.size();
-    mEntries.reserve(doc.blocks.size());
-    for (std::size_t b = 0; b < doc.blocks.size(); ++b) {
-        const Block &block = doc.blocks[b];
+    mEntries.reserve(catalogue.blocks.size());
+    for (std::size_t b = 0; b < catalogue.blocks.size(); ++b) {
+        const Block &block = catalogue.blocks[b];
         Entry e;
         e.name = block.name;
         e.includeInCopy = block.includeInCopy;
@@ -259,7 +247,7 @@ BlockEditModel::BlockEditModel(const Document &doc) : mDoc(doc)
                 e.members[q] = block.linkedBlock == -1 ? question.block == qint32(b) : question.subBlock == qint32(b);
             }
         } else {
-            for (const BlockItem &item : doc.blockItems)
+            for (const BlockItem &item : catalogue.items)
                 if (item.block == qint32(b) && item.question >= 0 && std::size_t(item.question) < questions)
                     e.members[std::size_t(item.question)] = true;
         }
@@ -355,8 +343,9 @@ void BlockEditModel::setIncludeInCopy(qint32 index, bool include)
         mEntries[std::size_t(index)].includeInCopy = include;
 }
 
-void BlockEditModel::apply(Document &doc, const RowList &flexRows) const
+void BlockEditModel::apply(BlockCatalogue &catalogue) const
 {
+    const Document &doc = mDoc;
     std::vector<Block> blocks;
     blocks.reserve(mEntries.size());
     for (std::size_t i = 0; i < mEntries.size(); ++i) {
@@ -364,7 +353,7 @@ void BlockEditModel::apply(Document &doc, const RowList &flexRows) const
         if (e.state == Deleted)
             continue;
         if (e.isDocumentBlock) {
-            Block block = doc.blocks[i]; // document blocks come first and keep their numbers
+            Block block = mCatalogue.blocks[i]; // document blocks come first and keep their numbers
             block.includeInCopy = e.includeInCopy;
             blocks.push_back(std::move(block));
         } else {
@@ -391,18 +380,13 @@ void BlockEditModel::apply(Document &doc, const RowList &flexRows) const
         }
         ++b;
     }
-    doc.blocks = std::move(blocks);
-    doc.blockItems = std::move(items);
+    catalogue.blocks = std::move(blocks);
+    catalogue.items = std::move(items);
 
-    if (doc.properties.pointsScale > 0) {
-        for (std::size_t i = 0; i < doc.blocks.size(); ++i) {
-            Block &block = doc.blocks[i];
-            if (block.fromDocument)
-                continue;
-            block.totalIndex = calculateBlockTotalIndex(doc, qint32(i));
-            block.flexTotalIndex = calculateBlockFlexTotalIndex(doc, qint32(i), flexRows);
-        }
-    }
+    if (doc.properties.pointsScale > 0)
+        for (qint32 i = 0; i < catalogue.size(); ++i)
+            if (!catalogue.blocks[std::size_t(i)].fromDocument)
+                catalogue.blocks[std::size_t(i)].totalIndex = calculateBlockTotalIndex(doc, catalogue, i);
 }
 
 } // namespace kel

@@ -1,15 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Blocks of questions that the user defines himself. They are appended to the
-// document's block list after its own blocks, so whatever walks the blocks
-// (graphs, overview block lines, the detail window, the index export) sees
-// them like any other block. They live per document in the settings store,
-// keyed by the document's GUID, together with every block's "Include In
-// Copy" choice; the document itself is never written.
+// Blocks of questions that the user defines himself. They follow the
+// document's own blocks in the block catalogue, so whatever walks the
+// catalogue (graphs, the detail window, the index export) sees them like any
+// other block. They live per document in the settings store, keyed by the
+// document's GUID, together with every block's "Include In Copy" choice;
+// neither the document nor its file is ever written.
 //
 // The editor works on a copy (BlockEditModel) and only its OK touches the
-// document and the store.
+// catalogue and the store.
 #pragma once
 
+#include "engine/document/blockcatalogue.h"
 #include "engine/document/document.h"
 #include "engine/indexes/columnindex.h"
 
@@ -38,9 +39,6 @@ QString blockKey(const QString &documentKey, qint32 block);
 /// items, no parent, no index yet.
 Block makeUserBlock(const QString &name, bool includeInCopy);
 
-/// Number of blocks that come from the document (they come first).
-qint32 documentBlockCount(const Document &doc);
-
 /// Member question numbers joined by "|" ("3|5|12"; empty for none).
 QString joinMembers(const QuestionList &members);
 
@@ -52,21 +50,20 @@ struct UserBlockRestore {
     bool repaired = false; ///< the store was rewritten without them
 };
 
-/// Appends the user blocks stored for `doc`, applies the stored "Include In
-/// Copy" of every block and, for a document with indexes, computes the user
-/// blocks' total and flex-total indexes (the flex total is every row when a
-/// document opens). Damaged values (numbers that are not numbers, missing
+/// Appends the user blocks stored for `doc` to `catalogue`, applies the
+/// stored "Include In Copy" of every block and, for a document with indexes,
+/// computes the user blocks' total indexes. Damaged values (numbers that are not numbers, missing
 /// keys or names, members outside the document, repeated names) are left
 /// out; the store is then rewritten without them unless `mayWrite` is false.
 /// Never fails: a store that cannot be read gives a document without user
 /// blocks.
-UserBlockRestore restoreUserBlocks(Document &doc, SettingsStore &store, bool mayWrite);
+UserBlockRestore restoreUserBlocks(const Document &doc, BlockCatalogue &catalogue, SettingsStore &store, bool mayWrite);
 
-/// Writes every block's key of `doc` ("Include In Copy"; for user blocks
+/// Writes every block's key of `catalogue` ("Include In Copy"; for user blocks
 /// also "Name" and "Included Data Headers"), removes the keys of blocks
 /// beyond the new count and writes "Block Items". Does nothing (false) under
 /// the NoSaveSettings policy or when the store cannot be written.
-bool storeUserBlocks(const Document &doc, SettingsStore &store);
+bool storeUserBlocks(const Document &doc, const BlockCatalogue &catalogue, SettingsStore &store);
 
 /// The editor's working copy of the block list.
 class BlockEditModel
@@ -84,7 +81,7 @@ public:
 
     enum class NameCheck { Ok, Nothing, Duplicate };
 
-    explicit BlockEditModel(const Document &doc);
+    BlockEditModel(const Document &doc, const BlockCatalogue &catalogue);
 
     const std::vector<Entry> &entries() const { return mEntries; }
     const Entry &entry(qint32 index) const { return mEntries[std::size_t(index)]; }
@@ -112,13 +109,14 @@ public:
     void setMember(qint32 index, qint32 question, bool member);
     void setIncludeInCopy(qint32 index, bool include);
 
-    /// OK: rebuilds the document's block list and block items from the
-    /// working copy and computes the user blocks' indexes (`flexRows` for the
-    /// flex-total ones).
-    void apply(Document &doc, const RowList &flexRows) const;
+    /// OK: rebuilds the catalogue's blocks and block items from the working
+    /// copy and computes the user blocks' total indexes (the flex total
+    /// computes its own: FlexTotal::updateUserBlockIndexes).
+    void apply(BlockCatalogue &catalogue) const;
 
 private:
     const Document &mDoc;
+    const BlockCatalogue &mCatalogue;
     std::vector<Entry> mEntries;
 };
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The in-memory form of one open KEL document. Filled once by the reader,
-// read by every other subsystem. Only the flex-total index fields and the
-// user-defined blocks appended to `blocks`/`blockItems` change while open.
+// read by every other subsystem, never changed after: what a session adds
+// (user blocks, flex-total indexes) lives in BlockCatalogue and FlexTotal.
 #pragma once
 
 #include <QByteArray>
@@ -43,10 +43,9 @@ struct Question {
     bool isFlexCategory = false;
     qint32 sheetColour = -1; ///< fill of the question's cell in the code line
     qint32 kept20 = 0;
-    qint32 block = -1;            ///< index into Document::blocks, -1 = none; may lie outside it (see blockAt)
-    qint32 subBlock = -1;         ///< -1 = none; may lie outside Document::blocks (see blockAt)
-    double totalIndex = -1.0;     ///< over all rows, from the file; -1 = none
-    double flexTotalIndex = -1.0; ///< over the flex total; starts as totalIndex
+    qint32 block = -1;        ///< index into Document::blocks, -1 = none; may lie outside it (see blockAt)
+    qint32 subBlock = -1;     ///< -1 = none; may lie outside Document::blocks (see blockAt)
+    double totalIndex = -1.0; ///< over all rows, from the file; -1 = none
     qint32 graphFlags = 3;
     bool inTotalIndex = false;
     qint32 rankingWeight = 1;
@@ -64,7 +63,6 @@ struct Block {
     bool memberRule = false; ///< selects how member questions are found (rule vs. item list)
     qint32 linkedBlock = -1; ///< -1 = none; otherwise this block is a sub-block of that one (may dangle)
     double totalIndex = -1.0;
-    double flexTotalIndex = -1.0;
     qint32 graphFlags = 3;
     bool fromDocument = true; ///< false for user-defined blocks
     bool includeInCopy = true;
@@ -112,7 +110,6 @@ struct DocumentProperties {
     qint32 totalText = -1;
     qint32 selectionTooSmallText = -1;
     double totalIndex = -1.0;
-    double flexTotalIndex = -1.0;
     qint32 indexFlags = 0; ///< bit 0x100: the total-index graph is offered
     qint32 minimumSelection = 0;
     qint32 minimumComplementSelection = 0;
@@ -259,8 +256,9 @@ struct Document {
         return cellComments[std::size_t(column) * std::size_t(rowCount()) + std::size_t(row)];
     }
 
-    /// Block `number`, or null for -1 and for a number outside the block
-    /// list: files carry such numbers, and they mean a block without members.
+    /// The document's own block `number`, or null for -1 and for a number
+    /// outside its list: files carry such numbers, and they mean a block
+    /// without members. User blocks are in BlockCatalogue.
     const Block *blockAt(qint32 number) const
     {
         return (number >= 0 && std::size_t(number) < blocks.size()) ? &blocks[std::size_t(number)] : nullptr;

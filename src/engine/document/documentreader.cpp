@@ -412,7 +412,6 @@ void PayloadParser::parseRecords(Document &doc, const Section &alt, const Sectio
         u.isCategory = readI16(r + 36) != 0;
         u.inOverview = readI16(r + 38) != 0;
         u.totalIndex = readF64(r + 40);
-        u.flexTotalIndex = u.totalIndex;
         u.inTotalIndex = readI16(r + 48) != 0;
         u.subBlock = rev(2) ? readI32(r + 52) : -1;
         u.isFlexCategory = rev(6) ? readI16(r + 56) != 0 : false;
@@ -438,7 +437,6 @@ void PayloadParser::parseRecords(Document &doc, const Section &alt, const Sectio
         k.kept20 = readI16(r + 20);
         k.memberRule = readI16(r + 22) != 0;
         k.totalIndex = readF64(r + 24);
-        k.flexTotalIndex = k.totalIndex;
         k.linkedBlock = rev(2) ? readI32(r + 32) : -1;
         k.graphFlags = rev(8) ? readI32(r + 36) : defaultGraphFlags(k.totalIndex);
         k.fromDocument = true;
@@ -558,7 +556,6 @@ void PayloadParser::parseProperties(Document &doc) const
     p.rowOrder = rev(5) ? h32(PhRowOrder) : -1;
     p.minimumComplementSelection = rev(5) ? h32(PhMinimumComplementSelection) : p.minimumSelection;
     p.totalIndex = rev(5) ? readF64(mData + PhTotalIndex) : -1.0;
-    p.flexTotalIndex = p.totalIndex;
     p.indexFlags = rev(9) ? h32(PhIndexFlags) : (p.pointsScale > 0 ? 0x100 : 0);
     if (rev(9)) {
         p.maxPoints = h32(PhMaxPoints);

@@ -49,6 +49,7 @@ void DocumentSession::installDocument(std::unique_ptr<Document> doc, const QStri
     doc->currentFileName = parts.name;
     doc->currentFileTitle = fileDisplayTitle(parts.name);
     mDocument = std::move(doc);
+    mBlocks = BlockCatalogue(*mDocument);
     emit documentOpened();
 }
 
@@ -59,6 +60,7 @@ void DocumentSession::closeDocument()
     emit documentClosing();
     const QString closedFile = mDocument->currentFile;
     mDocument.reset();
+    mBlocks = BlockCatalogue();
     emit documentClosed();
     if (mRecordRecentFiles && !closedFile.isEmpty()) {
         mRecentFiles = recordRecentFile(mRecentFiles, closedFile);

@@ -6,6 +6,7 @@
 // the document from here; none of them keeps its own copy.
 #pragma once
 
+#include "engine/document/blockcatalogue.h"
 #include "engine/document/document.h"
 #include "engine/document/documentreader.h"
 
@@ -25,11 +26,13 @@ public:
     explicit DocumentSession(bool recordRecentFiles, QObject *parent = nullptr);
     ~DocumentSession() override;
 
-    /// The open document, or nullptr.
+    /// The open document, or nullptr. It is never changed once read.
     const Document *document() const { return mDocument.get(); }
-    /// The open document for the few writers it has: the flex total keeps
-    /// its indexes in it, the block editor appends blocks. nullptr when none.
-    Document *editableDocument() { return mDocument.get(); }
+    /// The open document's blocks and the user's; empty without a document.
+    const BlockCatalogue &blocks() const { return mBlocks; }
+    /// For the two that change them: restoring the stored user blocks and
+    /// the block editor.
+    BlockCatalogue &editableBlocks() { return mBlocks; }
     bool hasDocument() const { return mDocument != nullptr; }
 
     /// Reads `path`. On failure returns why (the caller words it for the
@@ -67,7 +70,8 @@ signals:
 private:
     bool mRecordRecentFiles;
     ReadOptions mReadOptions;
-    std::unique_ptr<Document> mDocument;
+    std::unique_ptr<const Document> mDocument;
+    BlockCatalogue mBlocks;
     QString mCurrentFolder;
     QStringList mRecentFiles;
 };

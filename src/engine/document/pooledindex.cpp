@@ -103,7 +103,6 @@ void computeMissingTotalIndex(Document &doc)
     if (members.empty())
         return;
     p.totalIndex = calculateColumnsIndex(doc, members, allRows(doc));
-    p.flexTotalIndex = p.totalIndex;
 }
 
 } // namespace kel

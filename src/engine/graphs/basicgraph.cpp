@@ -129,8 +129,8 @@ bool splitPermitted(const Document &doc, qint32 question, const BasicGraphSelect
     return splitAllowed(doc, question, selection.rows ? *selection.rows : noRows);
 }
 
-BasicGraphResult generateBasicGraph(const Document &doc, const BasicGraphRequest &request,
-                                    const BasicGraphSelection &selection)
+BasicGraphResult generateBasicGraph(const Document &doc, const BlockCatalogue &catalogue, const FlexTotal &flex,
+                                    const BasicGraphRequest &request, const BasicGraphSelection &selection)
 {
     BasicGraphResult result;
     BasicGraphDescription &d = result.description;
@@ -140,7 +140,7 @@ BasicGraphResult generateBasicGraph(const Document &doc, const BasicGraphRequest
 
     if ((request.kind != HistogramGraph && request.kind != FractionGraph) || request.questions.empty()
         || (split && !validQuestion(doc, request.splitQuestion))
-        || (request.block != -1 && (request.block < 0 || std::size_t(request.block) >= doc.blocks.size()))) {
+        || (request.block != -1 && !catalogue.blockAt(request.block))) {
         result.outcome = BasicGraphOutcome::Failed;
         return result;
     }
@@ -299,7 +299,8 @@ BasicGraphResult generateBasicGraph(const Document &doc, const BasicGraphRequest
             if (withIndex && groupIndex[g] >= 0) {
                 group.label += QLatin1Char('(') + formatIndex(groupIndex[g], decimals, locale);
                 if (request.showTotalIndex)
-                    group.label += QStringLiteral(" / ") + formatIndex(question.flexTotalIndex, decimals, locale);
+                    group.label +=
+                        QStringLiteral(" / ") + formatIndex(flex.questionIndex(questions[g]), decimals, locale);
                 group.label += QStringLiteral(") ");
             }
             group.label += question.text;
@@ -334,8 +335,7 @@ BasicGraphResult generateBasicGraph(const Document &doc, const BasicGraphRequest
         d.totalText = (swedish ? QStringLiteral("Totalt: ") : QStringLiteral("Total: "))
             + formatIndex(double(sumS) / double(sumN) / double(pointsScale), decimals, locale);
         if (request.showTotalIndex && isBlock)
-            d.totalText += QStringLiteral(" / ")
-                + formatIndex(doc.blocks[std::size_t(request.block)].flexTotalIndex, decimals, locale);
+            d.totalText += QStringLiteral(" / ") + formatIndex(flex.blockIndex(request.block), decimals, locale);
     }
     return result;
 }

@@ -5,7 +5,9 @@
 // window copies and the basic graph renderer draws; nothing here draws.
 #pragma once
 
+#include "engine/document/blockcatalogue.h"
 #include "engine/document/document.h"
+#include "engine/selection/flextotal.h"
 
 #include <QLocale>
 #include <QString>
@@ -94,8 +96,9 @@ struct BasicGraphResult {
 
 /// Computes the description. Refuses a split that would show a group below
 /// the document's minimum graph selection (see splitPermitted).
-BasicGraphResult generateBasicGraph(const Document &doc, const BasicGraphRequest &request,
-                                    const BasicGraphSelection &selection);
+/// `catalogue` holds the request's block, `flex` the totals it is compared with.
+BasicGraphResult generateBasicGraph(const Document &doc, const BlockCatalogue &catalogue, const FlexTotal &flex,
+                                    const BasicGraphRequest &request, const BasicGraphSelection &selection);
 
 /// Whether `rows` may be split by `question`: no alternative that counts for
 /// privacy is chosen by more than 0 and fewer than the minimum graph selection

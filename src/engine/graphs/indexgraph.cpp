@@ -23,9 +23,9 @@ struct Group {
     QString label;
 };
 
-bool validBlock(const Document &doc, qint32 block)
+bool validBlock(const BlockCatalogue &catalogue, qint32 block)
 {
-    return block >= 0 && std::size_t(block) < doc.blocks.size();
+    return catalogue.blockAt(block) != nullptr;
 }
 
 bool validQuestion(const Document &doc, qint32 question)
@@ -33,7 +33,8 @@ bool validQuestion(const Document &doc, qint32 question)
     return question >= 0 && std::size_t(question) < doc.questions.size();
 }
 
-std::vector<Item> indexItems(const Document &doc, const IndexGraphRequest &request)
+std::vector<Item> indexItems(const Document &doc, const BlockCatalogue &catalogue, const FlexTotal &flex,
+                             const IndexGraphRequest &request)
 {
     std::vector<Item> items;
     const DocumentProperties &p = doc.properties;
@@ -42,22 +43,22 @@ std::vector<Item> indexItems(const Document &doc, const IndexGraphRequest &reque
             items.push_back({ItemKind::Total, -1, doc.text(p.indexLineTexts[4])});
         if (request.includeSubIndexes && request.useQuestionsInsteadOfBlocks) {
             for (qint32 q : doc.overviewColumns)
-                if (doc.questions[std::size_t(q)].flexTotalIndex != -1.0)
+                if (flex.questionIndex(q) != -1.0)
                     items.push_back({ItemKind::Question, q, doc.questions[std::size_t(q)].heading});
         } else if (request.includeSubIndexes) {
-            for (std::size_t b = 0; b < doc.blocks.size(); ++b)
-                if (doc.blocks[b].flexTotalIndex != -1.0)
-                    items.push_back({ItemKind::Block, qint32(b), doc.blocks[b].name});
+            for (qint32 b = 0; b < catalogue.size(); ++b)
+                if (flex.blockIndex(b) != -1.0)
+                    items.push_back({ItemKind::Block, b, catalogue.blocks[std::size_t(b)].name});
         }
         return items;
     }
-    if (!validBlock(doc, request.block))
+    if (!validBlock(catalogue, request.block))
         return items;
     if (request.includeMainIndex)
         items.push_back({ItemKind::Block, request.block, doc.text(p.indexLineTexts[3])});
     if (request.includeSubIndexes) {
-        for (qint32 q : blockGraphQuestions(doc, request.block))
-            if (validQuestion(doc, q) && doc.questions[std::size_t(q)].flexTotalIndex != -1.0)
+        for (qint32 q : blockGraphQuestions(doc, catalogue, request.block))
+            if (validQuestion(doc, q) && flex.questionIndex(q) != -1.0)
                 items.push_back({ItemKind::Question, q, doc.questions[std::size_t(q)].heading});
     }
     return items;
@@ -158,21 +159,21 @@ private:
     std::vector<qint64> mCounts;
 };
 
-QuestionList itemQuestions(const Document &doc, const Item &item)
+QuestionList itemQuestions(const Document &doc, const BlockCatalogue &catalogue, const Item &item)
 {
     switch (item.kind) {
     case ItemKind::Total: return totalMembers(doc);
-    case ItemKind::Block: return blockMembers(doc, item.number);
+    case ItemKind::Block: return blockMembers(doc, catalogue, item.number);
     case ItemKind::Question: return {item.number};
     }
     return {};
 }
 
-std::vector<ChartIndexLine> indexLines(const Document &doc, const ChartContext &context,
-                                       const IndexGraphRequest &request)
+std::vector<ChartIndexLine> indexLines(const Document &doc, const BlockCatalogue &catalogue, const FlexTotal &flex,
+                                       const ChartContext &context, const IndexGraphRequest &request)
 {
     const DocumentProperties &p = doc.properties;
-    const bool blockGraph = validBlock(doc, request.block);
+    const bool blockGraph = validBlock(catalogue, request.block);
     const QString totalText = doc.text(p.indexLineTexts[4]);
     const QString blockText = doc.text(p.indexLineTexts[3]);
     const auto format = [&](double v) { return formatIndex(v, p.indexDecimals, context.locale); };
@@ -186,13 +187,14 @@ std::vector<ChartIndexLine> indexLines(const Document &doc, const ChartContext &
              text + (ofTotal ? QStringLiteral(", total (") : QStringLiteral(" (")) + format(value) + QLatin1Char(')')});
     };
     if (request.indexLines & TotalIndexForTotal)
-        add(p.flexTotalIndex, totalText, true);
+        add(flex.totalIndex(), totalText, true);
     if (request.indexLines & TotalIndexForSelection)
         add(context.rows->empty() ? -1.0 : calculateTotalIndex(doc, *context.rows), totalText, false);
     if (blockGraph && (request.indexLines & BlockIndexForTotal))
-        add(doc.blocks[std::size_t(request.block)].flexTotalIndex, blockText, true);
+        add(flex.blockIndex(request.block), blockText, true);
     if (blockGraph && (request.indexLines & BlockIndexForSelection))
-        add(context.rows->empty() ? -1.0 : calculateBlockIndex(doc, request.block, *context.rows), blockText, false);
+        add(context.rows->empty() ? -1.0 : calculateBlockIndex(doc, catalogue, request.block, *context.rows), blockText,
+            false);
     if (lines.size() == 2 && lines[1].value > lines[0].value)
         std::swap(lines[0], lines[1]);
     return lines;
@@ -264,10 +266,11 @@ QString totalIndexGraphTitle(const Document &doc, bool totalIndex, bool blockInd
     return title + splitSuffix(doc, splitQuestion);
 }
 
-QString blockIndexGraphTitle(const Document &doc, qint32 block, bool blockIndex, bool questionIndexes,
-                             qint32 splitQuestion)
+QString blockIndexGraphTitle(const Document &doc, const BlockCatalogue &catalogue, qint32 block, bool blockIndex,
+                             bool questionIndexes, qint32 splitQuestion)
 {
-    const QString name = validBlock(doc, block) ? doc.blocks[std::size_t(block)].name : QString();
+    const Block *named = catalogue.blockAt(block);
+    const QString name = named ? named->name : QString();
     QString title;
     if (blockIndex) {
         title = name;
@@ -279,7 +282,8 @@ QString blockIndexGraphTitle(const Document &doc, qint32 block, bool blockIndex,
     return title + splitSuffix(doc, splitQuestion);
 }
 
-ChartDescription generateIndexGraph(const Document &doc, const ChartContext &context, const IndexGraphRequest &request)
+ChartDescription generateIndexGraph(const Document &doc, const BlockCatalogue &catalogue, const FlexTotal &flex,
+                                    const ChartContext &context, const IndexGraphRequest &request)
 {
     const DocumentProperties &p = doc.properties;
     ChartDescription chart;
@@ -298,13 +302,13 @@ ChartDescription generateIndexGraph(const Document &doc, const ChartContext &con
     if (p.pointsScale < 1)
         return chart;
 
-    const std::vector<Item> items = indexItems(doc, request);
+    const std::vector<Item> items = indexItems(doc, catalogue, flex, request);
     const Grouping grouping = indexGroups(doc, context, request);
     const std::vector<Group> &groups = grouping.groups;
     std::vector<QuestionList> itemMembers;
     std::vector<bool> needed(doc.questions.size(), false);
     for (const Item &item : items) {
-        QuestionList members = itemQuestions(doc, item);
+        QuestionList members = itemQuestions(doc, catalogue, item);
         // A member list naming a question that does not exist gives no index.
         if (!std::all_of(members.begin(), members.end(), [&](qint32 q) { return validQuestion(doc, q); }))
             members.clear();
@@ -345,7 +349,7 @@ ChartDescription generateIndexGraph(const Document &doc, const ChartContext &con
             chart.series.push_back(std::move(series));
         }
     }
-    chart.indexLines = indexLines(doc, context, request);
+    chart.indexLines = indexLines(doc, catalogue, flex, context, request);
     if (!request.indexLinesShowExplanation)
         for (ChartIndexLine &line : chart.indexLines)
             line.text.clear();

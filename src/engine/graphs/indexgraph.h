@@ -34,7 +34,9 @@ struct IndexGraphRequest {
 
 /// The chart of `request` over the context's rows. Needs a document with
 /// indexes (points scale >= 1); otherwise the chart has no series.
-ChartDescription generateIndexGraph(const Document &doc, const ChartContext &context, const IndexGraphRequest &request);
+/// `catalogue` holds the blocks, `flex` the totals the index lines compare with.
+ChartDescription generateIndexGraph(const Document &doc, const BlockCatalogue &catalogue, const FlexTotal &flex,
+                                    const ChartContext &context, const IndexGraphRequest &request);
 
 /// The fixed value axis that the document's maximum points ask for; none
 /// when they have fewer than two digits (the chart scales itself).
@@ -47,7 +49,7 @@ bool splitAllowed(const Document &doc, const SelectionSteps &steps, qint32 quest
 /// The dialogs' titles, in the document's language.
 QString totalIndexGraphTitle(const Document &doc, bool totalIndex, bool blockIndexes, bool questionIndexes,
                              qint32 splitQuestion);
-QString blockIndexGraphTitle(const Document &doc, qint32 block, bool blockIndex, bool questionIndexes,
-                             qint32 splitQuestion);
+QString blockIndexGraphTitle(const Document &doc, const BlockCatalogue &catalogue, qint32 block, bool blockIndex,
+                             bool questionIndexes, qint32 splitQuestion);
 
 } // namespace kel

@@ -5,14 +5,14 @@
 
 namespace kel {
 
-QuestionList blockMembers(const Document &doc, qint32 block)
+QuestionList blockMembers(const Document &doc, const BlockCatalogue &catalogue, qint32 block)
 {
     QuestionList members;
-    const Block *b = doc.blockAt(block);
+    const Block *b = catalogue.blockAt(block);
     if (!b)
         return members;
     if (!b->memberRule) {
-        for (const BlockItem &item : doc.blockItems)
+        for (const BlockItem &item : catalogue.items)
             if (item.block == block && item.question >= 0 && item.question < qint32(doc.questions.size()))
                 members.push_back(item.question);
         return members;
@@ -29,32 +29,33 @@ QuestionList blockMembers(const Document &doc, qint32 block)
     return members;
 }
 
-QuestionList blockGraphQuestions(const Document &doc, qint32 block)
+QuestionList blockGraphQuestions(const Document &doc, const BlockCatalogue &catalogue, qint32 block)
 {
-    QuestionList members = blockMembers(doc, block);
+    QuestionList members = blockMembers(doc, catalogue, block);
     std::sort(members.begin(), members.end());
     members.erase(std::unique(members.begin(), members.end()), members.end());
     return members;
 }
 
-double calculateBlockIndex(const Document &doc, qint32 block, const RowList &rows)
+double calculateBlockIndex(const Document &doc, const BlockCatalogue &catalogue, qint32 block, const RowList &rows)
 {
-    const QuestionList members = blockMembers(doc, block);
+    const QuestionList members = blockMembers(doc, catalogue, block);
     if (members.empty())
         return -1.0;
     return calculateColumnsIndex(doc, members, rows);
 }
 
-double calculateBlockTotalIndex(const Document &doc, qint32 block)
+double calculateBlockTotalIndex(const Document &doc, const BlockCatalogue &catalogue, qint32 block)
 {
-    return calculateBlockIndex(doc, block, allRows(doc));
+    return calculateBlockIndex(doc, catalogue, block, allRows(doc));
 }
 
-double calculateBlockFlexTotalIndex(const Document &doc, qint32 block, const RowList &flexRows)
+double calculateBlockFlexTotalIndex(const Document &doc, const BlockCatalogue &catalogue, qint32 block,
+                                    const RowList &flexRows)
 {
     if (flexRows.empty())
         return -1.0;
-    return calculateBlockIndex(doc, block, flexRows);
+    return calculateBlockIndex(doc, catalogue, block, flexRows);
 }
 
 double calculateTotalIndex(const Document &doc, const RowList &rows)

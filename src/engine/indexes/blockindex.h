@@ -3,6 +3,7 @@
 // their column index over a row list. -1 means "no value" throughout.
 #pragma once
 
+#include "engine/document/blockcatalogue.h"
 #include "engine/indexes/columnindex.h"
 
 namespace kel {
@@ -10,19 +11,20 @@ namespace kel {
 /// Members of block `block`: by the block items when the block lists its
 /// members, otherwise the overview questions naming it as their block or,
 /// when none does, as their sub-block. Empty for a block out of range.
-QuestionList blockMembers(const Document &doc, qint32 block);
+QuestionList blockMembers(const Document &doc, const BlockCatalogue &catalogue, qint32 block);
 
 /// The questions a block graph of `block` shows: its members in question
 /// order, each once. Block items may list members in any order and more than
 /// once; graphs take their groups, legend runs and first answer scale from
 /// this order, so it must not depend on how the items were written.
-QuestionList blockGraphQuestions(const Document &doc, qint32 block);
+QuestionList blockGraphQuestions(const Document &doc, const BlockCatalogue &catalogue, qint32 block);
 
-double calculateBlockIndex(const Document &doc, qint32 block, const RowList &rows);
+double calculateBlockIndex(const Document &doc, const BlockCatalogue &catalogue, qint32 block, const RowList &rows);
 /// Over every row of the document.
-double calculateBlockTotalIndex(const Document &doc, qint32 block);
+double calculateBlockTotalIndex(const Document &doc, const BlockCatalogue &catalogue, qint32 block);
 /// Over the flex total; -1 when it has no rows. No privacy test here.
-double calculateBlockFlexTotalIndex(const Document &doc, qint32 block, const RowList &flexRows);
+double calculateBlockFlexTotalIndex(const Document &doc, const BlockCatalogue &catalogue, qint32 block,
+                                    const RowList &flexRows);
 
 double calculateTotalIndex(const Document &doc, const RowList &rows);
 /// The same, with the points distribution of the total's answers in `distribution`.

@@ -8,9 +8,9 @@ namespace kel {
 
 namespace {
 
-bool blockListed(const Document &doc, qint32 block)
+bool blockListed(const BlockCatalogue &catalogue, qint32 block)
 {
-    const Block *b = doc.blockAt(block);
+    const Block *b = catalogue.blockAt(block);
     return b && b->includeInCopy && b->totalIndex != -1.0;
 }
 
@@ -117,7 +117,8 @@ std::vector<SubSelection> buildSubSelections(const Document &doc, const IndexExp
     return result;
 }
 
-std::vector<IndexItem> buildIndexItems(const Document &doc, const IndexExportOptions &options)
+std::vector<IndexItem> buildIndexItems(const Document &doc, const BlockCatalogue &catalogue,
+                                       const IndexExportOptions &options)
 {
     using O = IndexExportOptions;
     std::vector<IndexItem> items;
@@ -130,13 +131,13 @@ std::vector<IndexItem> buildIndexItems(const Document &doc, const IndexExportOpt
         const Question &question = doc.questions[std::size_t(q)];
         if (options.indexFor[O::ForBlocks] && question.block != previousBlock) {
             previousBlock = question.block;
-            if (blockListed(doc, previousBlock))
-                items.push_back({IndexItem::Block, previousBlock, doc.blockAt(previousBlock)->name});
+            if (blockListed(catalogue, previousBlock))
+                items.push_back({IndexItem::Block, previousBlock, catalogue.blockAt(previousBlock)->name});
         }
         if (options.indexFor[O::ForSubBlocks] && question.subBlock != previousSubBlock) {
             previousSubBlock = question.subBlock;
-            if (blockListed(doc, previousSubBlock))
-                items.push_back({IndexItem::Block, previousSubBlock, doc.blockAt(previousSubBlock)->name});
+            if (blockListed(catalogue, previousSubBlock))
+                items.push_back({IndexItem::Block, previousSubBlock, catalogue.blockAt(previousSubBlock)->name});
         }
         if (options.indexFor[O::ForQuestions] && question.totalIndex != -1.0)
             items.push_back({IndexItem::Question, q,
@@ -144,13 +145,14 @@ std::vector<IndexItem> buildIndexItems(const Document &doc, const IndexExportOpt
                                                           : question.heading});
     }
     if (options.indexFor[O::ForUserBlocks])
-        for (std::size_t b = 0; b < doc.blocks.size(); ++b)
-            if (!doc.blocks[b].fromDocument && doc.blocks[b].includeInCopy)
-                items.push_back({IndexItem::Block, qint32(b), doc.blocks[b].name});
+        for (const Block &block : catalogue.blocks)
+            if (!block.fromDocument && block.includeInCopy)
+                items.push_back({IndexItem::Block, qint32(&block - catalogue.blocks.data()), block.name});
     return items;
 }
 
-std::vector<double> calculateIndexValues(const Document &doc, const std::vector<SubSelection> &subSelections,
+std::vector<double> calculateIndexValues(const Document &doc, const BlockCatalogue &catalogue,
+                                         const std::vector<SubSelection> &subSelections,
                                          const std::vector<IndexItem> &items,
                                          const std::function<bool(qint32)> &progress)
 {
@@ -194,7 +196,7 @@ std::vector<double> calculateIndexValues(const Document &doc, const std::vector<
         if (item.kind == IndexItem::Total)
             members = total;
         else if (item.kind == IndexItem::Block)
-            members = blockMembers(doc, item.number);
+            members = blockMembers(doc, catalogue, item.number);
         else if (item.number >= 0 && std::size_t(item.number) < questionCount)
             members = {item.number};
         for (std::size_t s = 0; s < subSelections.size(); ++s) {
@@ -280,13 +282,13 @@ QString formatIndexTable(const Document &doc, const QString &selectionText, cons
     return lines.join(QStringLiteral("\r\n"));
 }
 
-QString exportIndexes(const Document &doc, const QString &selectionText, const RowList &currentRows,
-                      const IndexExportOptions &options, const QLocale &locale,
+QString exportIndexes(const Document &doc, const BlockCatalogue &catalogue, const QString &selectionText,
+                      const RowList &currentRows, const IndexExportOptions &options, const QLocale &locale,
                       const std::function<bool(qint32)> &progress)
 {
     const std::vector<SubSelection> subSelections = buildSubSelections(doc, options, currentRows);
-    const std::vector<IndexItem> items = buildIndexItems(doc, options);
-    const std::vector<double> values = calculateIndexValues(doc, subSelections, items, progress);
+    const std::vector<IndexItem> items = buildIndexItems(doc, catalogue, options);
+    const std::vector<double> values = calculateIndexValues(doc, catalogue, subSelections, items, progress);
     if (values.size() != subSelections.size() * items.size())
         return QString();
     return formatIndexTable(doc, selectionText, options, subSelections, items, values, locale);

@@ -4,6 +4,7 @@
 // tab-separated text. The dialogs and the progress window drive this.
 #pragma once
 
+#include "engine/document/blockcatalogue.h"
 #include "engine/indexes/columnindex.h"
 
 #include <QLocale>
@@ -62,7 +63,8 @@ std::vector<SubSelection> buildSubSelections(const Document &doc, const IndexExp
                                              const RowList &currentRows);
 
 /// The index items, in export order.
-std::vector<IndexItem> buildIndexItems(const Document &doc, const IndexExportOptions &options);
+std::vector<IndexItem> buildIndexItems(const Document &doc, const BlockCatalogue &catalogue,
+                                       const IndexExportOptions &options);
 
 /// Value matrix, sub-selection-major: values[s * items + i]. Groups below
 /// the minimum graph selection are masked, and with them, per category, as
@@ -70,7 +72,8 @@ std::vector<IndexItem> buildIndexItems(const Document &doc, const IndexExportOpt
 /// worked out from the selection's total (see maskedGroups).
 /// `progress` is called after each item with the number done; returning
 /// false cancels, and the result is then empty.
-std::vector<double> calculateIndexValues(const Document &doc, const std::vector<SubSelection> &subSelections,
+std::vector<double> calculateIndexValues(const Document &doc, const BlockCatalogue &catalogue,
+                                         const std::vector<SubSelection> &subSelections,
                                          const std::vector<IndexItem> &items,
                                          const std::function<bool(qint32)> &progress = {});
 
@@ -80,8 +83,8 @@ QString formatIndexTable(const Document &doc, const QString &selectionText, cons
                          const std::vector<double> &values, const QLocale &locale);
 
 /// All three steps; empty when cancelled.
-QString exportIndexes(const Document &doc, const QString &selectionText, const RowList &currentRows,
-                      const IndexExportOptions &options, const QLocale &locale,
+QString exportIndexes(const Document &doc, const BlockCatalogue &catalogue, const QString &selectionText,
+                      const RowList &currentRows, const IndexExportOptions &options, const QLocale &locale,
                       const std::function<bool(qint32)> &progress = {});
 
 } // namespace kel

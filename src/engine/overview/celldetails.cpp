@@ -5,8 +5,8 @@
 
 namespace kel {
 
-CellDetails cellDetails(const Document &doc, const SheetHit &hit, const std::vector<qint32> &overviewColumns,
-                        const RowList &selectionRows)
+CellDetails cellDetails(const Document &doc, const BlockCatalogue &catalogue, const FlexTotal &flex,
+                        const SheetHit &hit, const std::vector<qint32> &overviewColumns, const RowList &selectionRows)
 {
     CellDetails d;
     const bool onQuestion =
@@ -16,11 +16,12 @@ CellDetails cellDetails(const Document &doc, const SheetHit &hit, const std::vec
     d.onQuestion = true;
     const Question &q = doc.questions[std::size_t(hit.question)];
     // Block numbers out of the list name no block: no name, no value.
-    auto validBlock = [&](qint32 b) { return b >= 0 && b < qint32(doc.blocks.size()); };
-    if (validBlock(q.block))
-        d.blockName = doc.blocks[std::size_t(q.block)].name;
-    if (validBlock(q.subBlock))
-        d.subBlockName = doc.blocks[std::size_t(q.subBlock)].name;
+    const Block *block = catalogue.blockAt(q.block);
+    const Block *subBlock = catalogue.blockAt(q.subBlock);
+    if (block)
+        d.blockName = block->name;
+    if (subBlock)
+        d.subBlockName = subBlock->name;
     d.questionText = q.text.isEmpty() ? q.heading : q.text;
 
     if (hit.place == SheetPlace::AnswerCell && hit.row >= 0 && hit.row < doc.rowCount()) {
@@ -30,14 +31,14 @@ CellDetails cellDetails(const Document &doc, const SheetHit &hit, const std::vec
         d.respondentIndex = calculateColumnsIndex(doc, overviewColumns, {hit.row});
     }
     d.questionIndex = calculateColumnsIndex(doc, {hit.question}, selectionRows);
-    d.questionTotalIndex = q.flexTotalIndex;
-    if (validBlock(q.subBlock)) {
-        d.subBlockIndex = calculateBlockIndex(doc, q.subBlock, selectionRows);
-        d.subBlockTotalIndex = doc.blocks[std::size_t(q.subBlock)].flexTotalIndex;
+    d.questionTotalIndex = flex.questionIndex(hit.question);
+    if (subBlock) {
+        d.subBlockIndex = calculateBlockIndex(doc, catalogue, q.subBlock, selectionRows);
+        d.subBlockTotalIndex = flex.blockIndex(q.subBlock);
     }
-    if (validBlock(q.block)) {
-        d.blockIndex = calculateBlockIndex(doc, q.block, selectionRows);
-        d.blockTotalIndex = doc.blocks[std::size_t(q.block)].flexTotalIndex;
+    if (block) {
+        d.blockIndex = calculateBlockIndex(doc, catalogue, q.block, selectionRows);
+        d.blockTotalIndex = flex.blockIndex(q.block);
     }
     return d;
 }

@@ -5,8 +5,10 @@
 // and the drawing only format them, and `kel` and the tests can check them.
 #pragma once
 
+#include "engine/document/blockcatalogue.h"
 #include "engine/document/pooledindex.h"
 #include "engine/overview/sheetlayout.h"
+#include "engine/selection/flextotal.h"
 
 #include <QString>
 
@@ -31,9 +33,10 @@ struct CellDetails {
     double blockTotalIndex = -1.0;
 };
 
-/// The details of `hit` for a sheet of `overviewColumns` over `selectionRows`.
-CellDetails cellDetails(const Document &doc, const SheetHit &hit, const std::vector<qint32> &overviewColumns,
-                        const RowList &selectionRows);
+/// The details of `hit` for a sheet of `overviewColumns` over `selectionRows`,
+/// its totals over `flex`.
+CellDetails cellDetails(const Document &doc, const BlockCatalogue &catalogue, const FlexTotal &flex,
+                        const SheetHit &hit, const std::vector<qint32> &overviewColumns, const RowList &selectionRows);
 
 /// The index line of the sheet pictures: per column, the question's index
 /// over `rows` (-1 for none or a column the matrix cannot answer). `rows`

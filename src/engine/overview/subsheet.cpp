@@ -116,8 +116,8 @@ qint32 SubSheet::rowInCell(qint32 line, qint32 question) const
     return rowShownInCell(rows, columnRowOffsets, question, line);
 }
 
-SubSheet createSubSheet(Document &doc, const SelectionMatrix &selection, FlexTotal &flex, qint32 userRowOrder,
-                        RowRandom &random)
+SubSheet createSubSheet(const Document &doc, const BlockCatalogue &catalogue, const SelectionMatrix &selection,
+                        FlexTotal &flex, qint32 userRowOrder, RowRandom &random)
 {
     SubSheet sheet;
     sheet.selection = selection;
@@ -132,7 +132,7 @@ SubSheet createSubSheet(Document &doc, const SelectionMatrix &selection, FlexTot
         return sheet;
     }
     if (flex.basedOnCurrentSelection())
-        flex.buildFlexTotalFromSelection(doc, selection);
+        flex.buildFlexTotalFromSelection(doc, catalogue, selection);
 
     RowList rows = selectedRows(doc, selection);
     const qint32 n = qint32(rows.size());
@@ -166,7 +166,8 @@ SubSheet createSubSheet(Document &doc, const SelectionMatrix &selection, FlexTot
 
 namespace kel {
 
-SubSheet showSelection(Document &doc, SelectionModel &model, FlexTotal &flex, qint32 userRowOrder, RowRandom &random)
+SubSheet showSelection(const Document &doc, const BlockCatalogue &catalogue, SelectionModel &model, FlexTotal &flex,
+                       qint32 userRowOrder, RowRandom &random)
 {
     // The gate of the navigator's button, asked again here: Show called
     // without the button refuses what the button would not offer.
@@ -189,8 +190,8 @@ SubSheet showSelection(Document &doc, SelectionModel &model, FlexTotal &flex, qi
         return refused;
     }
     if (model.applyShow())
-        flex.setFlexTotal(doc, model.appliedFlexOptions(), model.appliedFlexBasedOnCurrentSelection());
-    return createSubSheet(doc, model.appliedSelection(), flex, userRowOrder, random);
+        flex.setFlexTotal(doc, catalogue, model.appliedFlexOptions(), model.appliedFlexBasedOnCurrentSelection());
+    return createSubSheet(doc, catalogue, model.appliedSelection(), flex, userRowOrder, random);
 }
 
 } // namespace kel

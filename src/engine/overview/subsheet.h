@@ -99,13 +99,14 @@ struct SubSheet {
 /// no rows; the caller keeps its previous sheet then. When
 /// the flex total is based on the current selection it is rebuilt here, as
 /// the selection steps require, whether or not the sheet is refused.
-SubSheet createSubSheet(Document &doc, const SelectionMatrix &selection, FlexTotal &flex, qint32 userRowOrder,
-                        RowRandom &random);
+SubSheet createSubSheet(const Document &doc, const BlockCatalogue &catalogue, const SelectionMatrix &selection,
+                        FlexTotal &flex, qint32 userRowOrder, RowRandom &random);
 
 /// The navigator's Show without its window: applies the edits of `model`,
 /// sets the flex total when its options or check box changed, and builds
 /// the overview for the applied selection. The caller shows the refusal of
 /// a refused build and keeps its previous sheet then.
-SubSheet showSelection(Document &doc, SelectionModel &model, FlexTotal &flex, qint32 userRowOrder, RowRandom &random);
+SubSheet showSelection(const Document &doc, const BlockCatalogue &catalogue, SelectionModel &model, FlexTotal &flex,
+                       qint32 userRowOrder, RowRandom &random);
 
 } // namespace kel

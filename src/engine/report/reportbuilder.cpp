@@ -40,23 +40,24 @@ ReportItem item(ReportItem::Kind kind, const QString &text = {})
     return i;
 }
 
-std::vector<qint32> chosenBlocks(const Document &doc, const ReportRecipe &recipe)
+std::vector<qint32> chosenBlocks(const BlockCatalogue &catalogue, const ReportRecipe &recipe)
 {
     std::vector<qint32> blocks;
     if (recipe.blocks.empty()) {
-        for (std::size_t b = 0; b < doc.blocks.size(); ++b)
-            blocks.push_back(qint32(b));
+        for (qint32 b = 0; b < catalogue.size(); ++b)
+            blocks.push_back(b);
         return blocks;
     }
     for (qint32 b : recipe.blocks)
-        if (b >= 0 && std::size_t(b) < doc.blocks.size())
+        if (catalogue.blockAt(b))
             blocks.push_back(b);
     return blocks;
 }
 
 // The index table as Copy Indexes makes it for every kind of item, with the
 // unit and the flex total it is compared with in two columns.
-std::vector<QStringList> indexTable(const Document &doc, const ReportShown &shown, const QLocale &locale)
+std::vector<QStringList> indexTable(const Document &doc, const BlockCatalogue &catalogue, const ReportShown &shown,
+                                    const QLocale &locale)
 {
     IndexExportOptions options;
     options.subSelTotal = true;
@@ -65,8 +66,8 @@ std::vector<QStringList> indexTable(const Document &doc, const ReportShown &show
     options.subSelectionsInColumns = true;
     std::vector<SubSelection> columns{{shown.sheet.steps.selectionText, shown.sheet.rows},
                                       {shown.flex.text(), shown.flex.rows()}};
-    const std::vector<IndexItem> items = buildIndexItems(doc, options);
-    const std::vector<double> values = calculateIndexValues(doc, columns, items);
+    const std::vector<IndexItem> items = buildIndexItems(doc, catalogue, options);
+    const std::vector<double> values = calculateIndexValues(doc, catalogue, columns, items);
     const QString text =
         formatIndexTable(doc, shown.sheet.steps.selectionText, options, columns, items, values, locale);
     std::vector<QStringList> table;
@@ -89,15 +90,15 @@ BasicGraphSelection graphSelection(const ReportShown &shown, const ReportOptions
     return selection;
 }
 
-void addBasicGraphs(std::vector<ReportItem> &items, const Document &doc, const ReportShown &shown,
-                    const std::vector<qint32> &blocks, qint32 kind, const ReportWords &words,
+void addBasicGraphs(std::vector<ReportItem> &items, const Document &doc, const BlockCatalogue &catalogue,
+                    const ReportShown &shown, const std::vector<qint32> &blocks, qint32 kind, const ReportWords &words,
                     const ReportOptions &options)
 {
     const BasicGraphSelection selection = graphSelection(shown, options);
     for (qint32 b : blocks) {
         BasicGraphRequest request;
-        request.questions = blockMembers(doc, b);
-        request.name = doc.blocks[std::size_t(b)].name;
+        request.questions = blockMembers(doc, catalogue, b);
+        request.name = catalogue.blocks[std::size_t(b)].name;
         request.block = b;
         request.kind = kind;
         request.showTotalIndex = shown.sheet.steps.differentFromUsedTotal;
@@ -106,7 +107,7 @@ void addBasicGraphs(std::vector<ReportItem> &items, const Document &doc, const R
                 item(ReportItem::Kind::Notice, request.name + QStringLiteral(": ") + words.blockWithoutQuestions));
             continue;
         }
-        const BasicGraphResult result = generateBasicGraph(doc, request, selection);
+        const BasicGraphResult result = generateBasicGraph(doc, catalogue, shown.flex, request, selection);
         if (result.outcome != BasicGraphOutcome::Ok) {
             items.push_back(
                 item(ReportItem::Kind::Notice, request.name + QStringLiteral(": ") + words.splitNotAllowed));
@@ -137,8 +138,9 @@ ReportItem chartItem(ChartDescription chart)
 
 // The total index graph (block < 0) or one block's, with the recipe's split
 // when the unit's privacy rules allow it and its own refusal otherwise.
-void addIndexGraph(std::vector<ReportItem> &items, const Document &doc, const ReportShown &shown, qint32 block,
-                   qint32 split, const ReportWords &words, const ReportOptions &options)
+void addIndexGraph(std::vector<ReportItem> &items, const Document &doc, const BlockCatalogue &catalogue,
+                   const ReportShown &shown, qint32 block, qint32 split, const ReportWords &words,
+                   const ReportOptions &options)
 {
     IndexGraphRequest request;
     request.block = block;
@@ -148,14 +150,14 @@ void addIndexGraph(std::vector<ReportItem> &items, const Document &doc, const Re
     const bool total = block < 0;
     if (split >= 0 && !splitAllowed(doc, shown.sheet.steps, split)) {
         const QString name = total ? totalIndexGraphTitle(doc, true, true, false, split)
-                                   : blockIndexGraphTitle(doc, block, true, true, split);
+                                   : blockIndexGraphTitle(doc, catalogue, block, true, true, split);
         items.push_back(item(ReportItem::Kind::Notice, name + QStringLiteral(": ") + words.splitNotAllowed));
         return;
     }
     request.splitQuestion = split;
     request.title = total ? totalIndexGraphTitle(doc, true, true, false, split)
-                          : blockIndexGraphTitle(doc, block, true, true, split);
-    items.push_back(chartItem(generateIndexGraph(doc, chartContext(shown, options), request)));
+                          : blockIndexGraphTitle(doc, catalogue, block, true, true, split);
+    items.push_back(chartItem(generateIndexGraph(doc, catalogue, shown.flex, chartContext(shown, options), request)));
 }
 
 void addComments(std::vector<ReportItem> &items, const Document &doc, const ReportShown &shown,
@@ -262,8 +264,9 @@ QString reportTitle(const Document &doc)
 ReportUnit buildReportUnit(const Document &base, const ReportBase &start, const ReportRecipe &recipe,
                            const ReportUnitPlan &plan, const ReportWords &words, const ReportOptions &options)
 {
-    auto doc = std::make_shared<Document>(base);
-    ReportShown shown = showForReport(*doc, plan.model, start.flex, options.seed);
+    const Document *doc = &base;
+    const BlockCatalogue &catalogue = start.blocks;
+    ReportShown shown = showForReport(base, catalogue, plan.model, start.flex, options.seed);
     ReportUnit unit;
     unit.name = plan.name;
     if (shown.refusal != ReportRefusal::None) {
@@ -289,7 +292,7 @@ ReportUnit buildReportUnit(const Document &base, const ReportBase &start, const 
         items.push_back(item(ReportItem::Kind::Notice, why));
         return false;
     };
-    const std::vector<qint32> blocks = chosenBlocks(*doc, recipe);
+    const std::vector<qint32> blocks = chosenBlocks(catalogue, recipe);
     const bool hasIndexes = p.pointsScale >= 1;
 
     for (ReportSection section : recipe.sections) {
@@ -324,7 +327,7 @@ ReportUnit buildReportUnit(const Document &base, const ReportBase &start, const 
             }
             {
                 ReportItem table = item(ReportItem::Kind::Table);
-                table.table = indexTable(*doc, shown, options.locale);
+                table.table = indexTable(*doc, catalogue, shown, options.locale);
                 items.push_back(std::move(table));
             }
             break;
@@ -337,11 +340,11 @@ ReportUnit buildReportUnit(const Document &base, const ReportBase &start, const 
             break;
         case ReportSection::BlockHistograms:
             if (allowed(section))
-                addBasicGraphs(items, *doc, shown, blocks, HistogramGraph, words, options);
+                addBasicGraphs(items, *doc, catalogue, shown, blocks, HistogramGraph, words, options);
             break;
         case ReportSection::BlockFractions:
             if (allowed(section))
-                addBasicGraphs(items, *doc, shown, blocks, FractionGraph, words, options);
+                addBasicGraphs(items, *doc, catalogue, shown, blocks, FractionGraph, words, options);
             break;
         case ReportSection::TotalIndexGraph:
             if (!allowed(section))
@@ -349,7 +352,7 @@ ReportUnit buildReportUnit(const Document &base, const ReportBase &start, const 
             if (!hasIndexes)
                 items.push_back(item(ReportItem::Kind::Notice, words.noIndexes));
             else
-                addIndexGraph(items, *doc, shown, -1, recipe.split, words, options);
+                addIndexGraph(items, *doc, catalogue, shown, -1, recipe.split, words, options);
             break;
         case ReportSection::BlockIndexGraphs:
             if (!allowed(section))
@@ -359,9 +362,9 @@ ReportUnit buildReportUnit(const Document &base, const ReportBase &start, const 
                 break;
             }
             for (qint32 b : blocks) {
-                if (blockMembers(*doc, b).empty())
+                if (blockMembers(*doc, catalogue, b).empty())
                     continue;
-                addIndexGraph(items, *doc, shown, b, recipe.split, words, options);
+                addIndexGraph(items, *doc, catalogue, shown, b, recipe.split, words, options);
             }
             break;
         case ReportSection::DistributionGraphs: {
@@ -396,8 +399,8 @@ ReportUnit buildReportUnit(const Document &base, const ReportBase &start, const 
                 break;
             for (qint32 b : blocks) {
                 RankingGraphRequest request;
-                request.questions = blockMembers(*doc, b);
-                request.titleText = doc->blocks[std::size_t(b)].name;
+                request.questions = blockMembers(*doc, catalogue, b);
+                request.titleText = catalogue.blocks[std::size_t(b)].name;
                 if (request.questions.empty())
                     continue;
                 items.push_back(chartItem(generateRankingGraph(*doc, chartContext(shown, options), request)));

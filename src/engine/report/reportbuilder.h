@@ -13,10 +13,12 @@
 
 namespace kel {
 
-/// The selection a unit starts from: the navigator's ticks and flex total.
+/// The selection a unit starts from: the navigator's ticks, flex total and
+/// blocks.
 struct ReportBase {
     SelectionModel model; ///< set up for the document
     FlexTotal flex;
+    BlockCatalogue blocks;
 };
 
 /// A unit to build: its name and the ticks Show gets.
@@ -55,7 +57,8 @@ struct ReportOptions {
     quint64 seed = 1; ///< random row orders
 };
 
-/// The content of one planned unit. `words` for refusals and notices.
+/// The content of one planned unit. `words` for refusals and notices. The
+/// unit's overview picture refers to `doc`, which must outlive it.
 ReportUnit buildReportUnit(const Document &doc, const ReportBase &base, const ReportRecipe &recipe,
                            const ReportUnitPlan &plan, const ReportWords &words, const ReportOptions &options);
 

@@ -71,8 +71,9 @@ struct ReportUnit {
     /// Set when Show refuses the unit: its only content is this text.
     QString refusal;
     std::vector<ReportItem> items;
-    /// For the overview picture: the document as Show left it and the sheet.
-    std::shared_ptr<const Document> document;
+    /// For the overview picture: the document the report was built from
+    /// (it outlives the report) and the sheet.
+    const Document *document = nullptr;
     std::shared_ptr<const SubSheet> sheet;
 
     bool isRefused() const { return !refusal.isEmpty(); }

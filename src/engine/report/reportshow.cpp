@@ -5,7 +5,8 @@
 
 namespace kel {
 
-ReportShown showForReport(Document &doc, SelectionModel model, FlexTotal flex, quint64 seed)
+ReportShown showForReport(const Document &doc, const BlockCatalogue &catalogue, SelectionModel model, FlexTotal flex,
+                          quint64 seed)
 {
     ReportShown shown;
     const RecountResult recount = model.recount(doc);
@@ -20,7 +21,7 @@ ReportShown showForReport(Document &doc, SelectionModel model, FlexTotal flex, q
         return shown;
     }
     RowRandom random(seed);
-    shown.sheet = showSelection(doc, model, flex, RowOrderOriginal, random);
+    shown.sheet = showSelection(doc, catalogue, model, flex, RowOrderOriginal, random);
     switch (shown.sheet.outcome) {
     case SubSheetOutcome::Ok: break;
     case SubSheetOutcome::Blocked: shown.refusal = ReportRefusal::Blocked; break;

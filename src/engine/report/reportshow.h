@@ -26,10 +26,11 @@ struct ReportShown {
     FlexTotal flex;
 };
 
-/// Presses Show for `model`'s ticks on `doc` (whose flex-total indexes Show
-/// may rewrite), starting from the flex total `flex`. The rows come in the
+/// Presses Show for `model`'s ticks on `doc` with the blocks of `catalogue`,
+/// starting from the flex total `flex`. The rows come in the
 /// order the document asks for; random orders use `seed`, so the same
 /// recipe gives the same report.
-ReportShown showForReport(Document &doc, SelectionModel model, FlexTotal flex, quint64 seed);
+ReportShown showForReport(const Document &doc, const BlockCatalogue &catalogue, SelectionModel model, FlexTotal flex,
+                          quint64 seed);
 
 } // namespace kel

@@ -17,19 +17,6 @@ qint32 flexOptionCount(const Document &doc)
     return doc.questions[std::size_t(doc.flexCategory)].alternativeCount;
 }
 
-// The flex-total indexes mirror the total indexes while the flex total is
-// the whole document; nothing needs recomputing then.
-void copyTotalIndexes(Document &doc)
-{
-    if (doc.properties.pointsScale < 1)
-        return;
-    doc.properties.flexTotalIndex = doc.properties.totalIndex;
-    for (Question &q : doc.questions)
-        q.flexTotalIndex = q.totalIndex;
-    for (Block &b : doc.blocks)
-        b.flexTotalIndex = b.totalIndex;
-}
-
 } // namespace
 
 QString joinWithAmpersand(const QStringList &names)
@@ -41,16 +28,30 @@ QString joinWithAmpersand(const QStringList &names)
     return names.mid(0, names.size() - 1).join(QStringLiteral(", ")) + QStringLiteral(" & ") + names.back();
 }
 
-void FlexTotal::reset(Document &doc)
+// The flex-total indexes mirror the total indexes while the flex total is
+// the whole document; nothing needs recomputing then.
+void FlexTotal::copyTotalIndexes(const Document &doc, const BlockCatalogue &catalogue)
+{
+    mTotalIndex = doc.properties.totalIndex;
+    mQuestionIndexes.resize(doc.questions.size());
+    for (std::size_t q = 0; q < doc.questions.size(); ++q)
+        mQuestionIndexes[q] = doc.questions[q].totalIndex;
+    mBlockIndexes.resize(catalogue.blocks.size());
+    for (std::size_t b = 0; b < catalogue.blocks.size(); ++b)
+        mBlockIndexes[b] = catalogue.blocks[b].totalIndex;
+}
+
+void FlexTotal::reset(const Document &doc, const BlockCatalogue &catalogue)
 {
     mOptions.assign(std::size_t(qMax(flexOptionCount(doc), 1)), true);
     mBasedOnCurrentSelection = false;
     mRows = allRows(doc);
     mText = doc.text(doc.properties.totalText);
-    copyTotalIndexes(doc);
+    copyTotalIndexes(doc, catalogue);
 }
 
-void FlexTotal::setFlexTotal(Document &doc, const std::vector<bool> &selected, bool baseOnCurrentSelection)
+void FlexTotal::setFlexTotal(const Document &doc, const BlockCatalogue &catalogue, const std::vector<bool> &selected,
+                             bool baseOnCurrentSelection)
 {
     mOptions = selected;
     mBasedOnCurrentSelection = baseOnCurrentSelection;
@@ -58,7 +59,7 @@ void FlexTotal::setFlexTotal(Document &doc, const std::vector<bool> &selected, b
     if (std::all_of(selected.begin(), selected.end(), [](bool b) { return b; })) {
         mText = doc.text(doc.properties.totalText);
         mRows = allRows(doc);
-        copyTotalIndexes(doc);
+        copyTotalIndexes(doc, catalogue);
         return;
     }
 
@@ -89,10 +90,11 @@ void FlexTotal::setFlexTotal(Document &doc, const std::vector<bool> &selected, b
                     mRows.push_back(r);
         });
     }
-    calculateFlexTotalIndexes(doc);
+    calculateFlexTotalIndexes(doc, catalogue);
 }
 
-void FlexTotal::buildFlexTotalFromSelection(Document &doc, const SelectionMatrix &selection)
+void FlexTotal::buildFlexTotalFromSelection(const Document &doc, const BlockCatalogue &catalogue,
+                                            const SelectionMatrix &selection)
 {
     SelectionMatrix test = selection;
     const qint32 categories = qMin(qint32(doc.categories.size()), test.categoryCount());
@@ -103,27 +105,39 @@ void FlexTotal::buildFlexTotalFromSelection(Document &doc, const SelectionMatrix
             test.set(c, o, option(o));
     }
     mRows = selectedRows(doc, test);
-    calculateFlexTotalIndexes(doc);
+    calculateFlexTotalIndexes(doc, catalogue);
 }
 
-void FlexTotal::calculateFlexTotalIndexes(Document &doc) const
+void FlexTotal::calculateFlexTotalIndexes(const Document &doc, const BlockCatalogue &catalogue)
 {
-    if (doc.properties.pointsScale < 1)
-        return;
-    const bool hidden = mRows.empty() || rowCount() < doc.properties.minimumGraphSelection;
-    if (hidden) {
-        doc.properties.flexTotalIndex = -1.0;
-        for (Question &q : doc.questions)
-            q.flexTotalIndex = -1.0;
-        for (Block &b : doc.blocks)
-            b.flexTotalIndex = -1.0;
+    // Without points the indexes are whatever the file holds, whatever the
+    // flex total.
+    if (doc.properties.pointsScale < 1) {
+        copyTotalIndexes(doc, catalogue);
         return;
     }
-    doc.properties.flexTotalIndex = calculateTotalIndex(doc, mRows);
+    mQuestionIndexes.assign(doc.questions.size(), -1.0);
+    mBlockIndexes.assign(catalogue.blocks.size(), -1.0);
+    const bool hidden = mRows.empty() || rowCount() < doc.properties.minimumGraphSelection;
+    if (hidden) {
+        mTotalIndex = -1.0;
+        return;
+    }
+    mTotalIndex = calculateTotalIndex(doc, mRows);
     for (std::size_t q = 0; q < doc.questions.size(); ++q)
-        doc.questions[q].flexTotalIndex = calculateColumnsIndex(doc, QuestionList{qint32(q)}, mRows);
-    for (std::size_t b = 0; b < doc.blocks.size(); ++b)
-        doc.blocks[b].flexTotalIndex = calculateBlockIndex(doc, qint32(b), mRows);
+        mQuestionIndexes[q] = calculateColumnsIndex(doc, QuestionList{qint32(q)}, mRows);
+    for (std::size_t b = 0; b < catalogue.blocks.size(); ++b)
+        mBlockIndexes[b] = calculateBlockIndex(doc, catalogue, qint32(b), mRows);
+}
+
+void FlexTotal::updateUserBlockIndexes(const Document &doc, const BlockCatalogue &catalogue)
+{
+    const std::size_t documentBlocks = std::size_t(catalogue.documentBlockCount());
+    mBlockIndexes.resize(catalogue.blocks.size(), -1.0);
+    for (std::size_t b = documentBlocks; b < catalogue.blocks.size(); ++b)
+        mBlockIndexes[b] = doc.properties.pointsScale > 0
+            ? calculateBlockFlexTotalIndex(doc, catalogue, qint32(b), mRows)
+            : catalogue.blocks[b].totalIndex;
 }
 
 } // namespace kel

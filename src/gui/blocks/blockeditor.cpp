@@ -40,8 +40,9 @@ QString BlockEditor::t(const char *english, const char *swedish) const
     return pickText(mIsSwedish, english, swedish);
 }
 
-BlockEditor::BlockEditor(Document &doc, const RowList &flexRows, SettingsStore &store, bool isSwedish, QWidget *parent)
-    : QDialog(parent), mDoc(doc), mFlexRows(flexRows), mStore(store), mIsSwedish(isSwedish), mModel(doc),
+BlockEditor::BlockEditor(const Document &doc, BlockCatalogue &catalogue, SettingsStore &store, bool isSwedish,
+                         QWidget *parent)
+    : QDialog(parent), mDoc(doc), mCatalogue(catalogue), mStore(store), mIsSwedish(isSwedish), mModel(doc, catalogue),
       mPrompts(BlockEditorPrompts::dialogs(this))
 {
     setObjectName(QStringLiteral("frmBlockEdit"));
@@ -278,8 +279,8 @@ void BlockEditor::deleteBlock()
 void BlockEditor::accept()
 {
     WaitCursor wait;
-    mModel.apply(mDoc, mFlexRows);
-    storeUserBlocks(mDoc, mStore); // nothing is stored under the NoSaveSettings policy
+    mModel.apply(mCatalogue);
+    storeUserBlocks(mDoc, mCatalogue, mStore); // nothing is stored under the NoSaveSettings policy
     mBlocksChanged = true;
     QDialog::accept();
 }

@@ -38,12 +38,12 @@ class BlockEditor : public QDialog
 {
     Q_OBJECT
 public:
-    /// `doc`, `flexRows` and `store` must outlive the editor.
-    BlockEditor(Document &doc, const RowList &flexRows, SettingsStore &store, bool isSwedish,
+    /// `doc`, `catalogue` and `store` must outlive the editor.
+    BlockEditor(const Document &doc, BlockCatalogue &catalogue, SettingsStore &store, bool isSwedish,
                 QWidget *parent = nullptr);
 
     void setPrompts(BlockEditorPrompts prompts) { mPrompts = std::move(prompts); }
-    /// Set by OK: the document's blocks were replaced.
+    /// Set by OK: the catalogue's blocks were replaced.
     bool blocksChanged() const { return mBlocksChanged; }
     const BlockEditModel &model() const { return mModel; }
 
@@ -65,8 +65,8 @@ private:
     void questionClicked(QListWidgetItem *item);
     void questionChanged(QListWidgetItem *item);
 
-    Document &mDoc;
-    const RowList &mFlexRows;
+    const Document &mDoc;
+    BlockCatalogue &mCatalogue;
     SettingsStore &mStore;
     bool mIsSwedish;
     BlockEditModel mModel;

@@ -25,26 +25,33 @@ ViewerSession::~ViewerSession() = default;
 
 void ViewerSession::resetFlexTotal()
 {
-    if (Document *doc = editableDocument()) {
-        mFlexTotal.reset(*doc);
+    if (const Document *doc = document()) {
+        mFlexTotal.reset(*doc, blocks());
         emit flexTotalChanged();
     }
 }
 
+void ViewerSession::blocksEdited()
+{
+    if (const Document *doc = document())
+        mFlexTotal.updateUserBlockIndexes(*doc, blocks());
+    emit blocksChanged();
+}
+
 SubSheetOutcome ViewerSession::show(const SelectionMatrix &selection, qint32 userRowOrder)
 {
-    Document *doc = editableDocument();
+    const Document *doc = document();
     if (!doc)
         return SubSheetOutcome::Ok;
-    return take(createSubSheet(*doc, selection, mFlexTotal, userRowOrder, mRowRandom));
+    return take(createSubSheet(*doc, blocks(), selection, mFlexTotal, userRowOrder, mRowRandom));
 }
 
 SubSheetOutcome ViewerSession::show(SelectionModel &model, qint32 userRowOrder)
 {
-    Document *doc = editableDocument();
+    const Document *doc = document();
     if (!doc)
         return SubSheetOutcome::Ok;
-    return take(kel::showSelection(*doc, model, mFlexTotal, userRowOrder, mRowRandom));
+    return take(kel::showSelection(*doc, blocks(), model, mFlexTotal, userRowOrder, mRowRandom));
 }
 
 SubSheetOutcome ViewerSession::take(SubSheet sheet)

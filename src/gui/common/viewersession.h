@@ -31,7 +31,11 @@ public:
     DocumentSession &documents() { return mDocuments; }
     const DocumentSession &documents() const { return mDocuments; }
     const Document *document() const { return mDocuments.document(); }
-    Document *editableDocument() { return mDocuments.editableDocument(); }
+    /// The open document's blocks and the user's; empty without a document.
+    const BlockCatalogue &blocks() const { return mDocuments.blocks(); }
+    /// For the two that change them: restoring the stored user blocks and
+    /// the block editor (which then calls blocksEdited()).
+    BlockCatalogue &editableBlocks() { return mDocuments.editableBlocks(); }
 
     const FlexTotal &flexTotal() const { return mFlexTotal; }
     /// Every respondent again, as after opening.
@@ -76,8 +80,8 @@ public:
     /// Closes every in-use window of the three tables and frees the slots.
     void closeInUseWindows();
 
-    /// The block editor changed the document's blocks.
-    void notifyBlocksChanged() { emit blocksChanged(); }
+    /// The user's blocks changed: the flex total's block indexes follow.
+    void blocksEdited();
 
 signals:
     void sheetChanged();

@@ -166,11 +166,12 @@ QString DocumentCommands::loadDocument(const QString &path, bool rememberFolder)
 
 void DocumentCommands::restoreStoredBlocks()
 {
-    Document *doc = mContext.session.editableDocument();
+    const Document *doc = mContext.session.document();
     if (!doc)
         return;
     SettingsStore &store = mContext.settings.store;
-    const UserBlockRestore restore = restoreUserBlocks(*doc, store, !store.policies().noSaveSettings);
+    const UserBlockRestore restore =
+        restoreUserBlocks(*doc, mContext.session.editableBlocks(), store, !store.policies().noSaveSettings);
     if (restore.problems.isEmpty())
         return;
     for (const QString &problem : restore.problems)
@@ -187,16 +188,16 @@ void DocumentCommands::restoreStoredBlocks()
 void DocumentCommands::editBlocks()
 {
     ViewerSession &session = mContext.session;
-    Document *doc = session.editableDocument();
+    const Document *doc = session.document();
     if (!doc)
         return;
     StatusLine &status = mContext.host.statusLine();
     status.setStatus("Editing blocks...", "Redigerar block...", false);
-    BlockEditor editor(*doc, session.flexTotal().rows(), mContext.settings.store, mContext.settings.isSwedish,
+    BlockEditor editor(*doc, session.editableBlocks(), mContext.settings.store, mContext.settings.isSwedish,
                        mContext.host.dialogParent());
     editor.exec();
     if (editor.blocksChanged())
-        session.notifyBlocksChanged();
+        session.blocksEdited();
     status.clearStatus();
 }
 
@@ -215,7 +216,7 @@ void DocumentCommands::copyIndexes()
     bool done = false;
     SetupExportIndexes setup(*doc, mExportOptions, sv, mContext.host.dialogParent());
     setup.setOnExport([&](const IndexExportOptions &options) {
-        ExportIndexes progress(*doc, selectionText, rows, options, QLocale(), sv, &setup);
+        ExportIndexes progress(*doc, session.blocks(), selectionText, rows, options, QLocale(), sv, &setup);
         progress.exec();
         done = progress.copied();
     });

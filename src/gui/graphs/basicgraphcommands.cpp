@@ -47,7 +47,7 @@ bool GraphCommands::canGraph() const
 QuestionList GraphCommands::overviewColumnsOf(qint32 block) const
 {
     const Document &doc = *mContext.session.document();
-    const QuestionList members = blockMembers(doc, block);
+    const QuestionList members = blockMembers(doc, mContext.session.blocks(), block);
     QuestionList columns;
     for (qint32 q : doc.overviewColumns)
         if (std::find(members.begin(), members.end(), q) != members.end())
@@ -113,7 +113,8 @@ BasicGraphWindow *GraphCommands::openBasicGraph(const BasicGraphRequest &request
     if (!canGraph())
         return nullptr;
     const Document &doc = *mContext.session.document();
-    const BasicGraphResult result = generateBasicGraph(doc, request, currentGraphSelection());
+    const BasicGraphResult result = generateBasicGraph(doc, mContext.session.blocks(), mContext.session.flexTotal(),
+                                                       request, currentGraphSelection());
     if (result.outcome != BasicGraphOutcome::Ok)
         return nullptr;
 
@@ -155,7 +156,7 @@ void GraphCommands::popupBlockGraph(qint32 kind)
     if (doc && block >= 0) {
         // The block's columns as the overview shows them.
         request.questions = overviewColumnsOf(block);
-        request.name = doc->blocks[std::size_t(block)].name;
+        request.name = mContext.session.blocks().blocks[std::size_t(block)].name;
         request.block = block;
         request.showTotalIndex = mContext.session.selectionSteps().differentFromUsedTotal;
     }
@@ -222,20 +223,21 @@ void GraphCommands::splitGraphByCategory(qint32 kind, int category)
 void GraphCommands::viewBlockGraph(qint32 kind, int block)
 {
     const Document *doc = mContext.session.document();
-    if (!doc || block < 0 || std::size_t(block) >= doc->blocks.size())
+    const BlockCatalogue &blocks = mContext.session.blocks();
+    if (!doc || !blocks.blockAt(block))
         return;
     const BasicGraphCommand command =
         kind == HistogramGraph ? BasicGraphCommand::ViewBlockHistogram : BasicGraphCommand::ViewBlockFraction;
     WaitCursor wait;
     BasicGraphRequest request;
     request.kind = kind;
-    request.questions = blockGraphQuestions(*doc, block);
+    request.questions = blockGraphQuestions(*doc, blocks, block);
     if (request.questions.empty()) {
         mContext.host.showMessage(QMessageBox::Information, applicationTitle(),
                                   blockWithoutQuestionsMessage(mContext.settings.isSwedish));
         return;
     }
-    request.name = doc->blocks[std::size_t(block)].name;
+    request.name = blocks.blocks[std::size_t(block)].name;
     request.block = block;
     request.showTotalIndex = mContext.session.selectionSteps().differentFromUsedTotal;
     runBasicGraph(command, request);

@@ -59,8 +59,7 @@ void GraphCommands::totalIndexGraph()
 
 void GraphCommands::blockIndexGraph(qint32 block)
 {
-    const Document *doc = mContext.session.document();
-    if (doc && block >= 0 && std::size_t(block) < doc->blocks.size())
+    if (mContext.session.document() && mContext.session.blocks().blockAt(block))
         indexGraph(block);
 }
 
@@ -76,15 +75,16 @@ void GraphCommands::indexGraph(qint32 block)
         status.setStatus("Generating block index graph...", "Skapar blockindexgraf...", false);
     const Document &doc = *mContext.session.document();
     LastSettings &last = mContext.settings.last;
-    IndexGraphDialog dialog(doc, block, mContext.session.selectionSteps(), last, mContext.settings.isSwedish,
-                            mContext.host.dialogParent());
+    IndexGraphDialog dialog(doc, mContext.session.blocks(), block, mContext.session.selectionSteps(), last,
+                            mContext.settings.isSwedish, mContext.host.dialogParent());
     if (runDialog(dialog) != QDialog::Accepted) {
         status.clearStatus();
         return;
     }
     dialog.storeSettings(last);
     WaitCursor wait;
-    showChart(generateIndexGraph(doc, chartContext(), dialog.request()));
+    showChart(generateIndexGraph(doc, mContext.session.blocks(), mContext.session.flexTotal(), chartContext(),
+                                 dialog.request()));
     if (total)
         status.setStatus("Total index graph generated!", "Totalindexgraf skapad!", true);
     else
@@ -122,7 +122,7 @@ void GraphCommands::popupBlockRankingGraph(bool sorted)
     const Document *doc = mContext.session.document();
     const qint32 block = mContext.session.popupBlock();
     if (doc && block >= 0)
-        rankingGraph(overviewColumnsOf(block), doc->blocks[std::size_t(block)].name, sorted, true);
+        rankingGraph(overviewColumnsOf(block), mContext.session.blocks().blocks[std::size_t(block)].name, sorted, true);
 }
 
 void GraphCommands::popupQuestionRankingGraph(bool sorted)
@@ -136,15 +136,16 @@ void GraphCommands::popupQuestionRankingGraph(bool sorted)
 void GraphCommands::viewBlockRankingGraph(qint32 block)
 {
     const Document *doc = mContext.session.document();
-    if (!canGraph() || block < 0 || std::size_t(block) >= doc->blocks.size())
+    const BlockCatalogue &blocks = mContext.session.blocks();
+    if (!canGraph() || !blocks.blockAt(block))
         return;
-    const QuestionList questions = blockGraphQuestions(*doc, block);
+    const QuestionList questions = blockGraphQuestions(*doc, blocks, block);
     if (questions.empty()) {
         mContext.host.statusLine().setStatus("The block did not contain any questions!",
                                              "Blocket innehöll inga frågor!", true);
         return;
     }
-    rankingGraph(questions, doc->blocks[std::size_t(block)].name, true, true);
+    rankingGraph(questions, blocks.blocks[std::size_t(block)].name, true, true);
 }
 
 void GraphCommands::distributionGraph()

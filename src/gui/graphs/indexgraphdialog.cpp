@@ -26,9 +26,10 @@ QCheckBox *checkBox(QWidget *parent, const char *name, const QString &caption)
 
 } // namespace
 
-IndexGraphDialog::IndexGraphDialog(const Document &doc, qint32 block, const SelectionSteps &steps,
-                                   const LastSettings &settings, bool isSwedish, QWidget *parent)
-    : QDialog(parent), mDoc(doc), mBlock(block)
+IndexGraphDialog::IndexGraphDialog(const Document &doc, const BlockCatalogue &catalogue, qint32 block,
+                                   const SelectionSteps &steps, const LastSettings &settings, bool isSwedish,
+                                   QWidget *parent)
+    : QDialog(parent), mDoc(doc), mCatalogue(catalogue), mBlock(block)
 {
     const bool blockDialog = block >= 0;
     setObjectName(QString::fromUtf8(blockDialog ? "frmBlockIndexGraphLaunch" : "frmTotalIndexGraphLaunch"));
@@ -37,8 +38,8 @@ IndexGraphDialog::IndexGraphDialog(const Document &doc, qint32 block, const Sele
     auto *layout = new QVBoxLayout(this);
 
     if (blockDialog) {
-        const QString name = std::size_t(block) < doc.blocks.size() ? doc.blocks[std::size_t(block)].name : QString();
-        lblBlockName = new QLabel(name, this);
+        const Block *named = catalogue.blockAt(block);
+        lblBlockName = new QLabel(named ? named->name : QString(), this);
         lblBlockName->setObjectName(QStringLiteral("lblBlockName"));
         lblBlockName->setTextFormat(Qt::PlainText);
         layout->addWidget(lblBlockName);
@@ -167,7 +168,7 @@ IndexGraphRequest IndexGraphDialog::request() const
     if (mBlock >= 0) {
         r.includeMainIndex = chkShowBlockIndex->isChecked();
         r.includeSubIndexes = questions;
-        r.title = blockIndexGraphTitle(mDoc, mBlock, r.includeMainIndex, questions, r.splitQuestion);
+        r.title = blockIndexGraphTitle(mDoc, mCatalogue, mBlock, r.includeMainIndex, questions, r.splitQuestion);
     } else {
         const bool blocks = chkShowBlockIndexes->isChecked();
         r.includeMainIndex = chkShowTotalIndex->isChecked();

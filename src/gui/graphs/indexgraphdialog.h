@@ -26,8 +26,8 @@ public:
     /// `block` -1: the total index graph dialog. `steps` tells which splits
     /// the privacy rules allow and whether the selection differs from the
     /// used total. The look and index-line boxes start from `settings`.
-    IndexGraphDialog(const Document &doc, qint32 block, const SelectionSteps &steps, const LastSettings &settings,
-                     bool isSwedish, QWidget *parent = nullptr);
+    IndexGraphDialog(const Document &doc, const BlockCatalogue &catalogue, qint32 block, const SelectionSteps &steps,
+                     const LastSettings &settings, bool isSwedish, QWidget *parent = nullptr);
 
     /// After OK: the graph to generate, titled in the document's language.
     IndexGraphRequest request() const;
@@ -60,6 +60,7 @@ private:
     qint32 lineBoxes() const { return mBlock >= 0 ? 4 : 2; }
 
     const Document &mDoc;
+    const BlockCatalogue &mCatalogue;
     qint32 mBlock;
 };
 

@@ -178,10 +178,11 @@ void lowerWorkerPriority()
 
 } // namespace
 
-ExportIndexes::ExportIndexes(const Document &doc, const QString &selectionText, const RowList &currentRows,
-                             const IndexExportOptions &options, const QLocale &locale, bool isSwedish, QWidget *parent)
-    : QDialog(parent), mDoc(doc), mSelectionText(selectionText), mRows(currentRows), mOptions(options), mLocale(locale),
-      mIsSwedish(isSwedish)
+ExportIndexes::ExportIndexes(const Document &doc, const BlockCatalogue &catalogue, const QString &selectionText,
+                             const RowList &currentRows, const IndexExportOptions &options, const QLocale &locale,
+                             bool isSwedish, QWidget *parent)
+    : QDialog(parent), mDoc(doc), mCatalogue(catalogue), mSelectionText(selectionText), mRows(currentRows),
+      mOptions(options), mLocale(locale), mIsSwedish(isSwedish)
 {
     setObjectName(QStringLiteral("frmExportIndexes"));
     setWindowTitle(indexExportText(IndexExportText::Caption, isSwedish));
@@ -252,13 +253,13 @@ void ExportIndexes::start()
     if (mCancelled)
         return;
     mActivity->setText(indexExportText(IndexExportText::Calculating, mIsSwedish));
-    mItems = buildIndexItems(mDoc, mOptions);
+    mItems = buildIndexItems(mDoc, mCatalogue, mOptions);
     mProgress->setRange(0, std::max<int>(1, int(mItems.size())));
     mProgress->setValue(0);
     mWorker = QThread::create([this] {
         lowerWorkerPriority();
         mSubSelections = buildSubSelections(mDoc, mOptions, mRows);
-        mValues = calculateIndexValues(mDoc, mSubSelections, mItems, [this](qint32 done) {
+        mValues = calculateIndexValues(mDoc, mCatalogue, mSubSelections, mItems, [this](qint32 done) {
             if (mObserver)
                 mObserver(done);
             mItemsDone = done;

@@ -66,8 +66,9 @@ class ExportIndexes : public QDialog
 {
     Q_OBJECT
 public:
-    ExportIndexes(const Document &doc, const QString &selectionText, const RowList &currentRows,
-                  const IndexExportOptions &options, const QLocale &locale, bool isSwedish, QWidget *parent = nullptr);
+    ExportIndexes(const Document &doc, const BlockCatalogue &catalogue, const QString &selectionText,
+                  const RowList &currentRows, const IndexExportOptions &options, const QLocale &locale, bool isSwedish,
+                  QWidget *parent = nullptr);
     ~ExportIndexes() override;
 
     /// Set when the table went to the clipboard.
@@ -90,6 +91,7 @@ private:
     void finish();
 
     const Document &mDoc;
+    const BlockCatalogue &mCatalogue;
     QString mSelectionText;
     const RowList &mRows;
     IndexExportOptions mOptions;

@@ -16,6 +16,7 @@ void ReportCommands::createReport()
     context.document = doc;
     context.base.model = selectionModelFor(*doc, session.shownSheet().selection);
     context.base.flex = session.flexTotal();
+    context.base.blocks = session.blocks();
     context.isSwedish = mContext.settings.isSwedish;
     context.locale = QLocale();
     ReportDialog dialog(std::move(context), mContext.host.dialogParent());

@@ -99,7 +99,7 @@ ReportDialog::ReportDialog(ReportDialogContext context, QWidget *parent)
 
     mBlocks = new QListWidget(this);
     mBlocks->setObjectName(QStringLiteral("lstReportBlocks"));
-    for (const Block &b : doc.blocks) {
+    for (const Block &b : mContext.base.blocks.blocks) {
         auto *item = new QListWidgetItem(b.name, mBlocks);
         item->setFlags(item->flags() | Qt::ItemIsUserCheckable);
         item->setCheckState(Qt::Checked);

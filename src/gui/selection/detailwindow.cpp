@@ -249,10 +249,11 @@ void DetailWindow::showNoCell(const Document &doc, double overviewTotalIndex)
     updateLayout();
 }
 
-void DetailWindow::showCell(const Document &doc, const SheetHit &hit, const std::vector<qint32> &overviewColumns,
+void DetailWindow::showCell(const Document &doc, const BlockCatalogue &catalogue, const FlexTotal &flex,
+                            const SheetHit &hit, const std::vector<qint32> &overviewColumns,
                             const std::vector<qint32> &selectionRows)
 {
-    const CellDetails d = cellDetails(doc, hit, overviewColumns, selectionRows);
+    const CellDetails d = cellDetails(doc, catalogue, flex, hit, overviewColumns, selectionRows);
     if (!d.onQuestion) {
         for (int i = 0; i < HeaderCount; ++i)
             setHeaderValue(i, QString());

@@ -15,7 +15,9 @@ class QLabel;
 
 namespace kel {
 
+struct BlockCatalogue;
 struct Document;
+class FlexTotal;
 struct SheetHit;
 
 class DetailWindow : public ToolDock
@@ -53,8 +55,8 @@ public:
     /// The overview cell under the pointer (a document with indexes): what
     /// cellDetails() finds for it, formatted. A header line has no answer;
     /// outside the sheet the cell values are emptied.
-    void showCell(const Document &doc, const SheetHit &hit, const std::vector<qint32> &overviewColumns,
-                  const std::vector<qint32> &selectionRows);
+    void showCell(const Document &doc, const BlockCatalogue &catalogue, const FlexTotal &flex, const SheetHit &hit,
+                  const std::vector<qint32> &overviewColumns, const std::vector<qint32> &selectionRows);
     /// Closing a document: headers, text, row labels and values emptied.
     void clearAll();
 

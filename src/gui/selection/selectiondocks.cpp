@@ -75,8 +75,8 @@ void SelectionDocks::showFlexTotalIndex()
 {
     const Document *doc = mSession.document();
     if (mDetail && doc)
-        mDetail->setIndexValue(4, true,
-                               formatIndex(doc->properties.flexTotalIndex, doc->properties.indexDecimals, QLocale()));
+        mDetail->setIndexValue(
+            4, true, formatIndex(mSession.flexTotal().totalIndex(), doc->properties.indexDecimals, QLocale()));
 }
 
 void SelectionDocks::showShownSheet()
@@ -90,7 +90,7 @@ void SelectionDocks::showHoveredCell(const SheetHit &hit, const SheetInput &show
 {
     const Document *doc = mSession.document();
     if (mDetail && doc)
-        mDetail->showCell(*doc, hit, shown.columns, shown.rows);
+        mDetail->showCell(*doc, mSession.blocks(), mSession.flexTotal(), hit, shown.columns, shown.rows);
 }
 
 } // namespace kel

@@ -92,7 +92,8 @@ void connectCommandMenus(const MainMenus &m, const ViewerCommands &c, QObject *o
     byIndex(m.mnuVBlockGraph3, &MainMenus::mnuVB3Item, [g](qint32 i) { g->viewBlockRankingGraph(i); });
 }
 
-void rebuildBlockMenus(MainMenus &m, const Document *doc, GraphCommands &graphs, bool isSwedish)
+void rebuildBlockMenus(MainMenus &m, const Document *doc, const BlockCatalogue &blocks, GraphCommands &graphs,
+                       bool isSwedish)
 {
     const std::array<std::pair<QMenu *, QList<QAction *> *>, 4> menus{{{m.mnuVBlockGraph4, &m.mnuVB4Item},
                                                                        {m.mnuVBlockGraph1, &m.mnuVB1Item},
@@ -103,19 +104,19 @@ void rebuildBlockMenus(MainMenus &m, const Document *doc, GraphCommands &graphs,
         items->clear();
         if (!doc)
             continue;
-        for (const Block &block : doc->blocks)
+        for (const Block &block : blocks.blocks)
             *items << menu->addAction(doubleAmpersands(block.name));
     }
 
     QMenu *menu = m.mnuVUserBlockGraphs;
     menu->clear(); // deletes the block submenus' actions, not the submenus
     qDeleteAll(menu->findChildren<QMenu *>(Qt::FindDirectChildrenOnly));
-    const qint32 first = doc ? documentBlockCount(*doc) : 0;
-    const qint32 count = doc ? qint32(doc->blocks.size()) : 0;
+    const qint32 first = blocks.documentBlockCount();
+    const qint32 count = blocks.size();
     menu->menuAction()->setVisible(count > first);
     GraphCommands *g = &graphs;
     for (qint32 block = first; block < count; ++block) {
-        const Block &b = doc->blocks[std::size_t(block)];
+        const Block &b = blocks.blocks[std::size_t(block)];
         QMenu *submenu = menu->addMenu(doubleAmpersands(b.name));
         submenu->setObjectName(QStringLiteral("mnuVUserBlock%1").arg(block));
         // The same graphs, in the same order and by the same flags, as the
@@ -177,7 +178,7 @@ void preparePopupMenu(MainMenus &m, const ViewerSession &session, const SheetHit
         context.questionGraphFlags = question.graphFlags;
         if (hit.place == SheetPlace::BlockLine) {
             if (const qint32 block = popupBlock(*doc, hit, view.headerLines); block >= 0)
-                context.blockGraphFlags = doc->blocks[std::size_t(block)].graphFlags;
+                context.blockGraphFlags = session.blocks().blocks[std::size_t(block)].graphFlags;
         }
     }
     const PopupItems items = popupItemsFor(hit.place, context);

@@ -18,6 +18,7 @@ class GraphCommands;
 class OverviewCommands;
 class ReportCommands;
 class ViewerSession;
+struct BlockCatalogue;
 struct Document;
 struct SheetHit;
 
@@ -38,7 +39,8 @@ void connectCommandMenus(const MainMenus &menus, const ViewerCommands &commands,
 /// graphs are reached through the popup menu; the user block submenu has
 /// one submenu per user block with the graphs its flags allow, as the popup
 /// offers them for a document block, and is hidden without user blocks.
-void rebuildBlockMenus(MainMenus &menus, const Document *doc, GraphCommands &graphs, bool isSwedish);
+void rebuildBlockMenus(MainMenus &menus, const Document *doc, const BlockCatalogue &blocks, GraphCommands &graphs,
+                       bool isSwedish);
 
 /// Captions the recent-file items with `files` (most recent first), each
 /// path shortened in the middle to `widthPixels`; unused items are hidden.

@@ -316,7 +316,7 @@ void MainWindow::resetForNoDocument()
 
 void MainWindow::rebuildBlockMenus()
 {
-    kel::rebuildBlockMenus(mMenus, document(), *mCommands.graphs, mViewerSettings.isSwedish);
+    kel::rebuildBlockMenus(mMenus, document(), mSession->blocks(), *mCommands.graphs, mViewerSettings.isSwedish);
 }
 
 void MainWindow::rebuildRecentFilesMenu()
