@@ -77,15 +77,19 @@ public:
     /// The three tables of pooled windows; the graph and mini-overview
     /// commands take their windows from here.
     WindowSlotTable &windowSlots(SlotTable table);
-    /// Closes every in-use window of the three tables and frees the slots.
+    /// Closes every in-use window of the three tables and marks the slots free.
     void closeInUseWindows();
 
     /// The user's blocks changed: the flex total's block indexes follow.
     void blocksEdited();
 
 signals:
+    /// A new overview was built; the view draws it, then says whether it is
+    /// on screen (setSheetOnScreen), and the docks follow.
     void sheetChanged();
+    /// After every Show and reset: its indexes may have changed.
     void flexTotalChanged();
+    /// The block menus list the blocks anew.
     void blocksChanged();
 
 private:
