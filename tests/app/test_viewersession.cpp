@@ -2,6 +2,7 @@
 // The session is the one answer to "what is on screen": what it permits,
 // what it keeps across a refused Show, what it forgets when the document
 // goes, and the commands built on it without a main window.
+#include "engine/blocks/userblocks.h"
 #include "engine/selection/counting.h"
 #include "gui/common/viewersession.h"
 #include "gui/graphs/basicgraphwindow.h"
@@ -175,4 +176,22 @@ TEST(ViewerSession, GraphCommandsRunOnTheSessionAlone)
     EXPECT_EQ(session.windowSlots(SlotTable::BasicGraphs)[0].window, window);
     EXPECT_FALSE(window->description().bars.empty());
     EXPECT_TRUE(host.messages.isEmpty());
+}
+
+// A block the user adds has no flex-total index until the editor says the
+// blocks changed; then the index and the block menus follow.
+TEST(ViewerSession, EditedBlocksReachTheFlexTotal)
+{
+    ViewerSession session(false);
+    open(session);
+    BlockCatalogue &blocks = session.editableBlocks();
+    blocks.blocks.push_back(makeUserBlock(QStringLiteral("Mine"), true));
+    const qint32 mine = blocks.size() - 1;
+    blocks.items.push_back(BlockItem{.block = mine, .question = 3});
+    EXPECT_EQ(session.flexTotal().blockIndex(mine), -1.0);
+
+    QSignalSpy changed(&session, &ViewerSession::blocksChanged);
+    session.blocksEdited();
+    EXPECT_EQ(changed.count(), 1);
+    EXPECT_NE(session.flexTotal().blockIndex(mine), -1.0);
 }
