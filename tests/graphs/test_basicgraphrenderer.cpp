@@ -297,3 +297,44 @@ TEST(BasicGraphRenderer, FractionGraphTextsAreNeverCut)
     EXPECT_TRUE(std::any_of(texts.begin(), texts.end(), [](const QString &t) { return t.endsWith(QChar(0x2026)); }))
         << "the long label is shortened: " << texts.join(QLatin1Char('|')).toStdString();
 }
+
+// A histogram of narrow groups: a word wider than its group breaks rather
+// than being cut at both ends, and values wider than their bars take a size
+// that keeps them apart. Read back from the metafile a reader gets.
+TEST(BasicGraphRenderer, HistogramTextsAreNeverCutAndValuesNeverTouch)
+{
+    BasicGraphDescription d;
+    d.graphKind = HistogramGraph;
+    d.totalText = QStringLiteral("Total [600]");
+    d.legends = {{QStringLiteral("yes"), Red, 0}, {QStringLiteral("no"), Green, 0}};
+    const QString longWord = QStringLiteral("Arbetsbelastningsförhållanden");
+    for (int g = 0; g < 12; ++g) {
+        d.bars.push_back({160 + g, 500, QString::number(160 + g), QStringLiteral("50%"), Red, 0});
+        d.bars.push_back({158 + g, 500, QString::number(158 + g), QStringLiteral("50%"), Green, 0});
+        d.groups.push_back(
+            {2 * g, 2, g == 0 ? QStringLiteral("1 (0.45) ") + longWord : QStringLiteral("Q%1").arg(g), 0, 2});
+    }
+    auto renderer = std::make_shared<BasicGraphRenderer>(d, BasicGraphUnits{1, 1});
+    Picture picture;
+    picture.size = QSize(700, 400);
+    picture.paint = [renderer](QPainter &p) { EXPECT_TRUE(renderer->draw(p, QRect(0, 0, 700, 400), 0, false)); };
+    const QByteArray emf = encodePicture(picture, PictureFormat::Emf);
+    ASSERT_FALSE(emf.isEmpty());
+    EXPECT_EQ(kel::test::emfTextsCut(emf, picture.size).join(QLatin1Char('|')).toStdString(), "");
+    QString labelText;
+    std::vector<QRect> values;
+    for (const auto &t : kel::test::emfTextBoxes(emf)) {
+        bool number = false;
+        t.text.toInt(&number);
+        if (number && t.text.toInt() >= 158)
+            values.push_back(t.box);
+        else
+            labelText += t.text;
+    }
+    EXPECT_TRUE(labelText.contains(longWord.left(8))) << labelText.toStdString();
+    EXPECT_TRUE(labelText.contains(longWord.right(4))) << "the word's end is not lost: " << labelText.toStdString();
+    EXPECT_GE(values.size(), 12u) << "values are left out only where even the smaller size cannot part them";
+    for (std::size_t i = 0; i < values.size(); ++i)
+        for (std::size_t j = i + 1; j < values.size(); ++j)
+            EXPECT_FALSE(values[i].intersects(values[j])) << i << " and " << j;
+}

@@ -44,6 +44,7 @@
 #include <QRadioButton>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QToolTip>
 #include <QValueAxis>
 
 #include <gtest/gtest.h>
@@ -462,6 +463,196 @@ TEST(ChartLayout, DataLabelsNeverOverlap)
         for (std::size_t i = 0; i < boxes.size(); ++i)
             for (std::size_t j = i + 1; j < boxes.size(); ++j)
                 EXPECT_FALSE(boxes[i].intersects(boxes[j])) << i << " and " << j;
+    }
+}
+
+} // namespace
+
+namespace {
+
+// The rule for category labels at its edges: upright while the widest
+// label and its gap fit a category's share of the axis; a line and its gap
+// for each turned or stacked label, else every step-th. The figures are
+// worked by hand: 640 px hold 8 shares of 80 (a 74 px label and 6 px gap),
+// and 40 lines of 14 px and 2 px gap.
+TEST(CategoryLabels, UprightTurnedAndThinnedAtTheirEdges)
+{
+    struct Case {
+        qsizetype count;
+        qreal widest;
+        bool standing, turnedAsked;
+        kel::CategoryLabels expected;
+    };
+    static const Case Cases[] = {
+        {8, 74, true, false, {false, 1}},    // the last count whose widest label fits upright
+        {9, 74, true, false, {true, 1}},     // one more: turned
+        {8, 75, true, false, {true, 1}},     // one pixel wider: turned
+        {8, 74, true, true, {true, 1}},      // turned when asked, though it would fit
+        {40, 74, true, false, {true, 1}},    // the last count of turned lines that fits
+        {41, 74, true, false, {true, 2}},    // one more: every other
+        {80, 74, true, false, {true, 2}},    // every other still fits
+        {81, 74, true, false, {true, 3}},    // one more: every third
+        {40, 500, false, false, {false, 1}}, // lying bars: stacked lines, never turned
+        {41, 500, false, true, {false, 2}},  {1, 5000, true, false, {true, 1}}, // a lone label is never thinned
+        {0, 74, true, false, {false, 1}},                                       // nothing to lay out
+    };
+    for (const Case &c : Cases) {
+        SCOPED_TRACE(testing::Message() << c.count << " labels of " << c.widest << " px, standing " << c.standing
+                                        << ", asked " << c.turnedAsked);
+        EXPECT_EQ(kel::categoryLabels(c.count, 640, c.widest, 14, c.standing, c.turnedAsked), c.expected);
+    }
+}
+
+/// The category labels the chart shows, with their boxes on the scene.
+std::vector<std::pair<QString, QRectF>> shownCategoryLabels(QChart *chart)
+{
+    std::vector<std::pair<QString, QRectF>> out;
+    for (QGraphicsItem *item : chart->childItems())
+        if (auto *text = dynamic_cast<QGraphicsSimpleTextItem *>(item))
+            if (text->data(ChartTextRole).toString() == QLatin1String("categoryLabel") && text->isVisible())
+                out.emplace_back(text->text(), text->sceneBoundingRect());
+    return out;
+}
+
+/// The texts Qt draws under `root` (axis titles, legend names), shown,
+/// with their boxes on the scene.
+std::vector<std::pair<QString, QRectF>> qtTexts(QGraphicsItem *root)
+{
+    std::vector<std::pair<QString, QRectF>> out;
+    const QList<QGraphicsItem *> top = root->childItems();
+    std::vector<QGraphicsItem *> items(top.begin(), top.end());
+    while (!items.empty()) {
+        QGraphicsItem *item = items.back();
+        items.pop_back();
+        for (QGraphicsItem *child : item->childItems())
+            items.push_back(child);
+        if (auto *text = dynamic_cast<QGraphicsTextItem *>(item); text && text->isVisible())
+            out.emplace_back(text->toPlainText(), text->sceneBoundingRect());
+    }
+    return out;
+}
+
+/// Lays `chart` out at `size` as a window would, labels chosen for it included.
+void layOut(QChart *chart, const QSizeF &size)
+{
+    chart->setGeometry(QRectF(QPointF(0, 0), size));
+    for (int pass = 0; pass < 3; ++pass) {
+        chart->layout()->activate();
+        QCoreApplication::processEvents();
+    }
+}
+
+// Many categories, laid out at a chart's default size and at a small
+// window's, whichever way the bars run: the labels shown never overlap each
+// other or the axis title, the first item's is among them, long ones are
+// shortened, and texts the axis would read as markup stay texts.
+TEST(ChartLayout, CrowdedCategoryLabelsNeverOverlap)
+{
+    for (const QSizeF size : {QSizeF(800, 600), QSizeF(620, 460)}) {
+        for (const int count : {4, 44, 120}) {
+            for (const bool horizontal : {false, true}) {
+                SCOPED_TRACE(testing::Message() << count << " categories at " << size.width() << " x " << size.height()
+                                                << ", lying " << horizontal);
+                kel::ChartDescription d;
+                d.title = QStringLiteral("Indexes");
+                d.categoryAxisTitle = QStringLiteral("Everyone [600]");
+                d.verticalLabels = true;
+                d.horizontal = horizontal;
+                kel::ChartSeries series;
+                series.name = QStringLiteral("Index");
+                QStringList categories;
+                for (int p = 0; p < count; ++p) {
+                    const QString label = p == 0 ? QStringLiteral("<5 years & more")
+                        : p == 1 ? QStringLiteral("A question text long enough to take a third of the chart and more")
+                                 : QStringLiteral("Question %1").arg(p);
+                    categories << label;
+                    series.points.push_back({label, 0.3 + 0.01 * (p % 50)});
+                }
+                d.series = {series};
+                QGraphicsScene scene;
+                QChart *chart = kel::buildChart(d);
+                scene.addItem(chart);
+                layOut(chart, size);
+                auto shown = shownCategoryLabels(chart);
+                QStringList texts;
+                for (const auto &[text, box] : shown)
+                    texts << text;
+                EXPECT_TRUE(texts.contains(categories[0])) << texts.join(QLatin1Char('|')).toStdString();
+                if (count == 4)
+                    EXPECT_EQ(shown.size(), 4u);
+                else
+                    EXPECT_GE(shown.size(), std::size_t(count / 8)) << "thinned more than the room asks";
+                QRectF title;
+                for (const auto &[text, box] : qtTexts(chart))
+                    if (text == d.categoryAxisTitle)
+                        title = box;
+                EXPECT_FALSE(title.isEmpty());
+                shown.emplace_back(d.categoryAxisTitle, title);
+                for (std::size_t i = 0; i < shown.size(); ++i)
+                    for (std::size_t j = i + 1; j < shown.size(); ++j)
+                        EXPECT_FALSE(shown[i].second.intersects(shown[j].second))
+                            << shown[i].first.toStdString() << " and " << shown[j].first.toStdString();
+                // Shortened where long, to a third of the chart at most.
+                for (const auto &[text, box] : shown)
+                    EXPECT_LE(std::max(box.width(), box.height()), size.width() / 3 + 8) << text.toStdString();
+            }
+        }
+    }
+}
+
+// A legend under a pie of six groups at a small window's size: Qt shortens
+// every name to make one row fit; the legend takes a smaller size instead,
+// so whole names show, and keeps full names in tooltips.
+TEST(ChartLayout, LegendNamesShowWhole)
+{
+    kel::ChartDescription d{.chartType = kel::ChartType::Pie, .legendPosition = 6};
+    kel::ChartSeries series;
+    series.name = QStringLiteral("Avdelning");
+    for (const char *name :
+         {"Försäljning [110]", "Produktion [169]", "Ekonomi [44]", "IT [87]", "Personal [30]", "Kundtjänst [160]"})
+        series.points.push_back({QString::fromUtf8(name), 10});
+    d.series = {series};
+    QGraphicsScene scene;
+    QChart *chart = kel::buildChart(d);
+    scene.addItem(chart);
+    layOut(chart, QSizeF(620, 460));
+    EXPECT_TRUE(chart->legend()->showToolTips());
+    QStringList shown;
+    for (const auto &[text, box] : qtTexts(chart->legend()))
+        shown << text;
+    for (const kel::ChartPoint &p : series.points)
+        EXPECT_TRUE(shown.contains(p.label))
+            << p.label.toStdString() << " in " << shown.join(QLatin1Char('|')).toStdString();
+}
+
+// The pointer resting on a bar names its category in full (its label may
+// be shortened or not shown), its group and its value; leaving hides it.
+TEST(ChartLayout, BarsNameTheirCategoryInATooltip)
+{
+    kel::ChartDescription d;
+    const QString longName = QStringLiteral("A question text long enough to be shortened under its bar, and more");
+    d.series = {
+        {QStringLiteral("North [4]"), -1, {{longName, 4.5, QStringLiteral("4.50")}, {QStringLiteral("Q2"), 3, {}}}},
+        {QStringLiteral("South [4]"), -1, {{longName, 2.5, QStringLiteral("2.50")}, {QStringLiteral("Q2"), 1, {}}}}};
+    for (const bool horizontal : {false, true}) {
+        SCOPED_TRACE(horizontal);
+        d.horizontal = horizontal;
+        QChartView view(kel::buildChart(d));
+        view.resize(400, 300);
+        view.show();
+        QCoreApplication::processEvents();
+        auto *bars = qobject_cast<QAbstractBarSeries *>(view.chart()->series().value(0));
+        ASSERT_TRUE(bars);
+        // Lying bars hold their points last first: the first item is the top one.
+        const int first = horizontal ? 1 : 0;
+        Q_EMIT bars->hovered(true, first, bars->barSets().value(1));
+        EXPECT_EQ(QToolTip::text(), longName + QStringLiteral("\nSouth [4]\n2.50"));
+        Q_EMIT bars->hovered(true, 1 - first, bars->barSets().value(0));
+        EXPECT_EQ(QToolTip::text(), QStringLiteral("Q2\nNorth [4]\n3"));
+        EXPECT_TRUE(QToolTip::isVisible());
+        Q_EMIT bars->hovered(false, 1 - first, bars->barSets().value(0));
+        // A tooltip fades: it is gone within a moment.
+        EXPECT_TRUE(QTest::qWaitFor([] { return !QToolTip::isVisible(); }, 5000));
     }
 }
 

@@ -15,6 +15,10 @@
 #include <QXmlStreamReader>
 
 #include <gtest/gtest.h>
+#include <uemf.h>
+#include <uwmf.h>
+
+#include <optional>
 
 #include <set>
 
@@ -387,6 +391,118 @@ TEST(MetafilesElsewhere, TextColoursSurviveClips)
     for (const Step &step : Steps)
         expected << QColor::fromRgb(step.colour).name();
     EXPECT_EQ(fills, expected);
+}
+
+// Readers that hold texts back and join them into paragraphs (Inkscape,
+// through libUEMF's record properties) must meet a record that makes them
+// draw what they hold before every text: else a title and a caption far
+// below it are laid out anew as one paragraph. The record between must
+// change nothing: any mapping mode set is the one the file starts in.
+// A text in a transparent colour is left out (metafile text has no alpha).
+TEST(Metafiles, EveryTextStandsOnItsOwnForReadersThatJoinTexts)
+{
+    Picture p;
+    p.size = QSize(300, 300);
+    static const QStringList Texts = {QStringLiteral("Age group"), QStringLiteral("Total [600]"),
+                                      QStringLiteral("250"),       QStringLiteral("200"),
+                                      QStringLiteral("150"),       QStringLiteral("after a line")};
+    p.paint = [](QPainter &painter) {
+        QFont font(QStringLiteral("Arial"));
+        font.setPixelSize(24);
+        painter.setFont(font);
+        painter.drawText(QRect(0, 0, 300, 30), Qt::AlignHCenter, Texts[0]);
+        font.setPixelSize(14);
+        painter.setFont(font);
+        painter.drawText(QRect(0, 270, 300, 20), Qt::AlignHCenter, Texts[1]);
+        for (int i = 2; i < 5; ++i)
+            painter.drawText(QRect(0, 40 * i, 40, 20), Qt::AlignRight, Texts[i]);
+        painter.drawLine(50, 40, 50, 200);
+        painter.drawText(QPoint(60, 230), Texts[5]);
+        // A transparent text (a chart keeps room with one) shows nothing.
+        painter.setPen(Qt::transparent);
+        painter.drawText(QPoint(60, 250), QStringLiteral("unseen"));
+    };
+    for (const bool wmf : {false, true}) {
+        SCOPED_TRACE(wmf ? "WMF" : "EMF");
+        const QByteArray file = encodePicture(p, wmf ? PictureFormat::Wmf : PictureFormat::Emf);
+        bool ok = false;
+        const auto records = wmf ? wmfRecords(file, &ok) : emfRecords(file, &ok);
+        ASSERT_TRUE(ok);
+        const quint32 textType = wmf ? 0x0A32 : 84, mapModeType = wmf ? 0x0103 : 17;
+        const auto lowByte = [wmf](quint32 type) { return wmf ? type & 0xFF : type; };
+        QStringList texts;
+        std::optional<qint32> mapMode;
+        bool held = false;
+        for (const MetaRecord &r : records) {
+            if (r.type == textType) {
+                EXPECT_FALSE(held) << "no drawing record before \""
+                                   << (wmf ? wmfText(file, r) : emfText(file, r)).toStdString() << '"';
+                texts << (wmf ? wmfText(file, r) : emfText(file, r));
+                held = true;
+                continue;
+            }
+            const quint32 properties = wmf ? U_wmr_properties(lowByte(r.type)) : emr_properties(r.type);
+            if (properties & U_DRAW_TEXT)
+                held = false;
+            if (r.type == mapModeType) {
+                const qint32 mode = wmf ? qint32(u16At(file, r.offset + 6)) : i32At(file, r.offset + 8);
+                EXPECT_EQ(mode, mapMode.value_or(mode)) << "the mapping mode changes";
+                mapMode = mode;
+            }
+        }
+        EXPECT_EQ(texts, Texts);
+    }
+}
+
+// Windows metafiles hold 8-bit text that readers decode differently above
+// 0x7F but for Latin-1: the marks labels use are spelled in ASCII, and every
+// text keeps the width the EMF (which holds UTF-16) gives it.
+TEST(WmfFile, TextIsLatin1WithTypographicMarksSpelledOut)
+{
+    struct Case {
+        const char16_t *text;
+        const char *bytes; ///< Latin-1
+    };
+    static const Case Cases[] = {
+        {u"Åsa ö ½", "\xC5sa \xF6 \xBD"},
+        {u"behöver …", "beh\xF6ver ..."},
+        {u"1–2", "1-2"},
+        {u"a—b", "a-b"},
+        {u"‘x’", "'x'"},
+        {u"“y”", "\"y\""},
+        {u"€5", "?5"},
+        {u"x\U0001D11Ey", "x?y"},
+    };
+    for (const Case &c : Cases) {
+        const QString text = QString::fromUtf16(c.text);
+        SCOPED_TRACE(text.toStdString());
+        Picture p;
+        p.size = QSize(300, 40);
+        p.paint = [&text](QPainter &painter) {
+            QFont font(QStringLiteral("Arial"));
+            font.setPixelSize(16);
+            painter.setFont(font);
+            painter.drawText(QPoint(5, 25), text);
+        };
+        const QByteArray emf = encodePicture(p, PictureFormat::Emf), wmf = encodePicture(p, PictureFormat::Wmf);
+        bool ok = false;
+        QByteArray bytes;
+        qint64 wmfWidth = 0, emfWidth = 0;
+        for (const MetaRecord &r : wmfRecords(wmf, &ok)) {
+            if (r.type != 0x0A32)
+                continue;
+            const qint16 count = i16At(wmf, r.offset + 10);
+            const qsizetype at = r.offset + 14 + ((u16At(wmf, r.offset + 12) & 0x0006) ? 8 : 0);
+            bytes += wmf.mid(at, count);
+            for (int i = 0; i < count; ++i)
+                wmfWidth += i16At(wmf, at + count + (count & 1) + 2 * i);
+        }
+        for (const EmfTextBox &t : emfTextBoxes(emf))
+            emfWidth += t.box.width();
+        EXPECT_EQ(bytes, QByteArray(c.bytes));
+        EXPECT_EQ(wmfWidth, emfWidth);
+        EXPECT_GT(emfWidth, 0);
+    }
 }
 
 // SVG clips as the other formats do: a fill and a long text under a clip

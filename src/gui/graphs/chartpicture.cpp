@@ -26,8 +26,9 @@ Picture chartPicture(const ChartDescription &chart, const QSize &size)
         scene.setSceneRect(area);
         built->setGeometry(area);
         // The layout places the plot area, which the data labels follow;
-        // without a view nobody asks for it before drawing.
-        if (built->layout())
+        // without a view nobody asks for it before drawing. The category
+        // labels chosen for that area ask for one more pass.
+        for (int pass = 0; pass < 3 && built->layout() && !built->layout()->isActivated(); ++pass)
             built->layout()->activate();
         painter.save();
         painter.fillRect(area, Qt::white); // opaque, whatever the chart leaves

@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace kel {
 
@@ -18,6 +19,8 @@ namespace {
 
 constexpr int MinimumPlotWidth = 50;
 constexpr int TextFlagsWrapped = Qt::TextWordWrap | Qt::AlignHCenter;
+// The smallest a histogram's values are drawn, in pixels at 100 %.
+constexpr int MinimumValuePixels = 9;
 constexpr qint32 White = 0xFFFFFF;
 
 int roundEven(double value)
@@ -289,13 +292,29 @@ bool BasicGraphRenderer::drawHistogram(QPainter &painter, const QRect &R, int ou
         groupSpans.emplace_back(x, 0, width, 0);
         x += width + 2 * gx;
     }
+    // Group labels wrap at words, and a word wider than its group (a long
+    // Swedish compound under a narrow group) breaks where it must rather
+    // than being cut at both ends.
+    std::vector<QStringList> labelLines;
     int labelRow = 0;
-    for (std::size_t i = 0; i < d.groups.size(); ++i)
-        labelRow = std::max(labelRow,
-                            metrics
-                                .boundingRect(QRect(0, 0, std::max(1, groupSpans[i].width()), 100000), TextFlagsWrapped,
-                                              d.groups[i].label)
-                                .height());
+    for (std::size_t i = 0; i < d.groups.size(); ++i) {
+        labelLines.push_back(d.groups[i].label.isEmpty()
+                                 ? QStringList()
+                                 : wholeLabelLines(d.groups[i].label, textFont(), std::max(1, groupSpans[i].width()),
+                                                   std::numeric_limits<int>::max() / 2));
+        labelRow = std::max(labelRow, int(labelLines.back().size()) * metrics.lineSpacing());
+    }
+    // Values wider than a bar and its gap would run into their neighbours':
+    // they take a smaller size that fits, down to a floor; one that still
+    // touches the value before it is left out (Copy as Data keeps it).
+    QFont valueFont = textFont();
+    int widestValue = 0;
+    for (const BasicGraphBar &bar : d.bars)
+        widestValue = std::max(widestValue, metrics.horizontalAdvance(percentage ? bar.percentText : bar.countText));
+    if (widestValue > barWidth + gx - mUnits.sx)
+        valueFont.setPixelSize(std::max(std::min(h, MinimumValuePixels * mUnits.sy),
+                                        h * (barWidth + gx - mUnits.sx) / std::max(1, widestValue)));
+    const QFontMetrics valueMetrics(valueFont);
 
     const int selection = selectionBlockHeight(R.width());
     const int legends = legendBlockHeight(R.width());
@@ -326,6 +345,7 @@ bool BasicGraphRenderer::drawHistogram(QPainter &painter, const QRect &R, int ou
     }
 
     // Bars, their values, the labels and run markers.
+    QRect previousValue;
     for (std::size_t gi = 0; gi < d.groups.size(); ++gi) {
         const BasicGraphGroup &g = d.groups[gi];
         const QRect &span = groupSpans[gi];
@@ -337,12 +357,22 @@ bool BasicGraphRenderer::drawHistogram(QPainter &painter, const QRect &R, int ou
             const int barLeft = span.left() + b * (barWidth + gx);
             const int height = axisMax > 0 ? roundEven(double(plotHeight) * valueOf(bar) / axisMax) : 0;
             fillBar(painter, QRect(barLeft, bottom - height, barWidth, height), bar.colour, bar.drawFlags, outline);
+            const QString value = percentage ? bar.percentText : bar.countText;
+            const int valueWidth = valueMetrics.horizontalAdvance(value);
+            const QRect valueBox(barLeft + (barWidth - valueWidth) / 2, bottom - height - valueMetrics.height(),
+                                 valueWidth, valueMetrics.height());
+            if (value.isEmpty() || valueBox.intersects(previousValue))
+                continue;
+            painter.setFont(valueFont);
             painter.drawText(QRect(barLeft, bottom - height - h, barWidth, h),
-                             Qt::AlignHCenter | Qt::AlignBottom | Qt::TextDontClip,
-                             percentage ? bar.percentText : bar.countText);
+                             Qt::AlignHCenter | Qt::AlignBottom | Qt::TextDontClip, value);
+            painter.setFont(textFont());
+            previousValue = valueBox;
         }
-        painter.drawText(QRect(span.left(), bottom + gy, span.width(), labelRow), TextFlagsWrapped | Qt::AlignTop,
-                         g.label);
+        for (int line = 0; line < int(labelLines[gi].size()); ++line)
+            painter.drawText(
+                QRect(span.left(), bottom + gy + line * metrics.lineSpacing(), span.width(), metrics.lineSpacing()),
+                Qt::AlignHCenter | Qt::AlignTop | Qt::TextDontClip, labelLines[gi][line]);
         if (markers)
             painter.drawText(QRect(span.left(), top - 2 * h, span.width(), h), Qt::AlignCenter | Qt::TextDontClip,
                              runMarker(mRuns.groupRun[gi]));

@@ -43,11 +43,29 @@ public:
             mFailed = true;
             return;
         }
-        uint32_t size = 0;
+        uint32_t type = 0, size = 0;
+        std::memcpy(&type, record, sizeof type);
         std::memcpy(&size, record + 4, sizeof size);
         mData.append(record, qsizetype(size));
         std::free(record);
         ++mRecords;
+        if (emr_properties(type) & U_DRAW_TEXT)
+            mTextHeld = false;
+    }
+
+    // Inkscape's import holds texts back until a record that draws or
+    // changes the mapping comes, then joins all it holds into paragraphs it
+    // lays out anew with a line spacing of its own: a graph's title and the
+    // selection caption far below it became one text object whose second
+    // line fell outside the picture. Setting the mapping mode again (it
+    // changes nothing) between two texts makes such readers place each text
+    // on its own, where the picture put it.
+    void addText(char *record)
+    {
+        if (mTextHeld)
+            add(U_EMRSETMAPMODE_set(U_MM_TEXT));
+        add(record);
+        mTextHeld = record != nullptr;
     }
 
     void reserve(qsizetype bytes) { mData.reserve(bytes); }
@@ -205,6 +223,7 @@ private:
     uint32_t mPen = 0, mBrush = 0, mFont = 0;
     std::optional<QRgb> mTextColour = 0xFF000000; ///< none: not known after a restore
     bool mClipped = false;
+    bool mTextHeld = false; ///< a text record since the last record that makes readers draw held texts
 };
 
 void addShape(EmfBuilder &emf, const MetafileOp &op)
@@ -260,7 +279,7 @@ void addText(EmfBuilder &emf, const MetafileOp &op)
         emf.add(nullptr);
         return;
     }
-    emf.add(U_EMREXTTEXTOUTW_set(rectl(bounds), U_GM_COMPATIBLE, 1.0f, 1.0f, reinterpret_cast<PU_EMRTEXT>(text)));
+    emf.addText(U_EMREXTTEXTOUTW_set(rectl(bounds), U_GM_COMPATIBLE, 1.0f, 1.0f, reinterpret_cast<PU_EMRTEXT>(text)));
     std::free(text);
 }
 

@@ -203,7 +203,9 @@ public:
     void drawTextItem(const QPointF &p, const QTextItem &textItem) override
     {
         const QString text = textItem.text();
-        if (text.isEmpty())
+        // A text in a transparent colour shows nothing, as on screen (a
+        // metafile's text has no alpha and would come out opaque).
+        if (text.isEmpty() || qAlpha(mPen.color().rgba()) == 0)
             return;
         // Consecutive texts mostly share one font: its description and
         // metrics are worked out once per font.

@@ -7,8 +7,10 @@
 
 #include <uwmf.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <limits>
 #include <optional>
 
@@ -53,9 +55,22 @@ public:
             return;
         }
         const uint32_t words = U_wmr_size(reinterpret_cast<const U_METARECORD *>(record)) / 2;
+        const uint32_t type = U_WMRTYPE(record);
         mData.append(record, qsizetype(words) * 2);
         std::free(record);
         mMaxRecord = std::max(mMaxRecord, words);
+        if (U_wmr_properties(type) & U_DRAW_TEXT)
+            mTextHeld = false;
+    }
+
+    // As in the EMF writer: a record between two texts that changes nothing
+    // keeps readers that join held texts into paragraphs from moving them.
+    void addText(char *record)
+    {
+        if (mTextHeld)
+            add(U_WMRSETMAPMODE_set(U_MM_ANISOTROPIC));
+        add(record);
+        mTextHeld = record != nullptr;
     }
 
     void selectPen(const MetafilePen &pen)
@@ -200,6 +215,7 @@ private:
     std::optional<QRgb> mTextColour = 0xFF000000; ///< none: not known after a restore
     std::optional<bool> mOpaque = false;          ///< none: not known after a restore
     bool mClipped = false;
+    bool mTextHeld = false; ///< a text record since the last record that makes readers draw held texts
 };
 
 void addShape(WmfBuilder &wmf, const MetafileOp &op)
@@ -223,18 +239,56 @@ void addShape(WmfBuilder &wmf, const MetafileOp &op)
         wmf.add(U_WMRPOLYPOLYGON_set(uint16_t(counts.size()), counts.data(), points.data()));
 }
 
+// Windows metafiles carry 8-bit text. Readers disagree on the bytes
+// 0x80-0x9F (LibreOffice reads Windows' western code page, Inkscape
+// Latin-1), so only Latin-1 is written, and the typographic marks beyond it
+// that labels use are spelled in ASCII, each taking the advance of the mark
+// it stands for: the "…" of shortened labels as "...", dashes as "-",
+// curly quotes as straight ones. Anything else becomes "?".
+struct AnsiText {
+    QByteArray bytes;
+    std::vector<int16_t> advances;
+};
+
+AnsiText ansiText(const QString &text, const std::vector<int> &advances)
+{
+    AnsiText out;
+    const auto put = [&out](const char *spelling, int advance) {
+        const auto n = int(std::strlen(spelling));
+        for (int i = 0; i < n; ++i) {
+            out.bytes.append(spelling[i]);
+            // The mark's advance shared out so that the next text starts where it did.
+            const int share = advance * (i + 1) / n - advance * i / n;
+            out.advances.push_back(int16_t(std::clamp(share, -0x7FFF, 0x7FFF)));
+        }
+    };
+    for (qsizetype i = 0; i < text.size() && out.bytes.size() < 0x7FFF; ++i) {
+        // A character beyond 16 bits is one "?" (its second half adds nothing).
+        const char16_t u = text.at(i).unicode();
+        const int advance = i < qsizetype(advances.size()) ? advances[std::size_t(i)] : 0;
+        const char latin1[2] = {char(u), 0};
+        put(u < 0x80 || (u >= 0xA0 && u <= 0xFF) ? latin1
+                : QChar::isLowSurrogate(u)       ? ""
+                : u == 0x2026                    ? "..."
+                : u == 0x2013 || u == 0x2014     ? "-"
+                : u == 0x2018 || u == 0x2019     ? "'"
+                : u == 0x201C || u == 0x201D     ? "\""
+                                                 : "?",
+            advance);
+    }
+    out.bytes.truncate(0x7FFF);
+    out.advances.resize(std::size_t(out.bytes.size()));
+    return out;
+}
+
 void addText(WmfBuilder &wmf, const MetafileOp &op)
 {
-    // Windows metafiles carry 8-bit text: the ANSI (Latin-1) character set.
-    QByteArray text = op.text.toLatin1().left(0x7FFF);
-    std::vector<int16_t> dx;
-    for (qsizetype i = 0; i < text.size(); ++i)
-        dx.push_back(int16_t(std::clamp(op.advances[std::size_t(i)], -0x7FFF, 0x7FFF)));
+    AnsiText text = ansiText(op.text, op.advances);
     wmf.selectFont(op.font);
     wmf.setTextColour(op.pen.colour);
     wmf.setOpaqueBackground(false);
-    wmf.add(U_WMREXTTEXTOUT_set(point16(op.origin), int16_t(text.size()), 0, text.constData(), dx.data(),
-                                U_RECT16_set(point16_set(0, 0), point16_set(0, 0))));
+    wmf.addText(U_WMREXTTEXTOUT_set(point16(op.origin), int16_t(text.bytes.size()), 0, text.bytes.constData(),
+                                    text.advances.data(), U_RECT16_set(point16_set(0, 0), point16_set(0, 0))));
 }
 
 } // namespace
