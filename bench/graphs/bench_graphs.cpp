@@ -140,7 +140,7 @@ int main(int argc, char **argv)
     const Figures data = measure(50, [&] {
         description =
             generateBasicGraph(doc, window.session().blocks(), window.session().flexTotal(), request, selection)
-                .description;
+                .value();
     });
     std::printf("%d questions x %zu respondents, %zu bars\n", Questions, selection.rows->size(),
                 description.bars.size());

@@ -433,11 +433,11 @@ int main(int argc, char **argv)
         selection.usedTotalText = flex.text();
         selection.usedTotalSize = flex.rowCount();
         const kel::BasicGraphResult graph = kel::generateBasicGraph(doc, blocks, flex, request, selection);
-        if (graph.outcome != kel::BasicGraphOutcome::Ok) {
+        if (!graph.done()) {
             std::fprintf(stderr, "the fraction graph could not be made\n");
             return 1;
         }
-        const kel::BasicGraphRenderer renderer(graph.description, kel::BasicGraphUnits{});
+        const kel::BasicGraphRenderer renderer(graph.value(), kel::BasicGraphUnits{});
         const QSize window = kel::basicGraphWindowSize(renderer, 9300, 46, 96);
         kel::Picture fraction;
         fraction.size = (window - QSize(20, 20)) * 2;

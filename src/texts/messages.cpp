@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "texts/messages.h"
 
+#include "texts/graphtexts.h"
+
 #include "texts/language.h"
 
 namespace kel {
@@ -32,16 +34,19 @@ QString openResultMessage(OpenResult result, bool isSwedish)
     return QString();
 }
 
-QString showRefusalMessage(const Document &doc, SubSheetOutcome outcome, bool isSwedish)
+QString showRefusalMessage(const Document &doc, const Refusal &refusal, bool isSwedish)
 {
-    switch (outcome) {
-    case SubSheetOutcome::Ok: return QString();
-    case SubSheetOutcome::NoAnswers:
+    switch (refusal.code) {
+    case RefusalCode::NoAnswers:
         return pickText(isSwedish, "There are no answers matching the selection criterias!",
                         "Det finns inga svar som stämmer överens med det urval du gjort!");
-    case SubSheetOutcome::TooSmall: return doc.text(doc.properties.selectionTooSmallText);
-    case SubSheetOutcome::Blocked: return selectionBlockedMessage(isSwedish);
-    case SubSheetOutcome::FlexTotalBlocked: return flexTotalBlockedMessage(isSwedish);
+    case RefusalCode::TooSmall: return doc.text(doc.properties.selectionTooSmallText);
+    case RefusalCode::Blocked: return selectionBlockedMessage(isSwedish);
+    case RefusalCode::FlexTotalBlocked: return flexTotalBlockedMessage(isSwedish);
+    case RefusalCode::SplitNotAllowed: return splitNotAllowedMessage(isSwedish);
+    // The viewer offers only graphs the document has, and kel words this
+    // one as a usage error: it is never shown to a user as a refusal.
+    case RefusalCode::NoSuchGraph: break;
     }
     return QString();
 }

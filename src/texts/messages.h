@@ -17,9 +17,9 @@ namespace kel {
 /// The user-facing message for a result, "" for Ok.
 QString openResultMessage(OpenResult result, bool isSwedish);
 
-/// Why Show refused a selection, "" when it did not. A selection below the
+/// Why Show (or a graph) refused a selection. A selection below the
 /// document's minimum is refused with the document's own text.
-QString showRefusalMessage(const Document &doc, SubSheetOutcome outcome, bool isSwedish);
+QString showRefusalMessage(const Document &doc, const Refusal &refusal, bool isSwedish);
 
 /// A selection that Show cannot apply because a category is blocked.
 QString selectionBlockedMessage(bool isSwedish);

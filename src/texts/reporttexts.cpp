@@ -22,8 +22,8 @@ ReportWords reportWords(const Document &doc, bool sv)
     w.refused = pickText(sv, "Not shown", "Visas inte");
     w.blocked = selectionBlockedMessage(sv);
     w.flexTotalBlocked = flexTotalBlockedMessage(sv);
-    w.noAnswers = showRefusalMessage(doc, SubSheetOutcome::NoAnswers, sv);
-    w.tooSmall = showRefusalMessage(doc, SubSheetOutcome::TooSmall, sv);
+    w.noAnswers = showRefusalMessage(doc, Refusal{RefusalCode::NoAnswers}, sv);
+    w.tooSmall = showRefusalMessage(doc, Refusal{RefusalCode::TooSmall}, sv);
     w.splitNotAllowed = splitNotAllowedMessage(sv);
     w.blockWithoutQuestions = blockWithoutQuestionsMessage(sv);
     w.picturesForbidden = pickText(sv, "The document does not allow its pictures to be saved; the graphs are left out.",

@@ -75,9 +75,12 @@ expected_column = (q["code"] + " " + q["heading"]).strip()
 home = tempfile.mkdtemp()
 env = dict(os.environ, HOME=home, TMPDIR=home, XDG_CONFIG_HOME=os.path.join(home, ".config"), QT_QPA_PLATFORM="xcb",
            QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1", KELVIEWER_LANG="en")
+# The registry answers before the viewer starts, so the viewer's greeting
+# on the bus is not lost while the registry is still on its way up.
+desktop = pyatspi.Registry.getDesktop(0)
+wait_for("the accessibility registry", lambda: desktop.childCount >= 0 and desktop.name is not None)
 process = subprocess.Popen([viewer, document, "/AutoStart"], env=env)
 try:
-    desktop = pyatspi.Registry.getDesktop(0)
     app = wait_for("the viewer on the accessibility bus",
                    lambda: next((desktop.getChildAtIndex(i) for i in range(desktop.childCount)
                                  if desktop.getChildAtIndex(i).name == "KEL Viewer"), None))

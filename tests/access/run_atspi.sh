@@ -6,7 +6,7 @@
 # Usage: run_atspi.sh KELVIEWER KEL DOCUMENT
 set -u
 here=$(dirname "$0")
-for tool in Xvfb dbus-run-session xdotool /usr/bin/python3; do
+for tool in Xvfb dbus-run-session dbus-send xdotool /usr/bin/python3; do
     if ! command -v "$tool" >/dev/null 2>&1; then
         echo "SKIP: $tool is not installed"
         exit 77
@@ -48,7 +48,19 @@ exec dbus-run-session -- sh -c '
     DISPLAY=":$0"; export DISPLAY
     "$1" --launch-immediately >/dev/null 2>&1 &
     bus=$!
-    sleep 1
+    # A viewer started before the accessibility bus answers never joins it,
+    # and a loaded machine can take seconds to get there.
+    tries=0
+    until dbus-send --session --dest=org.a11y.Bus --print-reply /org/a11y/bus org.a11y.Bus.GetAddress \
+            >/dev/null 2>&1; do
+        tries=$((tries + 1))
+        if [ $tries -gt 100 ]; then
+            echo "SKIP: the accessibility bus did not start"
+            kill $bus $xvfb 2>/dev/null
+            exit 77
+        fi
+        sleep 0.2
+    done
     /usr/bin/python3 "$2" "$3" "$4" "$5"
     status=$?
     kill $bus $xvfb 2>/dev/null

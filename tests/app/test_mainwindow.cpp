@@ -325,7 +325,7 @@ TEST_F(MainWindowTest, OverviewFollowsOpenShowAndClose)
 
     // A narrower selection replaces rows, picture and panels together.
     const QImage everyone = wholeSheet(*sheet);
-    EXPECT_TRUE(w->showSelection(unitOnly(*w->document(), 1)).isEmpty());
+    EXPECT_TRUE(w->showSelection(unitOnly(*w->document(), 1)).done());
     EXPECT_EQ(sheet->input().rows, (std::vector<qint32>{4, 5, 6, 7}));
     EXPECT_NE(wholeSheet(*sheet), everyone);
     EXPECT_EQ(w->statusPanel(2)->text(), QStringLiteral(" 4"));
@@ -346,7 +346,7 @@ TEST_F(MainWindowTest, SheetExplainsHeadersShownAlone)
             auto doc = unitDocument();
             doc->properties.minimumSelection = minimum;
             w->session().documents().installDocument(std::move(doc), QStringLiteral("/s/units.kel"), true);
-            ASSERT_TRUE(w->showSelection(unitOnly(*w->document(), 1)).isEmpty());
+            ASSERT_TRUE(w->showSelection(unitOnly(*w->document(), 1)).done());
             SheetView *sheet = w->sheetView();
             if (minimum == 4) {
                 EXPECT_EQ(sheet->sheetGeometry().answerLines, 4);
@@ -360,7 +360,7 @@ TEST_F(MainWindowTest, SheetExplainsHeadersShownAlone)
                               : QStringLiteral("Only the headers are shown: this selection has 4 respondents, and "
                                                "the survey shows answers only for selections of at least 5."));
             // Everyone (8) is enough again: the notice goes.
-            ASSERT_TRUE(w->showSelection(fullSelection(*w->document())).isEmpty());
+            ASSERT_TRUE(w->showSelection(fullSelection(*w->document())).done());
             EXPECT_TRUE(sheet->notice().isEmpty());
         }
     }
@@ -375,7 +375,7 @@ TEST_F(MainWindowTest, PointerOnTheSheetReachesPopupAndDetailWindow)
 {
     auto w = makeWindow();
     w->session().documents().installDocument(unitDocument(), QStringLiteral("/s/units.kel"), true);
-    ASSERT_TRUE(w->showSelection(unitOnly(*w->document(), 0)).isEmpty());
+    ASSERT_TRUE(w->showSelection(unitOnly(*w->document(), 0)).done());
     w->show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(w.get()));
     SheetView *sheet = w->sheetView();
@@ -419,7 +419,7 @@ TEST_F(MainWindowTest, ASelectionWithoutRowsGivesNoAnswersThroughAnyCommand)
     // Everyone (89): rows and comments offered.
     EXPECT_TRUE(m.mnuVComments->isEnabled() && m.mnuECopyData->isEnabled());
 
-    ASSERT_TRUE(w->showSelection(unitOnly(*w->document(), 2)).isEmpty());
+    ASSERT_TRUE(w->showSelection(unitOnly(*w->document(), 2)).done());
     ASSERT_EQ(w->sheetView()->input().rows.size(), 9u);
     EXPECT_EQ(w->sheetView()->input().maxRowsDisplayed, 0);
     for (QAction *item : {m.mnuVComments, m.mnuECopyData, m.mnuPCopyData, m.mnuECopyToMiniOverview,

@@ -51,7 +51,7 @@ TEST(ViewerSession, NothingIsOutputUntilASheetIsOnScreen)
     };
     EXPECT_FALSE(anyPermitted()) << "no document";
     open(session);
-    ASSERT_EQ(session.show(fullSelection(*session.document()), 0), SubSheetOutcome::Ok);
+    ASSERT_TRUE(session.show(fullSelection(*session.document()), 0).done());
     EXPECT_EQ(session.shownSheet().rows.size(), 83u); // Alpha, Beta and the 3 of Small
     EXPECT_FALSE(anyPermitted()) << "built, but the view has not drawn it";
     session.setSheetOnScreen(true);
@@ -68,7 +68,7 @@ TEST(ViewerSession, RowsFollowTheMinimumSelectionAtItsEdge)
     for (const qint32 size : {9, 10}) {
         ViewerSession session(false);
         open(session, {.smallUnit = size, .minimumSelection = 10});
-        ASSERT_EQ(session.show(unitOnly(*session.document(), Small), 0), SubSheetOutcome::Ok) << size;
+        ASSERT_TRUE(session.show(unitOnly(*session.document(), Small), 0).done()) << size;
         session.setSheetOnScreen(true);
         EXPECT_EQ(session.shownSheet().rows.size(), std::size_t(size));
         EXPECT_EQ(session.dataRowsAllowed(), size == 10) << size;
@@ -81,11 +81,11 @@ TEST(ViewerSession, ARefusedShowKeepsTheSheetOnScreen)
 {
     ViewerSession session(false);
     open(session); // Small has 3, under the minimum graph selection of 5
-    ASSERT_EQ(session.show(fullSelection(*session.document()), 0), SubSheetOutcome::Ok);
+    ASSERT_TRUE(session.show(fullSelection(*session.document()), 0).done());
     session.setSheetOnScreen(true);
     QSignalSpy shown(&session, &ViewerSession::sheetChanged);
     QSignalSpy flex(&session, &ViewerSession::flexTotalChanged);
-    EXPECT_NE(session.show(unitOnly(*session.document(), Small), 0), SubSheetOutcome::Ok);
+    EXPECT_FALSE(session.show(unitOnly(*session.document(), Small), 0).done());
     EXPECT_EQ(shown.count(), 0);
     EXPECT_EQ(flex.count(), 1) << "the flex total may change with a refused Show";
     EXPECT_EQ(session.shownSheet().rows.size(), 83u) << "everyone stays";
@@ -96,7 +96,7 @@ TEST(ViewerSession, ClosingForgetsWhatWasShown)
 {
     ViewerSession session(false);
     open(session);
-    ASSERT_EQ(session.show(fullSelection(*session.document()), 0), SubSheetOutcome::Ok);
+    ASSERT_TRUE(session.show(fullSelection(*session.document()), 0).done());
     session.setSheetOnScreen(true);
     session.setPopupPlace(SheetHit{.place = SheetPlace::AnswerCell, .column = 0, .line = 1, .question = 3, .row = 1},
                           0);
@@ -165,7 +165,7 @@ TEST(ViewerSession, GraphCommandsRunOnTheSessionAlone)
     RecordingHost host;
     GraphCommands graphs(CommandContext{session, settings, host}, nullptr);
     open(session);
-    ASSERT_EQ(session.show(fullSelection(*session.document()), 0), SubSheetOutcome::Ok);
+    ASSERT_TRUE(session.show(fullSelection(*session.document()), 0).done());
 
     const BasicGraphRequest request{.questions = {3}, .name = QStringLiteral("Influence"), .kind = FractionGraph};
     EXPECT_EQ(graphs.openBasicGraph(request), nullptr) << "not on screen yet";

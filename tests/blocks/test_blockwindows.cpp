@@ -138,7 +138,7 @@ TEST_F(BlockWindows, MainWindowRestoresBlocksAndCopiesThePointsList)
     QStringList messages;
     MainWindow w(*settings, false, MainWindowEnvironment());
     w.setMessageHandler([&](QMessageBox::Icon, const QString &, const QString &text) { messages << text; });
-    ASSERT_TRUE(w.loadDocument(path, false).isEmpty());
+    ASSERT_EQ(w.loadDocument(path, false), OpenResult::Ok);
     ASSERT_EQ(messages.size(), 1) << "the damaged block is left out with a word to the user";
     ASSERT_EQ(w.menus().mnuVB1Item.size(), 2);
     EXPECT_EQ(w.menus().mnuVB1Item[1]->text(), QStringLiteral("Mine"));

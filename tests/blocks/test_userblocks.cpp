@@ -5,6 +5,7 @@
 #include "engine/blocks/userblocks.h"
 #include "engine/document/documentreader.h"
 #include "engine/indexes/blockindex.h"
+#include "engine/selection/flextotal.h"
 #include "engine/settings/settingsstore.h"
 
 #include <QDir>
@@ -201,4 +202,29 @@ TEST(BlockEditor, NamesAreCheckedAgainstTheWorkingCopy)
     BlockEditModel second(*doc, blocks);
     ASSERT_TRUE(second.remove(3));
     EXPECT_EQ(second.add(QStringLiteral("SERVICE")), Duplicate) << "a deleted block's name is free only after OK";
+}
+
+// The flex total keeps an index per catalogue block: the user's blocks get
+// theirs when it is told of them, over its own rows, and the document's
+// blocks keep what they had.
+TEST_F(UserBlocks, TheFlexTotalLearnsTheUserBlocksAfterAnEdit)
+{
+    std::unique_ptr<Document> doc = surveyDocument();
+    BlockCatalogue blocks(*doc);
+    FlexTotal flex;
+    flex.reset(*doc, blocks);
+    const double workBefore = flex.blockIndex(0);
+    BlockEditModel model(*doc, blocks);
+    qint32 added = -1;
+    ASSERT_EQ(model.add(QStringLiteral("Theme"), &added), BlockEditModel::NameCheck::Ok);
+    model.setMember(added, 1, true);
+    model.setMember(added, 3, true);
+    model.apply(blocks);
+    ASSERT_EQ(blocks.size(), 4);
+    EXPECT_EQ(flex.blockIndex(3), -1.0) << "not known before it is told";
+    flex.updateUserBlockIndexes(*doc, blocks);
+    ASSERT_NE(flex.blockIndex(3), -1.0);
+    EXPECT_DOUBLE_EQ(flex.blockIndex(3), calculateColumnsIndex(*doc, {1, 3}, allRows(*doc)));
+    EXPECT_EQ(flex.blockIndex(0), workBefore);
+    EXPECT_EQ(doc->blocks.size(), 3u);
 }

@@ -35,6 +35,11 @@ BasicGraphResult graphOf(const Document &doc, const BasicGraphRequest &request, 
     return generateBasicGraph(doc, blocks, flex, request, selection);
 }
 
+std::optional<RefusalCode> refused(const BasicGraphResult &result)
+{
+    return result.done() ? std::nullopt : std::optional<RefusalCode>(result.refusal().code);
+}
+
 BasicGraphSelection selectionOf(const std::vector<qint32> &rows)
 {
     return {.rows = &rows,
@@ -94,8 +99,8 @@ TEST(BasicGraphData, HiddenFirstAlternativeCountsButIsNeverDrawn)
     auto doc = readBack(b);
     const auto rows = allRows(*doc);
     const BasicGraphResult r = graphOf(*doc, {.questions = {q}, .name = QStringLiteral("Pay")}, selectionOf(rows));
-    ASSERT_EQ(r.outcome, BasicGraphOutcome::Ok);
-    const BasicGraphDescription &d = r.description;
+    ASSERT_TRUE(r.done());
+    const BasicGraphDescription &d = r.value();
     ASSERT_EQ(d.bars.size(), 2u);
     EXPECT_EQ(legendTexts(d), QStringLiteral("Yes|No"));
     EXPECT_EQ(d.bars[0].perMille, 125); // 1 of 8, not 1 of 2
@@ -148,8 +153,8 @@ protected:
                                   .showTotalIndex = showTotalIndex,
                                   .kind = FractionGraph};
         BasicGraphResult r = graphOf(*doc, request, selectionOf(rows));
-        EXPECT_EQ(r.outcome, BasicGraphOutcome::Ok);
-        return r.description;
+        EXPECT_TRUE(r.done());
+        return r.value();
     }
 
     qint32 block = -1, q1 = -1, q2 = -1, q3 = -1, q4 = -1;
@@ -194,11 +199,11 @@ TEST_F(BlockGraph, GroupsWithoutShownAnswersAreLeftOut)
     // q4's one alternative is shown and chosen by everyone: it stays. Without
     // rows every group goes and the graph is empty.
     BasicGraphRequest request{.questions = {q4, q1}, .name = QStringLiteral("n")};
-    EXPECT_EQ(graphOf(*doc, request, selectionOf(rows)).description.groups.size(), 2u);
+    EXPECT_EQ(graphOf(*doc, request, selectionOf(rows)).value().groups.size(), 2u);
     const std::vector<qint32> none;
     const BasicGraphResult empty = graphOf(*doc, request, selectionOf(none));
-    EXPECT_TRUE(empty.description.groups.empty() && empty.description.bars.empty());
-    EXPECT_EQ(empty.description.legends.size(), 3u);
+    EXPECT_TRUE(empty.value().groups.empty() && empty.value().bars.empty());
+    EXPECT_EQ(empty.value().legends.size(), 3u);
 }
 
 TEST(BasicGraphData, ReversedOrderFlipsOnlyNonNegativeSortValues)
@@ -213,7 +218,7 @@ TEST(BasicGraphData, ReversedOrderFlipsOnlyNonNegativeSortValues)
     BasicGraphSelection selection = selectionOf(rows);
     auto order = [&] {
         const BasicGraphResult r = graphOf(*doc, {.questions = {q}, .name = QStringLiteral("Q")}, selection);
-        return legendTexts(r.description);
+        return legendTexts(r.value());
     };
     EXPECT_EQ(order(), QStringLiteral("c|a|f|d|b|e"));
     selection.valueOrderReversed = true;
@@ -265,8 +270,8 @@ TEST_F(SplitGraph, GroupsFromTheSecondAlternativeWithIndexAndCount)
 {
     BasicGraphSelection selection = selectionOf(rows);
     const BasicGraphResult r = generate(selection);
-    ASSERT_EQ(r.outcome, BasicGraphOutcome::Ok);
-    const BasicGraphDescription &d = r.description;
+    ASSERT_TRUE(r.done());
+    const BasicGraphDescription &d = r.value();
     EXPECT_EQ(d.title, QStringLiteral("Mood split by Unit"));
     EXPECT_EQ(d.subTitle, QStringLiteral("How? / Which unit?"));
     ASSERT_EQ(d.groups.size(), 2u); // "none" forms no group, West has nobody
@@ -279,11 +284,11 @@ TEST_F(SplitGraph, GroupsFromTheSecondAlternativeWithIndexAndCount)
     EXPECT_EQ(d.totalText, QStringLiteral("Total: 1.0"));
 
     selection.shortCategoryNames = true;
-    EXPECT_EQ(generate(selection).description.groups[0].label, QStringLiteral("N (1.5) [5]"));
+    EXPECT_EQ(generate(selection).value().groups[0].label, QStringLiteral("N (1.5) [5]"));
 
     // Three candidate groups remain after g0, so one drawn group still has a total.
     const std::vector<qint32> northOnly{0, 1, 2, 3, 4, 5, 6, 7};
-    const BasicGraphDescription north = generate(selectionOf(northOnly)).description;
+    const BasicGraphDescription north = generate(selectionOf(northOnly)).value();
     EXPECT_EQ(north.groups.size(), 1u);
     EXPECT_EQ(north.totalText, QStringLiteral("Total: 1.5"));
 }
@@ -292,19 +297,19 @@ TEST_F(SplitGraph, NoGroupBelowTheMinimumGraphSelection)
 {
     // Rows 7..9: one north, two south, both below 3.
     const std::vector<qint32> few{7, 8, 9, 10, 11};
-    EXPECT_EQ(generate(selectionOf(few)).outcome, BasicGraphOutcome::SplitNotAllowed);
+    EXPECT_EQ(refused(generate(selectionOf(few))), RefusalCode::SplitNotAllowed);
     EXPECT_FALSE(splitAllowed(*doc, unit, few));
     EXPECT_TRUE(splitAllowed(*doc, unit, rows));
 
     // A navigator category follows the overview's decision, either way.
     BasicGraphSelection selection = selectionOf(rows);
-    const std::vector<bool> refused{true};
-    selection.splitNotAllowed = &refused;
-    EXPECT_EQ(generate(selection).outcome, BasicGraphOutcome::SplitNotAllowed);
+    const std::vector<bool> notAllowed{true};
+    selection.splitNotAllowed = &notAllowed;
+    EXPECT_EQ(refused(generate(selection)), RefusalCode::SplitNotAllowed);
     const std::vector<bool> allowed{false};
     selection.rows = &few;
     selection.splitNotAllowed = &allowed;
-    EXPECT_EQ(generate(selection).outcome, BasicGraphOutcome::Ok);
+    EXPECT_TRUE(generate(selection).done());
 }
 
 TEST(BasicGraphData, BadRequestsFailWithoutTouchingAnything)
@@ -314,16 +319,16 @@ TEST(BasicGraphData, BadRequestsFailWithoutTouchingAnything)
     auto doc = readBack(b);
     const auto rows = allRows(*doc);
     const BasicGraphSelection s = selectionOf(rows);
-    EXPECT_EQ(graphOf(*doc, {.questions = {}}, s).outcome, BasicGraphOutcome::Failed);
-    EXPECT_EQ(graphOf(*doc, {.questions = {q + 1}}, s).outcome, BasicGraphOutcome::Failed);
-    EXPECT_EQ(graphOf(*doc, {.questions = {q}, .kind = 3}, s).outcome, BasicGraphOutcome::Failed);
-    EXPECT_EQ(graphOf(*doc, {.questions = {q}, .block = 4}, s).outcome, BasicGraphOutcome::Failed);
-    EXPECT_EQ(graphOf(*doc, {.questions = {q}, .splitQuestion = -7}, s).outcome, BasicGraphOutcome::Failed);
+    EXPECT_EQ(refused(graphOf(*doc, {.questions = {}}, s)), RefusalCode::NoSuchGraph);
+    EXPECT_EQ(refused(graphOf(*doc, {.questions = {q + 1}}, s)), RefusalCode::NoSuchGraph);
+    EXPECT_EQ(refused(graphOf(*doc, {.questions = {q}, .kind = 3}, s)), RefusalCode::NoSuchGraph);
+    EXPECT_EQ(refused(graphOf(*doc, {.questions = {q}, .block = 4}, s)), RefusalCode::NoSuchGraph);
+    EXPECT_EQ(refused(graphOf(*doc, {.questions = {q}, .splitQuestion = -7}, s)), RefusalCode::NoSuchGraph);
     // Rows outside the document are skipped, not read.
     const std::vector<qint32> wild{-5, 0, 1, 2, 1000000};
     const BasicGraphResult r = graphOf(*doc, {.questions = {q}}, selectionOf(wild));
-    ASSERT_EQ(r.outcome, BasicGraphOutcome::Ok);
-    EXPECT_EQ(counts(r.description), (std::vector<qint32>{2}));
+    ASSERT_TRUE(r.done());
+    EXPECT_EQ(counts(r.value()), (std::vector<qint32>{2}));
 }
 
 TEST(BasicGraphClipboard, ValuesAndLegendsText)

@@ -286,7 +286,7 @@ protected:
         store = std::make_unique<SettingsStore>(SettingsLocation{.file = dir.filePath(QStringLiteral("k.ini"))});
         window = std::make_unique<MainWindow>(*store, false, MainWindowEnvironment{});
         window->setMessageHandler([](QMessageBox::Icon, const QString &, const QString &) {});
-        ASSERT_TRUE(window->loadDocument(path, false).isEmpty());
+        ASSERT_EQ(window->loadDocument(path, false), OpenResult::Ok);
     }
     GraphCommands &charts() { return *window->commands().graphs; }
     ChartWindow *chartWindow(int slot)

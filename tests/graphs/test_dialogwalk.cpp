@@ -232,7 +232,7 @@ protected:
         window = std::make_unique<MainWindow>(*store, GetParam(),
                                               MainWindowEnvironment{.printerInstalled = true, .mouseWheel = true});
         window->setMessageHandler([](QMessageBox::Icon, const QString &, const QString &) {});
-        ASSERT_TRUE(window->loadDocument(path, false).isEmpty());
+        ASSERT_EQ(window->loadDocument(path, false), OpenResult::Ok);
         window->show();
     }
 

@@ -57,7 +57,7 @@ protected:
         window = std::make_unique<MainWindow>(*store, false, MainWindowEnvironment{.mouseWheel = true});
         window->setMessageHandler(
             [this](QMessageBox::Icon, const QString &, const QString &text) { messages << text; });
-        ASSERT_TRUE(window->loadDocument(path, false).isEmpty());
+        ASSERT_EQ(window->loadDocument(path, false), OpenResult::Ok);
         window->show();
         sheet()->setFocus();
     }

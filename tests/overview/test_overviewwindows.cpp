@@ -98,7 +98,7 @@ TEST_F(OverviewWindowsTest, MiniOverviewsComeFromTenSlots)
 
     // Its picture is its own: a new overview leaves it as it was.
     const QImage before = wholeSheet(*windows[6]->view());
-    ASSERT_TRUE(w->showSelection(fullSelection(*w->document())).isEmpty());
+    ASSERT_TRUE(w->showSelection(fullSelection(*w->document())).done());
     EXPECT_EQ(wholeSheet(*windows[6]->view()), before);
 
     // Closing the document closes them all.

@@ -54,22 +54,23 @@ TEST(SubSheet, RefusalsAndThresholds)
     selection.set(0, 1, false);
     selection.set(0, 2, false);
     SubSheet sheet = createSubSheet(doc, BlockCatalogue(doc), selection, flex, 0, random);
-    EXPECT_EQ(sheet.outcome, SubSheetOutcome::NoAnswers);
-    EXPECT_EQ(showRefusalMessage(doc, sheet.outcome, false),
+    EXPECT_EQ(sheet.outcome, Outcome<>(Refusal{RefusalCode::NoAnswers}));
+    EXPECT_EQ(showRefusalMessage(doc, sheet.outcome.refusal(), false),
               QStringLiteral("There are no answers matching the selection criterias!"));
     EXPECT_TRUE(sheet.rows.empty());
 
     selection.set(0, 2, true); // West: 2 respondents, below the graph minimum of 3
     sheet = createSubSheet(doc, BlockCatalogue(doc), selection, flex, 0, random);
-    EXPECT_EQ(sheet.outcome, SubSheetOutcome::TooSmall);
-    EXPECT_EQ(showRefusalMessage(doc, sheet.outcome, true), QStringLiteral("Too few!")); // the document's words
+    EXPECT_EQ(sheet.outcome, Outcome<>(Refusal{RefusalCode::TooSmall}));
+    EXPECT_EQ(showRefusalMessage(doc, sheet.outcome.refusal(), true),
+              QStringLiteral("Too few!")); // the document's words
     // West has privacy-counted options below the minimum in the other
     // categories' view: splitting by Unit is not allowed.
     EXPECT_EQ(sheet.steps.splitNotAllowed, (std::vector<bool>{true, false}));
 
     doc.properties.minimumGraphSelection = 2; // exactly the minimum is shown
     sheet = createSubSheet(doc, BlockCatalogue(doc), selection, flex, 0, random);
-    EXPECT_EQ(sheet.outcome, SubSheetOutcome::Ok);
+    EXPECT_EQ(sheet.outcome, Outcome<>());
     EXPECT_EQ(sheet.rows, (RowList{0, 1}));
     EXPECT_FALSE(sheet.dataRowsAllowed); // 2 < minimum selection 5
     EXPECT_EQ(sheet.displayedLines(300), 0);

@@ -20,7 +20,7 @@ SheetInput sheetFor(Document &doc, const SelectionMatrix &selection, qint32 orde
     FlexTotal flex;
     RowRandom random(7);
     const SubSheet sheet = createSubSheet(doc, BlockCatalogue(doc), selection, flex, order, random);
-    EXPECT_EQ(sheet.outcome, SubSheetOutcome::Ok);
+    EXPECT_EQ(sheet.outcome, Outcome<>());
     SheetInput input;
     input.document = &doc;
     input.rows = sheet.rows;

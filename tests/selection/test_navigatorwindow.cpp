@@ -40,7 +40,7 @@ protected:
         // The main window's Show: the engine's, on the navigator's edits.
         actions.show = [this](SelectionModel &model) {
             const SubSheet sheet = showSelection(*mDoc, BlockCatalogue(*mDoc), model, mFlex, RowOrderOriginal, mRandom);
-            return showRefusalMessage(*mDoc, sheet.outcome, false);
+            return sheet.outcome.done() ? QString() : showRefusalMessage(*mDoc, sheet.outcome.refusal(), false);
         };
         actions.showRefusal = [this](const QString &message) { mRefusals << message; };
         mWindow = std::make_unique<NavigatorWindow>(false, mStatus, mOptions, actions);

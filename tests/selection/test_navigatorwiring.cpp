@@ -129,7 +129,7 @@ protected:
         QFile file(path);
         ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(test::navigatorSurveyBytes(o)) > 0);
         file.close();
-        ASSERT_EQ(mWindow->loadDocument(path, false), QString());
+        ASSERT_EQ(mWindow->loadDocument(path, false), OpenResult::Ok);
         ASSERT_TRUE(mWindow->navigator() && mWindow->detailWindow());
     }
 

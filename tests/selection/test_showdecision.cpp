@@ -69,12 +69,12 @@ TEST(ShowDecision, EveryGateRefusesOneBelowItsMinimumAndShowsTheMinimum)
 {
     const Gate gates[] = {
         {"selection below the graph minimum", 5, 0, [](SelectionModel &m) { keepUnits(m, {Small}); },
-         [](const Document &, const Shown &s) { return s.sheet.outcome == SubSheetOutcome::Ok; }},
+         [](const Document &, const Shown &s) { return s.sheet.outcome == Outcome<>(); }},
         {"complement left out of the selection", 5, 5,
          [](SelectionModel &m) {
              keepUnits(m, {Alpha, Beta});
          },
-         [](const Document &, const Shown &s) { return s.sheet.outcome == SubSheetOutcome::Ok; }},
+         [](const Document &, const Shown &s) { return s.sheet.outcome == Outcome<>(); }},
         {"answer rows of a selection", 10, 5, [](SelectionModel &m) { keepUnits(m, {Small}); },
          [](const Document &, const Shown &s) { return s.sheet.permissions.rows && s.sheet.dataRowsAllowed; }},
         {"comments of a selection", 10, 5, [](SelectionModel &m) { keepUnits(m, {Small}); },
@@ -91,9 +91,7 @@ TEST(ShowDecision, EveryGateRefusesOneBelowItsMinimumAndShowsTheMinimum)
          [](SelectionModel &m) {
              flexUnits(m, {Alpha, Beta});
          },
-         [](const Document &, const Shown &s) {
-             return s.sheet.outcome == SubSheetOutcome::Ok && !s.recount.flexShaded;
-         }},
+         [](const Document &, const Shown &s) { return s.sheet.outcome == Outcome<>() && !s.recount.flexShaded; }},
         {"flex total's own figures", 5, 5, [](SelectionModel &m) { flexUnits(m, {Small}); },
          [](const Document &, const Shown &s) { return permits(s.sheet.permissions, OutputCommand::FlexFigures); }},
         {"flex total's row numbers", 10, 5, [](SelectionModel &m) { flexUnits(m, {Small}); },
@@ -119,23 +117,24 @@ TEST(ShowDecision, RefusalsNameTheirReasonAndCarryNothing)
         const char *name;
         qint32 complement; ///< 0: the complement check does not refuse
         std::function<void(SelectionModel &)> edit;
-        SubSheetOutcome outcome;
+        Outcome<> outcome;
     };
     const Case cases[] = {
         {"blocked category", 5,
          [](SelectionModel &m) {
              keepUnits(m, {Alpha, Beta});
          },
-         SubSheetOutcome::Blocked},
+         Outcome<>(Refusal{RefusalCode::Blocked})},
         // Blocking comes first: an empty selection of a shaded category is blocked.
-        {"blocked before empty", 5, [](SelectionModel &m) { keepUnits(m, {}); }, SubSheetOutcome::Blocked},
+        {"blocked before empty", 5, [](SelectionModel &m) { keepUnits(m, {}); },
+         Outcome<>(Refusal{RefusalCode::Blocked})},
         {"blocked flex total", 5,
          [](SelectionModel &m) {
              flexUnits(m, {Alpha, Beta});
          },
-         SubSheetOutcome::FlexTotalBlocked},
-        {"nobody", 0, [](SelectionModel &m) { keepUnits(m, {}); }, SubSheetOutcome::NoAnswers},
-        {"too few", 0, [](SelectionModel &m) { keepUnits(m, {Small}); }, SubSheetOutcome::TooSmall},
+         Outcome<>(Refusal{RefusalCode::FlexTotalBlocked})},
+        {"nobody", 0, [](SelectionModel &m) { keepUnits(m, {}); }, Outcome<>(Refusal{RefusalCode::NoAnswers})},
+        {"too few", 0, [](SelectionModel &m) { keepUnits(m, {Small}); }, Outcome<>(Refusal{RefusalCode::TooSmall})},
     };
     for (const Case &c : cases) {
         SCOPED_TRACE(c.name);
@@ -157,7 +156,7 @@ TEST(ShowDecision, RefusalsNameTheirReasonAndCarryNothing)
     flex.reset(*doc, BlockCatalogue(*doc));
     RowRandom random(3);
     EXPECT_EQ(createSubSheet(*doc, BlockCatalogue(*doc), selection, flex, RowOrderOriginal, random).outcome,
-              SubSheetOutcome::Blocked);
+              Outcome<>(Refusal{RefusalCode::Blocked}));
 }
 
 // A blocked flex total leaves the flex total as it was: the figures the
@@ -173,7 +172,7 @@ TEST(ShowDecision, ARefusedFlexTotalIsNotApplied)
     flexUnits(model, {Alpha, Beta});
     RowRandom random(1);
     EXPECT_EQ(showSelection(*doc, BlockCatalogue(*doc), model, flex, RowOrderOriginal, random).outcome,
-              SubSheetOutcome::FlexTotalBlocked);
+              Outcome<>(Refusal{RefusalCode::FlexTotalBlocked}));
     EXPECT_EQ(flex.rowCount(), doc->rowCount());
     EXPECT_EQ(flex.totalIndex(), everyone);
 
@@ -184,8 +183,7 @@ TEST(ShowDecision, ARefusedFlexTotalIsNotApplied)
     model.setOptionChecked(1, 0, true);
     model.setFlexBasedOnCurrentSelection(true);
     EXPECT_FALSE(model.recount(*doc).flexShaded);
-    EXPECT_EQ(showSelection(*doc, BlockCatalogue(*doc), model, flex, RowOrderOriginal, random).outcome,
-              SubSheetOutcome::Ok);
+    EXPECT_EQ(showSelection(*doc, BlockCatalogue(*doc), model, flex, RowOrderOriginal, random).outcome, Outcome<>());
     EXPECT_EQ(flex.rowCount(), 20);
 }
 
@@ -211,7 +209,7 @@ TEST(ShowDecision, EachOutputCommandAsksItsOwnPermission)
     ASSERT_EQ(std::size(table), std::size_t(OutputCommandCount));
     const Shown everyone = show(*doc, [](SelectionModel &) {});
     const Shown unit = show(*doc, [](SelectionModel &m) { keepUnits(m, {Small}); });
-    ASSERT_EQ(unit.sheet.outcome, SubSheetOutcome::Ok);
+    ASSERT_EQ(unit.sheet.outcome, Outcome<>());
     for (const Row &row : table) {
         EXPECT_EQ(permits(everyone.sheet.permissions, row.command), row.everyone) << int(row.command);
         EXPECT_EQ(permits(unit.sheet.permissions, row.command), row.unit) << int(row.command);

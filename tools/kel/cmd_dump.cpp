@@ -110,7 +110,7 @@ bool everyoneShown(const Document &d)
 {
     const SelectionMatrix everyone = fullSelection(d);
     CountMatrix found(everyone.categoryCount(), everyone.optionCount());
-    return showRefusalFor(d, countOptions(d, everyone, found), false, false) == ShowRefusal::Done;
+    return showRefusalFor(d, countOptions(d, everyone, found), false, false).done();
 }
 
 void figure(JsonWriter &j, const char *name, double value, bool shown)
@@ -196,7 +196,7 @@ void writeAnswersAndComments(JsonWriter &j, const Document &d)
     const SelectionMatrix everyone = fullSelection(d);
     CountMatrix found(everyone.categoryCount(), everyone.optionCount());
     const qint32 n = countOptions(d, everyone, found);
-    const bool done = showRefusalFor(d, n, false, false) == ShowRefusal::Done;
+    const bool done = showRefusalFor(d, n, false, false).done();
     const ShowPermissions permissions = showPermissions(d, n, n, splitNotAllowedFor(d, found));
     const bool answers = done && permits(permissions, OutputCommand::CopyOverviewAsData);
     const bool comments = done && permits(permissions, OutputCommand::AllComments);

@@ -140,14 +140,13 @@ int basicGraphKind(const GraphInput &in, qint32 kind, MadeGraph &graph, CommandO
     selection.shortCategoryNames = in.args.shortNames;
     selection.locale = in.args.selection.locale;
     const BasicGraphResult result = generateBasicGraph(doc, blocks, in.shown.flex, request, selection);
-    switch (result.outcome) {
-    case BasicGraphOutcome::Ok: break;
-    case BasicGraphOutcome::SplitNotAllowed:
+    if (!result.done()) {
+        if (result.refusal().code != RefusalCode::SplitNotAllowed)
+            return usageError(output, QStringLiteral("the graph could not be generated"));
         output.err += splitNotAllowedMessage(in.args.selection.isSwedish) + QLatin1Char('\n');
         return Refused;
-    case BasicGraphOutcome::Failed: return usageError(output, QStringLiteral("the graph could not be generated"));
     }
-    graph.basic = result.description;
+    graph.basic = result.value();
     return 0;
 }
 
@@ -205,7 +204,7 @@ int makeGraph(const Document &doc, const QStringList &args, MadeGraph &graph, Co
                                  shown->sheet.steps.splitNotAllowed),
                  OutputCommand::Figures)) {
         output.err +=
-            showRefusalMessage(doc, SubSheetOutcome::TooSmall, parsed->selection.isSwedish) + QLatin1Char('\n');
+            showRefusalMessage(doc, Refusal{RefusalCode::TooSmall}, parsed->selection.isSwedish) + QLatin1Char('\n');
         return Refused;
     }
     return entry->run(GraphInput{doc, *parsed, *shown}, graph, output);

@@ -97,7 +97,7 @@ int indexesCommand(const Document &doc, const QStringList &args, CommandOutput &
                                  shown->sheet.steps.splitNotAllowed),
                  OutputCommand::Figures)) {
         output.err += QStringLiteral("kel indexes: %1\n")
-                          .arg(showRefusalMessage(doc, SubSheetOutcome::TooSmall, selection.isSwedish));
+                          .arg(showRefusalMessage(doc, Refusal{RefusalCode::TooSmall}, selection.isSwedish));
         return Refused;
     }
     output.out += (exportIndexes(doc, shown->blocks, shown->sheet.steps.selectionText, shown->sheet.rows, options,

@@ -138,6 +138,19 @@ bool takeSelectionOption(const QStringList &args, qsizetype &i, SelectionArgs &o
     return true;
 }
 
+QString refusalToken(RefusalCode code)
+{
+    switch (code) {
+    case RefusalCode::Blocked:
+    case RefusalCode::FlexTotalBlocked: return QStringLiteral("blocked");
+    case RefusalCode::NoAnswers: return QStringLiteral("none");
+    case RefusalCode::TooSmall: return QStringLiteral("tooSmall");
+    case RefusalCode::SplitNotAllowed: return QStringLiteral("splitNotAllowed");
+    case RefusalCode::NoSuchGraph: return QStringLiteral("noSuchGraph");
+    }
+    return QString();
+}
+
 namespace {
 
 // Appends the user blocks that `settingsFile` keeps for `doc`, as the viewer
@@ -182,13 +195,9 @@ std::optional<ShownSelection> showFromArgs(const Document &doc, const SelectionA
     const bool forced = documentForcesRandomOrder(doc.properties, shown.recount.count);
     RowRandom random(args.seed && !forced ? *args.seed : quint64(QDateTime::currentMSecsSinceEpoch()));
     shown.sheet = kel::showSelection(doc, shown.blocks, shown.model, shown.flex, args.order, random);
-    const QString message = showRefusalMessage(doc, shown.sheet.outcome, args.isSwedish);
-    switch (shown.sheet.outcome) {
-    case SubSheetOutcome::Ok: break;
-    case SubSheetOutcome::Blocked:
-    case SubSheetOutcome::FlexTotalBlocked: shown.refusal = Refusal{QStringLiteral("blocked"), message}; break;
-    case SubSheetOutcome::NoAnswers: shown.refusal = Refusal{QStringLiteral("none"), message}; break;
-    case SubSheetOutcome::TooSmall: shown.refusal = Refusal{QStringLiteral("tooSmall"), message}; break;
+    if (!shown.sheet.outcome.done()) {
+        const Refusal &refusal = shown.sheet.outcome.refusal();
+        shown.refusal = RefusalWords{refusalToken(refusal.code), showRefusalMessage(doc, refusal, args.isSwedish)};
     }
     return shown;
 }

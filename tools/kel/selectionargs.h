@@ -46,13 +46,16 @@ struct SelectionArgs {
 /// ones; returns false when it is not. `error` is set for a bad value.
 bool takeSelectionOption(const QStringList &args, qsizetype &i, SelectionArgs &out, QString &error);
 
-/// Why the viewer would not show a selection: "blocked" (a restricted
-/// category holds a too small complement group), "none" (nobody) or
-/// "tooSmall" (below the document's minimum), and the text it would say.
-struct Refusal {
+/// Show's refusal as kel prints it: its token in kel's JSON ("blocked" for
+/// a blocked category or flex total, "none" for nobody, "tooSmall" below
+/// the document's minimum) and the text the viewer would say.
+struct RefusalWords {
     QString outcome;
     QString message;
 };
+
+/// kel's JSON token for a refusal of Show.
+QString refusalToken(RefusalCode code);
 
 /// The navigator, the blocks, the flex total and the overview after one Show.
 struct ShownSelection {
@@ -67,7 +70,7 @@ struct ShownSelection {
 
     /// Set when Show would be disabled or the overview build refuses; then
     /// nothing of the selection (counts, rows, indexes) may be printed.
-    std::optional<Refusal> refusal;
+    std::optional<RefusalWords> refusal;
 };
 
 /// Ticks what the options ask for (after the stored user blocks) and

@@ -132,8 +132,7 @@ bool splitPermitted(const Document &doc, qint32 question, const BasicGraphSelect
 BasicGraphResult generateBasicGraph(const Document &doc, const BlockCatalogue &catalogue, const FlexTotal &flex,
                                     const BasicGraphRequest &request, const BasicGraphSelection &selection)
 {
-    BasicGraphResult result;
-    BasicGraphDescription &d = result.description;
+    BasicGraphDescription d;
     const bool split = request.splitQuestion != -1;
     const std::vector<qint32> noRows;
     const std::vector<qint32> &rows = selection.rows ? *selection.rows : noRows;
@@ -141,19 +140,16 @@ BasicGraphResult generateBasicGraph(const Document &doc, const BlockCatalogue &c
     if ((request.kind != HistogramGraph && request.kind != FractionGraph) || request.questions.empty()
         || (split && !validQuestion(doc, request.splitQuestion))
         || (request.block != -1 && !catalogue.blockAt(request.block))) {
-        result.outcome = BasicGraphOutcome::Failed;
-        return result;
+        return Refusal{RefusalCode::NoSuchGraph};
     }
     const std::vector<qint32> questions = split ? std::vector<qint32>{request.questions.front()} : request.questions;
     for (qint32 q : questions) {
         if (!validQuestion(doc, q)) {
-            result.outcome = BasicGraphOutcome::Failed;
-            return result;
+            return Refusal{RefusalCode::NoSuchGraph};
         }
     }
     if (split && !splitPermitted(doc, request.splitQuestion, selection)) {
-        result.outcome = BasicGraphOutcome::SplitNotAllowed;
-        return result;
+        return Refusal{RefusalCode::SplitNotAllowed};
     }
 
     const DocumentProperties &p = doc.properties;
@@ -337,7 +333,7 @@ BasicGraphResult generateBasicGraph(const Document &doc, const BlockCatalogue &c
         if (request.showTotalIndex && isBlock)
             d.totalText += QStringLiteral(" / ") + formatIndex(flex.blockIndex(request.block), decimals, locale);
     }
-    return result;
+    return d;
 }
 
 LegendRuns legendRuns(const BasicGraphDescription &description)

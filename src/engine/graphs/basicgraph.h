@@ -7,6 +7,7 @@
 
 #include "engine/document/blockcatalogue.h"
 #include "engine/document/document.h"
+#include "engine/document/outcome.h"
 #include "engine/selection/flextotal.h"
 
 #include <QLocale>
@@ -83,19 +84,9 @@ struct BasicGraphSelection {
     QLocale locale = QLocale::c();   ///< numbers in graph texts
 };
 
-enum class BasicGraphOutcome {
-    Ok,
-    Failed,          ///< a question, block or kind that the document does not have
-    SplitNotAllowed, ///< a split group would be smaller than the document allows
-};
+/// The description, or why there is none (NoSuchGraph, SplitNotAllowed).
+using BasicGraphResult = Outcome<BasicGraphDescription>;
 
-struct BasicGraphResult {
-    BasicGraphOutcome outcome = BasicGraphOutcome::Ok;
-    BasicGraphDescription description;
-};
-
-/// Computes the description. Refuses a split that would show a group below
-/// the document's minimum graph selection (see splitPermitted).
 /// `catalogue` holds the request's block, `flex` the totals it is compared with.
 BasicGraphResult generateBasicGraph(const Document &doc, const BlockCatalogue &catalogue, const FlexTotal &flex,
                                     const BasicGraphRequest &request, const BasicGraphSelection &selection);

@@ -104,7 +104,7 @@ SelectionSteps selectionSteps(const Document &doc, const SelectionMatrix &select
 
 qint32 SubSheet::displayedLines(qint32 maxRowsSetting) const
 {
-    if (!dataRowsAllowed || outcome != SubSheetOutcome::Ok)
+    if (!dataRowsAllowed || !outcome.done())
         return 0;
     return qMax(0, qMin(qint32(rows.size()), maxRowsSetting));
 }
@@ -128,7 +128,7 @@ SubSheet createSubSheet(const Document &doc, const BlockCatalogue &catalogue, co
         flex.basedOnCurrentSelection() && !categoryBlocked && flexTotalBlocked(doc, selection, flex.options(), true);
     if (categoryBlocked || flexBlocked) {
         // Refused before anything changes: the flex total stays as it was.
-        sheet.outcome = categoryBlocked ? SubSheetOutcome::Blocked : SubSheetOutcome::FlexTotalBlocked;
+        sheet.outcome = showRefusalFor(doc, 0, categoryBlocked, flexBlocked);
         return sheet;
     }
     if (flex.basedOnCurrentSelection())
@@ -136,11 +136,9 @@ SubSheet createSubSheet(const Document &doc, const BlockCatalogue &catalogue, co
 
     RowList rows = selectedRows(doc, selection);
     const qint32 n = qint32(rows.size());
-    switch (showRefusalFor(doc, n, false, false)) {
-    case ShowRefusal::NoAnswers: sheet.outcome = SubSheetOutcome::NoAnswers; return sheet;
-    case ShowRefusal::TooSmall: sheet.outcome = SubSheetOutcome::TooSmall; return sheet;
-    default: break;
-    }
+    sheet.outcome = showRefusalFor(doc, n, false, false);
+    if (!sheet.outcome.done())
+        return sheet;
 
     sheet.permissions = showPermissions(doc, n, flex.rowCount(), sheet.steps.splitNotAllowed);
     sheet.dataRowsAllowed = sheet.permissions.rows;
@@ -181,12 +179,12 @@ SubSheet showSelection(const Document &doc, const BlockCatalogue &catalogue, Sel
     const bool flexBased = flexEdited ? model.flexBasedOnCurrentSelection() : flex.basedOnCurrentSelection();
     if (std::find(blocked.begin(), blocked.end(), true) != blocked.end()) {
         SubSheet refused;
-        refused.outcome = SubSheetOutcome::Blocked;
+        refused.outcome = Refusal{RefusalCode::Blocked};
         return refused;
     }
     if (model.flexVisible() && flexTotalBlocked(doc, model.selected(), flexOptions, flexBased)) {
         SubSheet refused;
-        refused.outcome = SubSheetOutcome::FlexTotalBlocked;
+        refused.outcome = Refusal{RefusalCode::FlexTotalBlocked};
         return refused;
     }
     if (model.applyShow())

@@ -68,11 +68,9 @@ struct SelectionSteps {
 /// the flex total, for `selection`.
 SelectionSteps selectionSteps(const Document &doc, const SelectionMatrix &selection, const FlexTotal &flex);
 
-/// Show's outcome: built, or why not (see ShowRefusal).
-enum class SubSheetOutcome { Ok, NoAnswers, TooSmall, Blocked, FlexTotalBlocked };
-
 struct SubSheet {
-    SubSheetOutcome outcome = SubSheetOutcome::Ok;
+    /// Built, or why Show refused it.
+    Outcome<> outcome;
     SelectionSteps steps;
     bool dataRowsAllowed = false;
     /// What this overview permits; every output command asks permits() of it

@@ -108,13 +108,13 @@ void addBasicGraphs(std::vector<ReportItem> &items, const Document &doc, const B
             continue;
         }
         const BasicGraphResult result = generateBasicGraph(doc, catalogue, shown.flex, request, selection);
-        if (result.outcome != BasicGraphOutcome::Ok) {
+        if (!result.done()) {
             items.push_back(
                 item(ReportItem::Kind::Notice, request.name + QStringLiteral(": ") + words.splitNotAllowed));
             continue;
         }
         ReportItem graph = item(ReportItem::Kind::BasicGraph);
-        graph.basic = std::make_shared<BasicGraphDescription>(result.description);
+        graph.basic = std::make_shared<BasicGraphDescription>(result.value());
         items.push_back(std::move(graph));
     }
 }
@@ -177,14 +177,15 @@ void addComments(std::vector<ReportItem> &items, const Document &doc, const Repo
     }
 }
 
-QString refusalWords(ReportRefusal refusal, const ReportWords &words)
+QString refusalWords(const Refusal &refusal, const ReportWords &words)
 {
-    switch (refusal) {
-    case ReportRefusal::Blocked: return words.blocked;
-    case ReportRefusal::FlexTotalBlocked: return words.flexTotalBlocked;
-    case ReportRefusal::NoAnswers: return words.noAnswers;
-    case ReportRefusal::TooSmall: return words.tooSmall;
-    case ReportRefusal::None: break;
+    switch (refusal.code) {
+    case RefusalCode::Blocked: return words.blocked;
+    case RefusalCode::FlexTotalBlocked: return words.flexTotalBlocked;
+    case RefusalCode::NoAnswers: return words.noAnswers;
+    case RefusalCode::TooSmall: return words.tooSmall;
+    case RefusalCode::SplitNotAllowed: return words.splitNotAllowed;
+    case RefusalCode::NoSuchGraph: break; // a unit's Show never gives it
     }
     return {};
 }
@@ -269,8 +270,8 @@ ReportUnit buildReportUnit(const Document &base, const ReportBase &start, const 
     ReportShown shown = showForReport(base, catalogue, plan.model, start.flex, options.seed);
     ReportUnit unit;
     unit.name = plan.name;
-    if (shown.refusal != ReportRefusal::None) {
-        unit.refusal = refusalWords(shown.refusal, words);
+    if (!shown.outcome.done()) {
+        unit.refusal = refusalWords(shown.outcome.refusal(), words);
         if (unit.name.isEmpty())
             unit.name = words.refused;
         return unit;

@@ -11,17 +11,9 @@
 
 namespace kel {
 
-/// Why a unit is not shown. The words come from the texts layer.
-enum class ReportRefusal {
-    None,
-    Blocked,          ///< a restricted category holds a too small complement group
-    FlexTotalBlocked, ///< the flex total leaves a too small group out
-    NoAnswers,        ///< nobody is selected
-    TooSmall,         ///< fewer respondents than the document's minimum
-};
-
 struct ReportShown {
-    ReportRefusal refusal = ReportRefusal::None;
+    /// Shown, or why the unit is not (the words come from the texts layer).
+    Outcome<> outcome;
     SubSheet sheet; ///< empty (no rows) when refused
     FlexTotal flex;
 };

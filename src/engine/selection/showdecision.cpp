@@ -23,17 +23,17 @@ bool belowMinimum(qint32 n, qint32 minimum)
 
 } // namespace
 
-ShowRefusal showRefusalFor(const Document &doc, qint32 selectionSize, bool categoryBlocked, bool flexBlocked)
+Outcome<> showRefusalFor(const Document &doc, qint32 selectionSize, bool categoryBlocked, bool flexBlocked)
 {
     if (categoryBlocked)
-        return ShowRefusal::Blocked;
+        return Refusal{RefusalCode::Blocked};
     if (flexBlocked)
-        return ShowRefusal::FlexTotalBlocked;
+        return Refusal{RefusalCode::FlexTotalBlocked};
     if (selectionSize < 1)
-        return ShowRefusal::NoAnswers;
+        return Refusal{RefusalCode::NoAnswers};
     if (selectionSize < doc.properties.minimumGraphSelection)
-        return ShowRefusal::TooSmall;
-    return ShowRefusal::Done;
+        return Refusal{RefusalCode::TooSmall};
+    return {};
 }
 
 ShowPermissions showPermissions(const Document &doc, qint32 selectionSize, qint32 flexSize,

@@ -8,20 +8,12 @@
 #pragma once
 
 #include "engine/document/document.h"
+#include "engine/document/outcome.h"
 #include "engine/selection/selectionmatrix.h"
 
 #include <vector>
 
 namespace kel {
-
-/// Why Show shows nothing (Done when it shows).
-enum class ShowRefusal {
-    Done,
-    Blocked,          ///< a restricted category leaves a too small group out
-    FlexTotalBlocked, ///< the flex total leaves a too small group out
-    NoAnswers,        ///< nobody matches
-    TooSmall,         ///< fewer than the minimum graph selection
-};
 
 /// What the shown overview permits. Built only by showPermissions().
 struct ShowPermissions {
@@ -51,19 +43,9 @@ enum class OutputCommand {
 };
 inline constexpr int OutputCommandCount = int(OutputCommand::Count);
 
-/// The decision for a selection of `selectionSize` respondents whose
-/// categories' blocking and split counts are in `blockedCategories` and
-/// `splitNotAllowed` (per category), with a flex total of `flexSize`
-/// respondents. `refusal` is what Show says; nothing but `Done` shows.
-struct ShowDecision {
-    ShowRefusal refusal = ShowRefusal::Done;
-    ShowPermissions permissions;
-    bool done() const { return refusal == ShowRefusal::Done; }
-};
-
 /// The gate of Show: refuses a blocked category or flex total first, then an
 /// empty selection, then one below the minimum graph selection.
-ShowRefusal showRefusalFor(const Document &doc, qint32 selectionSize, bool categoryBlocked, bool flexBlocked);
+Outcome<> showRefusalFor(const Document &doc, qint32 selectionSize, bool categoryBlocked, bool flexBlocked);
 
 /// What a selection that Show accepted permits.
 ShowPermissions showPermissions(const Document &doc, qint32 selectionSize, qint32 flexSize,

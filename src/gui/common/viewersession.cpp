@@ -38,32 +38,32 @@ void ViewerSession::blocksEdited()
     emit blocksChanged();
 }
 
-SubSheetOutcome ViewerSession::show(const SelectionMatrix &selection, qint32 userRowOrder)
+Outcome<> ViewerSession::show(const SelectionMatrix &selection, qint32 userRowOrder)
 {
     const Document *doc = document();
     if (!doc)
-        return SubSheetOutcome::Ok;
+        return {};
     return take(createSubSheet(*doc, blocks(), selection, mFlexTotal, userRowOrder, mRowRandom));
 }
 
-SubSheetOutcome ViewerSession::show(SelectionModel &model, qint32 userRowOrder)
+Outcome<> ViewerSession::show(SelectionModel &model, qint32 userRowOrder)
 {
     const Document *doc = document();
     if (!doc)
-        return SubSheetOutcome::Ok;
+        return {};
     return take(kel::showSelection(*doc, blocks(), model, mFlexTotal, userRowOrder, mRowRandom));
 }
 
-SubSheetOutcome ViewerSession::take(SubSheet sheet)
+Outcome<> ViewerSession::take(SubSheet sheet)
 {
     // A flex total based on the current selection is rebuilt even when the
     // selection itself is refused.
     emit flexTotalChanged();
-    if (sheet.outcome != SubSheetOutcome::Ok)
+    if (!sheet.outcome.done())
         return sheet.outcome; // the previous overview stays
     mShown = std::move(sheet);
     emit sheetChanged();
-    return SubSheetOutcome::Ok;
+    return {};
 }
 
 void ViewerSession::forgetShown()

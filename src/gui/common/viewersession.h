@@ -44,9 +44,9 @@ public:
     /// Show for `selection` (or the navigator's edited `model`): a built
     /// overview becomes the shown sheet (sheetChanged); a refused one leaves
     /// the previous sheet shown. The flex total may change either way
-    /// (flexTotalChanged). Without a document nothing happens and Ok comes back.
-    SubSheetOutcome show(const SelectionMatrix &selection, qint32 userRowOrder);
-    SubSheetOutcome show(SelectionModel &model, qint32 userRowOrder);
+    /// (flexTotalChanged). Without a document nothing happens and done comes back.
+    Outcome<> show(const SelectionMatrix &selection, qint32 userRowOrder);
+    Outcome<> show(SelectionModel &model, qint32 userRowOrder);
 
     /// The overview last built (rows, selection, selection steps), empty
     /// without a document.
@@ -93,7 +93,7 @@ signals:
     void blocksChanged();
 
 private:
-    SubSheetOutcome take(SubSheet sheet);
+    Outcome<> take(SubSheet sheet);
     void forgetShown();
 
     DocumentSession mDocuments;

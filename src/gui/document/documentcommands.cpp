@@ -76,9 +76,10 @@ bool DocumentCommands::openDocument(const QString &path, bool rememberFolder, co
     StatusLine &status = mContext.host.statusLine();
     WaitCursor wait;
     status.setStatus("Opening data file...", "Öppnar datafil...", false);
-    const QString message = loadDocument(path, rememberFolder);
-    if (!message.isEmpty()) {
-        mContext.host.showMessage(QMessageBox::Critical, messageTitle, message);
+    const OpenResult result = loadDocument(path, rememberFolder);
+    if (result != OpenResult::Ok) {
+        mContext.host.showMessage(QMessageBox::Critical, messageTitle,
+                                  openResultMessage(result, mContext.settings.isSwedish));
         status.clearStatus();
         return false;
     }
@@ -119,9 +120,10 @@ void DocumentCommands::fileOpen()
         status.clearStatus();
         return;
     }
-    const QString message = loadDocument(path, true);
-    if (!message.isEmpty()) {
-        mContext.host.showMessage(QMessageBox::Critical, openDialogTitle(), message);
+    const OpenResult result = loadDocument(path, true);
+    if (result != OpenResult::Ok) {
+        mContext.host.showMessage(QMessageBox::Critical, openDialogTitle(),
+                                  openResultMessage(result, mContext.settings.isSwedish));
         status.clearStatus();
         return;
     }
@@ -137,13 +139,13 @@ void DocumentCommands::openRecentFile(int index)
     openDocument(files.at(index), true, openDialogTitle());
 }
 
-QString DocumentCommands::loadDocument(const QString &path, bool rememberFolder)
+OpenResult DocumentCommands::loadDocument(const QString &path, bool rememberFolder)
 {
     // The session reads and checks the whole file before it closes the open
     // document; its signals take the old one off the screen and show the new one.
     const OpenResult result = mContext.session.documents().loadDocument(path, rememberFolder);
     if (result != OpenResult::Ok)
-        return openResultMessage(result, mContext.settings.isSwedish);
+        return result;
     const Document *doc = mContext.session.document();
     if (doc->upgradeWarning) {
         const QString title = doc->currentFileTitle;
@@ -161,7 +163,7 @@ QString DocumentCommands::loadDocument(const QString &path, bool rememberFolder)
                                   pickText(mContext.settings.isSwedish, "Time to upgrade", "Dags att uppgradera"),
                                   text);
     }
-    return QString();
+    return OpenResult::Ok;
 }
 
 void DocumentCommands::restoreStoredBlocks()

@@ -6,6 +6,7 @@
 // user's stored blocks brought back when a document opens.
 #pragma once
 
+#include "engine/document/openresult.h"
 #include "engine/indexes/indexexport.h"
 #include "gui/common/commandcontext.h"
 
@@ -19,9 +20,9 @@ class DocumentCommands : public QObject
 public:
     DocumentCommands(const CommandContext &context, QObject *parent);
 
-    /// Loads `path`; returns the message for the user, empty on success. A
-    /// failure leaves the open document as it was.
-    QString loadDocument(const QString &path, bool rememberFolder);
+    /// Loads `path`; returns the reader's code (Ok, or why not, for the
+    /// caller to word). A failure leaves the open document as it was.
+    OpenResult loadDocument(const QString &path, bool rememberFolder);
     /// Loads `path` as a user command does: hourglass, status texts, and a
     /// critical message box titled `messageTitle` on failure.
     bool openDocument(const QString &path, bool rememberFolder, const QString &messageTitle);

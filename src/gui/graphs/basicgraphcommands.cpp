@@ -115,7 +115,7 @@ BasicGraphWindow *GraphCommands::openBasicGraph(const BasicGraphRequest &request
     const Document &doc = *mContext.session.document();
     const BasicGraphResult result = generateBasicGraph(doc, mContext.session.blocks(), mContext.session.flexTotal(),
                                                        request, currentGraphSelection());
-    if (result.outcome != BasicGraphOutcome::Ok)
+    if (!result.done())
         return nullptr;
 
     ViewerSettings &settings = mContext.settings;
@@ -126,7 +126,7 @@ BasicGraphWindow *GraphCommands::openBasicGraph(const BasicGraphRequest &request
     auto *graph = qobject_cast<BasicGraphWindow *>(pooled);
     if (!graph)
         return nullptr;
-    graph->setWindowTitle(result.description.caption);
+    graph->setWindowTitle(result.value().caption);
     // Set as Default Size: kept for this run and stored at once.
     graph->setDefaultSizeHandler([&settings](const FractionGraphDefaultSize &size) {
         settings.last.questionGraphWindowWidth = size.windowWidthTwips;
@@ -136,7 +136,7 @@ BasicGraphWindow *GraphCommands::openBasicGraph(const BasicGraphRequest &request
     FractionGraphDefaultSize defaults;
     defaults.windowWidthTwips = settings.last.questionGraphWindowWidth;
     defaults.barWidth = settings.last.questionGraphBarWidth;
-    if (!graph->setUpGraph(result.description, permissionsFor(doc), defaults))
+    if (!graph->setUpGraph(result.value(), permissionsFor(doc), defaults))
         return nullptr;
     graph->setPictureContext(pictureContextFor(doc));
     graph->show();

@@ -88,7 +88,10 @@ MainWindow::MainWindow(SettingsStore &settings, bool isSwedish, const MainWindow
     connect(mSession, &ViewerSession::sheetChanged, this, &MainWindow::drawShownSheet);
     connect(mSession, &ViewerSession::blocksChanged, this, &MainWindow::rebuildBlockMenus);
     NavigatorActions actions;
-    actions.show = [this](SelectionModel &model) { return showNavigatorSelection(model); };
+    actions.show = [this](SelectionModel &model) {
+        const Outcome<> shown = showNavigatorSelection(model);
+        return shown.done() ? QString() : showRefusalMessage(*document(), shown.refusal(), mViewerSettings.isSwedish);
+    };
     actions.showRefusal = [this](const QString &text) { showMessage(QMessageBox::Critical, applicationTitle(), text); };
     mDocks = new SelectionDocks(*this, *mSession, mViewerSettings, *mStatus, std::move(actions));
 
@@ -239,7 +242,7 @@ void MainWindow::autoOpenFile()
     mCommands.documents->openDocument(path, false, applicationTitle());
 }
 
-QString MainWindow::loadDocument(const QString &path, bool rememberFolder)
+OpenResult MainWindow::loadDocument(const QString &path, bool rememberFolder)
 {
     return mCommands.documents->loadDocument(path, rememberFolder);
 }
@@ -421,22 +424,14 @@ void MainWindow::createToolWindows()
     mMenus.mnuVDetailInfo->setChecked(true);
 }
 
-QString MainWindow::showNavigatorSelection(SelectionModel &model)
+Outcome<> MainWindow::showNavigatorSelection(SelectionModel &model)
 {
-    return shownOrRefused(mSession->show(model, mViewerSettings.options.overviewRowOrder));
+    return mSession->show(model, mViewerSettings.options.overviewRowOrder);
 }
 
-QString MainWindow::showSelection(const SelectionMatrix &selection)
+Outcome<> MainWindow::showSelection(const SelectionMatrix &selection)
 {
-    return shownOrRefused(mSession->show(selection, mViewerSettings.options.overviewRowOrder));
-}
-
-QString MainWindow::shownOrRefused(SubSheetOutcome outcome)
-{
-    const Document *doc = document();
-    if (!doc || outcome == SubSheetOutcome::Ok)
-        return QString();
-    return showRefusalMessage(*doc, outcome, mViewerSettings.isSwedish); // the previous overview stays
+    return mSession->show(selection, mViewerSettings.options.overviewRowOrder);
 }
 
 void MainWindow::drawShownSheet()

@@ -5,6 +5,8 @@
 // commands live in one object per feature, joined to the menus here.
 #pragma once
 
+#include "engine/document/openresult.h"
+#include "engine/document/outcome.h"
 #include "gui/common/commandcontext.h"
 #include "gui/document/documentcommands.h"
 #include "gui/selection/selectiondocks.h"
@@ -28,7 +30,6 @@ class SheetView;
 class ViewerSession;
 class SelectionMatrix;
 struct SheetHit;
-enum class SubSheetOutcome;
 
 class MainWindow : public QMainWindow, public CommandHost
 {
@@ -44,7 +45,7 @@ public:
     void startUp(const QString &firstArgument);
 
     /// Opening as the document commands do it (see there).
-    QString loadDocument(const QString &path, bool rememberFolder);
+    OpenResult loadDocument(const QString &path, bool rememberFolder);
     bool openDocument(const QString &path, bool rememberFolder, const QString &messageTitle);
     void closeDocument();
 
@@ -57,13 +58,12 @@ public:
     /// The overview sheet, the window's central view.
     SheetView *sheetView() const { return mSheet; }
 
-    /// CreateSubSheet, after opening: returns the refusal text, empty when
-    /// the new overview was built and drawn. A refusal leaves the previous
-    /// sheet on screen.
-    QString showSelection(const SelectionMatrix &selection);
+    /// CreateSubSheet, after opening: done when the new overview was built;
+    /// a refusal leaves the previous sheet on screen.
+    Outcome<> showSelection(const SelectionMatrix &selection);
     /// The navigator's Show: the engine's Show on `model`, then the new
-    /// overview; returns the refusal, empty on success.
-    QString showNavigatorSelection(SelectionModel &model);
+    /// overview, or the refusal.
+    Outcome<> showNavigatorSelection(SelectionModel &model);
     /// Shows or hides the popup menu's place-dependent items for a right
     /// click on `hit` and enables them for its row and question.
     void preparePopup(const SheetHit &hit);
@@ -111,7 +111,6 @@ private:
     void rebuildBlockMenus();
     void updateMenus();
     void createToolWindows();
-    QString shownOrRefused(SubSheetOutcome outcome);
     void drawShownSheet();
     void showSheetPopup(const SheetHit &hit, const QPoint &globalPos);
     void showHoveredCell(const SheetHit &hit);
