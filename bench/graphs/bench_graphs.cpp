@@ -8,8 +8,9 @@
 #include "engine/graphs/basicgraph.h"
 #include "engine/indexes/blockindex.h"
 #include "gui/graphs/basicgraphwindow.h"
-#include "gui/shell/graphcommands.h"
+#include "gui/graphs/graphcommands.h"
 #include "gui/overview/sheetview.h"
+#include "gui/common/viewersession.h"
 #include "gui/shell/mainwindow.h"
 #include "kelwriter.h"
 #include "render/graphs/basicgraphrenderer.h"
@@ -130,14 +131,16 @@ int main(int argc, char **argv)
     const Document &doc = *window.document();
 
     // 1. The description alone, as the View menu's block item asks for it.
-    const BasicGraphSelection selection = currentGraphSelection(window);
-    BasicGraphRequest request{.questions = blockMembers(doc, window.blocks(), 0),
+    const BasicGraphSelection selection = window.commands().graphs->currentGraphSelection();
+    BasicGraphRequest request{.questions = blockMembers(doc, window.session().blocks(), 0),
                               .name = QStringLiteral("All questions"),
                               .block = 0,
                               .kind = FractionGraph};
     BasicGraphDescription description;
     const Figures data = measure(50, [&] {
-        description = generateBasicGraph(doc, window.blocks(), window.flexTotal(), request, selection).value();
+        description =
+            generateBasicGraph(doc, window.session().blocks(), window.session().flexTotal(), request, selection)
+                .value();
     });
     std::printf("%d questions x %zu respondents, %zu bars\n", Questions, selection.rows->size(),
                 description.bars.size());
@@ -172,7 +175,7 @@ int main(int argc, char **argv)
     PaintCounter painted;
     const Figures open = measure(20, [&] {
         window.menus().mnuPShowBlockGraph2->trigger();
-        for (const WindowSlot &slot : window.windowSlots(SlotTable::BasicGraphs)) {
+        for (const WindowSlot &slot : window.session().windowSlots(SlotTable::BasicGraphs)) {
             if (slot.window && slot.window->isVisible())
                 slot.window->installEventFilter(&painted);
         }

@@ -14,8 +14,9 @@
 #include "engine/selection/counting.h"
 #include "engine/settings/settingsstore.h"
 #include "gui/overview/sheetview.h"
+#include "gui/common/viewersession.h"
 #include "gui/shell/mainwindow.h"
-#include "gui/shell/overviewcommands.h"
+#include "gui/overview/overviewcommands.h"
 #include "kelwriter.h"
 #include "render/overview/sheetdrawer.h"
 
@@ -147,7 +148,7 @@ int childPeaks(bool whole, const QString &path)
         kept.push_back(kel::renderSheetImage(sheet->input(), offsets));
     const long opened = peakKb();
     for (int i = 0; i < MiniOverviews; ++i) {
-        if (!kel::copyToMiniOverview(*viewer.window))
+        if (!viewer.window->commands().overview->copyToMiniOverview())
             return 2;
         if (whole) {
             kel::SheetInput mini = sheet->input();

@@ -6,10 +6,10 @@
 #include "engine/selection/counting.h"
 #include "gui/overview/sheetview.h"
 #include "gui/selection/detailwindow.h"
+#include "gui/common/viewersession.h"
 #include "gui/shell/mainwindow.h"
 #include "gui/overview/textpopup.h"
-#include "gui/shell/overviewcommands.h"
-#include "gui/shell/overviewpicturecommands.h"
+#include "gui/overview/overviewcommands.h"
 #include "texts/statusline.h"
 
 #include "surveys.h"
@@ -118,7 +118,7 @@ protected:
     static void open(MainWindow &w, const ShellSurveyOptions &recipe,
                      const QString &path = QStringLiteral("/s/survey.kel"))
     {
-        w.session().installDocument(shellSurvey(recipe), path, true);
+        w.session().documents().installDocument(shellSurvey(recipe), path, true);
     }
 
     static ShellSurveyOptions richRecipe()
@@ -208,8 +208,8 @@ TEST_F(MainWindowTest, ClosingTheWindowSavesWhatTheNextRunStartsWith)
     }
     EXPECT_TRUE(QSettings(location().file, QSettings::IniFormat).childGroups().contains(QStringLiteral("Windows")));
     auto again = makeWindow();
-    EXPECT_EQ(again->session().recentFiles(), QStringList{QStringLiteral("/s/first.kel")});
-    EXPECT_EQ(again->session().currentFolder(), QStringLiteral("/s"));
+    EXPECT_EQ(again->session().documents().recentFiles(), QStringList{QStringLiteral("/s/first.kel")});
+    EXPECT_EQ(again->session().documents().currentFolder(), QStringLiteral("/s"));
     again->startUp(QStringLiteral("/no/such/file.kel"));
     EXPECT_EQ(again->statusLine().text(), QStringLiteral("Could not find the file \"/no/such/file.kel\"!"));
     EXPECT_FALSE(again->isAutoOpenPending());
@@ -318,7 +318,7 @@ TEST_F(MainWindowTest, OverviewFollowsOpenShowAndClose)
 {
     auto w = makeWindow();
     SheetView *sheet = w->sheetView();
-    w->session().installDocument(unitDocument(), QStringLiteral("/s/units.kel"), true);
+    w->session().documents().installDocument(unitDocument(), QStringLiteral("/s/units.kel"), true);
     ASSERT_TRUE(sheet->hasSheet());
     EXPECT_EQ(sheet->sheetGeometry().answerLines, 8);
     EXPECT_EQ(w->statusPanel(3)->text(), QStringLiteral(" Everyone"));
@@ -345,7 +345,7 @@ TEST_F(MainWindowTest, SheetExplainsHeadersShownAlone)
             auto w = makeWindow(swedish);
             auto doc = unitDocument();
             doc->properties.minimumSelection = minimum;
-            w->session().installDocument(std::move(doc), QStringLiteral("/s/units.kel"), true);
+            w->session().documents().installDocument(std::move(doc), QStringLiteral("/s/units.kel"), true);
             ASSERT_TRUE(w->showSelection(unitOnly(*w->document(), 1)).done());
             SheetView *sheet = w->sheetView();
             if (minimum == 4) {
@@ -374,7 +374,7 @@ TEST_F(MainWindowTest, SheetExplainsHeadersShownAlone)
 TEST_F(MainWindowTest, PointerOnTheSheetReachesPopupAndDetailWindow)
 {
     auto w = makeWindow();
-    w->session().installDocument(unitDocument(), QStringLiteral("/s/units.kel"), true);
+    w->session().documents().installDocument(unitDocument(), QStringLiteral("/s/units.kel"), true);
     ASSERT_TRUE(w->showSelection(unitOnly(*w->document(), 0)).done());
     w->show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(w.get()));
@@ -383,7 +383,7 @@ TEST_F(MainWindowTest, PointerOnTheSheetReachesPopupAndDetailWindow)
     QTest::mouseClick(sheet->viewport(), Qt::RightButton, {}, cellCentre(0, 0, 2));
     ASSERT_TRUE(popup->isVisible());
     EXPECT_TRUE(w->menus().mnuPShowRowsComments->isVisible()); // row 0 has a comment
-    EXPECT_EQ(std::pair(sheet->popupQuestion(), sheet->popupRow()), std::pair(0, 0));
+    EXPECT_EQ(std::pair(w->session().popupHit().question, w->session().popupHit().row), std::pair(0, 0));
     popup->hide();
     for (const QPoint outside : {cellCentre(1, 0, 2), cellCentre(0, 4, 2)}) {
         QTest::mouseClick(sheet->viewport(), Qt::RightButton, {}, outside);
@@ -412,7 +412,8 @@ TEST_F(MainWindowTest, PointerOnTheSheetReachesPopupAndDetailWindow)
 TEST_F(MainWindowTest, ASelectionWithoutRowsGivesNoAnswersThroughAnyCommand)
 {
     auto w = makeWindow();
-    w->session().installDocument(kel::test::smallUnitSurvey({.smallUnit = 9}), QStringLiteral("/s/small.kel"), true);
+    w->session().documents().installDocument(kel::test::smallUnitSurvey({.smallUnit = 9}),
+                                             QStringLiteral("/s/small.kel"), true);
     ASSERT_TRUE(w->sheetView()->hasSheet());
     const MainMenus &m = w->menus();
     // Everyone (89): rows and comments offered.
@@ -436,13 +437,13 @@ TEST_F(MainWindowTest, ASelectionWithoutRowsGivesNoAnswersThroughAnyCommand)
     commands->setClipboard(clipboard);
     commands->copyOverviewData();
     EXPECT_EQ(clipboard->text(), QStringLiteral("untouched"));
-    showAllComments(*w);
-    showColumnsComments(*w);
+    w->commands().overview->showAllComments();
+    w->commands().overview->showPopupComments(OverviewCommands::CommentsOf::Column);
     EXPECT_TRUE(w->findChildren<TextPopup *>().isEmpty());
 
     // The same selection's figures are still there.
-    EXPECT_TRUE(w->mayOutput(OutputCommand::Figures));
-    EXPECT_FALSE(w->mayOutput(OutputCommand::AllComments));
+    EXPECT_TRUE(w->session().mayOutput(OutputCommand::Figures));
+    EXPECT_FALSE(w->session().mayOutput(OutputCommand::AllComments));
 }
 
 TEST_F(MainWindowTest, StatusPanelCopySaysWhatReplacedTheClipboard)

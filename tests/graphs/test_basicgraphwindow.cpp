@@ -11,9 +11,10 @@
 #include "gui/graphs/chartwindow.h"
 #include "gui/graphs/questionselectdialog.h"
 #include "gui/overview/sheetview.h"
-#include "gui/shell/graphcommands.h"
+#include "gui/graphs/graphcommands.h"
+#include "gui/common/viewersession.h"
 #include "gui/shell/mainwindow.h"
-#include "gui/shell/windowpool.h"
+#include "gui/common/windowpool.h"
 #include "kelwriter.h"
 #include "texts/statusline.h"
 
@@ -455,7 +456,7 @@ protected:
     std::vector<BasicGraphWindow *> visibleGraphs() const
     {
         std::vector<BasicGraphWindow *> out;
-        for (const WindowSlot &slot : window->windowSlots(SlotTable::BasicGraphs))
+        for (const WindowSlot &slot : window->session().windowSlots(SlotTable::BasicGraphs))
             if (auto *g = qobject_cast<BasicGraphWindow *>(slot.window.data()); g && g->isVisible())
                 out.push_back(g);
         return out;
@@ -493,7 +494,7 @@ TEST_F(GraphCommandsTest, MenuGraphsOpenInPooledWindows)
         m.mnuPS1Total->trigger();
     }
     EXPECT_EQ(visibleGraphs().size(), 10u);
-    EXPECT_EQ(window->windowSlots(SlotTable::BasicGraphs)[0].window->windowTitle(),
+    EXPECT_EQ(window->session().windowSlots(SlotTable::BasicGraphs)[0].window->windowTitle(),
               QStringLiteral("Question Histogram: Q1"))
         << "the eleventh replaced the oldest";
     window->closeDocument();
@@ -540,7 +541,7 @@ TEST(UserBlockGraphs, TheViewMenuGraphsUserBlocks)
     ASSERT_NE(histogram, nullptr);
     histogram->trigger();
     BasicGraphWindow *graph = nullptr;
-    for (const WindowSlot &slot : window.windowSlots(SlotTable::BasicGraphs))
+    for (const WindowSlot &slot : window.session().windowSlots(SlotTable::BasicGraphs))
         if (auto *g = qobject_cast<BasicGraphWindow *>(slot.window.data()); g && g->isVisible())
             graph = g;
     ASSERT_NE(graph, nullptr);

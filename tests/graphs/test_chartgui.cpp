@@ -7,11 +7,12 @@
 #include "gui/graphs/chartbuilder.h"
 #include "gui/graphs/chartpicture.h"
 #include "render/pictures/picturewriter.h"
-#include "gui/shell/chartcommands.h"
+#include "gui/graphs/graphcommands.h"
 #include "gui/graphs/chartwindow.h"
 #include "gui/graphs/distributiondialog.h"
 #include "gui/graphs/indexgraphdialog.h"
 #include "gui/overview/sheetview.h"
+#include "gui/common/viewersession.h"
 #include "gui/shell/mainwindow.h"
 #include "engine/settings/settingsstore.h"
 #include "texts/statusline.h"
@@ -287,10 +288,11 @@ protected:
         window->setMessageHandler([](QMessageBox::Icon, const QString &, const QString &) {});
         ASSERT_EQ(window->loadDocument(path, false), OpenResult::Ok);
     }
-    ChartCommands &charts() { return window->chartCommands(); }
+    GraphCommands &charts() { return *window->commands().graphs; }
     ChartWindow *chartWindow(int slot)
     {
-        return qobject_cast<ChartWindow *>(window->windowSlots(SlotTable::ChartGraphs)[std::size_t(slot)].window);
+        return qobject_cast<ChartWindow *>(
+            window->session().windowSlots(SlotTable::ChartGraphs)[std::size_t(slot)].window);
     }
 
     QTemporaryDir dir;
@@ -307,7 +309,7 @@ TEST_F(ChartCommandsTest, ViewMenuGraphsOpenInPooledWindowsAfterTheTimer)
         return int(QDialog::Accepted);
     };
     window->menus().mnuVTotalGraph1->trigger();
-    EXPECT_TRUE(window->lastSettings().totalIndexGraphHasHorizontalBars) << "the dialog's look is remembered";
+    EXPECT_TRUE(window->settings().last.totalIndexGraphHasHorizontalBars) << "the dialog's look is remembered";
     ChartWindow *chart = chartWindow(0);
     ASSERT_TRUE(chart);
     EXPECT_EQ(chart->windowTitle(), QStringLiteral("Total index and all block indexes"));
@@ -319,7 +321,7 @@ TEST_F(ChartCommandsTest, ViewMenuGraphsOpenInPooledWindowsAfterTheTimer)
     charts().runDialog = [](QDialog &) { return int(QDialog::Rejected); };
     window->menus().mnuPShowTotalGraph1->trigger();
     EXPECT_TRUE(window->statusLine().text().isEmpty());
-    EXPECT_FALSE(window->windowSlots(SlotTable::ChartGraphs)[1].window);
+    EXPECT_FALSE(window->session().windowSlots(SlotTable::ChartGraphs)[1].window);
 
     charts().runDialog = [](QDialog &dialog) {
         static_cast<DistributionDialog &>(dialog).lstMainCategory->setCurrentRow(2);

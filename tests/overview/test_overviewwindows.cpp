@@ -4,8 +4,9 @@
 #include "engine/selection/counting.h"
 #include "gui/overview/minioverviewwindow.h"
 #include "gui/overview/sheetview.h"
+#include "gui/common/viewersession.h"
 #include "gui/shell/mainwindow.h"
-#include "gui/shell/overviewcommands.h"
+#include "gui/overview/overviewcommands.h"
 #include "kelwriter.h"
 #include "texts/statusline.h"
 
@@ -76,8 +77,8 @@ TEST_F(OverviewWindowsTest, MiniOverviewsComeFromTenSlots)
     QList<MiniOverviewWindow *> windows;
     for (int i = 0; i < 10; ++i) {
         w->menus().mnuECopyToMiniOverview->trigger();
-        auto *mini =
-            qobject_cast<MiniOverviewWindow *>(w->windowSlots(SlotTable::MiniOverviews)[std::size_t(i)].window);
+        auto *mini = qobject_cast<MiniOverviewWindow *>(
+            w->session().windowSlots(SlotTable::MiniOverviews)[std::size_t(i)].window);
         ASSERT_NE(mini, nullptr) << i;
         EXPECT_TRUE(!windows.contains(mini) && mini->isVisible());
         windows << mini;

@@ -98,21 +98,23 @@ TEST_F(SheetViewTest, RightClickRequestsThePopupOnlyOnTheSheet)
     QTest::mouseClick(view.viewport(), Qt::RightButton, Qt::NoModifier, cellCentre(3, -1));
     ASSERT_EQ(popup.count(), 1);
     EXPECT_EQ(popup.at(0).at(0).value<SheetHit>().place, SheetPlace::CodeLine);
-    EXPECT_TRUE(view.popupRow() == -1 && view.popupQuestion() == 3);
+    const SheetHit codeLine = popup.at(0).at(0).value<SheetHit>();
+    EXPECT_TRUE(codeLine.row == -1 && codeLine.question == 3);
 
     QTest::mouseClick(view.viewport(), Qt::RightButton, Qt::NoModifier, cellCentre(5, 2));
     ASSERT_EQ(popup.count(), 2);
 
-    // With a modifier, with the left button, or outside: nothing, and the
-    // stored row and question stay.
+    // With a modifier, with the left button, or outside: nothing, so the
+    // receiver keeps the row and question of the last request.
     QTest::mouseClick(view.viewport(), Qt::RightButton, Qt::ShiftModifier, cellCentre(1, 1));
     EXPECT_EQ(popup.count(), 2);
     QTest::mouseClick(view.viewport(), Qt::LeftButton, Qt::NoModifier, cellCentre(1, 1));
     view.resize(600, 900); // the whole sheet fits: room right of it
     QTest::mouseClick(view.viewport(), Qt::RightButton, Qt::NoModifier, QPoint(1 + 20 * 16 + 2, 30));
     EXPECT_EQ(popup.count(), 2);
-    EXPECT_EQ(view.popupRow(), 2);
-    EXPECT_EQ(view.popupQuestion(), 5);
+    const SheetHit last = popup.last().at(0).value<SheetHit>();
+    EXPECT_EQ(last.row, 2);
+    EXPECT_EQ(last.question, 5);
 }
 
 // The cursor's moves, read from the key conventions of a sheet with frozen
@@ -250,7 +252,6 @@ TEST_F(SheetViewTest, MenuKeyAndShiftF10OpenThePopupAtTheCursor)
     ASSERT_EQ(popup.count(), 1);
     const SheetHit hit = popup.last().at(0).value<SheetHit>();
     EXPECT_TRUE(hit.place == SheetPlace::AnswerCell && hit.question == 4 && hit.row == 30);
-    EXPECT_TRUE(view.popupRow() == 30 && view.popupQuestion() == 4) << "the popup's commands read these";
     const QRect cell = view.cursorRect();
     EXPECT_EQ(popup.last().at(1).toPoint(), view.viewport()->mapToGlobal(cell.bottomLeft() + QPoint(0, 1)));
 

@@ -5,7 +5,7 @@
 #include "gui/pictures/picturecommands.h"
 #include "gui/pictures/printformatdialog.h"
 #include "gui/shell/mainwindow.h"
-#include "gui/shell/overviewpicturecommands.h"
+#include "gui/overview/overviewcommands.h"
 
 #include "picturedocument.h"
 #include "render/overview/sheetdrawer.h"

@@ -6,6 +6,7 @@
 #include "gui/selection/detailwindow.h"
 #include "gui/selection/navigatortree.h"
 #include "gui/selection/navigatorwindow.h"
+#include "gui/common/viewersession.h"
 #include "gui/shell/mainwindow.h"
 #include "texts/statusline.h"
 
@@ -185,9 +186,9 @@ TEST_F(NavigatorWiringTest, ShowBuildsOrRefusesThroughTheMainWindow)
     // Boss out of the flex total: the detail window shows the narrowed total.
     nav->flexList()->item(1)->setSelected(false);
     nav->applySelection();
-    EXPECT_EQ(mWindow->flexTotal().rowCount(), 10);
+    EXPECT_EQ(mWindow->session().flexTotal().rowCount(), 10);
     // Staff are the even rows; every third of them answered Good: 4 of 10.
-    EXPECT_NEAR(mWindow->flexTotal().totalIndex(), 0.4, 1e-9);
+    EXPECT_NEAR(mWindow->session().flexTotal().totalIndex(), 0.4, 1e-9);
     EXPECT_EQ(mWindow->detailWindow()->indexValue(4, true), QLocale().toString(0.4, 'f', 2));
 
     tick("A1-1"); // Boss only

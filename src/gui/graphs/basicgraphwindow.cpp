@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "gui/graphs/basicgraphwindow.h"
 
-#include "gui/common/popupkeys.h"
-
 #include "engine/settings/settingsstore.h"
 #include "gui/common/placement.h"
 #include "gui/common/waitcursor.h"
@@ -77,7 +75,7 @@ FractionWindowFit fittedFractionWindow(QSize formula, QSize available, int scrol
 }
 
 BasicGraphWindow::BasicGraphWindow(bool isSwedish, StatusLine &status, QWidget *parent)
-    : QWidget(parent, Qt::Window), mIsSwedish(isSwedish), mStatus(status), mPopup(new QMenu(this))
+    : GraphWindow(isSwedish, SaveKind::BasicGraph, &status, parent)
 {
     setObjectName(QStringLiteral("frmBasicGraph"));
     setWindowTitle(QStringLiteral("Basic Graph"));
@@ -89,37 +87,18 @@ BasicGraphWindow::BasicGraphWindow(bool isSwedish, StatusLine &status, QWidget *
     mScroll->hide();
     connect(mScroll, &QScrollBar::valueChanged, this, qOverload<>(&QWidget::update));
 
-    auto item = [&](const char *name, const char *english, const char *swedish) {
-        QAction *a = mPopup->addAction(pickText(isSwedish, english, swedish));
-        a->setObjectName(QString::fromUtf8(name));
-        return a;
-    };
-    auto bar = [&](const char *name) {
-        QAction *a = mPopup->addSeparator();
-        a->setObjectName(QString::fromUtf8(name));
-        return a;
-    };
-    mnuPUsePercentage = item("mnuPUsePercentage", "&Use percentage", "Använd &procent");
+    mnuPUsePercentage = addItem("mnuPUsePercentage", "&Use percentage", "Använd &procent");
     mnuPUsePercentage->setCheckable(true);
-    mnuPBar1 = bar("mnuPBar1");
-    mnuPCopy = item("mnuPCopy", "&Copy", "K&opiera");
-    mnuPCopyValues = item("mnuPCopyValues", "Copy &values", "Kopiera &värden");
-    mnuPCopyLegends = item("mnuPCopyLegends", "Copy l&egends", "Kopiera &förklaringar");
-    mnuPPrint = item("mnuPPrint", "&Print", "Skriv &ut");
-    mnuPPrintPreview = item("mnuPPrintPreview", "Print P&review", "Förhands&granska");
-    mnuPSave = item("mnuPSave", "&Save As...", "&Spara som...");
-    mnuPBar3 = bar("mnuPBar3");
-    mnuPSetAsDefaultSize = item("mnuPSetAsDefaultSize", "Set as &Default Size", "Sätt som stan&dardstorlek");
-    bar("mnuPBar2");
-    mnuPClose = item("mnuPClose", "C&lose", "S&täng");
-    // Until the window knows its settings and the document's permissions
-    // the picture commands cannot be chosen.
-    for (QAction *a : {mnuPCopy, mnuPPrint, mnuPPrintPreview, mnuPSave})
-        a->setEnabled(false);
-    connect(mnuPCopy, &QAction::triggered, this, &BasicGraphWindow::doCopy);
-    connect(mnuPPrint, &QAction::triggered, this, &BasicGraphWindow::printGraph);
-    connect(mnuPPrintPreview, &QAction::triggered, this, &BasicGraphWindow::previewGraph);
-    connect(mnuPSave, &QAction::triggered, this, &BasicGraphWindow::saveGraph);
+    mnuPBar1 = addBar("mnuPBar1");
+    addCopyItem();
+    mnuPCopyValues = addItem("mnuPCopyValues", "Copy &values", "Kopiera &värden");
+    mnuPCopyLegends = addItem("mnuPCopyLegends", "Copy l&egends", "Kopiera &förklaringar");
+    addPrintItems();
+    addSaveItem();
+    mnuPBar3 = addBar("mnuPBar3");
+    mnuPSetAsDefaultSize = addItem("mnuPSetAsDefaultSize", "Set as &Default Size", "Sätt som stan&dardstorlek");
+    addBar("mnuPBar2");
+    addCloseItem();
 
     connect(mnuPUsePercentage, &QAction::triggered, this, [this](bool on) {
         WaitCursor wait;
@@ -128,7 +107,6 @@ BasicGraphWindow::BasicGraphWindow(bool isSwedish, StatusLine &status, QWidget *
     connect(mnuPCopyValues, &QAction::triggered, this, &BasicGraphWindow::copyValues);
     connect(mnuPCopyLegends, &QAction::triggered, this, &BasicGraphWindow::copyLegends);
     connect(mnuPSetAsDefaultSize, &QAction::triggered, this, &BasicGraphWindow::setAsDefaultSize);
-    connect(mnuPClose, &QAction::triggered, this, &QWidget::close);
 }
 
 BasicGraphWindow::~BasicGraphWindow() = default;
@@ -148,7 +126,7 @@ bool BasicGraphWindow::setUpGraph(const BasicGraphDescription &description, cons
                                   const FractionGraphDefaultSize &defaults)
 {
     mRenderer.emplace(description, screenUnits());
-    mPermissions = permissions;
+    setPermissions(permissions);
     mPercentage = false;
     mnuPUsePercentage->setChecked(false);
 
@@ -159,7 +137,7 @@ bool BasicGraphWindow::setUpGraph(const BasicGraphDescription &description, cons
     mnuPBar3->setVisible(!histogram);
     mnuPCopyValues->setEnabled(permissions.allowCopy);
     mnuPCopyLegends->setEnabled(permissions.allowCopy);
-    updatePictureItems();
+    updatePictureItems(true);
 
     // Opened drawn and wholly on the screen: a histogram grows from the
     // default size until its layout fits; a fraction graph keeps the size
@@ -258,22 +236,6 @@ void BasicGraphWindow::wheelEvent(QWheelEvent *event)
     QWidget::wheelEvent(event);
 }
 
-void BasicGraphWindow::showEvent(QShowEvent *event)
-{
-    QWidget::showEvent(event);
-    moveWhollyOnScreen(*this);
-}
-
-void moveWhollyOnScreen(QWidget &window)
-{
-    // The window manager may have put it where part of it is off the
-    // available area; the size was already chosen to fit.
-    const QRect frame = window.frameGeometry();
-    const QRect kept = keepOnScreen(frame, availableScreenAreas());
-    if (kept.topLeft() != frame.topLeft())
-        window.move(kept.topLeft());
-}
-
 void BasicGraphWindow::setPercentage(bool on)
 {
     mPercentage = on && description().graphKind == HistogramGraph;
@@ -312,8 +274,6 @@ void BasicGraphWindow::mouseReleaseEvent(QMouseEvent *event)
 
 void BasicGraphWindow::keyPressEvent(QKeyEvent *event)
 {
-    if (openPopupOnKey(*event, *mPopup, *this))
-        return;
     if (!mScroll->isHidden() && event->modifiers() == Qt::NoModifier) {
         // The keyboard scrolls a graph taller than its window.
         const QHash<int, QAbstractSlider::SliderAction> keys{{Qt::Key_Up, QAbstractSlider::SliderSingleStepSub},
@@ -346,7 +306,7 @@ void BasicGraphWindow::keyPressEvent(QKeyEvent *event)
             return;
         }
     }
-    QWidget::keyPressEvent(event);
+    GraphWindow::keyPressEvent(event); // the popup's keys
 }
 
 void BasicGraphWindow::copyValues()
@@ -354,10 +314,11 @@ void BasicGraphWindow::copyValues()
     if (!mPermissions.allowCopy)
         return;
     WaitCursor wait;
-    mStatus.setStatus("Copying the graph values to the clipboard...", "Kopierar grafens värden till urklipp...", false);
+    mStatus->setStatus("Copying the graph values to the clipboard...", "Kopierar grafens värden till urklipp...",
+                       false);
     QGuiApplication::clipboard()->setText(basicGraphValuesText(description(), mPercentage));
-    mStatus.setStatus("The graph values has been copied to the clipboard!",
-                      "Grafens värden har kopierats till urklipp!", true);
+    mStatus->setStatus("The graph values has been copied to the clipboard!",
+                       "Grafens värden har kopierats till urklipp!", true);
 }
 
 void BasicGraphWindow::copyLegends()
@@ -365,11 +326,11 @@ void BasicGraphWindow::copyLegends()
     if (!mPermissions.allowCopy)
         return;
     WaitCursor wait;
-    mStatus.setStatus("Copying the graph legends to the clipboard...", "Kopierar grafens förklaringar till urklipp...",
-                      false);
+    mStatus->setStatus("Copying the graph legends to the clipboard...", "Kopierar grafens förklaringar till urklipp...",
+                       false);
     QGuiApplication::clipboard()->setText(basicGraphLegendsText(description()));
-    mStatus.setStatus("The graph legends has been copied to the clipboard!",
-                      "Grafens förklaringar har kopierats till urklipp!", true);
+    mStatus->setStatus("The graph legends has been copied to the clipboard!",
+                       "Grafens förklaringar har kopierats till urklipp!", true);
 }
 
 std::optional<FractionGraphDefaultSize> BasicGraphWindow::currentDefaultSize() const
@@ -398,18 +359,8 @@ void BasicGraphWindow::setAsDefaultSize()
 
 void BasicGraphWindow::setPictureContext(const GraphPictureContext &context)
 {
-    mContext = context;
-    updatePictureItems();
-}
-
-void BasicGraphWindow::updatePictureItems()
-{
-    const bool ready = mContext.options && mContext.settings && mRenderer;
-    mnuPCopy->setEnabled(ready && mPermissions.allowCopy);
-    const bool printing = mRenderer && graphPrintingPossible(mContext, mPermissions);
-    mnuPPrint->setEnabled(printing);
-    mnuPPrintPreview->setEnabled(printing);
-    mnuPSave->setEnabled(ready && mPermissions.allowSavePicture);
+    GraphWindow::setPictureContext(nullptr, context);
+    updatePictureItems(mRenderer.has_value());
 }
 
 Picture BasicGraphWindow::picture() const
@@ -437,46 +388,6 @@ Picture BasicGraphWindow::picture(const BasicGraphPictureOptions &options) const
                                         });
     picture.description = applicationTitle();
     return picture;
-}
-
-bool BasicGraphWindow::doCopy()
-{
-    if (!mnuPCopy->isEnabled())
-        return false;
-    return copyGraphPicture(picture(), statusReporter(mStatus), std::nullopt, mIsSwedish, mContext.reportError);
-}
-
-bool BasicGraphWindow::printGraph()
-{
-    if (!mnuPPrint->isEnabled())
-        return false;
-    return printGraphPicture(picture(), *mContext.settings, graphPrintFooter(mContext.documentIsSwedish),
-                             statusReporter(mStatus));
-}
-
-bool BasicGraphWindow::previewGraph()
-{
-    if (!mnuPPrintPreview->isEnabled())
-        return false;
-    previewGraphPicture(this, picture(), mContext, mIsSwedish);
-    return true;
-}
-
-void previewGraphPicture(QWidget *parent, const Picture &picture, const GraphPictureContext &context, bool isSwedish)
-{
-    const QString footer = graphPrintFooter(context.documentIsSwedish);
-    if (context.showPreview)
-        context.showPreview(picture, footer);
-    else if (context.settings)
-        previewPicturePrint(parent, picture, *context.settings, footer, isSwedish);
-}
-
-bool BasicGraphWindow::saveGraph()
-{
-    if (!mnuPSave->isEnabled())
-        return false;
-    return saveGraphPicture(this, picture(), SaveKind::BasicGraph, mIsSwedish, *mContext.settings,
-                            statusReporter(mStatus), mContext.chooseFile, mContext.reportError);
 }
 
 } // namespace kel

@@ -4,7 +4,7 @@
 // description, so later graphs never change it.
 #pragma once
 
-#include "gui/pictures/picturecommands.h"
+#include "gui/graphs/graphwindow.h"
 #include "render/graphs/basicgraphrenderer.h"
 #include "render/pictures/picture.h"
 
@@ -21,39 +21,6 @@ namespace kel {
 
 class StatusLine;
 struct UserOptions;
-
-/// What the document allows the window to do with its graph.
-struct GraphPermissions {
-    bool allowCopy = false;
-    bool allowPrint = false;
-    bool allowSavePicture = false;
-};
-
-/// Where the graph windows' copy, print and save find their settings (the
-/// main window owns them; options may change while a window is open).
-struct GraphPictureContext {
-    const UserOptions *options = nullptr; ///< opaque, white space, copy format
-    LastSettings *settings = nullptr;     ///< printer, save folder and format
-    bool documentIsSwedish = false;       ///< the printed line's language
-    /// Whether printing can work at all (a printer is installed): print and
-    /// print preview follow the rule of the print format command.
-    bool printerInstalled = false;
-    /// Empty: the save dialog and the message box (tests answer instead).
-    PictureFileChooser chooseFile;
-    PictureErrorReporter reportError;
-    /// Empty: the print preview dialog (tests look instead).
-    std::function<void(const Picture &picture, const QString &footer)> showPreview;
-};
-
-/// Whether the print commands of a graph window can be chosen.
-inline bool graphPrintingPossible(const GraphPictureContext &context, const GraphPermissions &permissions)
-{
-    return context.options && context.settings && context.printerInstalled && permissions.allowPrint;
-}
-
-/// The print preview of a graph window's picture, through the context's
-/// hook when it has one.
-void previewGraphPicture(QWidget *parent, const Picture &picture, const GraphPictureContext &context, bool isSwedish);
 
 /// The stored default size of fraction graph windows.
 struct FractionGraphDefaultSize {
@@ -77,11 +44,7 @@ struct FractionWindowFit {
 };
 FractionWindowFit fittedFractionWindow(QSize formula, QSize available, int scrollBarWidth);
 
-/// Moves a graph window that lies partly off the screens' available area
-/// back onto it (its size is left alone).
-void moveWhollyOnScreen(QWidget &window);
-
-class BasicGraphWindow : public QWidget
+class BasicGraphWindow : public GraphWindow
 {
     Q_OBJECT
 public:
@@ -124,31 +87,20 @@ public:
     /// The graph as copy and save make it: at twice the window's size (four
     /// times for the office option), the margin and background as the
     /// settings say. It keeps its own copy of the graph.
-    Picture picture() const;
+    Picture picture() const override;
     Picture picture(const BasicGraphPictureOptions &options) const;
 
-    QMenu *popupMenu() const { return mPopup; }
     QAction *mnuPUsePercentage = nullptr;
     QAction *mnuPBar1 = nullptr;
-    QAction *mnuPCopy = nullptr;
     QAction *mnuPCopyValues = nullptr;
     QAction *mnuPCopyLegends = nullptr;
-    QAction *mnuPPrint = nullptr;
-    QAction *mnuPPrintPreview = nullptr;
-    QAction *mnuPSave = nullptr;
     QAction *mnuPBar3 = nullptr;
     QAction *mnuPSetAsDefaultSize = nullptr;
-    QAction *mnuPClose = nullptr;
 
     void copyValues();
     void copyLegends();
     void setAsDefaultSize();
     void updateAccessibleText();
-    /// DoCopy: the picture to the clipboard. False when it failed.
-    bool doCopy();
-    bool printGraph();
-    bool previewGraph();
-    bool saveGraph();
 
 protected:
     void paintEvent(QPaintEvent *event) override;
@@ -156,23 +108,16 @@ protected:
     void keyPressEvent(QKeyEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
-    void showEvent(QShowEvent *event) override;
 
 private:
     BasicGraphUnits screenUnits() const;
-    void updatePictureItems();
     bool layoutFits(const QSize &windowSize) const;
     void updateScrollBar();
 
-    bool mIsSwedish;
-    StatusLine &mStatus;
     std::optional<BasicGraphRenderer> mRenderer;
-    GraphPermissions mPermissions;
     bool mPercentage = false;
     bool mTooBig = false;
-    QMenu *mPopup;
     std::function<void(const FractionGraphDefaultSize &)> mStoreDefaultSize;
-    GraphPictureContext mContext;
     int mGraphHeight = 0; ///< > height(): the graph scrolls; else the window's height
     QSize mAvailable;
     QScrollBar *mScroll;

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "gui/graphs/chartwindow.h"
 
-#include "gui/common/popupkeys.h"
-
 #include "engine/settings/settingsstore.h"
 #include "gui/graphs/chartbuilder.h"
 #include "gui/graphs/chartpicture.h"
@@ -20,7 +18,7 @@
 namespace kel {
 
 ChartWindow::ChartWindow(bool isSwedish, QWidget *parent)
-    : QWidget(parent, Qt::Window), mIsSwedish(isSwedish), mView(new QChartView(this)), mPopup(new QMenu(this))
+    : GraphWindow(isSwedish, SaveKind::Chart, nullptr, parent), mView(new QChartView(this))
 {
     setObjectName(QStringLiteral("frmGraph"));
     setAttribute(Qt::WA_DeleteOnClose);
@@ -32,25 +30,11 @@ ChartWindow::ChartWindow(bool isSwedish, QWidget *parent)
     mView->viewport()->installEventFilter(this);
     resize(680, 480);
 
-    const auto item = [&](const char *name, const char *english, const char *swedish) {
-        QAction *a = mPopup->addAction(pickText(isSwedish, english, swedish));
-        a->setObjectName(QString::fromUtf8(name));
-        return a;
-    };
-    mnuPCopy = item("mnuPCopy", "&Copy", "K&opiera");
-    mnuPPrint = item("mnuPPrint", "&Print", "Skriv &ut");
-    mnuPPrintPreview = item("mnuPPrintPreview", "Print P&review", "Förhands&granska");
-    mnuPSave = item("mnuPSave", "&Save As...", "&Spara som...");
+    addCopyItem();
+    addPrintItems();
+    addSaveItem();
     mPopup->addSeparator();
-    mnuPClose = item("mnuPClose", "C&lose", "S&täng");
-    // Copy, print and save wait for the settings and the permissions.
-    for (QAction *a : {mnuPCopy, mnuPPrint, mnuPPrintPreview, mnuPSave})
-        a->setEnabled(false);
-    connect(mnuPCopy, &QAction::triggered, this, &ChartWindow::doCopy);
-    connect(mnuPPrint, &QAction::triggered, this, &ChartWindow::printGraph);
-    connect(mnuPPrintPreview, &QAction::triggered, this, &ChartWindow::previewGraph);
-    connect(mnuPSave, &QAction::triggered, this, &ChartWindow::saveGraph);
-    connect(mnuPClose, &QAction::triggered, this, &QWidget::close);
+    addCloseItem();
 }
 
 void ChartWindow::setUpChart(const ChartDescription &chart)
@@ -85,59 +69,14 @@ Picture ChartWindow::picture() const
 void ChartWindow::setPictureContext(StatusLine &status, const GraphPictureContext &context,
                                     const GraphPermissions &permissions)
 {
-    mStatus = &status;
-    mContext = context;
-    const bool ready = context.options && context.settings;
-    mnuPCopy->setEnabled(ready && permissions.allowCopy);
-    const bool printing = graphPrintingPossible(context, permissions);
-    mnuPPrint->setEnabled(printing);
-    mnuPPrintPreview->setEnabled(printing);
-    mnuPSave->setEnabled(ready && permissions.allowSavePicture);
+    GraphWindow::setPictureContext(&status, context);
+    setPermissions(permissions);
+    updatePictureItems();
 }
 
-bool ChartWindow::doCopy()
+std::optional<qint32> ChartWindow::copyFormat() const
 {
-    if (!mnuPCopy->isEnabled())
-        return false;
-    return copyGraphPicture(picture(), statusReporter(*mStatus), mContext.options->graphCopyFormat, mIsSwedish,
-                            mContext.reportError);
-}
-
-bool ChartWindow::printGraph()
-{
-    if (!mnuPPrint->isEnabled())
-        return false;
-    return printGraphPicture(picture(), *mContext.settings, graphPrintFooter(mContext.documentIsSwedish),
-                             statusReporter(*mStatus));
-}
-
-bool ChartWindow::previewGraph()
-{
-    if (!mnuPPrintPreview->isEnabled())
-        return false;
-    previewGraphPicture(this, picture(), mContext, mIsSwedish);
-    return true;
-}
-
-bool ChartWindow::saveGraph()
-{
-    if (!mnuPSave->isEnabled())
-        return false;
-    return saveGraphPicture(this, picture(), SaveKind::Chart, mIsSwedish, *mContext.settings, statusReporter(*mStatus),
-                            mContext.chooseFile, mContext.reportError);
-}
-
-void ChartWindow::keyPressEvent(QKeyEvent *event)
-{
-    if (openPopupOnKey(*event, *mPopup, *this))
-        return;
-    QWidget::keyPressEvent(event);
-}
-
-void ChartWindow::showEvent(QShowEvent *event)
-{
-    QWidget::showEvent(event);
-    moveWhollyOnScreen(*this);
+    return mContext.options ? std::optional<qint32>(mContext.options->graphCopyFormat) : std::nullopt;
 }
 
 bool ChartWindow::eventFilter(QObject *watched, QEvent *event)

@@ -4,10 +4,7 @@
 #pragma once
 
 #include "engine/graphs/chartdescription.h"
-#include "gui/graphs/basicgraphwindow.h"
-#include "render/pictures/picture.h"
-
-#include <QWidget>
+#include "gui/graphs/graphwindow.h"
 
 class QAction;
 class QMenu;
@@ -21,7 +18,7 @@ namespace kel {
 
 class StatusLine;
 
-class ChartWindow : public QWidget
+class ChartWindow : public GraphWindow
 {
     Q_OBJECT
 public:
@@ -35,36 +32,20 @@ public:
 
     /// The chart at the window's chart size, drawn from its own copy of the
     /// description.
-    Picture picture() const;
+    Picture picture() const override;
 
     /// What copy, print and save need: the status line, the settings that
     /// shape and keep the picture, the document's permissions and language.
     /// Until given, those items stay disabled.
     void setPictureContext(StatusLine &status, const GraphPictureContext &context, const GraphPermissions &permissions);
-    bool doCopy();
-    bool printGraph();
-    bool previewGraph();
-    bool saveGraph();
-
-    QMenu *popupMenu() const { return mPopup; }
-    QAction *mnuPCopy = nullptr;
-    QAction *mnuPPrint = nullptr;
-    QAction *mnuPPrintPreview = nullptr;
-    QAction *mnuPSave = nullptr;
-    QAction *mnuPClose = nullptr;
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
-    void keyPressEvent(QKeyEvent *event) override;
-    void showEvent(QShowEvent *event) override;
+    std::optional<qint32> copyFormat() const override;
 
 private:
-    bool mIsSwedish;
-    StatusLine *mStatus = nullptr;
-    GraphPictureContext mContext;
     ChartDescription mDescription;
     QChartView *mView;
-    QMenu *mPopup;
 };
 
 } // namespace kel

@@ -23,7 +23,7 @@ public:
     /// Shows `input` as a mini-overview, replacing any earlier one; the
     /// caption names the selection. What it keeps is what it needs to draw
     /// again (the row list and its offsets), never a picture of the sheet,
-    /// so `input`'s document must outlive it (the main window closes every
+    /// so `input`'s document must outlive it (the session closes every
     /// mini-overview with the document). Returns false (and keeps nothing)
     /// when there is nothing to show.
     bool initializeData(SheetInput input);

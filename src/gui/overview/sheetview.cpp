@@ -333,8 +333,6 @@ void SheetView::requestPopupAtCursor()
         return;
     scrollCursorIntoView();
     const QRect cell = cursorRect();
-    mPopupRow = hit.row;
-    mPopupQuestion = hit.question;
     // Below the cell, so the menu leaves the cell it is about in sight.
     const QPoint at = cell.isEmpty() ? viewport()->rect().center() : cell.bottomLeft() + QPoint(0, 1);
     Q_EMIT popupRequested(hit, viewport()->mapToGlobal(at));
@@ -434,8 +432,6 @@ void SheetView::mouseReleaseEvent(QMouseEvent *event)
         && (event->modifiers() & (Qt::ShiftModifier | Qt::ControlModifier | Qt::AltModifier)) == 0) {
         const SheetHit hit = hitTest(event->position());
         if (hit.place != SheetPlace::Outside) {
-            mPopupRow = hit.row;
-            mPopupQuestion = hit.question;
             Q_EMIT popupRequested(hit, event->globalPosition().toPoint());
         }
         event->accept();

@@ -73,11 +73,6 @@ public:
     /// What lies under `pos` in viewport coordinates.
     SheetHit hitTest(const QPointF &pos) const;
 
-    /// The row (or negative header line) and question of the last right
-    /// click that opened the popup; the popup's commands use them.
-    qint32 popupRow() const { return mPopupRow; }
-    qint32 popupQuestion() const { return mPopupQuestion; }
-
     /// The keyboard cell cursor and what lies under it (Outside without a
     /// sheet, on a mini-overview's picture, or on a line no row fills).
     const SheetCursor &cursor() const { return mCursor; }
@@ -104,7 +99,8 @@ Q_SIGNALS:
     /// The pointer has rested on `hit` for the hover delay (Outside clears).
     void cellHovered(const kel::SheetHit &hit);
     /// A right click without modifier keys on a cell or header line: the
-    /// receiver builds the popup menu for it at `globalPos`.
+    /// receiver builds the popup menu for it at `globalPos` and keeps the
+    /// place for the popup's commands (the view keeps none).
     void popupRequested(const kel::SheetHit &hit, const QPoint &globalPos);
     /// The keyboard cursor moved to `hit` (also sent as cellHovered() when
     /// hovering is enabled, so the detail window follows it).
@@ -153,8 +149,6 @@ private:
     QPoint mWheelRemainder;
     bool mLayingOut = false;
     bool mMiniSheet = false; // a mini-overview: no cells reported, no tiles kept
-    qint32 mPopupRow = 0;
-    qint32 mPopupQuestion = -1;
     SheetCursor mCursor;
     QString mNotice;
     bool mIsSwedish = false;

@@ -3,6 +3,9 @@
 
 #include "texts/language.h"
 
+#include <QInputDevice>
+#include <QPrinterInfo>
+
 namespace kel {
 
 QStringList splitCommandLine(const QString &commandLine)
@@ -173,6 +176,21 @@ QString couldNotFindFileStatus(const QString &path, bool isSwedish)
 {
     return pickText(isSwedish, "Could not find the file ", "Kunde inte hitta filen ") + QLatin1Char('"') + path
         + QStringLiteral("\"!");
+}
+
+MainWindowEnvironment MainWindowEnvironment::detect()
+{
+    MainWindowEnvironment e;
+    e.printerInstalled =
+        !QPrinterInfo::defaultPrinterName().isEmpty() || !QPrinterInfo::availablePrinterNames().isEmpty();
+    for (const QInputDevice *device : QInputDevice::devices()) {
+        if (device->type() == QInputDevice::DeviceType::Mouse
+            || device->hasCapability(QInputDevice::Capability::Scroll)) {
+            e.mouseWheel = true;
+            break;
+        }
+    }
+    return e;
 }
 
 } // namespace kel

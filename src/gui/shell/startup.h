@@ -80,4 +80,12 @@ QString viewerNotStartedMessage(const QString &path, bool isSwedish);
 /// Status text for a command-line file that does not exist.
 QString couldNotFindFileStatus(const QString &path, bool isSwedish);
 
+/// What the window finds out about the machine when it is created; tests
+/// pass their own.
+struct MainWindowEnvironment {
+    bool printerInstalled = false;
+    bool mouseWheel = false;
+    static MainWindowEnvironment detect();
+};
+
 } // namespace kel

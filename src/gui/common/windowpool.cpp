@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "gui/shell/windowpool.h"
+#include "gui/common/windowpool.h"
 
 namespace kel {
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The main window's three tables of ten pooled windows (mini-overviews,
+// The session's three tables of ten pooled windows (mini-overviews,
 // basic graphs, charts). Every producer of such a window asks the pool for
 // one instead of creating its own, so at most ten of each kind exist and the
 // oldest is reused once all are taken.
