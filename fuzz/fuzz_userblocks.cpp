@@ -8,6 +8,7 @@
 #include "kelwriter.h"
 
 #include "engine/blocks/userblocks.h"
+#include "engine/document/blockcatalogue.h"
 #include "engine/document/documentreader.h"
 #include "engine/settings/settingsstore.h"
 
@@ -44,11 +45,11 @@ const QByteArray &documentBytes()
     return bytes;
 }
 
-QStringList userBlockNames(const Document &doc)
+QStringList userBlockNames(const BlockCatalogue &catalogue)
 {
     QStringList names;
-    for (std::size_t b = std::size_t(documentBlockCount(doc)); b < doc.blocks.size(); ++b)
-        names << doc.blocks[b].name;
+    for (std::size_t b = std::size_t(catalogue.documentBlockCount()); b < catalogue.blocks.size(); ++b)
+        names << catalogue.blocks[b].name;
     return names;
 }
 
@@ -77,28 +78,31 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     check(doc != nullptr);
     const qint32 documentBlocks = qint32(doc->blocks.size());
     const qint32 questions = qint32(doc->questions.size());
+    BlockCatalogue catalogue(*doc);
     UserBlockRestore restore;
     {
         SettingsStore store(SettingsLocation{.file = file});
-        restore = restoreUserBlocks(*doc, store, mayWrite);
+        restore = restoreUserBlocks(*doc, catalogue, store, mayWrite);
     }
 
-    check(qint32(doc->blocks.size()) == documentBlocks + restore.added);
-    check(documentBlockCount(*doc) == documentBlocks);
+    // The user's blocks go to the catalogue, never into the document.
+    check(qint32(doc->blocks.size()) == documentBlocks);
+    check(catalogue.size() == documentBlocks + restore.added);
+    check(catalogue.documentBlockCount() == documentBlocks);
     std::set<QString> names;
-    for (std::size_t b = std::size_t(documentBlocks); b < doc->blocks.size(); ++b) {
-        const QString name = doc->blocks[b].name.toCaseFolded();
-        check(!doc->blocks[b].name.trimmed().isEmpty() && names.insert(name).second);
+    for (std::size_t b = std::size_t(documentBlocks); b < catalogue.blocks.size(); ++b) {
+        const QString name = catalogue.blocks[b].name.toCaseFolded();
+        check(!catalogue.blocks[b].name.trimmed().isEmpty() && names.insert(name).second);
     }
-    for (const BlockItem &item : doc->blockItems)
-        check(item.question >= 0 && item.question < questions && item.block >= 0
-              && item.block < qint32(doc->blocks.size()));
+    for (const BlockItem &item : catalogue.items)
+        check(item.question >= 0 && item.question < questions && item.block >= 0 && item.block < catalogue.size());
 
     if (restore.repaired) {
         std::unique_ptr<Document> again = readDocumentBytes(documentBytes()).document;
+        BlockCatalogue againCatalogue(*again);
         SettingsStore store(SettingsLocation{.file = file});
-        const UserBlockRestore second = restoreUserBlocks(*again, store, false);
-        check(second.problems.isEmpty() && userBlockNames(*again) == userBlockNames(*doc));
+        const UserBlockRestore second = restoreUserBlocks(*again, againCatalogue, store, false);
+        check(second.problems.isEmpty() && userBlockNames(againCatalogue) == userBlockNames(catalogue));
     }
     return 0;
 }

@@ -6,6 +6,7 @@
 // process against file size + payload size. Then, as a script sees it, whole
 // processes: `kel check` of the compressed document against a program that
 // does only the floor's work (bench_load_floor), taken in turn.
+#include "peakmemory.h"
 #include "engine/document/documentreader.h"
 #include "kelwriter.h"
 
@@ -80,18 +81,7 @@ double medianMs(std::vector<double> v)
     return v[v.size() / 2];
 }
 
-// VmHWM rather than getrusage: ru_maxrss survives exec on Linux, so a child
-// started by this (large) process would report the parent's peak.
-long peakKb()
-{
-    QFile status(QStringLiteral("/proc/self/status"));
-    if (!status.open(QIODevice::ReadOnly))
-        return -1;
-    for (const QByteArray &line : status.readAll().split('\n'))
-        if (line.startsWith("VmHWM:"))
-            return line.mid(6).trimmed().split(' ').value(0).toLong();
-    return -1;
-}
+using kel::bench::peakKb;
 
 // Runs in a child process so that its peak is that of one open alone.
 int measurePeak(const QString &path, bool load)

@@ -17,6 +17,7 @@
 // banded writers, with the PNG zlib levels and filters behind the choice,
 // and the peak memory of writing a 250- and a 1,000-column overview file in
 // a fresh process.
+#include "peakmemory.h"
 #include "engine/document/documentreader.h"
 #include "engine/graphs/basicgraph.h"
 #include "engine/overview/subsheet.h"
@@ -164,16 +165,7 @@ qsizetype pngBytes(const kel::Picture &picture, const kel::PngEncoding &encoding
     return out.size();
 }
 
-long peakKb()
-{
-    QFile status(QStringLiteral("/proc/self/status"));
-    if (!status.open(QIODevice::ReadOnly))
-        return -1;
-    for (const QByteArray &line : status.readAll().split('\n'))
-        if (line.startsWith("VmHWM:"))
-            return line.mid(6).trimmed().split(' ').value(0).toLong();
-    return -1;
-}
+using kel::bench::peakKb;
 
 struct Overview {
     std::unique_ptr<kel::Document> document;

@@ -11,6 +11,7 @@
 //   pictures the whole-picture way kept.
 // `bench_viewer --write-document FILE` writes the document and stops.
 // Times are medians; the machine is shared, so figures vary between runs.
+#include "peakmemory.h"
 #include "engine/selection/counting.h"
 #include "engine/settings/settingsstore.h"
 #include "gui/overview/sheetview.h"
@@ -64,16 +65,7 @@ bool writeDocument(const QString &path)
     return b.build().writeFile(path);
 }
 
-long peakKb()
-{
-    QFile status(QStringLiteral("/proc/self/status"));
-    if (!status.open(QIODevice::ReadOnly))
-        return -1;
-    for (const QByteArray &line : status.readAll().split('\n'))
-        if (line.startsWith("VmHWM:"))
-            return line.mid(6).trimmed().split(' ').value(0).toLong();
-    return -1;
-}
+using kel::bench::peakKb;
 
 double median(std::vector<double> v)
 {

@@ -12,22 +12,15 @@ namespace {
 
 /// The drawing commands. A new one is one line here and one in the table
 /// of the commands `kel` hands over (tools/kel/main.cpp).
-struct Command {
-    const char *name;
-    kel::cli::DocumentCommand run;
-};
 
-const Command Commands[] = {
+const kel::cli::NamedCommand Commands[] = {
     {"render", kel::cli::renderCommand},
     {"report", kel::cli::reportCommand},
 };
 
 kel::cli::DocumentCommand findCommand(const QString &name)
 {
-    for (const Command &c : Commands)
-        if (name == QLatin1String(c.name))
-            return c.run;
-    return nullptr;
+    return kel::cli::findCommand(Commands, name);
 }
 
 } // namespace
@@ -46,7 +39,7 @@ int main(int argc, char *argv[])
     const QString name = args.isEmpty() ? QString() : args.takeFirst();
     if (name == QLatin1String("batch"))
         return kel::cli::runBatch(args, findCommand);
-    for (const Command &c : Commands)
+    for (const kel::cli::NamedCommand &c : Commands)
         if (name == QLatin1String(c.name))
             return kel::cli::runOnFile(c.name, kel::cli::usageOf(QLatin1String(c.name)).toUtf8().constData(), c.run,
                                        args);

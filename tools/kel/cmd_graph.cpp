@@ -130,12 +130,7 @@ int basicGraphKind(const GraphInput &in, qint32 kind, MadeGraph &graph, CommandO
         request.showTotalIndex = differs;
     }
 
-    BasicGraphSelection selection;
-    selection.rows = &shown.sheet.rows;
-    selection.splitNotAllowed = &shown.sheet.steps.splitNotAllowed;
-    selection.selectionText = shown.sheet.steps.selectionText;
-    selection.usedTotalText = shown.flex.text();
-    selection.usedTotalSize = shown.flex.rowCount();
+    BasicGraphSelection selection = graphSelectionOf(shown.sheet, shown.flex);
     selection.valueOrderReversed = in.args.reversed;
     selection.shortCategoryNames = in.args.shortNames;
     selection.locale = in.args.selection.locale;

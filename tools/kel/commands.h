@@ -48,6 +48,22 @@ struct CommandOutput {
 /// The document is never changed, so one read serves any number of commands.
 using DocumentCommand = int (*)(const Document &doc, const QStringList &args, CommandOutput &output);
 
+/// A command's name on the command line and what runs it.
+struct NamedCommand {
+    const char *name;
+    DocumentCommand run;
+};
+
+/// The command of `table` called `name`, or null.
+template<std::size_t N>
+DocumentCommand findCommand(const NamedCommand (&table)[N], const QString &name)
+{
+    for (const NamedCommand &c : table)
+        if (name == QLatin1String(c.name))
+            return c.run;
+    return nullptr;
+}
+
 /// Runs a document command from the process's command line: FILE is the
 /// first argument, the document is read with openForCommand, the output
 /// printed. `name` and `usage` are for the messages.

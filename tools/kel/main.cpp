@@ -19,12 +19,8 @@ const FileCommand FileCommands[] = {
 };
 
 /// Commands that work on a document read once (so `kel batch` can run them).
-struct Command {
-    const char *name;
-    kel::cli::DocumentCommand run;
-};
 
-const Command Commands[] = {
+const kel::cli::NamedCommand Commands[] = {
     {"select", kel::cli::selectCommand},
     {"indexes", kel::cli::indexesCommand},
     {"graph", kel::cli::graphCommand},
@@ -78,10 +74,7 @@ int usage()
 
 kel::cli::DocumentCommand findDocumentCommand(const QString &name)
 {
-    for (const Command &c : Commands)
-        if (name == QLatin1String(c.name))
-            return c.run;
-    return nullptr;
+    return kel::cli::findCommand(Commands, name);
 }
 
 } // namespace
@@ -145,7 +138,7 @@ int main(int argc, char *argv[])
     for (const FileCommand &c : FileCommands)
         if (c.run && name == QLatin1String(c.name))
             return c.run(args);
-    for (const Command &c : Commands) {
+    for (const kel::cli::NamedCommand &c : Commands) {
         if (name == QLatin1String(c.name)) {
             return kel::cli::runOnFile(c.name, kel::cli::usageOf(QLatin1String(c.name)).toUtf8().constData(), c.run,
                                        args);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/graphs/basicgraph.h"
 
+#include "engine/overview/subsheet.h"
+
 #include "engine/document/documentlanguage.h"
 
 #include "engine/selection/showdecision.h"
@@ -127,6 +129,17 @@ bool splitPermitted(const Document &doc, qint32 question, const BasicGraphSelect
     }
     static const std::vector<qint32> noRows;
     return splitAllowed(doc, question, selection.rows ? *selection.rows : noRows);
+}
+
+BasicGraphSelection graphSelectionOf(const SubSheet &sheet, const FlexTotal &flex)
+{
+    BasicGraphSelection selection;
+    selection.rows = &sheet.rows;
+    selection.splitNotAllowed = &sheet.steps.splitNotAllowed;
+    selection.selectionText = sheet.steps.selectionText;
+    selection.usedTotalText = flex.text();
+    selection.usedTotalSize = flex.rowCount();
+    return selection;
 }
 
 BasicGraphResult generateBasicGraph(const Document &doc, const BlockCatalogue &catalogue, const FlexTotal &flex,

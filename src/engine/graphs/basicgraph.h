@@ -84,6 +84,12 @@ struct BasicGraphSelection {
     QLocale locale = QLocale::c();   ///< numbers in graph texts
 };
 
+struct SubSheet;
+
+/// The graph selection of the overview `sheet` beside the flex total `flex`
+/// (both must outlive it); the caller adds the user's graph options.
+BasicGraphSelection graphSelectionOf(const SubSheet &sheet, const FlexTotal &flex);
+
 /// The description, or why there is none (NoSuchGraph, SplitNotAllowed).
 using BasicGraphResult = Outcome<BasicGraphDescription>;
 

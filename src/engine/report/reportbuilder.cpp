@@ -78,12 +78,7 @@ std::vector<QStringList> indexTable(const Document &doc, const BlockCatalogue &c
 
 BasicGraphSelection graphSelection(const ReportShown &shown, const ReportOptions &options)
 {
-    BasicGraphSelection selection;
-    selection.rows = &shown.sheet.rows;
-    selection.splitNotAllowed = &shown.sheet.steps.splitNotAllowed;
-    selection.selectionText = shown.sheet.steps.selectionText;
-    selection.usedTotalText = shown.flex.text();
-    selection.usedTotalSize = shown.flex.rowCount();
+    BasicGraphSelection selection = graphSelectionOf(shown.sheet, shown.flex);
     selection.valueOrderReversed = options.valueOrderReversed;
     selection.shortCategoryNames = options.shortCategoryNames;
     selection.locale = options.locale;

@@ -96,12 +96,7 @@ BasicGraphSelection GraphCommands::currentGraphSelection() const
 {
     const ViewerSession &session = mContext.session;
     const UserOptions &options = mContext.settings.options;
-    BasicGraphSelection selection;
-    selection.rows = &session.shownSheet().rows;
-    selection.splitNotAllowed = &session.selectionSteps().splitNotAllowed;
-    selection.selectionText = session.selectionSteps().selectionText;
-    selection.usedTotalText = session.flexTotal().text();
-    selection.usedTotalSize = session.flexTotal().rowCount();
+    BasicGraphSelection selection = graphSelectionOf(session.shownSheet(), session.flexTotal());
     selection.valueOrderReversed = options.graphValueOrderReversed;
     selection.shortCategoryNames = options.graphByCategoryUseShortCategoryNames;
     selection.locale = QLocale();

@@ -14,6 +14,7 @@
 #pragma once
 
 #include "engine/graphs/chartdescription.h"
+#include "gui/graphs/chartlabels.h"
 
 #include <QColor>
 #include <Qt>
@@ -31,27 +32,6 @@ Qt::Alignment legendAlignment(qint32 code);
 /// items of the chart that follow its plot area; their item data under this
 /// key says which: "dataLabel", "indexLineText" or "selectionCaption".
 inline constexpr int ChartTextRole = 0;
-
-/// How a bar chart's category axis shows its labels.
-struct CategoryLabels {
-    bool turned = false; ///< read bottom-up, a quarter turn from upright
-    int step = 1;        ///< every step-th label is shown, from the first
-    friend bool operator==(const CategoryLabels &, const CategoryLabels &) = default;
-};
-
-/// Room an upright label keeps from its neighbours, and a turned or stacked
-/// line from the next, in pixels.
-inline constexpr qreal CategoryLabelGap = 6, CategoryLineGap = 2;
-
-/// The labels of `count` categories along `extent` pixels of plot. Under
-/// standing bars a label stays upright while the widest (`widest` pixels
-/// and the gap) fits its category's share of the axis, and is turned when
-/// asked (`turnedAsked`) or when it does not; beside lying bars labels stay
-/// upright. A turned or stacked label needs a line (`lineHeight`) and its
-/// gap across the axis: where that is more than a category's share, only
-/// every step-th label is shown, the smallest step that gives each its room.
-CategoryLabels categoryLabels(qsizetype count, qreal extent, qreal widest, qreal lineHeight, bool standingBars,
-                              bool turnedAsked);
 
 /// A new chart showing `chart`; the caller owns it (a QChartView takes it over).
 /// Category labels follow `categoryLabels` for the size the chart is laid

@@ -497,7 +497,11 @@ int drawSheetArea(QPainter &painter, const SheetInput &input, SheetTextOffsets &
         // over any number of colour-less neighbours.
         const auto [firstColumn, endColumn] =
             cells.usesTiles() ? filter.columnRange(g.columns, 0) : std::pair<int, int>(0, g.columns);
-        const auto [firstLine, endLine] = filter.lineRange(answersTop, g.answerLines, 1);
+        // Plain names, not a structured binding: clang 14 cannot capture a
+        // binding in the lambda below.
+        const std::pair<int, int> lines = filter.lineRange(answersTop, g.answerLines, 1);
+        const int firstLine = lines.first;
+        const int endLine = lines.second;
         for (int c = firstColumn; c < endColumn; ++c) {
             const qint32 q = input.columns[std::size_t(c)];
             if (!isReadableColumn(doc, q)) {
