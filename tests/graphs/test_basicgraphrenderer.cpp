@@ -71,6 +71,16 @@ BasicGraphDescription histogram()
     return d;
 }
 
+// The metafile a reader gets of `d` drawn at `size`.
+QByteArray emfOf(const BasicGraphDescription &d, const QSize &size)
+{
+    auto renderer = std::make_shared<BasicGraphRenderer>(d, BasicGraphUnits{1, 1});
+    Picture picture;
+    picture.size = size;
+    picture.paint = [renderer, size](QPainter &p) { EXPECT_TRUE(renderer->draw(p, QRect(QPoint(), size), 0, false)); };
+    return encodePicture(picture, PictureFormat::Emf);
+}
+
 } // namespace
 
 // Documents store colours as Windows COLORREFs: red in the low byte. The
@@ -282,13 +292,9 @@ TEST(BasicGraphRenderer, FractionGraphTextsAreNeverCut)
                                              "more than the bar beside it can hold");
     d.groups = {{0, 2, longLabel, 0, 2}, {2, 2, QStringLiteral("Short"), 0, 2}};
     d.valueScale = 1000;
-    auto renderer = std::make_shared<BasicGraphRenderer>(d, BasicGraphUnits{1, 1});
-    Picture picture;
-    picture.size = QSize(600, 150);
-    picture.paint = [renderer](QPainter &p) { EXPECT_TRUE(renderer->draw(p, QRect(0, 0, 600, 150), 0, false)); };
-    const QByteArray emf = encodePicture(picture, PictureFormat::Emf);
+    const QByteArray emf = emfOf(d, QSize(600, 150));
     ASSERT_FALSE(emf.isEmpty());
-    EXPECT_EQ(kel::test::emfTextsCut(emf, picture.size).join(QLatin1Char('|')).toStdString(), "");
+    EXPECT_EQ(kel::test::emfTextsCut(emf, QSize(600, 150)).join(QLatin1Char('|')).toStdString(), "");
     QStringList texts;
     for (const auto &t : kel::test::emfTextBoxes(emf))
         texts << t.text;
@@ -314,13 +320,9 @@ TEST(BasicGraphRenderer, HistogramTextsAreNeverCutAndValuesNeverTouch)
         d.groups.push_back(
             {2 * g, 2, g == 0 ? QStringLiteral("1 (0.45) ") + longWord : QStringLiteral("Q%1").arg(g), 0, 2});
     }
-    auto renderer = std::make_shared<BasicGraphRenderer>(d, BasicGraphUnits{1, 1});
-    Picture picture;
-    picture.size = QSize(700, 400);
-    picture.paint = [renderer](QPainter &p) { EXPECT_TRUE(renderer->draw(p, QRect(0, 0, 700, 400), 0, false)); };
-    const QByteArray emf = encodePicture(picture, PictureFormat::Emf);
+    const QByteArray emf = emfOf(d, QSize(700, 400));
     ASSERT_FALSE(emf.isEmpty());
-    EXPECT_EQ(kel::test::emfTextsCut(emf, picture.size).join(QLatin1Char('|')).toStdString(), "");
+    EXPECT_EQ(kel::test::emfTextsCut(emf, QSize(700, 400)).join(QLatin1Char('|')).toStdString(), "");
     QString labelText;
     std::vector<QRect> values;
     for (const auto &t : kel::test::emfTextBoxes(emf)) {

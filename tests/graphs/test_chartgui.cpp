@@ -355,10 +355,6 @@ TEST_F(ChartCommandsTest, PopupRankingGraphsUseTheClickedColumn)
     EXPECT_EQ(charts().pendingWindow(), chartWindow(1)) << "the timer shows the latest window";
 }
 
-} // namespace
-
-namespace {
-
 // Charts read in point order (left to right, or top-down when their bars
 // lie), copy opaque, and do not repeat a one-series value-axis title as a
 // legend.
@@ -413,10 +409,6 @@ TEST(ChartLayout, PointOrderOpaqueCopiesAndNoEchoedLegend)
     }
 }
 
-} // namespace
-
-namespace {
-
 // Data labels of a crowded split index chart never overlap each other or the
 // index lines' texts, whichever way the bars run; crowded labels move or are
 // thinned out, but lone ones stay.
@@ -465,10 +457,6 @@ TEST(ChartLayout, DataLabelsNeverOverlap)
                 EXPECT_FALSE(boxes[i].intersects(boxes[j])) << i << " and " << j;
     }
 }
-
-} // namespace
-
-namespace {
 
 // The rule for category labels at its edges: upright while the widest
 // label and its gap fit a category's share of the axis; a line and its gap

@@ -117,9 +117,6 @@ TEST(PictureCommands, ClipboardFormatsAndPrinting)
     EXPECT_TRUE(clipboard->mimeData()->data(QStringLiteral("image/svg+xml")).contains("<svg"));
     EXPECT_TRUE(clipboard->mimeData()->data(QStringLiteral("image/x-emf")).startsWith(QByteArray::fromHex("01000000")));
     EXPECT_EQ(copyPictureToClipboard(Picture{}, clipboard), ClipboardNoPicture);
-    // Graph Copy Format 2: a bitmap only.
-    ASSERT_EQ(copyChartPicture(boxes(), 2, clipboard), ClipboardOk);
-    EXPECT_TRUE(clipboard->mimeData()->hasImage() && !clipboard->mimeData()->hasFormat(QStringLiteral("image/x-emf")));
 
     QTemporaryDir dir;
     QPrinter printer(QPrinter::HighResolution);
