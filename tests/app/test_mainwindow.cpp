@@ -485,11 +485,3 @@ TEST(DroppedFiles, OnlyOneLocalDocumentIsTaken)
     for (const QList<QUrl> &urls : refused)
         EXPECT_TRUE(droppedDocument(urls).isEmpty()) << urls.first().toString().toStdString();
 }
-
-int main(int argc, char **argv)
-{
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    ::testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
-}
