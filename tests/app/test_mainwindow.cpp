@@ -304,14 +304,6 @@ QPoint cellCentre(int column, int line, int headerLines)
     return QPoint(1 + column * Cell + Cell / 2, 1 + (line + headerLines) * Cell + Cell / 2);
 }
 
-SelectionMatrix unitOnly(const Document &doc, qint32 unit)
-{
-    SelectionMatrix selection = fullSelection(doc);
-    for (qint32 o = 0; o < selection.optionCount(); ++o)
-        selection.set(0, o, o == unit);
-    return selection;
-}
-
 } // namespace
 
 TEST_F(MainWindowTest, OverviewFollowsOpenShowAndClose)
@@ -325,7 +317,7 @@ TEST_F(MainWindowTest, OverviewFollowsOpenShowAndClose)
 
     // A narrower selection replaces rows, picture and panels together.
     const QImage everyone = wholeSheet(*sheet);
-    EXPECT_TRUE(w->showSelection(unitOnly(*w->document(), 1)).done());
+    EXPECT_TRUE(w->showSelection(test::firstCategoryOnly(*w->document(), 1)).done());
     EXPECT_EQ(sheet->input().rows, (std::vector<qint32>{4, 5, 6, 7}));
     EXPECT_NE(wholeSheet(*sheet), everyone);
     EXPECT_EQ(w->statusPanel(2)->text(), QStringLiteral(" 4"));
@@ -346,7 +338,7 @@ TEST_F(MainWindowTest, SheetExplainsHeadersShownAlone)
             auto doc = unitDocument();
             doc->properties.minimumSelection = minimum;
             w->session().documents().installDocument(std::move(doc), QStringLiteral("/s/units.kel"), true);
-            ASSERT_TRUE(w->showSelection(unitOnly(*w->document(), 1)).done());
+            ASSERT_TRUE(w->showSelection(test::firstCategoryOnly(*w->document(), 1)).done());
             SheetView *sheet = w->sheetView();
             if (minimum == 4) {
                 EXPECT_EQ(sheet->sheetGeometry().answerLines, 4);
@@ -375,7 +367,7 @@ TEST_F(MainWindowTest, PointerOnTheSheetReachesPopupAndDetailWindow)
 {
     auto w = makeWindow();
     w->session().documents().installDocument(unitDocument(), QStringLiteral("/s/units.kel"), true);
-    ASSERT_TRUE(w->showSelection(unitOnly(*w->document(), 0)).done());
+    ASSERT_TRUE(w->showSelection(test::firstCategoryOnly(*w->document(), 0)).done());
     w->show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(w.get()));
     SheetView *sheet = w->sheetView();
@@ -419,7 +411,7 @@ TEST_F(MainWindowTest, ASelectionWithoutRowsGivesNoAnswersThroughAnyCommand)
     // Everyone (89): rows and comments offered.
     EXPECT_TRUE(m.mnuVComments->isEnabled() && m.mnuECopyData->isEnabled());
 
-    ASSERT_TRUE(w->showSelection(unitOnly(*w->document(), 2)).done());
+    ASSERT_TRUE(w->showSelection(test::firstCategoryOnly(*w->document(), 2)).done());
     ASSERT_EQ(w->sheetView()->input().rows.size(), 9u);
     EXPECT_EQ(w->sheetView()->input().maxRowsDisplayed, 0);
     for (QAction *item : {m.mnuVComments, m.mnuECopyData, m.mnuPCopyData, m.mnuECopyToMiniOverview,
@@ -484,12 +476,4 @@ TEST(DroppedFiles, OnlyOneLocalDocumentIsTaken)
                                         {QUrl::fromLocalFile(renamed), QUrl::fromLocalFile(renamed)}};
     for (const QList<QUrl> &urls : refused)
         EXPECT_TRUE(droppedDocument(urls).isEmpty()) << urls.first().toString().toStdString();
-}
-
-int main(int argc, char **argv)
-{
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    ::testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
 }

@@ -23,13 +23,6 @@ using kel::test::smallUnitSurvey;
 namespace {
 
 // Unit is category 0; its options are Alpha (40), Beta (40) and Small.
-SelectionMatrix unitOnly(const Document &doc, qint32 unit)
-{
-    SelectionMatrix selection = fullSelection(doc);
-    for (qint32 o = 0; o < selection.optionCount(); ++o)
-        selection.set(0, o, o == unit);
-    return selection;
-}
 constexpr qint32 Small = 2;
 
 void open(ViewerSession &session, const SmallUnitOptions &options = {})
@@ -68,7 +61,7 @@ TEST(ViewerSession, RowsFollowTheMinimumSelectionAtItsEdge)
     for (const qint32 size : {9, 10}) {
         ViewerSession session(false);
         open(session, {.smallUnit = size, .minimumSelection = 10});
-        ASSERT_TRUE(session.show(unitOnly(*session.document(), Small), 0).done()) << size;
+        ASSERT_TRUE(session.show(test::firstCategoryOnly(*session.document(), Small), 0).done()) << size;
         session.setSheetOnScreen(true);
         EXPECT_EQ(session.shownSheet().rows.size(), std::size_t(size));
         EXPECT_EQ(session.dataRowsAllowed(), size == 10) << size;
@@ -85,7 +78,7 @@ TEST(ViewerSession, ARefusedShowKeepsTheSheetOnScreen)
     session.setSheetOnScreen(true);
     QSignalSpy shown(&session, &ViewerSession::sheetChanged);
     QSignalSpy flex(&session, &ViewerSession::flexTotalChanged);
-    EXPECT_FALSE(session.show(unitOnly(*session.document(), Small), 0).done());
+    EXPECT_FALSE(session.show(test::firstCategoryOnly(*session.document(), Small), 0).done());
     EXPECT_EQ(shown.count(), 0);
     EXPECT_EQ(flex.count(), 1) << "the flex total may change with a refused Show";
     EXPECT_EQ(session.shownSheet().rows.size(), 83u) << "everyone stays";

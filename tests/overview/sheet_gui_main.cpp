@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Widgets need an application; the tests draw off-screen, without a display.
+// Widgets need an application; the GUI tests of the overview, the shell and
+// the selection windows draw off-screen, without a display.
 #include "gui/overview/sheetview.h"
 
 #include <QApplication>

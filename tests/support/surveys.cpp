@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "surveys.h"
 
+#include "engine/selection/counting.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -297,6 +299,14 @@ std::unique_ptr<Document> smallUnitSurvey(const SmallUnitOptions &o)
         return nullptr;
     result.document->currentFileName = QStringLiteral("smallunit.kel");
     return std::move(result.document);
+}
+
+SelectionMatrix firstCategoryOnly(const Document &doc, qint32 option)
+{
+    SelectionMatrix selection = fullSelection(doc);
+    for (qint32 o = 0; o < selection.optionCount(); ++o)
+        selection.set(0, o, o == option);
+    return selection;
 }
 
 } // namespace kel::test

@@ -7,6 +7,7 @@
 
 #include "engine/document/document.h"
 #include "engine/document/documentreader.h"
+#include "engine/selection/selectionmatrix.h"
 #include "kelwriter.h"
 
 #include <QString>
@@ -160,5 +161,8 @@ struct SmallUnitOptions {
 /// the refusal text, "Everyone" the total.
 QByteArray smallUnitSurveyBytes(const SmallUnitOptions &o = {});
 std::unique_ptr<Document> smallUnitSurvey(const SmallUnitOptions &o = {});
+
+/// Everyone, but only `option` of category 0 ticked.
+SelectionMatrix firstCategoryOnly(const Document &doc, qint32 option);
 
 } // namespace kel::test
