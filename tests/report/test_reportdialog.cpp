@@ -24,13 +24,9 @@ struct Opened {
 Opened open(const UnitSurveyPermissions &p)
 {
     Opened o;
-    ReadResult read = readDocumentBytes(unitSurveyBytes(p), {});
-    EXPECT_TRUE(read.document);
-    o.doc = std::move(read.document);
+    o.doc = unitSurvey(p);
     o.context.document = o.doc.get();
-    o.context.base.model.setUpDimensions(*o.doc);
-    o.context.base.blocks = BlockCatalogue(*o.doc);
-    o.context.base.flex.reset(*o.doc, o.context.base.blocks);
+    o.context.base = baseOf(*o.doc);
     return o;
 }
 

@@ -14,13 +14,6 @@
 namespace kel::test {
 namespace {
 
-std::unique_ptr<Document> unitSurvey(const UnitSurveyPermissions &p = {})
-{
-    ReadResult read = readDocumentBytes(unitSurveyBytes(p), {});
-    EXPECT_TRUE(read.document);
-    return std::move(read.document);
-}
-
 ReportWords testWords()
 {
     ReportWords w;
@@ -33,15 +26,6 @@ ReportWords testWords()
     w.commentsForbidden = QStringLiteral("NO-COMMENTS");
     w.splitNotAllowed = QStringLiteral("NO-SPLIT");
     return w;
-}
-
-ReportBase baseOf(Document &doc)
-{
-    ReportBase base;
-    base.model.setUpDimensions(doc);
-    base.blocks = BlockCatalogue(doc);
-    base.flex.reset(doc, base.blocks);
-    return base;
 }
 
 std::vector<ReportUnit> build(const Document &doc, const ReportRecipe &recipe, ReportBase base)

@@ -18,13 +18,9 @@ namespace {
 
 Report unitReport()
 {
-    ReadResult read = readDocumentBytes(unitSurveyBytes(), {});
-    EXPECT_TRUE(read.document);
-    Document &doc = *read.document;
-    ReportBase base;
-    base.model.setUpDimensions(doc);
-    base.blocks = BlockCatalogue(doc);
-    base.flex.reset(doc, base.blocks);
+    const std::unique_ptr<Document> read = unitSurvey();
+    Document &doc = *read;
+    const ReportBase base = baseOf(doc);
     ReportRecipe recipe;
     recipe.units = ReportUnits::ByCategory;
     recipe.category = 0;
