@@ -108,4 +108,15 @@ inline ReportBase baseOf(Document &doc)
     return base;
 }
 
+/// A report of one unit per option of the category Unit.
+inline ReportRecipe byUnit(std::initializer_list<ReportSection> sections)
+{
+    ReportRecipe recipe;
+    recipe.units = ReportUnits::ByCategory;
+    recipe.category = 0;
+    for (ReportSection s : sections)
+        recipe.add(s);
+    return recipe;
+}
+
 } // namespace kel::test

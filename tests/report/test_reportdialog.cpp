@@ -76,11 +76,7 @@ TEST(ReportDialog, WritesTheReportOfItsControls)
 {
     Opened o = open({});
     ReportDialog dialog(o.context);
-    ReportRecipe recipe;
-    recipe.units = ReportUnits::ByCategory;
-    recipe.category = 0;
-    recipe.add(ReportSection::TitlePage);
-    recipe.add(ReportSection::IndexTable);
+    ReportRecipe recipe = byUnit({ReportSection::TitlePage, ReportSection::IndexTable});
     dialog.setRecipe(recipe);
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("units.html"));
@@ -114,11 +110,7 @@ TEST(ReportDialog, AReportThatCannotBeWrittenSaysWhyInTheInterfaceLanguage)
         Opened o = open({});
         o.context.isSwedish = row.swedish;
         ReportDialog dialog(o.context);
-        ReportRecipe recipe;
-        recipe.units = ReportUnits::ByCategory;
-        recipe.category = 0;
-        recipe.add(ReportSection::TitlePage);
-        dialog.setRecipe(recipe);
+        dialog.setRecipe(byUnit({ReportSection::TitlePage}));
         const QString message = dialog.writeTo(path);
         EXPECT_TRUE(message.startsWith(QString::fromUtf8(row.start).arg(path))) << message.toStdString();
         EXPECT_GT(message.size(), QString::fromUtf8(row.start).arg(path).size()) << "the reason is missing";

@@ -39,16 +39,6 @@ std::vector<ReportUnit> build(const Document &doc, const ReportRecipe &recipe, R
     return units;
 }
 
-ReportRecipe byUnit(std::initializer_list<ReportSection> sections)
-{
-    ReportRecipe recipe;
-    recipe.units = ReportUnits::ByCategory;
-    recipe.category = 0;
-    for (ReportSection s : sections)
-        recipe.add(s);
-    return recipe;
-}
-
 std::size_t countKind(const ReportUnit &unit, ReportItem::Kind kind)
 {
     return std::size_t(

@@ -21,11 +21,7 @@ Report unitReport()
     const std::unique_ptr<Document> read = unitSurvey();
     Document &doc = *read;
     const ReportBase base = baseOf(doc);
-    ReportRecipe recipe;
-    recipe.units = ReportUnits::ByCategory;
-    recipe.category = 0;
-    recipe.add(ReportSection::TitlePage);
-    recipe.add(ReportSection::BlockFractions);
+    const ReportRecipe recipe = byUnit({ReportSection::TitlePage, ReportSection::BlockFractions});
     Report report;
     report.title = QStringLiteral("Units");
     report.words.page = QStringLiteral("Page %1 of %2");
