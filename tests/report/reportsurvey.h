@@ -5,9 +5,12 @@
 #pragma once
 
 #include "engine/document/documentreader.h"
+#include "engine/report/reportbuilder.h"
 #include "kelwriter.h"
 
 #include <QString>
+
+#include <gtest/gtest.h>
 
 namespace kel::test {
 
@@ -85,6 +88,35 @@ inline QByteArray unitSurveyBytes(const UnitSurveyPermissions &p = {})
     b.setCellComment(18, mood, QStringLiteral("east secret"));
     b.setCellComment(22, mood, QStringLiteral("west mood"));
     return b.toBytes();
+}
+
+/// The unit survey as read.
+inline std::unique_ptr<Document> unitSurvey(const UnitSurveyPermissions &p = {})
+{
+    ReadResult read = readDocumentBytes(unitSurveyBytes(p), {});
+    EXPECT_TRUE(read.document);
+    return std::move(read.document);
+}
+
+/// The report base the viewer sets up for `doc`: everyone ticked.
+inline ReportBase baseOf(Document &doc)
+{
+    ReportBase base;
+    base.model.setUpDimensions(doc);
+    base.blocks = BlockCatalogue(doc);
+    base.flex.reset(doc, base.blocks);
+    return base;
+}
+
+/// A report of one unit per option of the category Unit.
+inline ReportRecipe byUnit(std::initializer_list<ReportSection> sections)
+{
+    ReportRecipe recipe;
+    recipe.units = ReportUnits::ByCategory;
+    recipe.category = 0;
+    for (ReportSection s : sections)
+        recipe.add(s);
+    return recipe;
 }
 
 } // namespace kel::test

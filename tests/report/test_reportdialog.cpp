@@ -24,13 +24,9 @@ struct Opened {
 Opened open(const UnitSurveyPermissions &p)
 {
     Opened o;
-    ReadResult read = readDocumentBytes(unitSurveyBytes(p), {});
-    EXPECT_TRUE(read.document);
-    o.doc = std::move(read.document);
+    o.doc = unitSurvey(p);
     o.context.document = o.doc.get();
-    o.context.base.model.setUpDimensions(*o.doc);
-    o.context.base.blocks = BlockCatalogue(*o.doc);
-    o.context.base.flex.reset(*o.doc, o.context.base.blocks);
+    o.context.base = baseOf(*o.doc);
     return o;
 }
 
@@ -80,11 +76,7 @@ TEST(ReportDialog, WritesTheReportOfItsControls)
 {
     Opened o = open({});
     ReportDialog dialog(o.context);
-    ReportRecipe recipe;
-    recipe.units = ReportUnits::ByCategory;
-    recipe.category = 0;
-    recipe.add(ReportSection::TitlePage);
-    recipe.add(ReportSection::IndexTable);
+    ReportRecipe recipe = byUnit({ReportSection::TitlePage, ReportSection::IndexTable});
     dialog.setRecipe(recipe);
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("units.html"));
@@ -118,11 +110,7 @@ TEST(ReportDialog, AReportThatCannotBeWrittenSaysWhyInTheInterfaceLanguage)
         Opened o = open({});
         o.context.isSwedish = row.swedish;
         ReportDialog dialog(o.context);
-        ReportRecipe recipe;
-        recipe.units = ReportUnits::ByCategory;
-        recipe.category = 0;
-        recipe.add(ReportSection::TitlePage);
-        dialog.setRecipe(recipe);
+        dialog.setRecipe(byUnit({ReportSection::TitlePage}));
         const QString message = dialog.writeTo(path);
         EXPECT_TRUE(message.startsWith(QString::fromUtf8(row.start).arg(path))) << message.toStdString();
         EXPECT_GT(message.size(), QString::fromUtf8(row.start).arg(path).size()) << "the reason is missing";

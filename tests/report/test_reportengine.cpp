@@ -14,13 +14,6 @@
 namespace kel::test {
 namespace {
 
-std::unique_ptr<Document> unitSurvey(const UnitSurveyPermissions &p = {})
-{
-    ReadResult read = readDocumentBytes(unitSurveyBytes(p), {});
-    EXPECT_TRUE(read.document);
-    return std::move(read.document);
-}
-
 ReportWords testWords()
 {
     ReportWords w;
@@ -35,15 +28,6 @@ ReportWords testWords()
     return w;
 }
 
-ReportBase baseOf(Document &doc)
-{
-    ReportBase base;
-    base.model.setUpDimensions(doc);
-    base.blocks = BlockCatalogue(doc);
-    base.flex.reset(doc, base.blocks);
-    return base;
-}
-
 std::vector<ReportUnit> build(const Document &doc, const ReportRecipe &recipe, ReportBase base)
 {
     ReportPlanError error;
@@ -53,16 +37,6 @@ std::vector<ReportUnit> build(const Document &doc, const ReportRecipe &recipe, R
     for (const ReportUnitPlan &plan : plans.value_or(std::vector<ReportUnitPlan>{}))
         units.push_back(buildReportUnit(doc, base, recipe, plan, testWords(), ReportOptions{}));
     return units;
-}
-
-ReportRecipe byUnit(std::initializer_list<ReportSection> sections)
-{
-    ReportRecipe recipe;
-    recipe.units = ReportUnits::ByCategory;
-    recipe.category = 0;
-    for (ReportSection s : sections)
-        recipe.add(s);
-    return recipe;
 }
 
 std::size_t countKind(const ReportUnit &unit, ReportItem::Kind kind)

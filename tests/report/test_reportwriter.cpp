@@ -18,18 +18,10 @@ namespace {
 
 Report unitReport()
 {
-    ReadResult read = readDocumentBytes(unitSurveyBytes(), {});
-    EXPECT_TRUE(read.document);
-    Document &doc = *read.document;
-    ReportBase base;
-    base.model.setUpDimensions(doc);
-    base.blocks = BlockCatalogue(doc);
-    base.flex.reset(doc, base.blocks);
-    ReportRecipe recipe;
-    recipe.units = ReportUnits::ByCategory;
-    recipe.category = 0;
-    recipe.add(ReportSection::TitlePage);
-    recipe.add(ReportSection::BlockFractions);
+    const std::unique_ptr<Document> read = unitSurvey();
+    Document &doc = *read;
+    const ReportBase base = baseOf(doc);
+    const ReportRecipe recipe = byUnit({ReportSection::TitlePage, ReportSection::BlockFractions});
     Report report;
     report.title = QStringLiteral("Units");
     report.words.page = QStringLiteral("Page %1 of %2");

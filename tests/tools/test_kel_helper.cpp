@@ -124,15 +124,14 @@ TEST(KelLoads, PicturesAreDrawnByTheHelperStartedAtTheFirstRenderLine)
     EXPECT_TRUE(QFileInfo(html).size() > 0);
 
     // `kel render` becomes the helper: one process, which draws.
-    const Watched render = runWatched(QStringLiteral(KEL_TOOL), kelArgs("render", Sample, "overview") << "-o" << png);
-    EXPECT_EQ(render.exitCode, 0);
-    ASSERT_EQ(render.loadedByProcess.size(), 1);
-    EXPECT_TRUE(render.loadedByProcess.first().contains(QStringLiteral("libQt6Gui.so.6")));
-    const Watched report =
-        runWatched(QStringLiteral(KEL_TOOL), kelArgs("report", Sample, "--sections title") << "-o" << html);
-    EXPECT_EQ(report.exitCode, 0);
-    ASSERT_EQ(report.loadedByProcess.size(), 1);
-    EXPECT_TRUE(report.loadedByProcess.first().contains(QStringLiteral("libQt6Gui.so.6")));
+    for (const QStringList &args : {kelArgs("render", Sample, "overview") << "-o" << png,
+                                    kelArgs("report", Sample, "--sections title") << "-o" << html}) {
+        SCOPED_TRACE(args.first().toStdString());
+        const Watched drawn = runWatched(QStringLiteral(KEL_TOOL), args);
+        EXPECT_EQ(drawn.exitCode, 0);
+        ASSERT_EQ(drawn.loadedByProcess.size(), 1);
+        EXPECT_TRUE(drawn.loadedByProcess.first().contains(QStringLiteral("libQt6Gui.so.6")));
+    }
 }
 
 TEST(KelLoads, WithoutTheHelperPicturesFailWithTheirOwnStatusAndTheRestWorks)
@@ -144,18 +143,17 @@ TEST(KelLoads, WithoutTheHelperPicturesFailWithTheirOwnStatusAndTheRestWorks)
     ASSERT_TRUE(QFile::copy(QStringLiteral(KEL_TOOL), lonely));
     const QString png = dir.filePath(QStringLiteral("o.png"));
 
-    QProcess p;
-    p.start(lonely, kelArgs("render", Sample, "overview") << "-o" << png);
-    p.waitForFinished(60000);
-    EXPECT_EQ(p.exitCode(), 69);
-    EXPECT_TRUE(p.readAllStandardError().contains("kel-render, which is not installed"));
-    EXPECT_FALSE(QFileInfo::exists(png));
     const QString html = dir.filePath(QStringLiteral("r.html"));
-    p.start(lonely, kelArgs("report", Sample, "--sections title") << "-o" << html);
-    p.waitForFinished(60000);
-    EXPECT_EQ(p.exitCode(), 69);
-    EXPECT_TRUE(p.readAllStandardError().contains("kel-render, which is not installed"));
-    EXPECT_FALSE(QFileInfo::exists(html));
+    QProcess p;
+    for (const auto &[args, output] : {std::pair{kelArgs("render", Sample, "overview"), png},
+                                       std::pair{kelArgs("report", Sample, "--sections title"), html}}) {
+        SCOPED_TRACE(args.first().toStdString());
+        p.start(lonely, QStringList(args) << QStringLiteral("-o") << output);
+        p.waitForFinished(60000);
+        EXPECT_EQ(p.exitCode(), 69);
+        EXPECT_TRUE(p.readAllStandardError().contains("kel-render, which is not installed"));
+        EXPECT_FALSE(QFileInfo::exists(output));
+    }
     // What needs no drawing is judged by kel itself: an option the command
     // would ignore, no file, an output that is the document.
     const QString doc = dir.filePath(QStringLiteral("survey.kel"));

@@ -98,20 +98,11 @@ TEST(SelectByName, EveryCommandTakesNames)
     if (!KEL_CAN_RENDER)
         return;
     const QString a = dir.filePath(QStringLiteral("a.svg")), b = dir.filePath(QStringLiteral("b.svg"));
-    EXPECT_EQ(runKel(kelArgs("render", Sample) << "--select" << byName << "graph"
-                                               << "fraction"
-                                               << "--block"
-                                               << "0"
-                                               << "-o" << a)
-                  .exitCode,
-              0);
-    EXPECT_EQ(runKel(kelArgs("render", Sample) << "--select" << byNumber << "graph"
-                                               << "fraction"
-                                               << "--block"
-                                               << "0"
-                                               << "-o" << b)
-                  .exitCode,
-              0);
+    for (const auto &[selection, file] : {std::pair{byName, a}, std::pair{byNumber, b}})
+        EXPECT_EQ(runKel(kelArgs("render", Sample)
+                         << QStringLiteral("--select") << selection << words("graph fraction --block 0 -o") << file)
+                      .exitCode,
+                  0);
     QFile fa(a), fb(b);
     ASSERT_TRUE(fa.open(QIODevice::ReadOnly) && fb.open(QIODevice::ReadOnly));
     EXPECT_EQ(fa.readAll(), fb.readAll());
